@@ -1,0 +1,29 @@
+# Compiler settings that every target of the project shares, as the interface target ovCompilerSettings.
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+
+# Dev: drawing on the software rasteriser is too slow to test without optimisation; assertions stay on.
+set(CMAKE_CXX_FLAGS_DEV "-O1 -g1" CACHE STRING "Flags of the Dev build type")
+mark_as_advanced(CMAKE_CXX_FLAGS_DEV)
+if(NOT CMAKE_BUILD_TYPE AND PROJECT_IS_TOP_LEVEL)
+    set(CMAKE_BUILD_TYPE Dev CACHE STRING "Dev, Release, RelWithDebInfo or Debug" FORCE)
+endif()
+
+find_program(OV_CCACHE ccache)
+if(OV_CCACHE AND PROJECT_IS_TOP_LEVEL)
+    set(CMAKE_CXX_COMPILER_LAUNCHER "${OV_CCACHE}")
+endif()
+
+add_library(ovCompilerSettings INTERFACE)
+target_compile_features(ovCompilerSettings INTERFACE cxx_std_20)
+target_compile_options(ovCompilerSettings INTERFACE -Wall -Wextra -Wshadow -Wnon-virtual-dtor -Wold-style-cast
+    $<$<BOOL:${OV_WARNINGS_AS_ERRORS}>:-Werror>)
+if(OV_SANITIZE)
+    target_compile_options(ovCompilerSettings INTERFACE -fsanitize=${OV_SANITIZE} -fno-omit-frame-pointer
+        -fno-sanitize-recover=all)
+    target_link_options(ovCompilerSettings INTERFACE -fsanitize=${OV_SANITIZE})
+endif()

@@ -1,0 +1,18 @@
+# ov_embed_shaders(<target>)
+#
+# Turns every *.ovsl file below the calling folder into a constant of the namespace <target>::embedded:
+# src/ovVeldris/effects/FxaaEffect.pixel.ovsl becomes `inline constexpr StringView FxaaEffect_pixel`, in the
+# generated header <target>/EmbeddedShaders.h, which sources include (it is never installed). The text is
+# embedded byte for byte.
+function(ov_embed_shaders target)
+    file(GLOB_RECURSE shaders CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/*.ovsl")
+    set(generated_dir "${CMAKE_CURRENT_BINARY_DIR}/generated")
+    set(header "${generated_dir}/${target}/EmbeddedShaders.h")
+    set(script "${PROJECT_SOURCE_DIR}/cmake/OvEmbedShadersScript.cmake")
+    string(REPLACE ";" "," shader_list "${shaders}")
+    add_custom_command(OUTPUT "${header}"
+        COMMAND ${CMAKE_COMMAND} "-DOUTPUT=${header}" "-DNAMESPACE=${target}" "-DSHADERS=${shader_list}" -P "${script}"
+        DEPENDS ${shaders} "${script}" VERBATIM)
+    target_sources(${target} PRIVATE "${header}")
+    target_include_directories(${target} PRIVATE "${generated_dir}")
+endfunction()

@@ -1,0 +1,12 @@
+# Writes the header described in OvEmbedShaders.cmake: OUTPUT, NAMESPACE and SHADERS come from the command line.
+string(REPLACE "," ";" shaders "${SHADERS}")
+set(text "// Generated from the .ovsl files of ${NAMESPACE}; edit those.\n#pragma once\n#include <string_view>\n\nnamespace ${NAMESPACE}::embedded {\n")
+foreach(shader IN LISTS shaders)
+    get_filename_component(name "${shader}" NAME)
+    string(REGEX REPLACE "\\.ovsl$" "" name "${name}")
+    string(REPLACE "." "_" name "${name}")
+    file(READ "${shader}" body)
+    string(APPEND text "\ninline constexpr std::string_view ${name} = R\"ovsl(${body})ovsl\";\n")
+endforeach()
+string(APPEND text "\n} // namespace ${NAMESPACE}::embedded\n")
+file(WRITE "${OUTPUT}" "${text}")

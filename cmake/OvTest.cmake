@@ -1,0 +1,45 @@
+# ov_add_tests(<library> [LINK <targets>...])
+#
+# One test program, <library>Tests, from every *Test.cpp below the calling folder; each case is a CTest test.
+if(OV_BUILD_TESTS)
+    find_package(GTest REQUIRED)
+    include(GoogleTest)
+endif()
+
+# Mesa's own shader cache makes a second test process warm up in milliseconds instead of hundreds; keep it in
+# the build folder, so that tests write nothing in the user's home.
+set(OV_TEST_ENVIRONMENT
+    "MESA_SHADER_CACHE_DIR=${PROJECT_BINARY_DIR}/mesa_shader_cache"
+    "ASAN_OPTIONS=detect_leaks=1"
+    "LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/lsan.supp:print_suppressions=0"
+    "TSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/support/tsan.supp:halt_on_error=1"
+    "UBSAN_OPTIONS=print_stacktrace=1"
+    "OV_TEST_OUTPUT_DIR=${PROJECT_BINARY_DIR}/test_output")
+
+function(ov_add_tests library)
+    cmake_parse_arguments(arg "" "" "LINK" ${ARGN})
+    if(NOT OV_BUILD_TESTS)
+        return()
+    endif()
+    file(GLOB_RECURSE sources CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/*.cpp")
+    list(FILTER sources EXCLUDE REGEX "/fuzz/")
+    set(program "${library}Tests")
+    add_executable(${program} ${sources})
+    target_include_directories(${program} PRIVATE "${PROJECT_SOURCE_DIR}/tests")
+    target_link_libraries(${program} PRIVATE ${library} ${arg_LINK} ovCompilerSettings GTest::gtest_main)
+    gtest_discover_tests(${program} DISCOVERY_TIMEOUT 120
+        PROPERTIES TIMEOUT 300 LABELS ${library} ENVIRONMENT "${OV_TEST_ENVIRONMENT}")
+endfunction()
+
+# ov_add_fuzzer(<name> <source> LINK <targets>...): a libFuzzer program, built only by the fuzz preset.
+function(ov_add_fuzzer name source)
+    cmake_parse_arguments(arg "" "" "LINK" ${ARGN})
+    if(NOT OV_BUILD_FUZZERS)
+        return()
+    endif()
+    add_executable(${name} "${source}")
+    target_include_directories(${name} PRIVATE "${PROJECT_SOURCE_DIR}/tests")
+    target_compile_options(${name} PRIVATE -fsanitize=fuzzer)
+    target_link_options(${name} PRIVATE -fsanitize=fuzzer)
+    target_link_libraries(${name} PRIVATE ${arg_LINK} ovCompilerSettings)
+endfunction()
