@@ -1,0 +1,137 @@
+// The graphics system: a device and everything that lives on it.
+#pragma once
+
+#include <ovCommon/MaybeSingletonClass.h>
+#include <ovGraphics/Configuration.h>
+#include <ovMemory/Memory.h>
+
+namespace ovGraphics {
+class System;
+}
+
+extern template class ovCommon::MaybeSingletonClass<ovGraphics::System>;
+
+namespace ovGraphics {
+
+class Camera;
+class CameraManager;
+class CompositorManager;
+class ProgramLibrary;
+class ProgramManager;
+class RenderContext;
+class RenderContextManager;
+class Resource;
+class SamplerManager;
+class ShaderManager;
+class TextureManager;
+class ViewportManager;
+
+namespace device {
+class Device;
+struct DeviceInfo;
+} // namespace device
+
+/// The time that one pass took in the last frame.
+struct PassTiming {
+    ovMemory::String name;
+    double milliseconds = 0.0;
+};
+
+/// The seconds that time slots see.
+struct FrameTime {
+    double seconds = 0.0;      ///< since initialize(), or as fixed
+    double deltaSeconds = 0.0; ///< length of the last frame
+};
+
+/// A graphics device with its managers. Any number may exist; each belongs to the thread that initialised it.
+class OV_API System : public ovCommon::MaybeSingletonClass<System> {
+public:
+    /// A system of its own, not initialised.
+    System();
+    ~System() override;
+
+    bool getIsInitialized() const { return _device != nullptr; }
+    /// Opens the device. Does nothing on a system that is initialised.
+    /// @return false after one log line when no device can be opened
+    bool initialize(const Configuration& configuration);
+    /// Unloads every resource and closes the device; the resources stay and can be loaded after initialize().
+    void shutdown();
+
+    /// Draws a context now: every active node of its compositor; then shows it when it draws in the window.
+    /// @return false when the system is not initialised or the context has no compositor or target
+    bool frame(RenderContext* context);
+
+    const Configuration& getConfiguration() const { return _configuration; }
+    SHADER_LANGUAGE getLanguage() const { return _configuration.language; }
+    /// What the device is and can do; null before initialize().
+    const device::DeviceInfo* getDeviceInfo() const;
+    /// The headless devices that Configuration::device chooses from, one line each.
+    static ovMemory::Buffer<ovMemory::String> listDevices();
+
+    TextureManager* getTextureManager() const { return _textures.get(); }
+    SamplerManager* getSamplerManager() const { return _samplers.get(); }
+    ProgramManager* getProgramManager() const { return _programs.get(); }
+    ShaderManager* getShaderManager() const { return _shaders.get(); }
+    CameraManager* getCameraManager() const { return _cameras.get(); }
+    ViewportManager* getViewportManager() const { return _viewports.get(); }
+    CompositorManager* getCompositorManager() const { return _compositors.get(); }
+    RenderContextManager* getRenderContextManager() const { return _renderContexts.get(); }
+
+    /// Fixes the time that time slots see, so that renders repeat exactly.
+    void setFixedTime(double seconds, double deltaSeconds);
+    /// Lets the time run again.
+    void clearFixedTime();
+    const FrameTime& getFrameTime() const { return _frameTime; }
+
+    /// Measures each pass of every frame (which costs time itself). Default off.
+    void setPassTimingEnabled(bool enabled) { _passTimingEnabled = enabled; }
+    bool getPassTimingEnabled() const { return _passTimingEnabled; }
+    /// The passes of the last frame in order; empty unless timing is enabled.
+    const ovMemory::Buffer<PassTiming>& getPassTimings() const { return _passTimings; }
+    /// "timer queries" on hardware; "wall clock" on a software device, where queries cover the submission only.
+    ovMemory::StringView getPassTimingMethod() const;
+    void addPassTiming(ovMemory::StringView name, double milliseconds);
+
+    /// Sends one line to the configuration's logger, if there is one.
+    void log(ovMemory::StringView message, ovMemory::StringView sender) const;
+
+    // The window, when the configuration asked for one.
+    void pollWindowEvents();
+    bool windowShouldClose() const;
+
+    /// The device; null before initialize().
+    device::Device* getDevice() const { return _device.get(); }
+    /// The compiled programs of this system.
+    ProgramLibrary& getProgramLibrary() const { return *_programLibrary; }
+
+private:
+    friend class ovCommon::MaybeSingletonClass<System>;
+    friend class Resource;
+
+    explicit System(bool);
+    void _registerResource(Resource* resource);
+    void _unregisterResource(Resource* resource);
+    void _advanceTime();
+    void _reportDebugErrors();
+
+    Configuration _configuration;
+    ovMemory::UniquePtr<device::Device> _device;
+    ovMemory::UniquePtr<ProgramLibrary> _programLibrary;
+    ovMemory::Buffer<Resource*> _resources; ///< every resource of this system, managed or not
+    FrameTime _frameTime;
+    double _startSeconds = 0.0;
+    bool _timeIsFixed = false;
+    bool _passTimingEnabled = false;
+    ovMemory::Buffer<PassTiming> _passTimings;
+
+    ovMemory::UniquePtr<TextureManager> _textures;
+    ovMemory::UniquePtr<SamplerManager> _samplers;
+    ovMemory::UniquePtr<ProgramManager> _programs;
+    ovMemory::UniquePtr<ShaderManager> _shaders;
+    ovMemory::UniquePtr<CameraManager> _cameras;
+    ovMemory::UniquePtr<ViewportManager> _viewports;
+    ovMemory::UniquePtr<CompositorManager> _compositors;
+    ovMemory::UniquePtr<RenderContextManager> _renderContexts;
+};
+
+} // namespace ovGraphics

@@ -1,0 +1,74 @@
+// Passes that draw into the same targets.
+#pragma once
+
+#include <ovGraphics/compositor/CompositorPass.h>
+
+namespace ovGraphics {
+
+class Camera;
+class RenderContext;
+class Viewport;
+
+namespace device {
+class GpuTarget;
+}
+
+/// Targets, a depth buffer, a viewport, and the passes that draw there in order. Owned by its node.
+class OV_API CompositorOperationsBlock {
+public:
+    explicit CompositorOperationsBlock(System* system);
+    ~CompositorOperationsBlock();
+
+    /// Draws into one mip of one slice (or cube face) of a loaded, render-target texture. @param index of the pixel
+    /// stage's output, 0 to 7; others are ignored. Without any target the block draws into the context's back buffer.
+    void setTarget(unsigned int index, Texture* texture, unsigned int slice = 0, unsigned int mip = 0);
+    Texture* getTarget(unsigned int index) const;
+    /// A depth texture to test against and write; null for none.
+    void setDepthBuffer(Texture* texture, unsigned int slice = 0, unsigned int mip = 0);
+    /// The part of the targets that is drawn to; null: all of it.
+    void setViewport(Viewport* viewport) { _viewport = viewport; }
+    Viewport* getViewport() const { return _viewport.get(); }
+
+    ClearPass* appendClearPass();
+    PostProcessPass* appendPostProcessPass();
+    MipGenerationPass* appendMipGenerationPass();
+    /// Puts a pass before the one at position; a position beyond the end appends. @return the pass
+    CompositorPass* insertPass(unsigned int position, ovMemory::UniquePtr<CompositorPass> pass);
+    unsigned int getPassCount() const { return static_cast<unsigned int>(_passes.size()); }
+    /// The pass at a position, or null.
+    CompositorPass* getPass(unsigned int position) const;
+    /// Destroys a pass. @return false when it is not of this block
+    bool removePass(const CompositorPass* pass);
+
+    /// Draws the passes. @param active false when a target is unusable: one log line, nothing drawn
+    bool execute(RenderContext& context);
+
+private:
+    struct Target {
+        Borrowed<Texture> texture;
+        unsigned int slice = 0;
+        unsigned int mip = 0;
+        unsigned int loadCount = 0; ///< load of the texture that _gpuTarget was made with
+        bool set = false;
+    };
+
+    template <typename Pass>
+    Pass* _append();
+    bool _prepareTarget(RenderContext& context);
+    bool _targetIsCurrent(Texture* backBuffer) const;
+    ovMemory::UniquePtr<device::GpuTarget> _createTarget(Texture* backBuffer, ovMemory::String& error);
+
+    System* _system;
+    std::array<Target, device::MAX_COLOUR_TARGETS> _targets;
+    unsigned int _targetCount = 0;
+    Target _depth;
+    Borrowed<Viewport> _viewport;
+    ovMemory::Buffer<ovMemory::UniquePtr<CompositorPass>> _passes;
+    ovMemory::UniquePtr<device::GpuTarget> _gpuTarget;
+    Borrowed<Texture> _gpuTargetBackBuffer;
+    unsigned int _width = 0;  ///< of the targets, texels
+    unsigned int _height = 0; ///< of the targets, texels
+    bool _failureLogged = false;
+};
+
+} // namespace ovGraphics

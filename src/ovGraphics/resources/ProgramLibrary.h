@@ -1,0 +1,56 @@
+// The compiled programs of a system: each text is compiled once.
+#pragma once
+
+#include <cstdint>
+#include <ovCommon/Api.h>
+#include <ovGraphics/shading/CompiledProgram.h>
+#include <ovGraphics/shading/ProgramDiskCache.h>
+#include <unordered_map>
+
+namespace ovGraphics {
+
+namespace device {
+class Device;
+class GpuProgram;
+} // namespace device
+
+/// A program on the device with its interface. Shared by every Program of the same text.
+struct LoadedProgram {
+    shading::CompiledProgram compiled;
+    ovMemory::UniquePtr<device::GpuProgram> gpuProgram;
+    unsigned int users = 0;
+};
+
+/// How the programs of a library came to be.
+struct ProgramLibraryStatistics {
+    uint64_t compiled = 0;   ///< cross-compiled from text
+    uint64_t fromDisk = 0;   ///< read from the cache folder
+    uint64_t fromMemory = 0; ///< shared with a program of the same text
+};
+
+/// Compiles programs, shares those of equal text, and keeps them on disk when the configuration names a folder.
+class OV_API ProgramLibrary {
+public:
+    ProgramLibrary(device::Device& device, ovMemory::String cacheFolder);
+    ~ProgramLibrary();
+
+    /// The program of a text, with one more user. @return null with one message in error; warnings gets the
+    /// compilers' warnings, and a cache folder that cannot be written to
+    const LoadedProgram* acquire(const shading::ProgramText& text, ovMemory::String& error, ovMemory::String& warnings);
+    /// Takes one user away; the last one frees the program.
+    void release(const LoadedProgram* program);
+
+    const ProgramLibraryStatistics& getStatistics() const { return _statistics; }
+
+private:
+    ovMemory::UniquePtr<LoadedProgram> _loadFromDisk(const shading::ProgramText& text);
+    ovMemory::UniquePtr<LoadedProgram> _compile(const shading::ProgramText& text, ovMemory::String& error,
+                                                ovMemory::String& warnings);
+
+    device::Device& _device;
+    shading::ProgramDiskCache _diskCache;
+    ProgramLibraryStatistics _statistics;
+    std::unordered_map<ovMemory::String, ovMemory::UniquePtr<LoadedProgram>> _programs; ///< by the full text
+};
+
+} // namespace ovGraphics

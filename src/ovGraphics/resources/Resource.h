@@ -1,0 +1,85 @@
+// The base of everything that a graphics system names.
+#pragma once
+
+#include <ovCommon/Api.h>
+#include <ovGraphics/Enums.h>
+#include <ovGraphics/resources/Borrowed.h>
+#include <ovMemory/Memory.h>
+
+namespace ovGraphics {
+
+class System;
+
+/// A named object of a graphics system: a texture, a shader, a camera, a compositor, ...
+///
+/// Settings are stored by setters and take effect on the device at load(). A resource outlives neither of two
+/// things silently: when its system shuts down it is unloaded, and when it is destroyed whoever borrowed it
+/// forgets it.
+class OV_API Resource {
+public:
+    Resource(const Resource&) = delete;
+    Resource& operator=(const Resource&) = delete;
+    virtual ~Resource();
+
+    ovMemory::StringView getName() const { return _name; }
+    /// Names need not be unique, except inside a manager, whose rename() is to be used there.
+    void setName(ovMemory::StringView name) { _name = name; }
+
+    /// The system that the resource was created on; null after that system was destroyed.
+    System* getSystem() const { return _system; }
+
+    /// A hidden resource is internal to a library: lists shown to users leave it out. Default false.
+    bool getHidden() const { return _hidden; }
+    void setHidden(bool hidden) { _hidden = hidden; }
+
+    /// Whether load() may leave the upload to the first use. Default false.
+    bool getGpuUploadCanBeDeferred() const { return _gpuUploadCanBeDeferred; }
+    void setGpuUploadCanBeDeferred(bool deferred) { _gpuUploadCanBeDeferred = deferred; }
+
+    RESOURCE_LOAD_STATE getLoadState() const { return _loadState; }
+    bool isUnloaded() const { return _loadState == RESOURCE_LOAD_STATE::UNLOADED; }
+
+    /// Makes the resource usable with its present settings. A loaded resource whose settings did not change since
+    /// is left as it is; otherwise it is unloaded first.
+    /// @return false after one log line that says why; the resource is then unloaded.
+    bool load();
+
+    /// Frees what load() made; the settings stay.
+    void unload();
+
+    /// unload(), and back to the settings of a new resource of this kind; name and hidden flag stay.
+    virtual void reset();
+
+protected:
+    /// @param kind what log lines call it ("texture", "shader"); a literal
+    Resource(System* system, ovMemory::StringView kind);
+
+    /// Makes the device's objects. @return false with the reason in error.
+    virtual bool _load(ovMemory::String& error);
+    /// Frees the device's objects; also called on resources that are not loaded.
+    virtual void _unload() {}
+
+    /// To be called by setters: the next load() must not be skipped.
+    void _settingChanged() { _changedSinceLoad = true; }
+    void _setLoadState(RESOURCE_LOAD_STATE state) { _loadState = state; }
+    /// Sends "<what>" to the system's logger, with the class of the resource as sender.
+    void _log(ovMemory::StringView message) const;
+
+private:
+    friend class System;
+    friend class BorrowedBase;
+
+    System* _system;
+    ovMemory::StringView _kind;
+    ovMemory::String _name;
+    RESOURCE_LOAD_STATE _loadState = RESOURCE_LOAD_STATE::UNLOADED;
+    bool _hidden = false;
+    bool _gpuUploadCanBeDeferred = false;
+    bool _changedSinceLoad = true;
+    BorrowedBase* _borrowers = nullptr; ///< list of the pointers that become null with this object
+};
+
+/// The system to create a resource on: the given one, or the singleton when it is null.
+OV_API System* systemOrSingleton(System* system);
+
+} // namespace ovGraphics

@@ -1,0 +1,64 @@
+// Owned resources by name: the pattern that every manager of a graphics system shares.
+#pragma once
+
+#include <ovCommon/Api.h>
+#include <ovMemory/NameMap.h>
+
+namespace ovGraphics {
+
+class System;
+
+/// Owns the resources of one kind of one system by name. T has `static UniquePtr<T> create(System*)`.
+/// The resources are destroyed with the manager; the system unloads them at shutdown().
+template <typename T>
+class ResourceManager {
+public:
+    explicit ResourceManager(System* system)
+        : _system(system) {}
+
+    /// The resource of that name, created unloaded when there is none. Never null.
+    T* createOrRetrieve(ovMemory::StringView name);
+    /// The resource of that name, or null.
+    T* get(ovMemory::StringView name) const { return ovMemory::find(_resources, name); }
+    /// The resource at a position of an order that is stable between changes; null when out of range.
+    T* getByIndex(unsigned int index) const { return ovMemory::getByIndex(_resources, index); }
+    unsigned int getCount() const { return static_cast<unsigned int>(_resources.size()); }
+    /// Renames a resource. @return false, nothing changed, when oldName is unknown or newName is taken.
+    bool rename(ovMemory::StringView oldName, ovMemory::StringView newName);
+    /// Destroys a resource; an unknown name is ignored.
+    void erase(ovMemory::StringView name);
+
+private:
+    System* _system;
+    ovMemory::NameMap<ovMemory::UniquePtr<T>> _resources;
+};
+
+template <typename T>
+T* ResourceManager<T>::createOrRetrieve(ovMemory::StringView name) {
+    if (T* existing = get(name))
+        return existing;
+    ovMemory::UniquePtr<T> created = T::create(_system);
+    created->setName(name);
+    return _resources.emplace(name, std::move(created)).first->second.get();
+}
+
+template <typename T>
+bool ResourceManager<T>::rename(ovMemory::StringView oldName, ovMemory::StringView newName) {
+    const auto entry = _resources.find(oldName);
+    if (entry == _resources.end() || get(newName))
+        return false;
+    auto node = _resources.extract(entry);
+    node.key() = newName;
+    node.mapped()->setName(newName);
+    _resources.insert(std::move(node));
+    return true;
+}
+
+template <typename T>
+void ResourceManager<T>::erase(ovMemory::StringView name) {
+    const auto entry = _resources.find(name);
+    if (entry != _resources.end())
+        _resources.erase(entry);
+}
+
+} // namespace ovGraphics

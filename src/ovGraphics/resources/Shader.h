@@ -1,0 +1,76 @@
+// Shaders: a program with everything that it reads.
+#pragma once
+
+#include <ovGraphics/resources/ConstantBuffer.h>
+#include <ovGraphics/resources/Resource.h>
+
+namespace ovGraphics {
+
+class Program;
+class Sampler;
+class Texture;
+struct LoadedProgram;
+
+/// Bindings: a program, its constants, and its textures and samplers by unit. A shader compiles nothing.
+///
+/// Units and indices are those of the shader text's declarations. The stage argument is 0, visible to every stage.
+/// Textures, samplers and constants may change while the shader is loaded and take effect at the next pass.
+/// Everything bound is borrowed; what is destroyed meanwhile reads as not bound.
+class OV_API Shader : public Resource {
+public:
+    /// A new, unloaded shader; a null system means the singleton.
+    static ovMemory::UniquePtr<Shader> create(System* system);
+    explicit Shader(System* system);
+    ~Shader() override;
+
+    void setProgram(Program* program);
+    Program* getProgram() const;
+
+    /// The constant buffer of that index, added without slots when missing. Owned by the shader.
+    ConstantBuffer* addConstantBuffer(unsigned int index, unsigned int stage);
+    /// The constant buffer of that index, or null.
+    ConstantBuffer* getConstantBuffer(unsigned int index, unsigned int stage) const;
+
+    /// Binds a texture; null reads as opaque black. add and set do the same: the unit is added when missing.
+    void addTexture(Texture* texture, unsigned int unit, unsigned int stage) { setTexture(texture, unit, stage); }
+    void setTexture(Texture* texture, unsigned int unit, unsigned int stage);
+    /// The texture of a unit, or null.
+    Texture* getTexture(unsigned int unit, unsigned int stage) const;
+
+    /// Binds a sampler; null reads single texels. add and set do the same: the unit is added when missing.
+    void addSampler(Sampler* sampler, unsigned int unit, unsigned int stage) { setSampler(sampler, unit, stage); }
+    void setSampler(Sampler* sampler, unsigned int unit, unsigned int stage);
+    /// The sampler of a unit, or null.
+    Sampler* getSampler(unsigned int unit, unsigned int stage) const;
+
+    /// Drops the program and every binding.
+    void reset() override;
+
+    /// Makes the device ready to draw with this shader: program, constants as they are now, textures, samplers.
+    /// @return false when the shader or its program is not loaded
+    bool bind(const PassEnvironment& environment);
+
+private:
+    struct TextureBinding {
+        unsigned int unit;
+        unsigned int stage;
+        Borrowed<Texture> texture;
+    };
+    struct SamplerBinding {
+        unsigned int unit;
+        unsigned int stage;
+        Borrowed<Sampler> sampler;
+    };
+
+    bool _load(ovMemory::String& error) override;
+    void _unload() override;
+    void _bindConstants(const LoadedProgram& program, const PassEnvironment& environment);
+    void _bindTextures(const LoadedProgram& program);
+
+    Borrowed<Program> _program;
+    ovMemory::Buffer<ovMemory::UniquePtr<ConstantBuffer>> _constantBuffers;
+    ovMemory::Buffer<TextureBinding> _textures;
+    ovMemory::Buffer<SamplerBinding> _samplers;
+};
+
+} // namespace ovGraphics

@@ -1,0 +1,124 @@
+// Textures: images on the device, 2D, arrays of slices, or cubes.
+#pragma once
+
+#include <optional>
+#include <ovGraphics/resources/Format.h>
+#include <ovGraphics/resources/Resource.h>
+#include <ovImages/Image.h>
+
+namespace ovGraphics {
+
+namespace device {
+class GpuTexture;
+struct TextureDesc;
+} // namespace device
+
+/// A texture. Row 0 is the top row of every slice; cube faces are the slices in the order +X, -X, +Y, -Y, +Z, -Z.
+///
+/// Setters store settings that the next load() uses. load() fails when the device lacks the format or the size is
+/// zero or beyond its limits.
+class OV_API Texture : public Resource {
+public:
+    /// A new, unloaded 1 x 1 texture of R8G8B8A8_UNORM; a null system means the singleton.
+    static ovMemory::UniquePtr<Texture> create(System* system);
+    explicit Texture(System* system);
+    ~Texture() override;
+
+    unsigned int getWidth() const { return _width; }   ///< texels
+    unsigned int getHeight() const { return _height; } ///< texels
+    FORMAT getFormat() const { return _format; }
+    bool getGammaCorrected() const { return _gammaCorrected; }
+    TEXTURE_TYPE getTexType() const { return _type; }
+    /// Array slices; 6 for a cube.
+    unsigned int getSliceCount() const;
+    /// Mips of the loaded texture, or those that load() would make.
+    unsigned int getMipCount() const;
+    bool getUsableAsRenderTarget() const { return _usableAsRenderTarget; }
+    unsigned int getMultisampleQuality() const { return _multisampleQuality; }
+    bool getMightManuallyGenerateMip() const { return _mightManuallyGenerateMip; }
+
+    void setWidth(unsigned int texels);
+    void setHeight(unsigned int texels);
+    void setFormat(FORMAT format);
+    /// Decode sRGB when sampled and encode it when drawn to. A format without an sRGB sibling refuses to load with it.
+    void setGammaCorrected(bool gammaCorrected);
+    void setTexType(TEXTURE_TYPE type);
+    /// Slices of a 2D array; ignored for cubes. Default 1.
+    void setSliceCount(unsigned int slices);
+    /// 0 asks for the full chain. Default 1.
+    void setMipCount(unsigned int mips);
+    void setUsableAsRenderTarget(bool usable);
+    /// Samples per texel minus one that a render target asks for; 0 (the default) is no multisampling.
+    void setMultisampleQuality(unsigned int quality);
+    /// Announces generateMips() calls, so that load() keeps room for the chain. Default false.
+    void setMightManuallyGenerateMip(bool might);
+
+    /// Mips of a full chain down to 1 x 1 for the present width and height.
+    unsigned int getNeededMipsForSize() const;
+
+    /// Gives the texels of one mip of one slice, uploaded by the next load(). Earlier data of the same place is
+    /// replaced. @param rowPitch bytes from one row (of blocks) to the next, 0 when tight
+    void setCpuData(unsigned int slice, unsigned int mip, ovMemory::BufferView<const unsigned char> bytes,
+                    unsigned int rowPitch = 0);
+    /// setCpuData of mip 0 of the first slice that has no data yet.
+    void addCpuDataSliceForward(ovMemory::BufferView<const unsigned char> bytes, unsigned int rowPitch,
+                                unsigned int slicePitch);
+    void clearCpuData();
+
+    /// Takes width, height, format and texels (mip 0 of slice 0) from an image: 1 to 4 channels of 8 or 16-bit
+    /// UNORM, half or float; three channels become four with alpha 1, but for floats. An sRGB-encoded 8-bit image
+    /// makes a gamma-corrected texture unless raw is set, which hands the stored numbers over as they are.
+    void setFromImage(const ovImages::ImageView& image, bool raw = false);
+
+    /// Fills all mips below the first from the first. The texture must be loaded.
+    void generateMips();
+
+    /// Reads one mip of one slice back, rows tight, in the texture's format.
+    /// @return nothing after one log line when the texture is unloaded or slice or mip is out of range
+    std::optional<ovMemory::Buffer<unsigned char>> readBack(unsigned int slice = 0, unsigned int mip = 0);
+
+    /// The same as an image: 8, 16-bit, half or float components as the format has them; depth as one float.
+    /// @return null after one log line when readBack() fails or an image cannot hold the format
+    ovMemory::UniquePtr<ovImages::Image> convertToImage(unsigned int slice = 0, unsigned int mip = 0);
+
+    void reset() override;
+
+    /// The device's texture; null when unloaded. Uploads what load() deferred.
+    device::GpuTexture* getGpuTexture();
+    /// Counts the loads, so that what was built on an earlier device texture can tell.
+    unsigned int getLoadCount() const { return _loadCount; }
+
+private:
+    struct CpuData {
+        unsigned int slice;
+        unsigned int mip;
+        unsigned int rowPitch;
+        ovMemory::Buffer<unsigned char> bytes;
+    };
+
+    bool _load(ovMemory::String& error) override;
+    void _unload() override;
+    void _resetSettings();
+    bool _checkCpuData(ovMemory::String& error) const;
+    void _upload();
+    device::TextureDesc _describe() const;
+    template <typename T>
+    void _set(T& setting, T value);
+
+    TEXTURE_TYPE _type = TEXTURE_TYPE::TEXTURE_2D;
+    FORMAT _format = FORMAT::R8G8B8A8_UNORM;
+    unsigned int _width = 1;
+    unsigned int _height = 1;
+    unsigned int _sliceCount = 1;
+    unsigned int _mipCount = 1;
+    unsigned int _multisampleQuality = 0;
+    bool _gammaCorrected = false;
+    bool _usableAsRenderTarget = false;
+    bool _mightManuallyGenerateMip = false;
+    bool _uploadPending = false;
+    unsigned int _loadCount = 0;
+    ovMemory::Buffer<CpuData> _cpuData;
+    ovMemory::UniquePtr<device::GpuTexture> _gpuTexture;
+};
+
+} // namespace ovGraphics
