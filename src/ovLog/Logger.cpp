@@ -1,0 +1,7 @@
+#include <ovLog/Logger.h>
+
+namespace ovLog {
+
+Logger::~Logger() = default;
+
+} // namespace ovLog

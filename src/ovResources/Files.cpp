@@ -1,0 +1,229 @@
+#include <ovResources/Files.h>
+
+#include <atomic>
+#include <cerrno>
+#include <fcntl.h>
+#include <filesystem>
+#include <new>
+#include <stdexcept>
+#include <sys/stat.h>
+#include <system_error>
+#include <unistd.h>
+
+namespace ovResources {
+
+using ovMemory::String;
+using ovMemory::StringView;
+
+namespace {
+
+// As many links as Linux itself follows in one path.
+constexpr int MAXIMUM_LINKS = 40;
+constexpr std::size_t CHUNK_BYTES = std::size_t(1) << 20;
+
+// A file that is open, closed at the end of the scope.
+class OpenFile {
+public:
+    explicit OpenFile(int file)
+        : _file(file) {}
+    OpenFile(const OpenFile&) = delete;
+    OpenFile& operator=(const OpenFile&) = delete;
+    ~OpenFile() {
+        if (_file >= 0)
+            ::close(_file);
+    }
+    int get() const { return _file; }
+    // Some file systems report a full disk only here.
+    bool close() {
+        const int file = _file;
+        _file = -1;
+        return ::close(file) == 0;
+    }
+
+private:
+    int _file;
+};
+
+StringView adviceFor(int code, bool writing) {
+    switch (code) {
+    case ENOENT:
+        return writing ? "create the folder first" : "check the path";
+    case ENOTDIR:
+        return "a part of the path is a file, not a folder";
+    case EACCES:
+    case EPERM:
+    case EROFS:
+        return writing ? "choose a place where you may write" : "ask for permission to read it";
+    case ENOSPC:
+    case EDQUOT:
+    case EFBIG:
+        return "free space or write elsewhere";
+    case ELOOP:
+        return "remove the loop of symbolic links";
+    case ENAMETOOLONG:
+        return "shorten the path";
+    default:
+        return "check the path and the disk";
+    }
+}
+
+bool fail(String& error, StringView action, StringView path, StringView reason, StringView advice) {
+    error.assign(action).append(" file '").append(path).append("' failed: ").append(reason);
+    error.append("; ").append(advice);
+    return false;
+}
+
+bool failWithCode(String& error, bool writing, StringView path, int code) {
+    return fail(error, writing ? "Writing" : "Reading", path, std::generic_category().message(code),
+                adviceFor(code, writing));
+}
+
+StringView kindOf(mode_t mode) {
+    return S_ISDIR(mode) ? "it is a folder" : "it is a device, a pipe or a socket, not a regular file";
+}
+
+// Whether the text can be a path at all; the system would cut it at a zero byte and take another file.
+bool checkPath(StringView path, bool writing, String& error) {
+    const StringView action = writing ? "Writing" : "Reading";
+    if (path.empty())
+        return fail(error, action, path, "the path is empty", "name a file");
+    if (path.find('\0') != StringView::npos)
+        return fail(error, action, path.substr(0, path.find('\0')), "the path contains a zero byte",
+                    "remove it from the path");
+    return true;
+}
+
+bool readAll(int file, std::size_t expectedSize, ovMemory::Buffer<char>& bytes) {
+    std::size_t size = 0;
+    // One byte more than expected, so that the end is found without growing the buffer. The size is only a
+    // hint: the system's own files state 0.
+    bytes.resize(expectedSize + 1);
+    while (true) {
+        if (size == bytes.size())
+            bytes.resize(size + CHUNK_BYTES);
+        const ssize_t count = ::read(file, bytes.data() + size, bytes.size() - size);
+        if (count < 0 && errno == EINTR)
+            continue;
+        if (count < 0)
+            return false;
+        if (count == 0)
+            break;
+        size += std::size_t(count);
+    }
+    bytes.resize(size);
+    return true;
+}
+
+bool writeAll(int file, ovMemory::BufferView<const char> bytes) {
+    while (!bytes.empty()) {
+        const ssize_t count = ::write(file, bytes.data(), bytes.size());
+        if (count < 0 && errno == EINTR)
+            continue;
+        if (count < 0)
+            return false;
+        bytes = bytes.subspan(std::size_t(count));
+    }
+    return true;
+}
+
+// Follows symbolic links by hand, as the last one may point to a file that does not exist yet. Returns 0 or
+// an error code.
+int followLinks(std::filesystem::path& path) {
+    std::error_code code;
+    for (int links = 0; std::filesystem::is_symlink(path, code); ++links) {
+        if (links == MAXIMUM_LINKS)
+            return ELOOP;
+        const std::filesystem::path next = std::filesystem::read_symlink(path, code);
+        if (code)
+            return code.value();
+        path = path.parent_path() / next;
+    }
+    return 0;
+}
+
+// Opens a new file of a free name beside the target. The name is short and its own, since the target's may
+// already have the greatest length. Returns the file or -1 with errno.
+int openTemporary(const std::filesystem::path& target, mode_t mode, String& temporary) {
+    static std::atomic<unsigned> counter{0};
+    while (true) {
+        const String name = ".ov-" + std::to_string(::getpid()) + "-" + std::to_string(counter++) + ".tmp";
+        temporary = (target.parent_path() / name).native();
+        const int file = ::open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode);
+        if (file >= 0 || errno != EEXIST)
+            return file;
+    }
+}
+
+// Writes the temporary and renames it. Returns 0 or an error code, and then leaves no temporary.
+int replaceFile(const std::filesystem::path& target, const struct stat* existing,
+                ovMemory::BufferView<const char> bytes) {
+    String temporary;
+    OpenFile file(openTemporary(target, 0666, temporary));
+    if (file.get() < 0)
+        return errno;
+    // Best effort: some file systems have no permissions to keep.
+    if (existing && ::fchmod(file.get(), existing->st_mode & 0777) != 0)
+        errno = 0;
+    if (writeAll(file.get(), bytes) && file.close() && ::rename(temporary.c_str(), target.c_str()) == 0)
+        return 0;
+    const int code = errno;
+    ::unlink(temporary.c_str());
+    return code;
+}
+
+} // namespace
+
+bool readFile(StringView path, ovMemory::Buffer<char>& bytes, String& error) {
+    bytes.clear();
+    error.clear();
+    if (!checkPath(path, false, error))
+        return false;
+    // Not blocking: opening a pipe would otherwise wait for a writer, perhaps for ever.
+    const OpenFile file(::open(String(path).c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    struct stat state = {};
+    if (file.get() < 0 || ::fstat(file.get(), &state) != 0)
+        return failWithCode(error, false, path, errno);
+    if (!S_ISREG(state.st_mode))
+        return fail(error, "Reading", path, kindOf(state.st_mode), "name a file");
+    try {
+        if (readAll(file.get(), std::size_t(state.st_size), bytes))
+            return true;
+        failWithCode(error, false, path, errno);
+    } catch (const std::exception&) {
+        fail(error, "Reading", path, std::to_string(state.st_size) + " bytes do not fit into memory",
+             "use a smaller file");
+    }
+    bytes = {};
+    return false;
+}
+
+bool writeFileAtomically(StringView path, ovMemory::BufferView<const char> bytes, String& error) {
+    error.clear();
+    if (!checkPath(path, true, error))
+        return false;
+    std::filesystem::path target(path);
+    if (const int code = followLinks(target))
+        return failWithCode(error, true, path, code);
+    struct stat existing = {};
+    const bool exists = ::stat(target.c_str(), &existing) == 0;
+    if (!exists && errno != ENOENT)
+        return failWithCode(error, true, path, errno);
+    if (exists && !S_ISREG(existing.st_mode))
+        return fail(error, "Writing", path, kindOf(existing.st_mode), "name a file");
+    // The rename alone would replace files that are protected against writing.
+    if (exists && ::access(target.c_str(), W_OK) != 0)
+        return failWithCode(error, true, path, errno);
+    if (!target.has_filename())
+        return fail(error, "Writing", path, "the path ends in a separator", "name a file");
+    if (const int code = replaceFile(target, exists ? &existing : nullptr, bytes))
+        return failWithCode(error, true, path, code);
+    return true;
+}
+
+bool writeFileAtomically(StringView path, ovMemory::BufferView<const unsigned char> bytes, String& error) {
+    return writeFileAtomically(
+        path, ovMemory::BufferView<const char>(reinterpret_cast<const char*>(bytes.data()), bytes.size()),
+        error);
+}
+
+} // namespace ovResources
