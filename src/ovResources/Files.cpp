@@ -5,7 +5,6 @@
 #include <fcntl.h>
 #include <filesystem>
 #include <new>
-#include <stdexcept>
 #include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
@@ -91,6 +90,19 @@ bool checkPath(StringView path, bool writing, String& error) {
         return fail(error, action, path.substr(0, path.find('\0')), "the path contains a zero byte",
                     "remove it from the path");
     return true;
+}
+
+// Whether so many bytes can be in memory at all. Where the system promises more memory than it has, a
+// mistaken size would otherwise not fail but fill the machine.
+bool fitsIntoMemory(off_t size) {
+    const long pages = ::sysconf(_SC_PHYS_PAGES);
+    const long pageBytes = ::sysconf(_SC_PAGESIZE);
+    return pages <= 0 || pageBytes <= 0 || double(size) < double(pages) * double(pageBytes);
+}
+
+bool failForSize(String& error, StringView path, off_t size) {
+    return fail(error, "Reading", path, std::to_string(size) + " bytes do not fit into memory",
+                "use a smaller file");
 }
 
 bool readAll(int file, std::size_t expectedSize, ovMemory::Buffer<char>& bytes) {
@@ -185,13 +197,14 @@ bool readFile(StringView path, ovMemory::Buffer<char>& bytes, String& error) {
         return failWithCode(error, false, path, errno);
     if (!S_ISREG(state.st_mode))
         return fail(error, "Reading", path, kindOf(state.st_mode), "name a file");
+    if (!fitsIntoMemory(state.st_size))
+        return failForSize(error, path, state.st_size);
     try {
         if (readAll(file.get(), std::size_t(state.st_size), bytes))
             return true;
         failWithCode(error, false, path, errno);
-    } catch (const std::exception&) {
-        fail(error, "Reading", path, std::to_string(state.st_size) + " bytes do not fit into memory",
-             "use a smaller file");
+    } catch (const std::bad_alloc&) {
+        failForSize(error, path, state.st_size);
     }
     bytes = {};
     return false;

@@ -1,0 +1,21 @@
+// A singleton type owned by one shared library and used from another.
+#pragma once
+
+#include <ovCommon/MaybeSingletonClass.h>
+
+class Counter;
+extern template class ovCommon::MaybeSingletonClass<Counter>;
+
+class OV_API Counter : public ovCommon::MaybeSingletonClass<Counter> {
+public:
+    explicit Counter(bool asSingleton);
+    ~Counter() override;
+    bool wasMadeAsSingleton() const { return _asSingleton; }
+
+private:
+    bool _asSingleton;
+};
+
+/// What the other library's getInstance() and getInstanceIfExisting() return.
+OV_API Counter* getCounterOfUserLibrary();
+OV_API Counter* getExistingCounterOfUserLibrary();

@@ -1,0 +1,9 @@
+#include "Counter.h"
+
+Counter* getCounterOfUserLibrary() {
+    return Counter::getInstance();
+}
+
+Counter* getExistingCounterOfUserLibrary() {
+    return Counter::getInstanceIfExisting();
+}

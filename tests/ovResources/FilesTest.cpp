@@ -1,0 +1,294 @@
+#include <ovResources/Files.h>
+
+#include <csignal>
+#include <fcntl.h>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <gtest/gtest.h>
+#include <iterator>
+#include <support/TemporaryFolder.h>
+#include <sys/resource.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <thread>
+#include <unistd.h>
+
+using namespace ovResources;
+using ovMemory::Buffer;
+using ovMemory::String;
+using ovMemory::StringView;
+namespace fs = std::filesystem;
+
+namespace {
+
+// The test's own way to the disk, not the one under test.
+void put(const String& path, StringView content) {
+    std::ofstream(path, std::ios::binary) << content;
+}
+
+String take(const String& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+std::size_t countEntries(const String& folder) {
+    return std::size_t(std::distance(fs::directory_iterator(folder), fs::directory_iterator()));
+}
+
+bool writeText(const String& path, StringView text, String& error) {
+    return writeFileAtomically(path, ovMemory::BufferView<const char>(text.data(), text.size()), error);
+}
+
+String allBytes() {
+    String bytes;
+    for (int i = 0; i < 3 * 256; ++i)
+        bytes += char(i % 256);
+    return bytes;
+}
+
+// Permissions do not bind the superuser: for the length of the scope such a process acts as a plain user.
+class PlainUser {
+public:
+    PlainUser() {
+        if (::geteuid() == 0)
+            _changed = ::seteuid(65534) == 0;
+    }
+    ~PlainUser() {
+        if (_changed && ::seteuid(0) != 0)
+            std::abort();
+    }
+
+private:
+    bool _changed = false;
+};
+
+} // namespace
+
+TEST(FilesTest, WhatIsWrittenIsReadBack) {
+    const TemporaryFolder folder;
+    const String longName(255, 'n');
+    const StringView names[] = {
+        "plain.bin", "with space.bin",          "\xC3\xA9t\xC3\xA9 \xE6\x97\xA5\xE6\x9C\xAC.bin",
+        ".hidden",   "new\nline \"quoted\" $x", "-rf",
+        longName};
+    const String contents[] = {allBytes(), "", "x", String((1 << 20) + 3, 'y')};
+    for (const StringView name : names) {
+        for (const String& content : contents) {
+            const String path = folder.getPath(name);
+            String error = "left over";
+            EXPECT_TRUE(writeText(path, content, error)) << error;
+            EXPECT_EQ(error, "");
+            EXPECT_EQ(take(path), content);
+            Buffer<char> bytes = {'l', 'e', 'f', 't'};
+            error = "left over";
+            EXPECT_TRUE(readFile(path, bytes, error)) << error;
+            EXPECT_EQ(error, "");
+            EXPECT_EQ(String(bytes.begin(), bytes.end()), content);
+        }
+    }
+    EXPECT_EQ(countEntries(folder.getPath()), std::size(names)) << "temporary files were left";
+}
+
+TEST(FilesTest, UnsignedBytesAreWrittenAlike) {
+    const TemporaryFolder folder;
+    const Buffer<unsigned char> bytes = {0, 127, 128, 255, '\n', '\r'};
+    String error;
+    ASSERT_TRUE(writeFileAtomically(folder.getPath("f"), bytes, error)) << error;
+    EXPECT_EQ(take(folder.getPath("f")), String(bytes.begin(), bytes.end()));
+}
+
+TEST(FilesTest, ReadsFilesWhoseSizeTheSystemDoesNotState) {
+    Buffer<char> bytes;
+    String error;
+    ASSERT_TRUE(readFile("/proc/self/stat", bytes, error)) << error;
+    EXPECT_TRUE(String(bytes.begin(), bytes.end()).starts_with(std::to_string(::getpid()) + " ("));
+}
+
+TEST(FilesTest, PathsThatCannotBeReadOrWrittenAreExplained) {
+    const TemporaryFolder folder;
+    put(folder.getPath("file"), "old");
+    fs::create_directory(folder.getPath("folder"));
+    fs::create_symlink("loop2", folder.getPath("loop1"));
+    fs::create_symlink("loop1", folder.getPath("loop2"));
+    fs::create_symlink("self/x", folder.getPath("self"));
+    ASSERT_EQ(::mkfifo(folder.getPath("pipe").c_str(), 0666), 0);
+    const String missing = "No such file or directory";
+    const String loop = "Too many levels of symbolic links; remove the loop of symbolic links";
+    const String longName(256, 'n');
+    const String tooLong = "File name too long; shorten the path";
+    const String notFolder = "Not a directory; a part of the path is a file, not a folder";
+    const String special = "it is a device, a pipe or a socket, not a regular file; name a file";
+    const String isFolder = "it is a folder; name a file";
+    const struct {
+        String path, readReason, writeReason;
+    } cases[] = {
+        {"", "the path is empty; name a file", "the path is empty; name a file"},
+        {folder.getPath("none/f"), missing + "; check the path", missing + "; create the folder first"},
+        {folder.getPath("none/"), missing + "; check the path", "the path ends in a separator; name a file"},
+        {folder.getPath("folder"), isFolder, isFolder},
+        {folder.getPath("folder/"), isFolder, isFolder},
+        {folder.getPath("."), isFolder, isFolder},
+        {folder.getPath("file/f"), notFolder, notFolder},
+        {folder.getPath("file/"), notFolder, notFolder},
+        {folder.getPath("loop1"), loop, loop},
+        {folder.getPath("loop1/f"), loop, loop},
+        {folder.getPath("self"), loop, loop},
+        {folder.getPath("pipe"), special, special},
+        {"/dev/null", special, special},
+        {"/dev/zero", special, special},
+        {folder.getPath(longName), tooLong, tooLong},
+    };
+    const std::size_t entries = countEntries(folder.getPath());
+    for (const auto& row : cases) {
+        Buffer<char> bytes = {'l', 'e', 'f', 't'};
+        String error;
+        EXPECT_FALSE(readFile(row.path, bytes, error)) << row.path;
+        EXPECT_TRUE(bytes.empty());
+        EXPECT_EQ(error, "Reading file '" + row.path + "' failed: " + row.readReason);
+        EXPECT_FALSE(writeText(row.path, "new", error)) << row.path;
+        EXPECT_EQ(error, "Writing file '" + row.path + "' failed: " + row.writeReason);
+    }
+    EXPECT_EQ(countEntries(folder.getPath()), entries);
+    EXPECT_EQ(take(folder.getPath("file")), "old");
+}
+
+TEST(FilesTest, PathsWithAZeroByteAreNotCut) {
+    const TemporaryFolder folder;
+    put(folder.getPath("file"), "old");
+    const String path = folder.getPath(StringView("file\0.png", 9));
+    Buffer<char> bytes;
+    String error;
+    const String rest = " file '" + folder.getPath("file") +
+                        "' failed: the path contains a zero byte; remove it from the path";
+    EXPECT_FALSE(readFile(path, bytes, error));
+    EXPECT_EQ(error, "Reading" + rest);
+    EXPECT_FALSE(writeText(path, "new", error));
+    EXPECT_EQ(error, "Writing" + rest);
+    EXPECT_EQ(take(folder.getPath("file")), "old");
+}
+
+TEST(FilesTest, PermissionsAreRespected) {
+    const TemporaryFolder folder;
+    put(folder.getPath("protected"), "old");
+    fs::create_directory(folder.getPath("closed"));
+    put(folder.getPath("closed/file"), "old");
+    fs::permissions(folder.getPath("protected"), fs::perms::none);
+    fs::permissions(folder.getPath("closed"), fs::perms::owner_read | fs::perms::owner_exec |
+                                                  fs::perms::others_exec | fs::perms::others_read);
+    fs::permissions(folder.getPath("closed/file"), fs::perms(0666));
+    {
+        const PlainUser user;
+        String error;
+        Buffer<char> bytes;
+        EXPECT_FALSE(readFile(folder.getPath("protected"), bytes, error));
+        EXPECT_EQ(error, "Reading file '" + folder.getPath("protected") +
+                             "' failed: Permission denied; ask for permission to read it");
+        for (const StringView name : {"protected", "closed/new", "closed/file"}) {
+            EXPECT_FALSE(writeText(folder.getPath(name), "new", error));
+            EXPECT_EQ(error, "Writing file '" + folder.getPath(name) +
+                                 "' failed: Permission denied; choose a place where you may write");
+        }
+    }
+    fs::permissions(folder.getPath("protected"), fs::perms(0644));
+    fs::permissions(folder.getPath("closed"), fs::perms(0755));
+    EXPECT_EQ(take(folder.getPath("protected")), "old");
+    EXPECT_EQ(take(folder.getPath("closed/file")), "old");
+    EXPECT_EQ(countEntries(folder.getPath("closed")), 1u);
+}
+
+TEST(FilesTest, ExistingPermissionsAreKeptAndNewOnesFollowTheMask) {
+    const TemporaryFolder folder;
+    const mode_t mask = ::umask(027);
+    String error;
+    EXPECT_TRUE(writeText(folder.getPath("new"), "x", error)) << error;
+    put(folder.getPath("old"), "x");
+    fs::permissions(folder.getPath("old"), fs::perms(0604));
+    EXPECT_TRUE(writeText(folder.getPath("old"), "y", error)) << error;
+    ::umask(mask);
+    EXPECT_EQ(fs::status(folder.getPath("new")).permissions(), fs::perms(0640));
+    EXPECT_EQ(fs::status(folder.getPath("old")).permissions(), fs::perms(0604));
+}
+
+TEST(FilesTest, LinksAreFollowedAndStay) {
+    const TemporaryFolder folder;
+    fs::create_directory(folder.getPath("real"));
+    put(folder.getPath("real/target"), "old");
+    fs::create_symlink("real/target", folder.getPath("relative"));
+    fs::create_symlink(folder.getPath("relative"), folder.getPath("chain"));
+    fs::create_symlink("real/not yet", folder.getPath("dangling"));
+    const struct {
+        StringView link, target;
+    } cases[] = {{"relative", "real/target"}, {"chain", "real/target"}, {"dangling", "real/not yet"}};
+    for (const auto& row : cases) {
+        String error;
+        EXPECT_TRUE(writeText(folder.getPath(row.link), row.link, error)) << error;
+        EXPECT_TRUE(fs::is_symlink(folder.getPath(row.link)));
+        EXPECT_EQ(take(folder.getPath(row.target)), row.link);
+    }
+}
+
+TEST(FilesTest, AFailureInTheMiddleLeavesTheOldFile) {
+    const TemporaryFolder folder;
+    put(folder.getPath("file"), "old");
+    // A limit on the size of files stands for a full disk: some of the bytes are written, then an error
+    // comes.
+    rlimit kept = {};
+    ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &kept), 0);
+    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
+    rlimit limited = kept;
+    limited.rlim_cur = 1000;
+    ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &limited), 0);
+    String error;
+    const bool written = writeText(folder.getPath("file"), String(100000, 'n'), error);
+    ::setrlimit(RLIMIT_FSIZE, &kept);
+    std::signal(SIGXFSZ, handler);
+    EXPECT_FALSE(written);
+    EXPECT_EQ(error, "Writing file '" + folder.getPath("file") +
+                         "' failed: File too large; free space or write elsewhere");
+    EXPECT_EQ(take(folder.getPath("file")), "old");
+    EXPECT_EQ(countEntries(folder.getPath()), 1u);
+}
+
+TEST(FilesTest, ReadersBesideWritersSeeWholeFilesOnly) {
+    const TemporaryFolder folder;
+    const String path = folder.getPath("file");
+    const std::size_t size = 200000;
+    put(path, String(size, 'a'));
+    const auto write = [&](char letter) {
+        String error;
+        for (int i = 0; i < 50; ++i)
+            EXPECT_TRUE(writeText(path, String(size, letter), error)) << error;
+    };
+    std::thread first(write, 'b');
+    std::thread second(write, 'c');
+    for (int i = 0; i < 100; ++i) {
+        Buffer<char> bytes;
+        String error;
+        ASSERT_TRUE(readFile(path, bytes, error)) << error;
+        ASSERT_EQ(bytes.size(), size);
+        ASSERT_EQ(String(bytes.begin(), bytes.end()), String(size, bytes[0])) << "a mixture";
+    }
+    first.join();
+    second.join();
+    EXPECT_EQ(countEntries(folder.getPath()), 1u);
+}
+
+TEST(FilesTest, AFileTooLargeForMemoryIsAnError) {
+    const TemporaryFolder folder;
+    const String path = folder.getPath("sparse");
+    put(path, "x");
+    // Nothing of it is on the disk, yet no machine's memory holds it. A file system that refuses such a size
+    // cannot hold such a file either.
+    const off_t size = off_t(1) << 43;
+    if (::truncate(path.c_str(), size) != 0) {
+        ASSERT_EQ(errno, EFBIG);
+        return;
+    }
+    Buffer<char> bytes;
+    String error;
+    EXPECT_FALSE(readFile(path, bytes, error));
+    EXPECT_EQ(error, "Reading file '" + path + "' failed: " + std::to_string(size) +
+                         " bytes do not fit into memory; use a smaller file");
+    EXPECT_TRUE(bytes.empty());
+}
