@@ -1,0 +1,163 @@
+#include <ovImages/Conversion.h>
+
+#include <ovImages/detail/Components.h>
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <new>
+
+namespace ovImages {
+
+namespace {
+
+constexpr unsigned colourChannels(unsigned channels) {
+    return channels < 3 ? 1 : 3;
+}
+constexpr bool hasAlpha(unsigned channels) {
+    return channels % 2 == 0;
+}
+
+using ByteTable = std::array<float, 256>;
+
+const ByteTable& getSrgbByteTable() {
+    static const ByteTable table = [] {
+        ByteTable values;
+        for (unsigned i = 0; i < values.size(); ++i)
+            values[i] = srgbToLinear(static_cast<float>(i) / 255.0f);
+        return values;
+    }();
+    return table;
+}
+
+// Converts pictures row by row through floats.
+class RowConverter {
+public:
+    RowConverter(const ImageView& source, Image& target)
+        : _source(source)
+        , _target(target)
+        , _loaded(std::size_t(source.width) * source.channels)
+        , _mapped(std::size_t(source.width) * target.getChannels()) {
+        const bool isSourceSrgb = source.encoding == COLOUR_ENCODING::SRGB;
+        const bool isTargetSrgb = target.getEncoding() == COLOUR_ENCODING::SRGB;
+        _collapses = colourChannels(source.channels) == 3 && colourChannels(target.getChannels()) == 1;
+        _decodes = isSourceSrgb && (!isTargetSrgb || _collapses);
+        _encodes = isTargetSrgb && (!isSourceSrgb || _collapses);
+    }
+
+    void convert(unsigned y) {
+        const std::size_t sourceStride = _loaded.size() * getComponentSize(_source.componentType);
+        const std::size_t targetStride = _mapped.size() * getComponentSize(_target.getComponentType());
+        const unsigned char* source = _source.bytes.data() + y * sourceStride;
+        detail::loadComponents(source, _source.componentType, _loaded);
+        if (_decodes)
+            _decode(source);
+        _map();
+        if (_encodes)
+            _encode();
+        const detail::StoreLosses losses = detail::storeComponents(
+            _mapped, _target.getComponentType(), _target.getBytes().data() + y * targetStride);
+        _losses.clampedToHalf += losses.clampedToHalf;
+        _losses.nanToZero += losses.nanToZero;
+    }
+
+    const detail::StoreLosses& getLosses() const { return _losses; }
+
+private:
+    void _decode(const unsigned char* source) {
+        const bool isByte = _source.componentType == COMPONENT_TYPE::UINT8;
+        const ByteTable& table = getSrgbByteTable();
+        const unsigned colours = colourChannels(_source.channels);
+        for (std::size_t pixel = 0; pixel < _loaded.size(); pixel += _source.channels)
+            for (std::size_t i = pixel; i < pixel + colours; ++i)
+                _loaded[i] = isByte ? table[source[i]] : srgbToLinear(_loaded[i]);
+    }
+
+    void _encode() {
+        const unsigned colours = colourChannels(_target.getChannels());
+        for (std::size_t pixel = 0; pixel < _mapped.size(); pixel += _target.getChannels())
+            for (std::size_t i = pixel; i < pixel + colours; ++i)
+                _mapped[i] = linearToSrgb(_mapped[i]);
+    }
+
+    void _map() {
+        const unsigned targetChannels = _target.getChannels();
+        const unsigned targetColours = colourChannels(targetChannels);
+        const unsigned sourceColours = colourChannels(_source.channels);
+        const float* from = _loaded.data();
+        float* to = _mapped.data();
+        for (unsigned x = 0; x < _source.width; ++x, from += _source.channels, to += targetChannels) {
+            if (_collapses)
+                to[0] = 0.2126f * from[0] + 0.7152f * from[1] + 0.0722f * from[2];
+            else
+                for (unsigned i = 0; i < targetColours; ++i)
+                    to[i] = from[sourceColours == 1 ? 0 : i];
+            if (hasAlpha(targetChannels))
+                to[targetColours] = hasAlpha(_source.channels) ? from[sourceColours] : 1.0f;
+        }
+    }
+
+    const ImageView& _source;
+    Image& _target;
+    ovMemory::Buffer<float> _loaded;
+    ovMemory::Buffer<float> _mapped;
+    detail::StoreLosses _losses;
+    bool _collapses = false;
+    bool _decodes = false;
+    bool _encodes = false;
+};
+
+ovMemory::String describeLosses(const detail::StoreLosses& losses) {
+    ovMemory::String text;
+    if (losses.clampedToHalf != 0)
+        text = fmt::format("{} components beyond 65504, the largest half float, were clamped to it",
+                           losses.clampedToHalf);
+    if (losses.nanToZero != 0)
+        text += fmt::format("{}{} components that are not a number became 0", text.empty() ? "" : "; ",
+                            losses.nanToZero);
+    return text;
+}
+
+} // namespace
+
+float srgbToLinear(float encoded) {
+    // The negated comparison sends NaN through the curve, which keeps it.
+    if (encoded <= 0.04045f)
+        return encoded / 12.92f;
+    return std::pow((encoded + 0.055f) / 1.055f, 2.4f);
+}
+
+float linearToSrgb(float linear) {
+    if (linear <= 0.0031308f)
+        return linear * 12.92f;
+    return 1.055f * std::pow(linear, 1.0f / 2.4f) - 0.055f;
+}
+
+Image convertImage(const ImageView& source, COMPONENT_TYPE type, unsigned channels, COLOUR_ENCODING encoding,
+                   ovMemory::String* warning) {
+    if (warning)
+        warning->clear();
+    if (!isValid(source) || channels < 1 || channels > 4)
+        return {};
+    Image target(source.width, source.height, channels, type, encoding);
+    if (target.isEmpty())
+        return target;
+    if (source.componentType == type && source.channels == channels && source.encoding == encoding) {
+        std::copy(source.bytes.begin(), source.bytes.end(), target.getBytes().begin());
+        return target;
+    }
+    try {
+        RowConverter converter(source, target);
+        for (unsigned y = 0; y < source.height; ++y)
+            converter.convert(y);
+        if (warning)
+            *warning = describeLosses(converter.getLosses());
+    } catch (const std::bad_alloc&) {
+        return {};
+    }
+    return target;
+}
+
+} // namespace ovImages

@@ -1,0 +1,32 @@
+// Pictures into other component types, channel counts and colour encodings.
+#pragma once
+
+#include <ovImages/Image.h>
+
+namespace ovImages {
+
+/// The sRGB transfer function of IEC 61966-2-1: v / 12.92 up to 0.04045, else ((v + 0.055) / 1.055)^2.4. Goes
+/// on beyond 0..1: the straight piece below, the curve above. NaN stays NaN.
+OV_API float srgbToLinear(float encoded);
+
+/// The inverse: 12.92 v up to 0.0031308, else 1.055 v^(1/2.4) - 0.055.
+OV_API float linearToSrgb(float linear);
+
+/// A copy with other components, channels and encoding.
+///
+/// Channels (1 grey, 2 grey + alpha, 3 RGB, 4 RGBA): grey is replicated to RGB; RGB becomes the luminance
+/// 0.2126 R + 0.7152 G + 0.0722 B (ITU-R BT.709) of the linear colour; alpha that is not there is 1; alpha
+/// that has no place is dropped. Encoding: sRGB is decoded or encoded as above where source and target
+/// differ; alpha never is. Types: integers clamp to 0..1, round to nearest and take NaN as 0. Half clamps
+/// what lies beyond +-65504, infinity included. Half and float keep NaN, float keeps everything. What has not
+/// changed its type and channels is copied bit by bit.
+///
+/// @param channels 1 to 4
+/// @param warning when given, set to a line that counts the components clamped to half and the NaN made 0, or
+///                cleared when there were none
+/// @return the empty picture when the view is not valid (isValid), channels is out of range or the memory or
+///         MAX_IMAGE_BYTES does not suffice
+OV_API Image convertImage(const ImageView& source, COMPONENT_TYPE type, unsigned channels,
+                          COLOUR_ENCODING encoding, ovMemory::String* warning = nullptr);
+
+} // namespace ovImages

@@ -1,0 +1,75 @@
+// What every image file format offers: recognising, decoding and encoding bytes in memory.
+#pragma once
+
+#include <ovImages/Image.h>
+
+namespace ovImages {
+
+/// How to decode. Each flag is on by default; formats that a flag says nothing about ignore it.
+struct DecodeOptions {
+    /// Turns the picture upright as its EXIF orientation says (JPEG, PNG). Off: rows as they are stored.
+    bool applyOrientation = true;
+    /// Data that ends early or fails a check is an error. Off: what could be read is returned, the rest of
+    /// the pixels 0 (JPEG: grey), and the result's warning tells; headers must be sound in any case.
+    bool refuseDamaged = true;
+    /// Interpolates subsampled colour smoothly (JPEG). Off: repeats it, which is faster and blocky.
+    bool smoothChroma = true;
+    /// The most bytes of decoded pixels, checked before they are allocated; above MAX_IMAGE_BYTES that holds.
+    std::size_t maxBytes = MAX_IMAGE_BYTES;
+    /// The layer to read of a file with several (EXR): "diffuse" for diffuse.R, diffuse.G, diffuse.B. Empty:
+    /// the unnamed layer, or else the only one with colours.
+    ovMemory::String layer = {};
+};
+
+/// How to encode. Formats ignore what does not concern them.
+struct EncodeOptions {
+    /// Resolution of a JPEG's colour: 0 full (4:4:4), 1 half across (4:2:2), 2 half both ways (4:2:0).
+    unsigned subsampling = 0;
+    /// Quality of a JPEG, from 0 (worst) to 1.
+    float quality = 0.92f;
+};
+
+/// A decoded picture, or why there is none.
+struct DecodeResult {
+    ovMemory::UniquePtr<Image> image; ///< null on failure
+    ovMemory::String error;           ///< one line without a path; empty on success
+    ovMemory::String warning;         ///< what was taken with a doubt; often empty
+
+    explicit operator bool() const { return image != nullptr; }
+};
+
+/// An encoded picture, or why there is none.
+struct EncodeResult {
+    ovMemory::Buffer<unsigned char> bytes; ///< the whole file; empty on failure
+    ovMemory::String error;                ///< one line without a path; empty on success
+    ovMemory::String warning;              ///< what the format could not hold and was changed; often empty
+
+    explicit operator bool() const { return !bytes.empty(); }
+};
+
+/// One file format. Objects have no state: any number of threads may share one. Nothing throws; whatever the
+/// bytes are, decoding ends, allocates no more pixels than the options allow and returns a whole picture or
+/// an error.
+class OV_API Encoder {
+public:
+    virtual ~Encoder() = default;
+
+    /// The format's short name in capitals, such as "PNG".
+    virtual ovMemory::StringView getName() const = 0;
+
+    /// Lower-case extensions without the dot, the usual one first. They live as long as the encoder.
+    virtual ovMemory::BufferView<const ovMemory::StringView> getExtensions() const = 0;
+
+    /// Whether the bytes begin as files of this format do. Says nothing about the rest.
+    virtual bool canDecode(ovMemory::BufferView<const unsigned char> bytes) const = 0;
+
+    /// Decodes a whole file held in memory.
+    virtual DecodeResult decode(ovMemory::BufferView<const unsigned char> bytes,
+                                const DecodeOptions& options = {}) const = 0;
+
+    /// Encodes a picture. A component type that the format lacks is an error that tells which ones it has
+    /// (use convertImage first); alpha that it lacks is dropped with a warning unless it is 1 everywhere.
+    virtual EncodeResult encode(const ImageView& view, const EncodeOptions& options = {}) const = 0;
+};
+
+} // namespace ovImages

@@ -1,0 +1,292 @@
+#include <ovImages/ExrEncoder.h>
+
+#include <ovImages/detail/ExrChannels.h>
+#include <ovImages/detail/ExrStreamsInternal.h>
+#include <ovImages/detail/Results.h>
+
+#include <ImfChannelList.h>
+#include <ImfFrameBuffer.h>
+#include <ImfHeader.h>
+#include <ImfInputPart.h>
+#include <ImfMultiPartInputFile.h>
+#include <ImfOutputFile.h>
+#include <ImfPartType.h>
+#include <ImfRgbaFile.h>
+#include <ImfTileDescription.h>
+#include <ImfVersion.h>
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+
+namespace ovImages {
+
+namespace {
+
+using Bytes = ovMemory::BufferView<const unsigned char>;
+
+constexpr ovMemory::StringView NAME = "EXR";
+constexpr std::array<ovMemory::StringView, 1> EXTENSIONS = {"exr"};
+constexpr std::array<unsigned char, 4> MAGIC = {0x76, 0x2f, 0x31, 0x01};
+constexpr int NO_THREADS = 0;
+// Enough to recognise a file by, without an error of thousands of names.
+constexpr std::size_t MAX_NAMES_LISTED = 40;
+
+struct Size {
+    std::uint64_t width;
+    std::uint64_t height;
+};
+
+Size getSize(const Imf::Header& header) {
+    const auto& window = header.dataWindow();
+    const std::int64_t width = std::int64_t(window.max.x) - window.min.x + 1;
+    const std::int64_t height = std::int64_t(window.max.y) - window.min.y + 1;
+    return {static_cast<std::uint64_t>(std::max<std::int64_t>(width, 0)),
+            static_cast<std::uint64_t>(std::max<std::int64_t>(height, 0))};
+}
+
+std::size_t getPixelTypeSize(Imf::PixelType type) {
+    return type == Imf::HALF ? 2 : 4;
+}
+
+ovMemory::Buffer<ovMemory::String> listChannels(const Imf::Header& header) {
+    ovMemory::Buffer<ovMemory::String> names;
+    const Imf::ChannelList& channels = header.channels();
+    for (auto channel = channels.begin(); channel != channels.end(); ++channel)
+        names.emplace_back(channel.name());
+    return names;
+}
+
+bool isDeep(const Imf::Header& header) {
+    return header.hasType() && (header.type() == Imf::DEEPSCANLINE || header.type() == Imf::DEEPTILE);
+}
+
+// The part and the channels to read.
+struct Choice {
+    int part = -1;
+    detail::ExrSelection selection;
+};
+
+Choice chooseChannels(const Imf::MultiPartInputFile& file, ovMemory::StringView layer) {
+    for (int part = 0; part < file.parts(); ++part) {
+        if (isDeep(file.header(part)))
+            continue;
+        detail::ExrSelection selection = detail::selectExrChannels(listChannels(file.header(part)), layer);
+        if (!selection.channels.empty())
+            return {part, std::move(selection)};
+    }
+    return {};
+}
+
+ovMemory::String describeUndecided(const Imf::MultiPartInputFile& file, ovMemory::StringView layer) {
+    ovMemory::Buffer<ovMemory::String> names;
+    bool isAllDeep = true;
+    for (int part = 0; part < file.parts(); ++part) {
+        isAllDeep = isAllDeep && isDeep(file.header(part));
+        for (const ovMemory::String& name : listChannels(file.header(part)))
+            names.push_back(name);
+    }
+    if (isAllDeep)
+        return "the file holds deep data, which cannot be read";
+    const std::size_t count = names.size();
+    if (count > MAX_NAMES_LISTED)
+        names.resize(MAX_NAMES_LISTED);
+    const ovMemory::String list = fmt::format(
+        "{}{}", fmt::join(names, ", "),
+        count > names.size() ? fmt::format(" and {} more", count - names.size()) : ovMemory::String());
+    if (!layer.empty())
+        return fmt::format("no colours or single channel in the layer \"{}\"; the file's channels: {}", layer,
+                           list);
+    return fmt::format("cannot tell which channels are the picture, name a layer; the file's channels: {}",
+                       list);
+}
+
+// The memory that reading takes, checked from the header alone. Empty, or what is wrong.
+ovMemory::String checkSize(const Imf::Header& header, std::size_t pixelSize, const DecodeOptions& options) {
+    const Size size = getSize(header);
+    const ovMemory::String excess =
+        detail::describeExcessiveSize(size.width, size.height, pixelSize, options);
+    if (!excess.empty())
+        return excess;
+    std::uint64_t storedPixelSize = 0;
+    const Imf::ChannelList& channels = header.channels();
+    for (auto channel = channels.begin(); channel != channels.end(); ++channel)
+        storedPixelSize += getPixelTypeSize(channel.channel().type);
+    std::uint64_t rows = 1;
+    std::uint64_t columns = size.width;
+    if (header.hasTileDescription()) {
+        rows = header.tileDescription().ySize;
+        columns = std::max<std::uint64_t>(columns, header.tileDescription().xSize);
+    }
+    if (rows > MAX_IMAGE_SIDE || columns > MAX_IMAGE_SIDE ||
+        rows * columns * storedPixelSize > MAX_IMAGE_BYTES)
+        return fmt::format("the file is stored in pieces of {} x {} pixels of {} bytes: too large", columns,
+                           rows, storedPixelSize);
+    return {};
+}
+
+// Notes damage: an error, or a warning when the options allow it.
+DecodeResult finishDamaged(DecodeResult result, ovMemory::StringView what, const DecodeOptions& options) {
+    const ovMemory::String text = fmt::format("damaged data: {}", what);
+    if (options.refuseDamaged)
+        return detail::makeDecodeError(NAME, text);
+    detail::appendWarning(result.warning, "EXR: " + text);
+    return result;
+}
+
+DecodeResult readLuminanceChroma(Bytes bytes, const Imf::Header& header, const Choice& choice,
+                                 const DecodeOptions& options) {
+    const unsigned channels = static_cast<unsigned>(choice.selection.channels.size());
+    if (choice.part != 0)
+        return detail::makeDecodeError(NAME, "luminance and chroma can only be read of the first part");
+    const ovMemory::String fault = checkSize(header, sizeof(Imf::Rgba), options);
+    if (!fault.empty())
+        return detail::makeDecodeError(NAME, fault);
+    const Size size = getSize(header);
+    DecodeResult result;
+    if (!detail::allocateImage(result, NAME, static_cast<unsigned>(size.width),
+                               static_cast<unsigned>(size.height), channels, COMPONENT_TYPE::HALF,
+                               COLOUR_ENCODING::LINEAR))
+        return result;
+    ovMemory::Buffer<Imf::Rgba> row(size.width);
+    try {
+        detail::ExrInputStream stream(bytes);
+        Imf::RgbaInputFile file(stream, choice.selection.layer, NO_THREADS);
+        const auto& window = header.dataWindow();
+        unsigned char* target = result.image->getBytes().data();
+        for (int y = window.min.y; y <= window.max.y; ++y) {
+            // No step from row to row: each is read into the same one.
+            file.setFrameBuffer(row.data() - window.min.x, 1, 0);
+            file.readPixels(y);
+            for (const Imf::Rgba& pixel : row) {
+                const std::array<std::uint16_t, 4> colour = {pixel.r.bits(), pixel.g.bits(), pixel.b.bits(),
+                                                             pixel.a.bits()};
+                std::memcpy(target, colour.data(), channels * sizeof(std::uint16_t));
+                target += channels * sizeof(std::uint16_t);
+            }
+        }
+    } catch (const std::exception& exception) {
+        return finishDamaged(std::move(result), exception.what(), options);
+    }
+    return result;
+}
+
+// HALF when all chosen channels are, else FLOAT. A channel of another resolution is an error.
+ovMemory::String chooseType(const Imf::Header& header, const detail::ExrSelection& selection,
+                            Imf::PixelType& type) {
+    type = Imf::HALF;
+    for (const ovMemory::String& name : selection.channels) {
+        const Imf::Channel& channel = header.channels()[name];
+        if (channel.xSampling != 1 || channel.ySampling != 1)
+            return fmt::format("the channel {} has {} x {} pixels a sample: expected 1 x 1", name,
+                               channel.xSampling, channel.ySampling);
+        if (channel.type != Imf::HALF)
+            type = Imf::FLOAT;
+    }
+    return {};
+}
+
+DecodeResult readChannels(Imf::MultiPartInputFile& file, const Choice& choice, const DecodeOptions& options) {
+    const Imf::Header& header = file.header(choice.part);
+    const auto& names = choice.selection.channels;
+    Imf::PixelType type = Imf::HALF;
+    ovMemory::String fault = chooseType(header, choice.selection, type);
+    const std::size_t componentSize = getPixelTypeSize(type);
+    const std::size_t pixelSize = componentSize * names.size();
+    if (fault.empty())
+        fault = checkSize(header, pixelSize, options);
+    if (!fault.empty())
+        return detail::makeDecodeError(NAME, fault);
+    const Size size = getSize(header);
+    DecodeResult result;
+    if (!detail::allocateImage(result, NAME, static_cast<unsigned>(size.width),
+                               static_cast<unsigned>(size.height), static_cast<unsigned>(names.size()),
+                               type == Imf::HALF ? COMPONENT_TYPE::HALF : COMPONENT_TYPE::FLOAT,
+                               COLOUR_ENCODING::LINEAR))
+        return result;
+    Imf::FrameBuffer frame;
+    for (std::size_t i = 0; i < names.size(); ++i)
+        frame.insert(names[i], Imf::Slice::Make(type, result.image->getBytes().data() + i * componentSize,
+                                                header.dataWindow(), pixelSize, pixelSize * size.width));
+    try {
+        Imf::InputPart part(file, choice.part);
+        part.setFrameBuffer(frame);
+        part.readPixels(header.dataWindow().min.y, header.dataWindow().max.y);
+    } catch (const std::exception& exception) {
+        return finishDamaged(std::move(result), exception.what(), options);
+    }
+    return result;
+}
+
+DecodeResult decodeExr(Bytes bytes, const DecodeOptions& options) {
+    detail::ExrInputStream stream(bytes);
+    Imf::MultiPartInputFile file(stream, NO_THREADS, !options.refuseDamaged);
+    const Choice choice = chooseChannels(file, options.layer);
+    if (choice.part < 0)
+        return detail::makeDecodeError(NAME, describeUndecided(file, options.layer));
+    if (choice.selection.isLuminanceChroma)
+        return readLuminanceChroma(bytes, file.header(choice.part), choice, options);
+    return readChannels(file, choice, options);
+}
+
+EncodeResult encodeExr(const ImageView& view) {
+    constexpr std::array<std::array<const char*, 4>, 4> NAMES = {
+        {{"Y"}, {"Y", "A"}, {"R", "G", "B"}, {"R", "G", "B", "A"}}};
+    const Imf::PixelType type = view.componentType == COMPONENT_TYPE::HALF ? Imf::HALF : Imf::FLOAT;
+    const std::size_t componentSize = getComponentSize(view.componentType);
+    const std::size_t pixelSize = componentSize * view.channels;
+    Imf::Header header(static_cast<int>(view.width), static_cast<int>(view.height));
+    header.compression() = Imf::ZIP_COMPRESSION;
+    Imf::FrameBuffer frame;
+    for (std::size_t i = 0; i < view.channels; ++i) {
+        const char* name = NAMES[view.channels - 1][i];
+        header.channels().insert(name, Imf::Channel(type));
+        frame.insert(name, Imf::Slice::Make(type, view.bytes.data() + i * componentSize, header.dataWindow(),
+                                            pixelSize, pixelSize * view.width));
+    }
+    EncodeResult result;
+    {
+        detail::ExrOutputStream stream(result.bytes);
+        Imf::OutputFile file(stream, header, NO_THREADS);
+        file.setFrameBuffer(frame);
+        file.writePixels(static_cast<int>(view.height));
+    }
+    detail::warnOfEncoding(result.warning, view, NAME, COLOUR_ENCODING::LINEAR);
+    return result;
+}
+
+} // namespace
+
+ovMemory::StringView ExrEncoder::getName() const {
+    return NAME;
+}
+
+ovMemory::BufferView<const ovMemory::StringView> ExrEncoder::getExtensions() const {
+    return EXTENSIONS;
+}
+
+bool ExrEncoder::canDecode(Bytes bytes) const {
+    return bytes.size() >= MAGIC.size() && std::equal(MAGIC.begin(), MAGIC.end(), bytes.begin());
+}
+
+DecodeResult ExrEncoder::decode(Bytes bytes, const DecodeOptions& options) const {
+    if (!canDecode(bytes))
+        return detail::makeDecodeError(NAME, "the data does not begin with the magic number of an EXR file");
+    return detail::runGuarded<DecodeResult>(NAME, [&] { return decodeExr(bytes, options); });
+}
+
+EncodeResult ExrEncoder::encode(const ImageView& view, const EncodeOptions&) const {
+    ovMemory::String fault;
+    if (!isValid(view, &fault))
+        return detail::makeEncodeError(NAME, fault);
+    if (view.componentType != COMPONENT_TYPE::HALF && view.componentType != COMPONENT_TYPE::FLOAT)
+        return detail::makeEncodeError(
+            NAME, fmt::format("cannot hold {} components: convert to half float or float first",
+                              getComponentTypeName(view.componentType)));
+    return detail::runGuarded<EncodeResult>(NAME, [&] { return encodeExr(view); });
+}
+
+} // namespace ovImages

@@ -1,0 +1,22 @@
+// Runs of components between their stored form and floats. Internal to the library.
+#pragma once
+
+#include <ovImages/Image.h>
+
+namespace ovImages::detail {
+
+/// Counts of what could not be stored as it was.
+struct StoreLosses {
+    std::size_t clampedToHalf = 0; ///< finite or infinite values beyond what half holds
+    std::size_t nanToZero = 0;     ///< NaN stored in an integer type
+};
+
+/// Reads values.size() components of the type at source, which needs no alignment.
+void loadComponents(const unsigned char* source, COMPONENT_TYPE type, ovMemory::BufferView<float> values);
+
+/// Writes all values as the type at target, which needs no alignment. Integer types clamp to 0..1, round to
+/// nearest and store NaN as 0; half clamps to +-65504 and keeps NaN.
+StoreLosses storeComponents(ovMemory::BufferView<const float> values, COMPONENT_TYPE type,
+                            unsigned char* target);
+
+} // namespace ovImages::detail

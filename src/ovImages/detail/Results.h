@@ -1,0 +1,49 @@
+// Results, checks and warnings that the formats share. Internal to the library.
+#pragma once
+
+#include <ovImages/Encoder.h>
+
+#include <cstdint>
+#include <exception>
+
+namespace ovImages::detail {
+
+DecodeResult makeDecodeError(ovMemory::StringView format, ovMemory::StringView text);
+EncodeResult makeEncodeError(ovMemory::StringView format, ovMemory::StringView text);
+
+/// Runs `decode` or `encode`, turning exceptions, of libraries or for lack of memory, into an error result.
+template <typename RESULT, typename WORK>
+RESULT runGuarded(ovMemory::StringView format, WORK work) {
+    RESULT result;
+    try {
+        return work();
+    } catch (const std::exception& exception) {
+        result.error = ovMemory::String(format) + ": " + exception.what();
+    } catch (...) {
+        result.error = ovMemory::String(format) + ": unknown failure";
+    }
+    return result;
+}
+
+/// Empty when a picture of this size may be decoded, else the reason why not.
+ovMemory::String describeExcessiveSize(std::uint64_t width, std::uint64_t height, std::uint64_t bytesPerPixel,
+                                       const DecodeOptions& options);
+
+/// Allocates the picture of a result; false, with the error set, when there is no memory for it.
+bool allocateImage(DecodeResult& result, ovMemory::StringView format, unsigned width, unsigned height,
+                   unsigned channels, COMPONENT_TYPE type, COLOUR_ENCODING encoding);
+
+/// Adds a sentence to a warning.
+void appendWarning(ovMemory::String& warning, ovMemory::StringView text);
+
+/// Warns about numbers whose meaning the format cannot record, and so readers will take for `expected`.
+void warnOfEncoding(ovMemory::String& warning, const ImageView& view, ovMemory::StringView format,
+                    COLOUR_ENCODING expected);
+
+/// Whether the picture has alpha that is not 1 everywhere.
+bool hasTransparency(const ImageView& view);
+
+/// Warns that alpha is dropped, when there is any that counts.
+void warnOfDroppedAlpha(ovMemory::String& warning, const ImageView& view, ovMemory::StringView format);
+
+} // namespace ovImages::detail
