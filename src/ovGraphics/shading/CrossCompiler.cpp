@@ -1,0 +1,105 @@
+#include <ovGraphics/shading/CrossCompiler.h>
+
+#include <array>
+#include <fmt/format.h>
+#include <ovGraphics/EmbeddedShaders.h>
+#include <ovGraphics/shading/detail/FrontEnd.h>
+#include <ovGraphics/shading/detail/OpaqueParameters.h>
+#include <ovGraphics/shading/detail/StageJoin.h>
+#include <ovGraphics/shading/detail/StageTranslator.h>
+
+namespace ovGraphics::shading {
+
+using ovMemory::String;
+using ovMemory::StringView;
+
+namespace {
+
+// Vulkan's rules, under which textures and samplers are kept apart, have another name for the vertex and
+// instance numbers; the device counts both from zero, as the names of OpenGL do.
+constexpr StringView GLSL_HEADER = "#version 450 core\n"
+                                   "#extension GL_EXT_samplerless_texture_functions : require\n"
+                                   "#extension GL_GOOGLE_cpp_style_line_directive : require\n"
+                                   "#define gl_VertexID gl_VertexIndex\n"
+                                   "#define gl_InstanceID gl_InstanceIndex\n";
+
+// Constant memory holds matrices row by row.
+constexpr StringView HLSL_HEADER = "#pragma pack_matrix(row_major)\n";
+
+constexpr StringView AUTHOR_TEXT_NAME = "source";
+
+const StageText& getStageText(const ProgramText& text, STAGE stage) {
+    return stage == STAGE::VERTEX ? text.vertex : text.pixel;
+}
+
+const char* getStageName(STAGE stage) {
+    return stage == STAGE::VERTEX ? "vertex" : "pixel";
+}
+
+CompileResult makeFailure(const ProgramText& text, STAGE stage, StringView words) {
+    CompileResult result;
+    result.error = fmt::format("Could not compile the {} stage of program '{}': {}", getStageName(stage),
+                               text.name, words);
+    return result;
+}
+
+} // namespace
+
+String getFullText(const ProgramText& text, STAGE stage) {
+    const StageText& stageText = getStageText(text, stage);
+    const bool hlsl = text.language == SHADER_LANGUAGE::HLSL;
+    String full(hlsl ? HLSL_HEADER : GLSL_HEADER);
+    if (text.crossCompilerDefines) {
+        full += stage == STAGE::PIXEL ? "#define OV_PIXEL_STAGE 1\n" : "#define OV_VERTEX_STAGE 1\n";
+        full += hlsl ? embedded::Dialect_hlsl : embedded::Dialect_glsl;
+    }
+    for (const Define& define : stageText.defines) {
+        full += fmt::format("#define {} {}\n", define.name, define.value);
+    }
+    full += fmt::format("#line 1 \"{}\"\n", AUTHOR_TEXT_NAME);
+    full += stageText.text;
+    full += '\n'; // a last line without an end would be taken as cut short
+    return full;
+}
+
+CompileResult compile(const ProgramText& text) {
+    constexpr std::array<STAGE, 2> STAGES = {STAGE::VERTEX, STAGE::PIXEL};
+    std::array<detail::StageTranslator, 2> translators;
+    std::array<detail::StageInterface, 2> interfaces;
+    CompileResult result;
+    for (std::size_t i = 0; i < STAGES.size(); ++i) {
+        detail::FrontEndResult compiled =
+            detail::compileToSpirv(text.language, STAGES[i], getFullText(text, STAGES[i]));
+        if (!compiled.error.empty()) {
+            return makeFailure(text, STAGES[i], compiled.error);
+        }
+        result.warnings += compiled.warnings;
+        if (!detail::passOpaqueParametersDirectly(compiled.spirv)) {
+            return makeFailure(text, STAGES[i],
+                               "a texture or sampler is assigned to a variable; pass it to functions "
+                               "as an argument instead");
+        }
+        if (!translators[i].reflect(text.language, STAGES[i], compiled.spirv, interfaces[i])) {
+            return makeFailure(text, STAGES[i], translators[i].getError());
+        }
+    }
+    auto program = std::make_unique<CompiledProgram>();
+    if (const detail::JoinError error = detail::joinStages(interfaces[0], interfaces[1], *program);
+        !error.words.empty()) {
+        return makeFailure(text, error.stage, error.words);
+    }
+    const std::array<String*, 2> texts = {&program->vertexText, &program->pixelText};
+    for (std::size_t i = 0; i < STAGES.size(); ++i) {
+        if (!translators[i].translate(interfaces[i], *texts[i])) {
+            return makeFailure(text, STAGES[i], translators[i].getError());
+        }
+    }
+    result.program = std::move(program);
+    return result;
+}
+
+String getCompilerVersions() {
+    return detail::getFrontEndVersion() + ", " + detail::getTranslatorVersion();
+}
+
+} // namespace ovGraphics::shading
