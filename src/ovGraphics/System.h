@@ -16,6 +16,7 @@ namespace ovGraphics {
 class Camera;
 class CameraManager;
 class CompositorManager;
+class CompositorPass;
 class ProgramLibrary;
 class ProgramManager;
 class RenderContext;
@@ -25,9 +26,11 @@ class SamplerManager;
 class ShaderManager;
 class TextureManager;
 class ViewportManager;
+struct PassExecution;
 
 namespace device {
 class Device;
+class GpuTimer;
 struct DeviceInfo;
 } // namespace device
 
@@ -88,9 +91,12 @@ public:
     bool getPassTimingEnabled() const { return _passTimingEnabled; }
     /// The passes of the last frame in order; empty unless timing is enabled.
     const ovMemory::Buffer<PassTiming>& getPassTimings() const { return _passTimings; }
-    /// "timer queries" on hardware; "wall clock" on a software device, where queries cover the submission only.
+    /// "timer queries" on hardware; "wall clock" on a software device, where queries cover the submission
+    /// only.
     ovMemory::StringView getPassTimingMethod() const;
-    void addPassTiming(ovMemory::StringView name, double milliseconds);
+
+    /// Executes a pass of a frame, measured when pass timing is enabled.
+    void runPass(CompositorPass& pass, const PassExecution& execution);
 
     /// Sends one line to the configuration's logger, if there is one.
     void log(ovMemory::StringView message, ovMemory::StringView sender) const;
@@ -123,6 +129,7 @@ private:
     bool _timeIsFixed = false;
     bool _passTimingEnabled = false;
     ovMemory::Buffer<PassTiming> _passTimings;
+    ovMemory::UniquePtr<device::GpuTimer> _passTimer;
 
     ovMemory::UniquePtr<TextureManager> _textures;
     ovMemory::UniquePtr<SamplerManager> _samplers;

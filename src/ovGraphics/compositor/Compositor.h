@@ -6,8 +6,8 @@
 
 namespace ovGraphics {
 
-/// An ordered list of operations blocks that is drawn or skipped as a whole. Owned by its compositor. Effects add
-/// their blocks to nodes that belong to others, and take exactly those away again.
+/// An ordered list of operations blocks that is drawn or skipped as a whole. Owned by its compositor. Effects
+/// add their blocks to nodes that belong to others, and take exactly those away again.
 class OV_API CompositorNode {
 public:
     explicit CompositorNode(System* system)
@@ -25,6 +25,9 @@ public:
     CompositorOperationsBlock* getOperationsBlock(unsigned int position) const;
     /// Destroys a block. @return false when it is not of this node
     bool removeOperationsBlock(const CompositorOperationsBlock* block);
+
+    /// Frees what drawing made on the device; the next frame makes it again.
+    void unload();
 
 private:
     System* _system;
@@ -50,6 +53,8 @@ public:
     void reset() override;
 
 private:
+    void _unload() override;
+
     ovMemory::Buffer<ovMemory::UniquePtr<CompositorNode>> _nodes;
 };
 

@@ -19,15 +19,16 @@ public:
     explicit CompositorOperationsBlock(System* system);
     ~CompositorOperationsBlock();
 
-    /// Draws into one mip of one slice (or cube face) of a loaded, render-target texture. @param index of the pixel
-    /// stage's output, 0 to 7; others are ignored. Without any target the block draws into the context's back buffer.
+    /// Draws into one mip of one slice (or cube face) of a loaded, render-target texture. @param index of the
+    /// pixel stage's output, 0 to 7; others are ignored. Without any target the block draws into the
+    /// context's back buffer.
     void setTarget(unsigned int index, Texture* texture, unsigned int slice = 0, unsigned int mip = 0);
     Texture* getTarget(unsigned int index) const;
     /// A depth texture to test against and write; null for none.
     void setDepthBuffer(Texture* texture, unsigned int slice = 0, unsigned int mip = 0);
     /// The part of the targets that is drawn to; null: all of it.
-    void setViewport(Viewport* viewport) { _viewport = viewport; }
-    Viewport* getViewport() const { return _viewport.get(); }
+    void setViewport(Viewport* viewport);
+    Viewport* getViewport() const;
 
     ClearPass* appendClearPass();
     PostProcessPass* appendPostProcessPass();
@@ -40,8 +41,12 @@ public:
     /// Destroys a pass. @return false when it is not of this block
     bool removePass(const CompositorPass* pass);
 
-    /// Draws the passes. @param active false when a target is unusable: one log line, nothing drawn
+    /// Draws the passes in order. @return false after one log line when a target is unusable; nothing is
+    /// drawn then
     bool execute(RenderContext& context);
+
+    /// Frees what drawing made on the device; the next frame makes it again.
+    void unload();
 
 private:
     struct Target {
@@ -66,6 +71,7 @@ private:
     ovMemory::Buffer<ovMemory::UniquePtr<CompositorPass>> _passes;
     ovMemory::UniquePtr<device::GpuTarget> _gpuTarget;
     Borrowed<Texture> _gpuTargetBackBuffer;
+    unsigned int _backBufferLoadCount = 0;
     unsigned int _width = 0;  ///< of the targets, texels
     unsigned int _height = 0; ///< of the targets, texels
     bool _failureLogged = false;

@@ -12,6 +12,7 @@ namespace ovGraphics {
 
 class Camera;
 class Shader;
+class System;
 class Texture;
 
 namespace device {
@@ -73,17 +74,18 @@ private:
     unsigned int _stencil = 0;
 };
 
-/// Draws a shader on the full-screen quad. New: no shader, no camera of its own, no blending, no culling, no depth.
+/// Draws a shader on the full-screen quad. New: no shader, no camera of its own, no blending, no culling, no
+/// depth.
 class OV_API PostProcessPass : public CompositorPass {
 public:
     PostProcessPass();
 
     /// Borrowed; a pass without a loaded shader draws nothing.
-    void setShader(Shader* shader) { _shader = shader; }
-    Shader* getShader() const { return _shader.get(); }
+    void setShader(Shader* shader);
+    Shader* getShader() const;
     /// The camera that the shader's slots mean when they name none; null: the context's rendering camera.
-    void setCamera(Camera* camera) { _camera = camera; }
-    Camera* getCamera() const { return _camera.get(); }
+    void setCamera(Camera* camera);
+    Camera* getCamera() const;
 
     // States to be changed in place.
     BlendState& getBlendState() { return _blendState; }
@@ -105,7 +107,7 @@ class OV_API MipGenerationPass : public CompositorPass {
 public:
     MipGenerationPass();
     /// Borrowed; must be loaded when the pass runs.
-    void setTexture(Texture* texture) { _texture = texture; }
+    void setTexture(Texture* texture);
     bool execute(const PassExecution& execution) override;
 
 private:

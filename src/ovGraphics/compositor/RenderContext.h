@@ -26,13 +26,13 @@ public:
     void setDescriptor(const RenderContextDescriptor& descriptor);
     bool drawsInWindow() const { return _window; }
 
-    void setCompositor(Compositor* compositor) { _compositor = compositor; }
-    Compositor* getCompositor() const { return _compositor.get(); }
+    void setCompositor(Compositor* compositor);
+    Compositor* getCompositor() const;
 
-    /// The camera that passes and slots without one of their own mean. Null (the default): the camera manager's
-    /// active render camera.
-    void setCamera(Camera* camera) { _camera = camera; }
-    Camera* getCamera() const { return _camera.get(); }
+    /// The camera that passes and slots without one of their own mean. Null (the default): the camera
+    /// manager's active render camera.
+    void setCamera(Camera* camera);
+    Camera* getCamera() const;
 
     /// The texture that blocks without targets draw into; null when the descriptor named none.
     Texture* getBackBuffer() const;

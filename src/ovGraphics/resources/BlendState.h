@@ -6,8 +6,8 @@
 
 namespace ovGraphics {
 
-/// A blend state. New: every target written without blending. Values first, target index (0 to 7) second; an index
-/// out of range is ignored. Changes take effect at the next pass that uses the state.
+/// A blend state. New: every target written without blending. Values first, target index (0 to 7) second; an
+/// index out of range is ignored. Changes take effect at the next pass that uses the state.
 class OV_API BlendState {
 public:
     void setAlphaToCoverageEnabled(bool enabled) { _desc.alphaToCoverage = enabled; }

@@ -26,8 +26,8 @@ private:
     BorrowedBase* _next = nullptr;
 };
 
-/// A pointer to a resource owned elsewhere that becomes null when the resource is destroyed. As cheap to read as a
-/// plain pointer; T must be complete where it is read.
+/// A pointer to a resource owned elsewhere that becomes null when the resource is destroyed. As cheap to read
+/// as a plain pointer; T must be complete where it is read.
 template <typename T>
 class Borrowed : public BorrowedBase {
 public:

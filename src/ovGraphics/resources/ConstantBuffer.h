@@ -26,9 +26,10 @@ public:
     ShaderPassMemorySlot* getPassMemorySlot(unsigned int index) const;
     unsigned int getPassMemorySlotCount() const { return static_cast<unsigned int>(_slots.size()); }
 
-    /// Evaluates every slot and uploads the bytes if they differ from those uploaded last. The device's buffer has
-    /// at least minimumSize bytes, the rest zeros. @return null when the device refuses
-    device::GpuBuffer* update(device::Device& device, const PassEnvironment& environment, unsigned int minimumSize);
+    /// Evaluates every slot and uploads the bytes if they differ from those uploaded last. The device's
+    /// buffer has at least minimumSize bytes, the rest zeros. @return null when the device refuses
+    device::GpuBuffer* update(device::Device& device, const PassEnvironment& environment,
+                              unsigned int minimumSize);
 
     /// Frees the device's buffer.
     void unload();

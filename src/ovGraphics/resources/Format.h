@@ -3,9 +3,9 @@
 
 namespace ovGraphics {
 
-/// Pixel formats (DXGI_FORMAT 0 to 99). Components are named from the lowest bits or bytes up; each name ends in
-/// how a component is read: UNORM [0, 1], SNORM [-1, 1], UINT, SINT, FLOAT, TYPELESS (left to the view). Which of
-/// them the device has is answered by TextureUtils and by Texture::load().
+/// Pixel formats (DXGI_FORMAT 0 to 99). Components are named from the lowest bits or bytes up; each name ends
+/// in how a component is read: UNORM [0, 1], SNORM [-1, 1], UINT, SINT, FLOAT, TYPELESS (left to the view).
+/// Which of them the device has is answered by TextureUtils and by Texture::load().
 enum class FORMAT : unsigned int {
     UNKNOWN = 0,
     R32G32B32A32_TYPELESS = 1,

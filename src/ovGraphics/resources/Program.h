@@ -9,8 +9,8 @@ namespace ovGraphics {
 
 struct LoadedProgram;
 
-/// Compiled vertex and pixel code. Programs whose full texts are equal share one compilation, also when they are
-/// different objects; with a cache folder (see Configuration) also between processes.
+/// Compiled vertex and pixel code. Programs whose full texts are equal share one compilation, also when they
+/// are different objects; with a cache folder (see Configuration) also between processes.
 ///
 /// load() fails with one log line that names the stage, the author's file and line, and the compiler's words.
 class OV_API Program : public Resource {

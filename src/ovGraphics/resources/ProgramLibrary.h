@@ -28,7 +28,8 @@ struct ProgramLibraryStatistics {
     uint64_t fromMemory = 0; ///< shared with a program of the same text
 };
 
-/// Compiles programs, shares those of equal text, and keeps them on disk when the configuration names a folder.
+/// Compiles programs, shares those of equal text, and keeps them on disk when the configuration names a
+/// folder.
 class OV_API ProgramLibrary {
 public:
     ProgramLibrary(device::Device& device, ovMemory::String cacheFolder);
@@ -36,7 +37,8 @@ public:
 
     /// The program of a text, with one more user. @return null with one message in error; warnings gets the
     /// compilers' warnings, and a cache folder that cannot be written to
-    const LoadedProgram* acquire(const shading::ProgramText& text, ovMemory::String& error, ovMemory::String& warnings);
+    const LoadedProgram* acquire(const shading::ProgramText& text, ovMemory::String& error,
+                                 ovMemory::String& warnings);
     /// Takes one user away; the last one frees the program.
     void release(const LoadedProgram* program);
 

@@ -12,9 +12,14 @@ public:
     void setVertexMemory(ovMemory::StringView text) { _vertex.text = text; }
     void setPixelMemory(ovMemory::StringView text) { _pixel.text = text; }
 
-    /// Puts `#define name value` before the stage's text, after those added before. An empty value is a plain switch.
-    void addDefineMacroVertex(ovMemory::StringView name, ovMemory::StringView value) { _add(_vertex, name, value); }
-    void addDefineMacroPixel(ovMemory::StringView name, ovMemory::StringView value) { _add(_pixel, name, value); }
+    /// Puts `#define name value` before the stage's text, after those added before. An empty value is a plain
+    /// switch.
+    void addDefineMacroVertex(ovMemory::StringView name, ovMemory::StringView value) {
+        _add(_vertex, name, value);
+    }
+    void addDefineMacroPixel(ovMemory::StringView name, ovMemory::StringView value) {
+        _add(_pixel, name, value);
+    }
 
     const shading::StageText& getVertex() const { return _vertex; }
     const shading::StageText& getPixel() const { return _pixel; }

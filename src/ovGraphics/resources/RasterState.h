@@ -6,13 +6,15 @@
 
 namespace ovGraphics {
 
-/// A raster state. New: solid, back faces culled, front faces clockwise on the target, no bias, depth clipped.
+/// A raster state. New: solid, back faces culled, front faces clockwise on the target, no bias, depth
+/// clipped.
 class OV_API RasterState {
 public:
     void setFillMode(FILL_MODE fill) { _desc.fill = fill; }
     void setCullMode(CULL_MODE cull) { _desc.cull = cull; }
     void setFrontCounterClockwise(bool counterClockwise) { _desc.frontCounterClockwise = counterClockwise; }
-    /// @param bias in units of the depth buffer's resolution @param slopeScaled times the slope of the triangle
+    /// @param bias in units of the depth buffer's resolution @param slopeScaled times the slope of the
+    /// triangle
     void setDepthBias(float bias, float slopeScaled) {
         _desc.depthBias = bias;
         _desc.slopeScaledDepthBias = slopeScaled;

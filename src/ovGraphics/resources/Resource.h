@@ -1,6 +1,7 @@
 // The base of everything that a graphics system names.
 #pragma once
 
+#include <cstddef>
 #include <ovCommon/Api.h>
 #include <ovGraphics/Enums.h>
 #include <ovGraphics/resources/Borrowed.h>
@@ -39,8 +40,8 @@ public:
     RESOURCE_LOAD_STATE getLoadState() const { return _loadState; }
     bool isUnloaded() const { return _loadState == RESOURCE_LOAD_STATE::UNLOADED; }
 
-    /// Makes the resource usable with its present settings. A loaded resource whose settings did not change since
-    /// is left as it is; otherwise it is unloaded first.
+    /// Makes the resource usable with its present settings. A loaded resource whose settings did not change
+    /// since is left as it is; otherwise it is unloaded first.
     /// @return false after one log line that says why; the resource is then unloaded.
     bool load();
 
@@ -76,6 +77,7 @@ private:
     bool _hidden = false;
     bool _gpuUploadCanBeDeferred = false;
     bool _changedSinceLoad = true;
+    std::size_t _registryIndex = 0;     ///< place in the system's list of resources
     BorrowedBase* _borrowers = nullptr; ///< list of the pointers that become null with this object
 };
 

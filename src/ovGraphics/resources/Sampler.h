@@ -42,6 +42,8 @@ public:
 private:
     bool _load(ovMemory::String& error) override;
     void _unload() override;
+    template <typename T>
+    void _set(T& setting, const T& value);
 
     ovMemory::UniquePtr<device::SamplerDesc> _desc;
     ovMemory::UniquePtr<device::GpuSampler> _gpuSampler;

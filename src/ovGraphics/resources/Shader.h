@@ -13,9 +13,9 @@ struct LoadedProgram;
 
 /// Bindings: a program, its constants, and its textures and samplers by unit. A shader compiles nothing.
 ///
-/// Units and indices are those of the shader text's declarations. The stage argument is 0, visible to every stage.
-/// Textures, samplers and constants may change while the shader is loaded and take effect at the next pass.
-/// Everything bound is borrowed; what is destroyed meanwhile reads as not bound.
+/// Units and indices are those of the shader text's declarations. The stage argument is 0, visible to every
+/// stage. Textures, samplers and constants may change while the shader is loaded and take effect at the next
+/// pass. Everything bound is borrowed; what is destroyed meanwhile reads as not bound.
 class OV_API Shader : public Resource {
 public:
     /// A new, unloaded shader; a null system means the singleton.
@@ -32,13 +32,17 @@ public:
     ConstantBuffer* getConstantBuffer(unsigned int index, unsigned int stage) const;
 
     /// Binds a texture; null reads as opaque black. add and set do the same: the unit is added when missing.
-    void addTexture(Texture* texture, unsigned int unit, unsigned int stage) { setTexture(texture, unit, stage); }
+    void addTexture(Texture* texture, unsigned int unit, unsigned int stage) {
+        setTexture(texture, unit, stage);
+    }
     void setTexture(Texture* texture, unsigned int unit, unsigned int stage);
     /// The texture of a unit, or null.
     Texture* getTexture(unsigned int unit, unsigned int stage) const;
 
     /// Binds a sampler; null reads single texels. add and set do the same: the unit is added when missing.
-    void addSampler(Sampler* sampler, unsigned int unit, unsigned int stage) { setSampler(sampler, unit, stage); }
+    void addSampler(Sampler* sampler, unsigned int unit, unsigned int stage) {
+        setSampler(sampler, unit, stage);
+    }
     void setSampler(Sampler* sampler, unsigned int unit, unsigned int stage);
     /// The sampler of a unit, or null.
     Sampler* getSampler(unsigned int unit, unsigned int stage) const;
@@ -46,7 +50,8 @@ public:
     /// Drops the program and every binding.
     void reset() override;
 
-    /// Makes the device ready to draw with this shader: program, constants as they are now, textures, samplers.
+    /// Makes the device ready to draw with this shader: program, constants as they are now, textures,
+    /// samplers.
     /// @return false when the shader or its program is not loaded
     bool bind(const PassEnvironment& environment);
 

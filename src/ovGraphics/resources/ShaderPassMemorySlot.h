@@ -1,6 +1,7 @@
 // What a piece of a constant buffer holds, evaluated when a pass runs.
 #pragma once
 
+#include <array>
 #include <ovGraphics/resources/Borrowed.h>
 #include <ovMaths/Matrix.h>
 #include <ovMaths/Vector.h>
@@ -17,23 +18,24 @@ struct PassEnvironment {
     Camera* camera = nullptr; ///< the camera that renders; null when the pass has none
 };
 
-/// One slot of a constant buffer: it says what it holds, and the value is taken when a pass runs. Every slot fills
-/// whole registers of four 32-bit values. A new slot holds the zero vector.
+/// One slot of a constant buffer: it says what it holds, and the value is taken when a pass runs. Every slot
+/// fills whole registers of four 32-bit values. A new slot holds the zero vector.
 class OV_API ShaderPassMemorySlot {
 public:
     /// A fixed vector: one register.
     void setFromVector(const ovMaths::Vector& vector);
     /// A fixed matrix: its four rows, one register each.
     void setFromMatrix(const ovMaths::Matrix& matrix);
-    /// Four integers: width, height, slices and mips of a texture, taken anew at each pass; zeros without one.
+    /// Four integers: width, height, slices and mips of a texture, taken anew at each pass; zeros without
+    /// one.
     void setAsTextureSize(Texture* texture);
     /// Modulo in seconds, running time modulo that, seconds of the last frame, 0.
     void setAsTime(float modulo);
 
     // Without a camera these mean the camera that renders; without that either, they hold zeros.
 
-    /// World-space directions of the four corners of the view in the quad's vertex order: four registers. The view
-    /// corner rotated to the world: camera position + corner * view depth = world position.
+    /// World-space directions of the four corners of the view in the quad's vertex order: four registers. The
+    /// view corner rotated to the world: camera position + corner * view depth = world position.
     void setAsCamCornersWorld(Camera* camera = nullptr);
     /// The same in view space, z = 1.
     void setAsCamCornersView(Camera* camera = nullptr);
@@ -70,7 +72,7 @@ private:
     void _evaluateCamera(Camera& camera, const System& system, unsigned char* out) const;
 
     CONTENT _content = CONTENT::VECTOR;
-    ovMaths::Matrix _value{ovMaths::Matrix::zero()}; ///< a vector is its first row
+    std::array<float, 16> _value{}; ///< four rows; a vector is the first
     Borrowed<Camera> _camera;
     Borrowed<Texture> _texture;
     bool _ownCamera = false; ///< false: the camera that renders

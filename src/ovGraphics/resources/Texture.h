@@ -9,14 +9,16 @@
 namespace ovGraphics {
 
 namespace device {
+class Device;
 class GpuTexture;
 struct TextureDesc;
 } // namespace device
 
-/// A texture. Row 0 is the top row of every slice; cube faces are the slices in the order +X, -X, +Y, -Y, +Z, -Z.
+/// A texture. Row 0 is the top row of every slice; cube faces are the slices in the order +X, -X, +Y, -Y, +Z,
+/// -Z.
 ///
-/// Setters store settings that the next load() uses. load() fails when the device lacks the format or the size is
-/// zero or beyond its limits.
+/// Setters store settings that the next load() uses. load() fails when the device lacks the format or the
+/// size is zero or beyond its limits.
 class OV_API Texture : public Resource {
 public:
     /// A new, unloaded 1 x 1 texture of R8G8B8A8_UNORM; a null system means the singleton.
@@ -40,7 +42,8 @@ public:
     void setWidth(unsigned int texels);
     void setHeight(unsigned int texels);
     void setFormat(FORMAT format);
-    /// Decode sRGB when sampled and encode it when drawn to. A format without an sRGB sibling refuses to load with it.
+    /// Decode sRGB when sampled and encode it when drawn to. A format without an sRGB sibling refuses to load
+    /// with it.
     void setGammaCorrected(bool gammaCorrected);
     void setTexType(TEXTURE_TYPE type);
     /// Slices of a 2D array; ignored for cubes. Default 1.
@@ -56,8 +59,8 @@ public:
     /// Mips of a full chain down to 1 x 1 for the present width and height.
     unsigned int getNeededMipsForSize() const;
 
-    /// Gives the texels of one mip of one slice, uploaded by the next load(). Earlier data of the same place is
-    /// replaced. @param rowPitch bytes from one row (of blocks) to the next, 0 when tight
+    /// Gives the texels of one mip of one slice, uploaded by the next load(). Earlier data of the same place
+    /// is replaced. @param rowPitch bytes from one row (of blocks) to the next, 0 when tight
     void setCpuData(unsigned int slice, unsigned int mip, ovMemory::BufferView<const unsigned char> bytes,
                     unsigned int rowPitch = 0);
     /// setCpuData of mip 0 of the first slice that has no data yet.
@@ -65,9 +68,10 @@ public:
                                 unsigned int slicePitch);
     void clearCpuData();
 
-    /// Takes width, height, format and texels (mip 0 of slice 0) from an image: 1 to 4 channels of 8 or 16-bit
-    /// UNORM, half or float; three channels become four with alpha 1, but for floats. An sRGB-encoded 8-bit image
-    /// makes a gamma-corrected texture unless raw is set, which hands the stored numbers over as they are.
+    /// Takes width, height, format and texels (mip 0 of slice 0) from an image: 1 to 4 channels of 8 or
+    /// 16-bit UNORM, half or float; three channels become four with alpha 1, but for floats. An sRGB-encoded
+    /// 8-bit image makes a gamma-corrected texture of four channels, other sRGB-encoded ones are decoded to
+    /// linear floats; raw hands the stored numbers over as they are.
     void setFromImage(const ovImages::ImageView& image, bool raw = false);
 
     /// Fills all mips below the first from the first. The texture must be loaded.
@@ -98,7 +102,7 @@ private:
 
     bool _load(ovMemory::String& error) override;
     void _unload() override;
-    void _resetSettings();
+    bool _checkSettings(const device::Device& device, ovMemory::String& error) const;
     bool _checkCpuData(ovMemory::String& error) const;
     void _upload();
     device::TextureDesc _describe() const;

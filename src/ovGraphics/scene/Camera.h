@@ -8,12 +8,13 @@
 
 namespace ovGraphics {
 
-/// A camera. Left-handed: +x right, +y up, it looks along +z of its own space; angles in radians, distances in
-/// metres. New: at the origin, looking along +z, perspective of pi/3 vertically, aspect 1, near 0.1, far 1000.
+/// A camera. Left-handed: +x right, +y up, it looks along +z of its own space; angles in radians, distances
+/// in metres. New: at the origin, looking along +z, perspective of pi/3 vertically, aspect 1, near 0.1, far
+/// 1000.
 class OV_API Camera : public Resource {
 public:
-    /// Corners of the view in the vertex order of the full-screen quad: texture coordinates (0, 0), (1, 0), (0, 1),
-    /// (1, 1), so top left, top right, bottom left, bottom right.
+    /// Corners of the view in the vertex order of the full-screen quad: texture coordinates (0, 0), (1, 0),
+    /// (0, 1), (1, 1), so top left, top right, bottom left, bottom right.
     using Corners = std::array<ovMaths::Vector, 4>;
 
     /// A new camera; a null system means the singleton.
@@ -23,8 +24,8 @@ public:
     void setPosition(const ovMaths::Vector& position);
     const ovMaths::Vector& getPosition() const { return _position; }
 
-    /// Turns the camera to a direction (any length but zero). A zero up vector means (0, 1, 0); an up vector along
-    /// the direction is replaced by an axis across it. A zero direction changes nothing.
+    /// Turns the camera to a direction (any length but zero). A zero up vector means (0, 1, 0); an up vector
+    /// along the direction is replaced by an axis across it. A zero direction changes nothing.
     void lookAt(const ovMaths::Vector& direction, const ovMaths::Vector& up);
     /// The direction looked along, unit length.
     ovMaths::Vector getDirection() const;
@@ -42,21 +43,22 @@ public:
     float getNear() const { return _near; }
     float getFar() const { return _far; }
     float getAspect() const { return _aspect; }
-    float getPerspectiveFov() const { return _verticalFov; }       ///< radians, vertical
+    float getPerspectiveFov() const { return _verticalFov; }    ///< radians, vertical
     float getOrthographicHeight() const { return _viewHeight; } ///< metres
 
     /// World to view.
     ovMaths::Matrix getViewMatrix() const;
     /// View to clip, y up, depth 0 at the near plane and 1 at the far plane.
     ovMaths::Matrix getProjectionMatrix() const;
-    /// View to clip as shaders of a language want it. GLSL: y flipped, depth -1 to 1. HLSL: as getProjectionMatrix().
+    /// View to clip as shaders of a language want it. GLSL: y flipped, depth -1 to 1. HLSL: as
+    /// getProjectionMatrix().
     ovMaths::Matrix getProjectionMatrix(SHADER_LANGUAGE language) const;
-    /// (A, B, near, far) with A = far / (far - near), B = -near / (far - near): for a depth d of a perspective,
-    /// B / (d - A) = view z / far.
+    /// (A, B, near, far) with A = far / (far - near), B = -near / (far - near): for a depth d of a
+    /// perspective, B / (d - A) = view z / far.
     ovMaths::Vector getProjectionParameters() const;
 
-    /// View-space corners with z = 1: corner * view depth = view position (perspective only; an orthographic view
-    /// gives the corners of its rectangle).
+    /// View-space corners with z = 1: corner * view depth = view position (perspective only; an orthographic
+    /// view gives the corners of its rectangle).
     Corners getCornersView() const;
     /// The same rotated to the world, not moved by the position.
     Corners getCornersWorld() const;

@@ -1,0 +1,198 @@
+#include <ovGraphics/compositor/CompositorOperationsBlock.h>
+
+#include <algorithm>
+#include <ovGraphics/System.h>
+#include <ovGraphics/compositor/Compositor.h>
+#include <ovGraphics/compositor/RenderContext.h>
+#include <ovGraphics/device/Device.h>
+#include <ovGraphics/resources/Managers.h>
+#include <ovGraphics/resources/Texture.h>
+#include <ovGraphics/resources/Viewport.h>
+#include <ovGraphics/scene/Camera.h>
+
+namespace ovGraphics {
+
+namespace {
+
+unsigned int mipSize(unsigned int size, unsigned int mip) {
+    return std::max(1u, size >> mip);
+}
+
+/// Whether a texture can be drawn to. @param error gets the reason when not
+bool isDrawable(Texture& texture, unsigned int slice, unsigned int mip, ovMemory::String& error) {
+    const ovMemory::String name = "texture '" + ovMemory::String(texture.getName()) + "'";
+    if (texture.isUnloaded())
+        error = name + " is not loaded; load it before the frame.";
+    else if (!texture.getUsableAsRenderTarget())
+        error = name + " is no render target; call setUsableAsRenderTarget(true) before loading it.";
+    else if (slice >= texture.getSliceCount() || mip >= texture.getMipCount())
+        error = name + " has " + std::to_string(texture.getSliceCount()) + " slices of " +
+                std::to_string(texture.getMipCount()) + " mips, and slice " + std::to_string(slice) +
+                ", mip " + std::to_string(mip) + " was asked for.";
+    return error.empty();
+}
+
+} // namespace
+
+CompositorOperationsBlock::CompositorOperationsBlock(System* system)
+    : _system(system) {}
+
+CompositorOperationsBlock::~CompositorOperationsBlock() = default;
+
+void CompositorOperationsBlock::setTarget(unsigned int index, Texture* texture, unsigned int slice,
+                                          unsigned int mip) {
+    if (index >= _targets.size())
+        return;
+    _targets[index] = {texture, slice, mip, 0, texture != nullptr};
+    _targetCount = 0;
+    for (unsigned int i = 0; i < _targets.size(); ++i) {
+        if (_targets[i].set)
+            _targetCount = i + 1;
+    }
+    _gpuTarget.reset();
+    _failureLogged = false;
+}
+
+Texture* CompositorOperationsBlock::getTarget(unsigned int index) const {
+    return index < _targets.size() ? _targets[index].texture.get() : nullptr;
+}
+
+void CompositorOperationsBlock::setDepthBuffer(Texture* texture, unsigned int slice, unsigned int mip) {
+    _depth = {texture, slice, mip, 0, texture != nullptr};
+    _gpuTarget.reset();
+    _failureLogged = false;
+}
+
+void CompositorOperationsBlock::setViewport(Viewport* viewport) {
+    _viewport = viewport;
+}
+Viewport* CompositorOperationsBlock::getViewport() const {
+    return _viewport.get();
+}
+
+template <typename Pass>
+Pass* CompositorOperationsBlock::_append() {
+    return static_cast<Pass*>(_passes.emplace_back(std::make_unique<Pass>()).get());
+}
+
+ClearPass* CompositorOperationsBlock::appendClearPass() {
+    return _append<ClearPass>();
+}
+PostProcessPass* CompositorOperationsBlock::appendPostProcessPass() {
+    return _append<PostProcessPass>();
+}
+MipGenerationPass* CompositorOperationsBlock::appendMipGenerationPass() {
+    return _append<MipGenerationPass>();
+}
+
+CompositorPass* CompositorOperationsBlock::insertPass(unsigned int position,
+                                                      ovMemory::UniquePtr<CompositorPass> pass) {
+    const unsigned int place = std::min(position, getPassCount());
+    return _passes.insert(_passes.begin() + place, std::move(pass))->get();
+}
+
+CompositorPass* CompositorOperationsBlock::getPass(unsigned int position) const {
+    return position < _passes.size() ? _passes[position].get() : nullptr;
+}
+
+bool CompositorOperationsBlock::removePass(const CompositorPass* pass) {
+    const auto entry =
+        std::find_if(_passes.begin(), _passes.end(), [&](const auto& own) { return own.get() == pass; });
+    if (entry == _passes.end())
+        return false;
+    _passes.erase(entry);
+    return true;
+}
+
+bool CompositorOperationsBlock::execute(RenderContext& context) {
+    if (!_prepareTarget(context))
+        return false;
+    device::Device& device = *_system->getDevice();
+    const Viewport* viewport = _viewport.get();
+    device.setTarget(*_gpuTarget, viewport ? device::Rectangle{viewport->getX(), viewport->getY(),
+                                                               viewport->getWidth(), viewport->getHeight()}
+                                           : device::Rectangle{0, 0, _width, _height});
+    _system->getViewportManager()->setActiveViewport(_viewport.get());
+
+    const bool drawsIntoBackBuffer = _targetCount == 0 && !_depth.set;
+    Camera* camera = context.getCamera();
+    const PassExecution execution{_system, &device, drawsIntoBackBuffer ? 1u : _targetCount, _depth.set,
+                                  camera ? camera : _system->getCameraManager()->getActiveRenderCamera()};
+    for (const auto& pass : _passes)
+        _system->runPass(*pass, execution);
+    return true;
+}
+
+void CompositorOperationsBlock::unload() {
+    _gpuTarget.reset();
+}
+
+bool CompositorOperationsBlock::_prepareTarget(RenderContext& context) {
+    Texture* backBuffer = _targetCount == 0 && !_depth.set ? context.getBackBuffer() : nullptr;
+    if (_gpuTarget && _targetIsCurrent(backBuffer))
+        return true;
+    ovMemory::String error;
+    _gpuTarget = _createTarget(backBuffer, error);
+    if (_gpuTarget) {
+        _failureLogged = false;
+        return true;
+    }
+    if (!_failureLogged) // once, not once a frame
+        _system->log("Could not draw an operations block of render context '" +
+                         ovMemory::String(context.getName()) + "': " + error,
+                     "CompositorOperationsBlock");
+    _failureLogged = true;
+    return false;
+}
+
+bool CompositorOperationsBlock::_targetIsCurrent(Texture* backBuffer) const {
+    const auto isCurrent = [](const Target& target) {
+        return !target.set || (target.texture && !target.texture->isUnloaded() &&
+                               target.texture->getLoadCount() == target.loadCount);
+    };
+    for (unsigned int i = 0; i < _targetCount; ++i) {
+        if (!isCurrent(_targets[i]))
+            return false;
+    }
+    if (!isCurrent(_depth))
+        return false;
+    return !backBuffer || (_gpuTargetBackBuffer.get() == backBuffer && !backBuffer->isUnloaded() &&
+                           backBuffer->getLoadCount() == _backBufferLoadCount);
+}
+
+ovMemory::UniquePtr<device::GpuTarget> CompositorOperationsBlock::_createTarget(Texture* backBuffer,
+                                                                                ovMemory::String& error) {
+    device::TargetDesc desc;
+    const auto attach = [&](Texture* texture, unsigned int slice,
+                            unsigned int mip) -> device::TargetAttachment {
+        if (!texture)
+            error = "a target texture was destroyed; set the block's targets again.";
+        if (!texture || !isDrawable(*texture, slice, mip, error))
+            return {};
+        _width = mipSize(texture->getWidth(), mip);
+        _height = mipSize(texture->getHeight(), mip);
+        return {texture->getGpuTexture(), slice, mip};
+    };
+    const auto attachTarget = [&](Target& target) {
+        const device::TargetAttachment attachment = attach(target.texture.get(), target.slice, target.mip);
+        target.loadCount = target.texture ? target.texture->getLoadCount() : 0;
+        return attachment;
+    };
+
+    if (_targetCount == 0 && !_depth.set) {
+        if (!backBuffer) {
+            error = "the block has no target and the context no back buffer; set one of them.";
+            return nullptr;
+        }
+        desc.colours.push_back(attach(backBuffer, 0, 0));
+        _gpuTargetBackBuffer = backBuffer;
+        _backBufferLoadCount = backBuffer->getLoadCount();
+    }
+    if (_depth.set)
+        desc.depth = attachTarget(_depth);
+    for (unsigned int i = 0; i < _targetCount; ++i)
+        desc.colours.push_back(_targets[i].set ? attachTarget(_targets[i]) : device::TargetAttachment());
+    return error.empty() ? _system->getDevice()->createTarget(desc, error) : nullptr;
+}
+
+} // namespace ovGraphics

@@ -1,0 +1,76 @@
+#include <ovGraphics/compositor/CompositorPass.h>
+
+#include <ovGraphics/device/Device.h>
+#include <ovGraphics/resources/Shader.h>
+#include <ovGraphics/resources/Texture.h>
+#include <ovGraphics/scene/Camera.h>
+
+namespace ovGraphics {
+
+CompositorPass::~CompositorPass() = default;
+
+ClearPass::ClearPass()
+    : CompositorPass("clear") {}
+
+void ClearPass::setColour(unsigned int index, float red, float green, float blue, float alpha) {
+    if (index < _colours.size())
+        _colours[index] = {red, green, blue, alpha};
+}
+
+bool ClearPass::execute(const PassExecution& execution) {
+    if (_clearColour) {
+        for (unsigned int index = 0; index < execution.colourTargetCount; ++index)
+            execution.device->clearColour(index, _colours[index]);
+    }
+    if (execution.hasDepth)
+        execution.device->clearDepthStencil(_clearDepth, _depth, _clearStencil, _stencil);
+    return true;
+}
+
+PostProcessPass::PostProcessPass()
+    : CompositorPass("post-process") {
+    _rasterState.setCullMode(CULL_MODE::NONE);
+    _depthStencilState.setDepthTestEnabled(false);
+    _depthStencilState.setDepthWriteEnabled(false);
+}
+
+void PostProcessPass::setShader(Shader* shader) {
+    _shader = shader;
+}
+Shader* PostProcessPass::getShader() const {
+    return _shader.get();
+}
+void PostProcessPass::setCamera(Camera* camera) {
+    _camera = camera;
+}
+Camera* PostProcessPass::getCamera() const {
+    return _camera.get();
+}
+
+bool PostProcessPass::execute(const PassExecution& execution) {
+    Shader* shader = _shader.get();
+    const PassEnvironment environment{execution.system, _camera ? _camera.get() : execution.activeCamera};
+    if (!shader || !shader->bind(environment))
+        return false;
+    execution.device->setBlendState(_blendState.getDesc());
+    execution.device->setRasterState(_rasterState.getDesc());
+    execution.device->setDepthStencilState(_depthStencilState.getDesc());
+    execution.device->drawFullScreenQuad();
+    return true;
+}
+
+MipGenerationPass::MipGenerationPass()
+    : CompositorPass("mip generation") {}
+
+void MipGenerationPass::setTexture(Texture* texture) {
+    _texture = texture;
+}
+
+bool MipGenerationPass::execute(const PassExecution&) {
+    if (!_texture || _texture->isUnloaded())
+        return false;
+    _texture->generateMips();
+    return true;
+}
+
+} // namespace ovGraphics

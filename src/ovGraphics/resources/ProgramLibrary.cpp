@@ -1,0 +1,95 @@
+#include <ovGraphics/resources/ProgramLibrary.h>
+
+#include <ovGraphics/device/Device.h>
+#include <ovGraphics/shading/CrossCompiler.h>
+
+namespace ovGraphics {
+
+namespace {
+
+/// Everything that decides what a program compiles to; the name in messages does not.
+ovMemory::String keyOf(const shading::ProgramText& text) {
+    return shading::getFullText(text, shading::STAGE::VERTEX) + '\0' +
+           shading::getFullText(text, shading::STAGE::PIXEL);
+}
+
+ovMemory::String driverKeyOf(const device::DeviceInfo& info) {
+    return info.vendor + '\n' + info.renderer + '\n' + info.version;
+}
+
+} // namespace
+
+ProgramLibrary::ProgramLibrary(device::Device& device, ovMemory::String cacheFolder)
+    : _device(device)
+    , _diskCache(std::move(cacheFolder), driverKeyOf(device.getInfo())) {}
+
+ProgramLibrary::~ProgramLibrary() = default;
+
+const LoadedProgram* ProgramLibrary::acquire(const shading::ProgramText& text, ovMemory::String& error,
+                                             ovMemory::String& warnings) {
+    ovMemory::String key = keyOf(text);
+    const auto known = _programs.find(key);
+    if (known != _programs.end()) {
+        ++_statistics.fromMemory;
+        ++known->second->users;
+        return known->second.get();
+    }
+    ovMemory::UniquePtr<LoadedProgram> program = _loadFromDisk(text);
+    if (!program)
+        program = _compile(text, error, warnings);
+    if (!program)
+        return nullptr;
+    program->users = 1;
+    return _programs.emplace(std::move(key), std::move(program)).first->second.get();
+}
+
+void ProgramLibrary::release(const LoadedProgram* program) {
+    for (auto entry = _programs.begin(); entry != _programs.end(); ++entry) {
+        if (entry->second.get() != program)
+            continue;
+        if (--entry->second->users == 0)
+            _programs.erase(entry);
+        return;
+    }
+}
+
+ovMemory::UniquePtr<LoadedProgram> ProgramLibrary::_loadFromDisk(const shading::ProgramText& text) {
+    ovMemory::UniquePtr<shading::CachedProgram> cached = _diskCache.load(text);
+    if (!cached)
+        return nullptr;
+    auto program = std::make_unique<LoadedProgram>();
+    ovMemory::String
+        refusal; // a text that the driver refuses now is compiled anew, and fails there if it must
+    program->gpuProgram =
+        _device.createProgram(cached->program, cached->driverBinary, cached->driverBinaryFormat, refusal);
+    if (!program->gpuProgram)
+        return nullptr;
+    program->compiled = std::move(cached->program);
+    ++_statistics.fromDisk;
+    return program;
+}
+
+ovMemory::UniquePtr<LoadedProgram> ProgramLibrary::_compile(const shading::ProgramText& text,
+                                                            ovMemory::String& error,
+                                                            ovMemory::String& warnings) {
+    shading::CompileResult result = shading::compile(text);
+    warnings = result.warnings;
+    if (!result) {
+        error = result.error;
+        return nullptr;
+    }
+    auto program = std::make_unique<LoadedProgram>();
+    program->gpuProgram = _device.createProgram(*result.program, {}, 0, error);
+    if (!program->gpuProgram)
+        return nullptr;
+    ++_statistics.compiled;
+
+    shading::CachedProgram cached;
+    _device.getProgramBinary(*program->gpuProgram, cached.driverBinary, cached.driverBinaryFormat);
+    cached.program = *result.program;
+    _diskCache.store(text, cached, &warnings);
+    program->compiled = std::move(cached.program);
+    return program;
+}
+
+} // namespace ovGraphics

@@ -1,0 +1,159 @@
+#include <ovGraphics/resources/Shader.h>
+
+#include <algorithm>
+#include <ovGraphics/System.h>
+#include <ovGraphics/device/Device.h>
+#include <ovGraphics/resources/Program.h>
+#include <ovGraphics/resources/ProgramLibrary.h>
+#include <ovGraphics/resources/Sampler.h>
+#include <ovGraphics/resources/Texture.h>
+
+namespace ovGraphics {
+
+namespace {
+
+/// The binding of a unit and stage in a list of texture or sampler bindings, or the end.
+template <typename Bindings>
+auto findBinding(Bindings& bindings, unsigned int unit, unsigned int stage) {
+    return std::find_if(bindings.begin(), bindings.end(),
+                        [&](const auto& binding) { return binding.unit == unit && binding.stage == stage; });
+}
+
+/// The binding that serves a unit of the text, whatever its stage argument was; the end when there is none.
+template <typename Bindings>
+auto findUnit(Bindings& bindings, unsigned int unit) {
+    return std::find_if(bindings.begin(), bindings.end(),
+                        [&](const auto& binding) { return binding.unit == unit; });
+}
+
+} // namespace
+
+ovMemory::UniquePtr<Shader> Shader::create(System* system) {
+    return std::make_unique<Shader>(system);
+}
+
+Shader::Shader(System* system)
+    : Resource(system, "shader") {}
+
+Shader::~Shader() = default;
+
+void Shader::setProgram(Program* program) {
+    _program = program;
+    _settingChanged();
+}
+
+Program* Shader::getProgram() const {
+    return _program.get();
+}
+
+ConstantBuffer* Shader::addConstantBuffer(unsigned int index, unsigned int stage) {
+    if (ConstantBuffer* existing = getConstantBuffer(index, stage))
+        return existing;
+    return _constantBuffers.emplace_back(std::make_unique<ConstantBuffer>(index, stage)).get();
+}
+
+ConstantBuffer* Shader::getConstantBuffer(unsigned int index, unsigned int stage) const {
+    for (const auto& buffer : _constantBuffers) {
+        if (buffer->getIndex() == index && buffer->getStage() == stage)
+            return buffer.get();
+    }
+    return nullptr;
+}
+
+void Shader::setTexture(Texture* texture, unsigned int unit, unsigned int stage) {
+    const auto binding = findBinding(_textures, unit, stage);
+    if (binding != _textures.end())
+        binding->texture = texture;
+    else
+        _textures.push_back({unit, stage, texture});
+}
+
+Texture* Shader::getTexture(unsigned int unit, unsigned int stage) const {
+    const auto binding = findBinding(_textures, unit, stage);
+    return binding != _textures.end() ? binding->texture.get() : nullptr;
+}
+
+void Shader::setSampler(Sampler* sampler, unsigned int unit, unsigned int stage) {
+    const auto binding = findBinding(_samplers, unit, stage);
+    if (binding != _samplers.end())
+        binding->sampler = sampler;
+    else
+        _samplers.push_back({unit, stage, sampler});
+}
+
+Sampler* Shader::getSampler(unsigned int unit, unsigned int stage) const {
+    const auto binding = findBinding(_samplers, unit, stage);
+    return binding != _samplers.end() ? binding->sampler.get() : nullptr;
+}
+
+void Shader::reset() {
+    _program = nullptr;
+    _textures.clear();
+    _samplers.clear();
+    Resource::reset();
+    _constantBuffers.clear();
+}
+
+bool Shader::bind(const PassEnvironment& environment) {
+    if (isUnloaded() || !_program || !_program->getLoadedProgram())
+        return false;
+    const LoadedProgram& program = *_program->getLoadedProgram();
+    getSystem()->getDevice()->setProgram(*program.gpuProgram);
+    _bindConstants(program, environment);
+    _bindTextures(program);
+    return true;
+}
+
+bool Shader::_load(ovMemory::String& error) {
+    if (!getSystem() || !getSystem()->getIsInitialized()) {
+        error = "the graphics system is not initialised; call System::initialize first.";
+        return false;
+    }
+    if (!_program) {
+        error = "it has no program; call Shader::setProgram first.";
+        return false;
+    }
+    if (_program->getSystem() != getSystem()) {
+        error = "its program belongs to another graphics system; create both on the same one.";
+        return false;
+    }
+    if (_program->isUnloaded()) {
+        error = "its program '" + ovMemory::String(_program->getName()) +
+                "' is not loaded; load the program first.";
+        return false;
+    }
+    return true;
+}
+
+void Shader::_unload() {
+    for (const auto& buffer : _constantBuffers)
+        buffer->unload();
+}
+
+void Shader::_bindConstants(const LoadedProgram& program, const PassEnvironment& environment) {
+    device::Device& device = *getSystem()->getDevice();
+    for (const shading::ConstantBufferInfo& declared : program.compiled.constantBuffers) {
+        device::GpuBuffer* gpuBuffer = nullptr;
+        for (const auto& buffer : _constantBuffers) {
+            if (buffer->getIndex() == declared.slot)
+                gpuBuffer = buffer->update(device, environment, declared.size);
+        }
+        device.setConstantBuffer(declared.slot, gpuBuffer);
+    }
+}
+
+void Shader::_bindTextures(const LoadedProgram& program) {
+    device::Device& device = *getSystem()->getDevice();
+    unsigned int unit = 0;
+    for (const shading::TextureUnitInfo& declared : program.compiled.textureUnits) {
+        const auto texture = findUnit(_textures, declared.textureSlot);
+        const auto sampler = findUnit(_samplers, declared.samplerSlot);
+        device.setTextureUnit(
+            unit++,
+            texture != _textures.end() && texture->texture ? texture->texture->getGpuTexture() : nullptr,
+            sampler != _samplers.end() && sampler->sampler ? sampler->sampler->getGpuSampler() : nullptr,
+            declared.type, declared.array);
+    }
+}
+
+} // namespace ovGraphics

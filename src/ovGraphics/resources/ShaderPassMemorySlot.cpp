@@ -1,0 +1,155 @@
+#include <ovGraphics/resources/ShaderPassMemorySlot.h>
+
+#include <cmath>
+#include <cstring>
+#include <ovGraphics/System.h>
+#include <ovGraphics/resources/Texture.h>
+#include <ovGraphics/scene/Camera.h>
+
+namespace ovGraphics {
+
+namespace {
+
+void write(unsigned char* out, const ovMaths::Vector& vector) {
+    const float values[4] = {vector.x, vector.y, vector.z, vector.w};
+    std::memcpy(out, values, sizeof(values));
+}
+
+void write(unsigned char* out, const ovMaths::Matrix& matrix) {
+    std::memcpy(out, matrix.m, sizeof(matrix.m));
+}
+
+void write(unsigned char* out, const Camera::Corners& corners) {
+    for (const ovMaths::Vector& corner : corners) {
+        write(out, corner);
+        out += 4 * sizeof(float);
+    }
+}
+
+void writeTextureSize(unsigned char* out, const Texture* texture) {
+    int size[4] = {0, 0, 0, 0};
+    if (texture) {
+        size[0] = static_cast<int>(texture->getWidth());
+        size[1] = static_cast<int>(texture->getHeight());
+        size[2] = static_cast<int>(texture->getSliceCount());
+        size[3] = static_cast<int>(texture->getMipCount());
+    }
+    std::memcpy(out, size, sizeof(size));
+}
+
+void writeTime(unsigned char* out, float modulo, const FrameTime& time) {
+    // Modulo in double: a float that counted days would not move between frames.
+    const double wrapped =
+        modulo > 0.0f ? std::fmod(time.seconds, static_cast<double>(modulo)) : time.seconds;
+    write(out, ovMaths::Vector(modulo, static_cast<float>(wrapped), static_cast<float>(time.deltaSeconds)));
+}
+
+} // namespace
+
+void ShaderPassMemorySlot::setFromVector(const ovMaths::Vector& vector) {
+    _content = CONTENT::VECTOR;
+    _value = {vector.x, vector.y, vector.z, vector.w};
+}
+
+void ShaderPassMemorySlot::setFromMatrix(const ovMaths::Matrix& matrix) {
+    _content = CONTENT::MATRIX;
+    std::memcpy(_value.data(), matrix.m, sizeof(matrix.m));
+}
+
+void ShaderPassMemorySlot::setAsTextureSize(Texture* texture) {
+    _content = CONTENT::TEXTURE_SIZE;
+    _texture = texture;
+}
+
+void ShaderPassMemorySlot::setAsTime(float modulo) {
+    _content = CONTENT::TIME;
+    _value = {modulo};
+}
+
+void ShaderPassMemorySlot::setAsCamCornersWorld(Camera* camera) {
+    _setAsCamera(CONTENT::CAM_CORNERS_WORLD, camera);
+}
+void ShaderPassMemorySlot::setAsCamCornersView(Camera* camera) {
+    _setAsCamera(CONTENT::CAM_CORNERS_VIEW, camera);
+}
+void ShaderPassMemorySlot::setAsViewMatrix(Camera* camera) {
+    _setAsCamera(CONTENT::VIEW_MATRIX, camera);
+}
+void ShaderPassMemorySlot::setAsProjectionMatrix(Camera* camera) {
+    _setAsCamera(CONTENT::PROJECTION_MATRIX, camera);
+}
+void ShaderPassMemorySlot::setAsCameraPosition(Camera* camera) {
+    _setAsCamera(CONTENT::CAMERA_POSITION, camera);
+}
+
+void ShaderPassMemorySlot::setAsProjectionParameters(Camera* camera) {
+    _setAsCamera(CONTENT::PROJECTION_PARAMETERS, camera);
+}
+
+unsigned int ShaderPassMemorySlot::getRegisterCount() const {
+    switch (_content) {
+    case CONTENT::MATRIX:
+    case CONTENT::CAM_CORNERS_WORLD:
+    case CONTENT::CAM_CORNERS_VIEW:
+    case CONTENT::VIEW_MATRIX:
+    case CONTENT::PROJECTION_MATRIX:
+        return 4;
+    default:
+        return 1;
+    }
+}
+
+void ShaderPassMemorySlot::evaluate(const PassEnvironment& environment, unsigned char* out) const {
+    const std::size_t size = getRegisterCount() * 4 * sizeof(float);
+    switch (_content) {
+    case CONTENT::VECTOR:
+    case CONTENT::MATRIX:
+        std::memcpy(out, _value.data(), size);
+        return;
+    case CONTENT::TEXTURE_SIZE:
+        writeTextureSize(out, _texture.get());
+        return;
+    case CONTENT::TIME:
+        writeTime(out, _value[0], environment.system->getFrameTime());
+        return;
+    default:
+        break;
+    }
+    Camera* camera = _ownCamera ? _camera.get() : environment.camera;
+    if (camera)
+        _evaluateCamera(*camera, *environment.system, out);
+    else
+        std::memset(out, 0, size);
+}
+
+void ShaderPassMemorySlot::_setAsCamera(CONTENT content, Camera* camera) {
+    _content = content;
+    _camera = camera;
+    _ownCamera = camera != nullptr;
+}
+
+void ShaderPassMemorySlot::_evaluateCamera(Camera& camera, const System& system, unsigned char* out) const {
+    switch (_content) {
+    case CONTENT::CAM_CORNERS_WORLD:
+        write(out, camera.getCornersWorld());
+        return;
+    case CONTENT::CAM_CORNERS_VIEW:
+        write(out, camera.getCornersView());
+        return;
+    case CONTENT::VIEW_MATRIX:
+        write(out, camera.getViewMatrix());
+        return;
+    case CONTENT::PROJECTION_MATRIX:
+        write(out, camera.getProjectionMatrix(system.getLanguage()));
+        return;
+    case CONTENT::CAMERA_POSITION:
+        write(out,
+              ovMaths::Vector(camera.getPosition().x, camera.getPosition().y, camera.getPosition().z, 1.0f));
+        return;
+    default:
+        write(out, camera.getProjectionParameters());
+        return;
+    }
+}
+
+} // namespace ovGraphics

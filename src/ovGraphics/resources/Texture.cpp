@@ -1,0 +1,267 @@
+#include <ovGraphics/resources/Texture.h>
+
+#include <algorithm>
+#include <ovGraphics/System.h>
+#include <ovGraphics/device/Device.h>
+#include <ovGraphics/resources/TextureImages.h>
+#include <ovGraphics/resources/TextureUtils.h>
+
+namespace ovGraphics {
+
+namespace {
+
+constexpr unsigned int CUBE_FACES = 6;
+
+ovMemory::String placeName(unsigned int slice, unsigned int mip) {
+    return "mip " + std::to_string(mip) + " of slice " + std::to_string(slice);
+}
+
+unsigned int mipSize(unsigned int size, unsigned int mip) {
+    return std::max(1u, size >> mip);
+}
+
+} // namespace
+
+ovMemory::UniquePtr<Texture> Texture::create(System* system) {
+    return std::make_unique<Texture>(system);
+}
+
+Texture::Texture(System* system)
+    : Resource(system, "texture") {}
+
+Texture::~Texture() = default;
+
+unsigned int Texture::getSliceCount() const {
+    return _type == TEXTURE_TYPE::CUBE ? CUBE_FACES : _sliceCount;
+}
+
+unsigned int Texture::getMipCount() const {
+    const unsigned int needed = getNeededMipsForSize();
+    return _mipCount == 0 ? needed : std::min(_mipCount, needed);
+}
+
+template <typename T>
+void Texture::_set(T& setting, T value) {
+    if (setting == value)
+        return;
+    setting = value;
+    _settingChanged();
+}
+
+void Texture::setWidth(unsigned int texels) {
+    _set(_width, texels);
+}
+void Texture::setHeight(unsigned int texels) {
+    _set(_height, texels);
+}
+void Texture::setFormat(FORMAT format) {
+    _set(_format, format);
+}
+void Texture::setGammaCorrected(bool gammaCorrected) {
+    _set(_gammaCorrected, gammaCorrected);
+}
+void Texture::setTexType(TEXTURE_TYPE type) {
+    _set(_type, type);
+}
+void Texture::setSliceCount(unsigned int slices) {
+    _set(_sliceCount, slices);
+}
+void Texture::setMipCount(unsigned int mips) {
+    _set(_mipCount, mips);
+}
+void Texture::setUsableAsRenderTarget(bool usable) {
+    _set(_usableAsRenderTarget, usable);
+}
+void Texture::setMultisampleQuality(unsigned int quality) {
+    _set(_multisampleQuality, quality);
+}
+void Texture::setMightManuallyGenerateMip(bool might) {
+    _set(_mightManuallyGenerateMip, might);
+}
+
+unsigned int Texture::getNeededMipsForSize() const {
+    return TextureUtils::getNeededMipsForSize(_width, _height);
+}
+
+void Texture::setCpuData(unsigned int slice, unsigned int mip,
+                         ovMemory::BufferView<const unsigned char> bytes, unsigned int rowPitch) {
+    const auto samePlace = [&](const CpuData& data) { return data.slice == slice && data.mip == mip; };
+    _cpuData.erase(std::remove_if(_cpuData.begin(), _cpuData.end(), samePlace), _cpuData.end());
+    _cpuData.push_back({slice, mip, rowPitch, {bytes.begin(), bytes.end()}});
+    _settingChanged();
+}
+
+void Texture::addCpuDataSliceForward(ovMemory::BufferView<const unsigned char> bytes, unsigned int rowPitch,
+                                     unsigned int slicePitch) {
+    unsigned int slice = 0;
+    const auto hasData = [&](const CpuData& data) { return data.slice == slice && data.mip == 0; };
+    while (std::any_of(_cpuData.begin(), _cpuData.end(), hasData))
+        ++slice;
+    setCpuData(slice, 0,
+               slicePitch > 0 ? bytes.first(std::min<std::size_t>(slicePitch, bytes.size())) : bytes,
+               rowPitch);
+}
+
+void Texture::clearCpuData() {
+    _cpuData.clear();
+    _settingChanged();
+}
+
+void Texture::setFromImage(const ovImages::ImageView& image, bool raw) {
+    const TextureContent content = textureContentOf(image, raw);
+    setTexType(TEXTURE_TYPE::TEXTURE_2D);
+    setSliceCount(1);
+    setWidth(image.width);
+    setHeight(image.height);
+    setFormat(content.format);
+    setGammaCorrected(content.gammaCorrected);
+    _cpuData.clear();
+    setCpuData(0, 0, content.converted.isEmpty() ? image.bytes : content.converted.view().bytes);
+}
+
+void Texture::generateMips() {
+    if (device::GpuTexture* texture = getGpuTexture())
+        getSystem()->getDevice()->generateMips(*texture);
+}
+
+std::optional<ovMemory::Buffer<unsigned char>> Texture::readBack(unsigned int slice, unsigned int mip) {
+    const auto refuse = [&](ovMemory::StringView reason) {
+        if (getSystem())
+            getSystem()->log("Could not read " + placeName(slice, mip) + " of texture '" +
+                                 ovMemory::String(getName()) + "' back: " + ovMemory::String(reason),
+                             "Texture");
+        return std::nullopt;
+    };
+    device::GpuTexture* texture = getGpuTexture();
+    if (!texture)
+        return refuse("it is not loaded; load it first.");
+    if (slice >= texture->getDesc().slices || mip >= texture->getDesc().mips)
+        return refuse("it has " + std::to_string(texture->getDesc().slices) + " slices of " +
+                      std::to_string(texture->getDesc().mips) + " mips.");
+    ovMemory::Buffer<unsigned char> bytes;
+    if (!getSystem()->getDevice()->readTexture(*texture, slice, mip, bytes))
+        return refuse("the device cannot read the format " +
+                      ovMemory::String(TextureUtils::getFormatName(texture->getDesc().format)) + ".");
+    return bytes;
+}
+
+ovMemory::UniquePtr<ovImages::Image> Texture::convertToImage(unsigned int slice, unsigned int mip) {
+    const auto bytes = readBack(slice, mip);
+    if (!bytes)
+        return nullptr;
+    auto image = imageOf(*bytes, _format, _gammaCorrected, mipSize(_width, mip), mipSize(_height, mip));
+    if (!image)
+        getSystem()->log("Could not make an image of texture '" + ovMemory::String(getName()) +
+                             "': images cannot hold the format " +
+                             ovMemory::String(TextureUtils::getFormatName(_format)) +
+                             "; draw it into an 8, 16-bit, half or float UNORM or FLOAT texture first.",
+                         "Texture");
+    return image;
+}
+
+void Texture::reset() {
+    Resource::reset();
+    _cpuData.clear();
+    _type = TEXTURE_TYPE::TEXTURE_2D;
+    _format = FORMAT::R8G8B8A8_UNORM;
+    _width = _height = _sliceCount = _mipCount = 1;
+    _multisampleQuality = 0;
+    _gammaCorrected = _usableAsRenderTarget = _mightManuallyGenerateMip = false;
+}
+
+device::GpuTexture* Texture::getGpuTexture() {
+    if (_uploadPending)
+        _upload();
+    return _gpuTexture.get();
+}
+
+bool Texture::_load(ovMemory::String& error) {
+    device::Device* device = getSystem() ? getSystem()->getDevice() : nullptr;
+    if (!device) {
+        error = "the graphics system is not initialised; call System::initialize first.";
+        return false;
+    }
+    if (!_checkSettings(*device, error) || !_checkCpuData(error))
+        return false;
+    _gpuTexture = device->createTexture(_describe(), error);
+    if (!_gpuTexture)
+        return false;
+    ++_loadCount;
+    _uploadPending = true;
+    if (getGpuUploadCanBeDeferred())
+        _setLoadState(RESOURCE_LOAD_STATE::READY_FOR_RENDERING);
+    else
+        _upload();
+    return true;
+}
+
+void Texture::_unload() {
+    _gpuTexture.reset();
+    _uploadPending = false;
+}
+
+bool Texture::_checkSettings(const device::Device& device, ovMemory::String& error) const {
+    const ovMemory::String format(TextureUtils::getFormatName(_format));
+    const bool isSrgb =
+        TextureUtils::getFormatSrgbEquivalent(_format) == _format && !TextureUtils::isFormatSrgb(_format);
+    if (_gammaCorrected && isSrgb)
+        error = "the format " + format + " has no sRGB sibling; switch gamma correction off.";
+    else if (_usableAsRenderTarget && !device.supportsRenderTarget(_format))
+        error = "the device cannot draw to the format " + format + "; choose another.";
+    else if (_type == TEXTURE_TYPE::CUBE && _width != _height)
+        error = "cube faces are square, and " + std::to_string(_width) + " x " + std::to_string(_height) +
+                " texels were asked for.";
+    return error.empty();
+}
+
+bool Texture::_checkCpuData(ovMemory::String& error) const {
+    for (const CpuData& data : _cpuData) {
+        if (data.slice >= getSliceCount() || data.mip >= getMipCount()) {
+            error = "data was given for " + placeName(data.slice, data.mip) + ", and it has " +
+                    std::to_string(getSliceCount()) + " slices of " + std::to_string(getMipCount()) +
+                    " mips.";
+            return false;
+        }
+        const unsigned int width = mipSize(_width, data.mip);
+        const unsigned int height = mipSize(_height, data.mip);
+        const std::size_t rowSize = TextureUtils::getRowPitch(_format, width);
+        const std::size_t rows = rowSize ? TextureUtils::getSliceSize(_format, width, height) / rowSize : 0;
+        const std::size_t pitch = data.rowPitch ? data.rowPitch : rowSize;
+        const std::size_t needed = rows == 0 ? 0 : pitch * (rows - 1) + rowSize;
+        if (pitch < rowSize || data.bytes.size() < needed) {
+            error = "the data of " + placeName(data.slice, data.mip) + " has " +
+                    std::to_string(data.bytes.size()) + " bytes in rows of " + std::to_string(pitch) +
+                    ", and " + std::to_string(needed) + " in rows of at least " + std::to_string(rowSize) +
+                    " are needed.";
+            return false;
+        }
+    }
+    return true;
+}
+
+void Texture::_upload() {
+    _uploadPending = false;
+    device::Device& device = *getSystem()->getDevice();
+    for (const CpuData& data : _cpuData)
+        device.uploadTexture(*_gpuTexture, data.slice, data.mip, data.bytes, data.rowPitch);
+    const bool onlyFirstMips =
+        std::all_of(_cpuData.begin(), _cpuData.end(), [](const CpuData& data) { return data.mip == 0; });
+    if (!_cpuData.empty() && onlyFirstMips && getMipCount() > 1 && !TextureUtils::isFormatCompressed(_format))
+        device.generateMips(*_gpuTexture);
+    _setLoadState(RESOURCE_LOAD_STATE::LOADED);
+}
+
+device::TextureDesc Texture::_describe() const {
+    device::TextureDesc desc;
+    desc.type = _type;
+    desc.format = _format;
+    desc.gammaCorrected = _gammaCorrected;
+    desc.width = _width;
+    desc.height = _height;
+    desc.slices = getSliceCount();
+    desc.mips = getMipCount();
+    desc.samples = _multisampleQuality + 1;
+    return desc;
+}
+
+} // namespace ovGraphics
