@@ -63,6 +63,15 @@ glm::dmat3 rotationFromColumns(glm::dmat3 columns, bool mirrored) {
     return {unitX, glm::cross(unitZ, unitX), unitZ};
 }
 
+bool assignIfFinite(Matrix& target, const Matrix& value) {
+    for (const auto& row : value.m)
+        for (const float element : row)
+            if (!std::isfinite(element))
+                return false;
+    target = value;
+    return true;
+}
+
 double determinant(const Matrix& matrix, int size) {
     return glm::determinant(partOf(matrix, size));
 }
@@ -99,13 +108,9 @@ bool Matrix::_invert(int size, Matrix& inverse) const {
     const glm::dmat4 inverted = glm::inverse(part);
     Matrix result;
     for (int row = 0; row < 4; ++row)
-        for (int column = 0; column < 4; ++column) {
+        for (int column = 0; column < 4; ++column)
             result.m[row][column] = float(inverted[column][row]);
-            if (!std::isfinite(result.m[row][column]))
-                return false;
-        }
-    inverse = result;
-    return true;
+    return assignIfFinite(inverse, result);
 }
 
 Matrix Matrix::_getInverse(int size) const {
@@ -163,25 +168,22 @@ void Matrix::setToViewMatrixDirection(const Vector& position, const Vector& dire
 bool Matrix::setToPerspectiveMatrix(float verticalFieldOfView, float aspect, float near, float far) {
     const double cotangent = 1.0 / std::tan(0.5 * verticalFieldOfView);
     const double range = double(far) - near;
+    // Written so that NaN is outside its range.
     const bool valid = verticalFieldOfView > 0.0f && verticalFieldOfView < MathConstants::PI &&
-                       std::isfinite(cotangent) && aspect > 0.0f && std::isfinite(aspect) && near > 0.0f &&
-                       far > 0.0f && std::isfinite(range) && range != 0.0;
-    if (!valid)
-        return false;
-    *this = newMat4(float(cotangent / aspect), 0, 0, 0, 0, float(cotangent), 0, 0, 0, 0, float(far / range),
-                    float(-double(near) * far / range), 0, 0, 1, 0);
-    return true;
+                       aspect > 0.0f && std::isfinite(aspect) && near > 0.0f && far > 0.0f &&
+                       std::isfinite(range) && range != 0.0;
+    return valid &&
+           assignIfFinite(*this, newMat4(float(cotangent / aspect), 0, 0, 0, 0, float(cotangent), 0, 0, 0, 0,
+                                         float(far / range), float(-double(near) * far / range), 0, 0, 1, 0));
 }
 
 bool Matrix::setToOrthographicMatrix(float width, float height, float near, float far) {
     const double range = double(far) - near;
     const bool valid = width > 0.0f && std::isfinite(width) && height > 0.0f && std::isfinite(height) &&
                        std::isfinite(range) && range != 0.0;
-    if (!valid)
-        return false;
-    *this = newMat4(float(2.0 / width), 0, 0, 0, 0, float(2.0 / height), 0, 0, 0, 0, float(1.0 / range),
-                    float(-near / range), 0, 0, 0, 1);
-    return true;
+    return valid &&
+           assignIfFinite(*this, newMat4(float(2.0 / width), 0, 0, 0, 0, float(2.0 / height), 0, 0, 0, 0,
+                                         float(1.0 / range), float(-near / range), 0, 0, 0, 1));
 }
 
 void Matrix::setPositionComponent(const Vector& position) {

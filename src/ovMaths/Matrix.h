@@ -96,14 +96,18 @@ public:
     /// @param verticalFieldOfView full angle, between 0 and pi (both excluded)
     /// @param aspect width / height, above 0
     /// @param near, far distances above 0 that differ; near above far gives reversed depth
-    /// @return false, with this matrix unchanged, when a parameter is outside its range
+    /// @return false, with this matrix unchanged, when a parameter is outside its range or the result outside
+    /// the
+    ///         range of floats
     bool setToPerspectiveMatrix(float verticalFieldOfView, float aspect, float near, float far);
 
     /// The orthographic projection of a box of the given width and height around the z axis, y up, with clip
     /// z from 0 at the near plane to 1 at the far plane.
     /// @param width, height above 0
     /// @param near, far any two distances that differ
-    /// @return false, with this matrix unchanged, when a parameter is outside its range
+    /// @return false, with this matrix unchanged, when a parameter is outside its range or the result outside
+    /// the
+    ///         range of floats
     bool setToOrthographicMatrix(float width, float height, float near, float far);
 
     /// Sets the translation; the rest stays.
