@@ -13,6 +13,11 @@ function(ov_embed_shaders target)
     add_custom_command(OUTPUT "${header}"
         COMMAND ${CMAKE_COMMAND} "-DOUTPUT=${header}" "-DNAMESPACE=${target}" "-DSHADERS=${shader_list}" -P "${script}"
         DEPENDS ${shaders} "${script}" VERBATIM)
+    add_custom_target(${target}EmbeddedShaders DEPENDS "${header}")
+    if(NOT TARGET generated_headers)
+        add_custom_target(generated_headers COMMENT "Headers that checkers of single files need")
+    endif()
+    add_dependencies(generated_headers ${target}EmbeddedShaders)
     target_sources(${target} PRIVATE "${header}")
     target_include_directories(${target} PRIVATE "${generated_dir}")
 endfunction()
