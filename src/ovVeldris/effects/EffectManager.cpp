@@ -1,0 +1,130 @@
+#include <array>
+#include <ovVeldris/core/LogManager.h>
+#include <ovVeldris/core/System.h>
+#include <ovVeldris/effects/EffectManager.h>
+#include <ovVeldris/effects/TextureCopyEffect.h>
+#include <ovVeldris/effects/ToneMappingEffect.h>
+
+template class ovCommon::MaybeSingletonClass<ovVeldris::EffectManager>;
+
+namespace ovVeldris {
+
+namespace {
+
+constexpr std::size_t INITIAL_BUCKETS = 8;
+constexpr ovMemory::StringView SENDER = "EffectManager";
+
+template <typename T>
+ovMemory::UniquePtr<Effect> create(System* system) {
+    return T::create(system);
+}
+
+struct Factory {
+    EFFECT_TYPE type;
+    ovMemory::UniquePtr<Effect> (*create)(System*);
+};
+
+constexpr std::array FACTORIES = {
+    Factory{EFFECT_TYPE::TEXTURE_COPY, create<TextureCopyEffect>},
+    Factory{EFFECT_TYPE::TONE_MAPPING, create<ToneMappingEffect>},
+};
+
+ovMemory::String typeText(EFFECT_TYPE type) {
+    return ovMemory::String(EffectTypeUtils::enumToString(type));
+}
+
+} // namespace
+
+EffectManager::EffectManager(System* system)
+    : _system(system)
+    , _effects(INITIAL_BUCKETS) {}
+
+EffectManager::EffectManager(bool)
+    : EffectManager(System::getInstance()) {}
+
+EffectManager::~EffectManager() = default;
+
+Effect* EffectManager::createOrRetrieve(ovMemory::StringView name, EFFECT_TYPE type) {
+    if (Effect* existing = get(name)) {
+        if (existing->getType() == type)
+            return existing;
+        _log("Requesting effect '" + ovMemory::String(name) + "' as " + typeText(type) +
+                 " but it already exists as " + typeText(existing->getType()) +
+                 ". Preventing override and returning nullptr.",
+             SENDER);
+        return nullptr;
+    }
+    ovMemory::UniquePtr<Effect> effect = _create(type);
+    if (!effect)
+        return nullptr;
+    effect->setName(name);
+    return _effects.emplace(name, std::move(effect)).first->second.get();
+}
+
+Effect* EffectManager::record(ovMemory::StringView name, ovMemory::UniquePtr<Effect> effect) {
+    if (!effect) {
+        _log("Trying to record a null effect as '" + ovMemory::String(name) +
+                 "'. Nothing is recorded and nullptr is returned, create the effect first.",
+             SENDER);
+        return nullptr;
+    }
+    const auto existing = _effects.find(name);
+    if (existing == _effects.end())
+        return _effects.emplace(name, std::move(effect)).first->second.get();
+    // The words and the sender are the material manager's: hosts filter both managers' warnings by them.
+    _log("Trying to record from outside over already registered material named '" + ovMemory::String(name) +
+             "'. Beware the existing material will be erased and freed.",
+         "MaterialManager");
+    existing->second = std::move(effect);
+    return existing->second.get();
+}
+
+Effect* EffectManager::get(ovMemory::StringView name) const {
+    return ovMemory::find(_effects, name);
+}
+
+Effect* EffectManager::getByIndex(unsigned int index) const {
+    return ovMemory::getByIndex(_effects, index);
+}
+
+void EffectManager::rename(ovMemory::StringView oldName, ovMemory::StringView newName) {
+    const auto entry = _effects.find(oldName);
+    if (entry == _effects.end())
+        return;
+    // Held in the node, the new name outlives the effect that may have lent it.
+    auto node = _effects.extract(entry);
+    node.key() = newName;
+    node.mapped()->setName(node.key());
+    _effects.erase(node.key());
+    _effects.insert(std::move(node));
+}
+
+void EffectManager::erase(ovMemory::StringView name) {
+    const auto entry = _effects.find(name);
+    if (entry != _effects.end())
+        _effects.erase(entry);
+}
+
+ovMemory::UniquePtr<Effect> EffectManager::relinquish(ovMemory::StringView name) {
+    const auto entry = _effects.find(name);
+    if (entry == _effects.end())
+        return nullptr;
+    ovMemory::UniquePtr<Effect> effect = std::move(entry->second);
+    _effects.erase(entry);
+    return effect;
+}
+
+ovMemory::UniquePtr<Effect> EffectManager::_create(EFFECT_TYPE type) const {
+    for (const Factory& factory : FACTORIES)
+        if (factory.type == type)
+            return factory.create(_system);
+    _log("Requested an unknown type of effect, allocation cannot happen. Returning nullptr.", SENDER);
+    return nullptr;
+}
+
+void EffectManager::_log(ovMemory::StringView message, ovMemory::StringView sender) const {
+    if (LogManager* logManager = _system->getLogManager())
+        logManager->log(message, sender);
+}
+
+} // namespace ovVeldris

@@ -1,0 +1,60 @@
+#include <ovGraphics/resources/Sampler.h>
+#include <ovGraphics/resources/Shader.h>
+#include <ovGraphics/resources/Texture.h>
+#include <ovVeldris/EmbeddedShaders.h>
+#include <ovVeldris/effects/TextureCopyEffect.h>
+
+namespace ovVeldris {
+
+namespace {
+
+constexpr unsigned int SOURCE_UNIT = 0;
+
+constexpr EffectSamplerSettings DEFAULT_SAMPLER = {
+    .name = "VELDRIS_TEX_COPY_SAMPLER",
+    .filter = ovGraphics::FILTER::MIN_MAG_MIP_POINT,
+    .address = ovGraphics::TEXTURE_ADDRESS::CLAMP,
+    .borderColor = std::array{0.0f, 0.0f, 0.0f, 0.0f},
+};
+
+} // namespace
+
+ovMemory::UniquePtr<TextureCopyEffect> TextureCopyEffect::create(System* system) {
+    return std::make_unique<TextureCopyEffect>(system);
+}
+
+TextureCopyEffect::TextureCopyEffect(System* system)
+    : ScreenEffect(EFFECT_TYPE::TEXTURE_COPY, system, "texture copy", "TextureCopyEffect") {}
+
+TextureCopyEffect::~TextureCopyEffect() = default;
+
+void TextureCopyEffect::setSourceTexture(ovGraphics::Texture* texture) {
+    _currentInfo.sourceTexture = texture;
+    _bindTextureIfLoaded(texture, SOURCE_UNIT);
+}
+
+void TextureCopyEffect::setSourceSampler(ovGraphics::Sampler* sampler) {
+    _currentInfo.sourceSampler = sampler;
+    _bindSamplerIfLoaded(sampler, DEFAULT_SAMPLER.name, SOURCE_UNIT);
+}
+
+ovGraphics::Texture* TextureCopyEffect::getSourceTexture() const {
+    return _currentInfo.sourceTexture.get();
+}
+
+ovGraphics::Sampler* TextureCopyEffect::getSourceSampler() const {
+    return _currentInfo.sourceSampler.get();
+}
+
+void TextureCopyEffect::_fillSources(ovGraphics::ProgramSourcesHolder& sources) const {
+    sources.setPixelMemory(embedded::TextureCopyEffect_pixel);
+}
+
+void TextureCopyEffect::_bindResources(ovGraphics::Shader& shader) {
+    shader.setTexture(getSourceTexture(), SOURCE_UNIT, 0);
+    ovGraphics::Sampler* defaultSampler = _prepareSampler(DEFAULT_SAMPLER);
+    ovGraphics::Sampler* sampler = getSourceSampler();
+    shader.setSampler(sampler ? sampler : defaultSampler, SOURCE_UNIT, 0);
+}
+
+} // namespace ovVeldris
