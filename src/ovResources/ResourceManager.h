@@ -6,8 +6,9 @@
 #include <ovMemory/Memory.h>
 
 namespace ovResources {
-class ResourceManager;
-}
+// Visible from its first mention on: the instantiation below takes its visibility from here.
+class OV_API ResourceManager;
+} // namespace ovResources
 
 extern template class ovCommon::MaybeSingletonClass<ovResources::ResourceManager>;
 

@@ -3,7 +3,8 @@
 
 #include <ovCommon/MaybeSingletonClass.h>
 
-class Counter;
+// Visible from its first mention on: the instantiation below takes its visibility from here.
+class OV_API Counter;
 extern template class ovCommon::MaybeSingletonClass<Counter>;
 
 class OV_API Counter : public ovCommon::MaybeSingletonClass<Counter> {
