@@ -38,7 +38,7 @@ public:
     EFFECT_TYPE getType() const { return _type; }
 
     /// The effect's shader, named like the effect and owned by it; null before the first load() that got a
-    /// program. It stays the same object until the effect is destroyed.
+    /// program. It stays the same object until the effect is destroyed or loaded on another graphics system.
     ovGraphics::Shader* getShader() const { return _shader.get(); }
 
 protected:

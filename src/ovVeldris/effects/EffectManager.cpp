@@ -48,10 +48,11 @@ Effect* EffectManager::createOrRetrieve(ovMemory::StringView name, EFFECT_TYPE t
     if (Effect* existing = get(name)) {
         if (existing->getType() == type)
             return existing;
-        _log("Requesting effect '" + ovMemory::String(name) + "' as " + typeText(type) +
-                 " but it already exists as " + typeText(existing->getType()) +
-                 ". Preventing override and returning nullptr.",
-             SENDER);
+        logMessage(_system,
+                   "Requesting effect '" + ovMemory::String(name) + "' as " + typeText(type) +
+                       " but it already exists as " + typeText(existing->getType()) +
+                       ". Preventing override and returning nullptr.",
+                   SENDER);
         return nullptr;
     }
     ovMemory::UniquePtr<Effect> effect = _create(type);
@@ -63,18 +64,20 @@ Effect* EffectManager::createOrRetrieve(ovMemory::StringView name, EFFECT_TYPE t
 
 Effect* EffectManager::record(ovMemory::StringView name, ovMemory::UniquePtr<Effect> effect) {
     if (!effect) {
-        _log("Trying to record a null effect as '" + ovMemory::String(name) +
-                 "'. Nothing is recorded and nullptr is returned, create the effect first.",
-             SENDER);
+        logMessage(_system,
+                   "Trying to record a null effect as '" + ovMemory::String(name) +
+                       "'. Nothing is recorded and nullptr is returned, create the effect first.",
+                   SENDER);
         return nullptr;
     }
     const auto existing = _effects.find(name);
     if (existing == _effects.end())
         return _effects.emplace(name, std::move(effect)).first->second.get();
     // The words and the sender are the material manager's: hosts filter both managers' warnings by them.
-    _log("Trying to record from outside over already registered material named '" + ovMemory::String(name) +
-             "'. Beware the existing material will be erased and freed.",
-         "MaterialManager");
+    logMessage(_system,
+               "Trying to record from outside over already registered material named '" +
+                   ovMemory::String(name) + "'. Beware the existing material will be erased and freed.",
+               "MaterialManager");
     existing->second = std::move(effect);
     return existing->second.get();
 }
@@ -118,13 +121,9 @@ ovMemory::UniquePtr<Effect> EffectManager::_create(EFFECT_TYPE type) const {
     for (const Factory& factory : FACTORIES)
         if (factory.type == type)
             return factory.create(_system);
-    _log("Requested an unknown type of effect, allocation cannot happen. Returning nullptr.", SENDER);
+    logMessage(_system, "Requested an unknown type of effect, allocation cannot happen. Returning nullptr.",
+               SENDER);
     return nullptr;
-}
-
-void EffectManager::_log(ovMemory::StringView message, ovMemory::StringView sender) const {
-    if (LogManager* logManager = _system->getLogManager())
-        logManager->log(message, sender);
 }
 
 } // namespace ovVeldris

@@ -57,7 +57,6 @@ private:
     ~EffectManager() override;
 
     ovMemory::UniquePtr<Effect> _create(EFFECT_TYPE type) const;
-    void _log(ovMemory::StringView message, ovMemory::StringView sender) const;
 
     System* _system;
     ovMemory::NameMap<ovMemory::UniquePtr<Effect>> _effects;

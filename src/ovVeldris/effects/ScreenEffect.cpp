@@ -15,7 +15,7 @@ namespace ovVeldris {
 ScreenEffectBase::ScreenEffectBase(EFFECT_TYPE type, System* system, ovMemory::StringView kindName,
                                    ovMemory::StringView className)
     : Effect(type)
-    , _system(system ? system : System::getInstance())
+    , _system(systemOrSingleton(system))
     , _kindName(kindName)
     , _className(className) {}
 
@@ -28,7 +28,8 @@ bool ScreenEffectBase::load() {
         _logLoadFailure("program");
         return false;
     }
-    if (!getShader())
+    // A shader of a graphics system that was replaced since cannot draw any more.
+    if (!getShader() || getShader()->getSystem() != _getGraphicsSystem())
         _setShader(ovGraphics::Shader::create(_getGraphicsSystem()));
     if (!_prepareShader()) {
         _logLoadFailure("shader");
@@ -119,13 +120,10 @@ ovGraphics::ShaderPassMemorySlot& ScreenEffectBase::_constantSlot(ovGraphics::Sh
 }
 
 void ScreenEffectBase::_logLoadFailure(ovMemory::StringView what) const {
-    LogManager* logManager = _system->getLogManager();
-    if (!logManager)
-        return;
     ovMemory::String message = "Could not load the ";
     message.append(_kindName).append(" effect ").append(what).append(" for '").append(getName());
     message += "'. Effect will be unusable as-is, this needs to be addressed within the effect creation.";
-    logManager->log(message, _className);
+    logMessage(_system, message, _className);
 }
 
 } // namespace ovVeldris

@@ -9,15 +9,15 @@ namespace ovVeldris {
 
 /// The shape of a filmic curve in six numbers.
 ///
-/// The ranges are those in which every part of the curve is defined. Outside them the formulas are followed
-/// all the same and may give NaN, which is drawn; nothing is clamped.
+/// In the ranges given every constant of the curve is finite. Outside them nothing is clamped: the formulas
+/// are followed, and where they give NaN, NaN is drawn.
 struct ToneMappingHablesCurveDescriptor {
-    float toeLength = 0.05f;       ///< how far the toe reaches; above 0 (no toe: NaN for black), up to 1
-    float toeStrength = 0.05f;     ///< how strongly the toe darkens; 0 (not at all) to below 1
-    float shoulderLength = 0.05f;  ///< how far the shoulder reaches; 0 to 1 (1: no linear part)
-    float shoulderStrength = 0.1f; ///< extra white range in stops; above 0, up to about 2
-    float shoulderAngle = 1.0f;    ///< overshoot of the shoulder; above 0, up to 1
-    float gamma = 1.0f;            ///< power applied to the whole curve; above 0
+    float toeLength = 0.05f;       ///< how far the toe reaches: above 0, to 1. At 0 there is no toe.
+    float toeStrength = 0.05f;     ///< how strongly the toe pulls down: 0 to below 1
+    float shoulderLength = 0.05f;  ///< how far the shoulder reaches: above 0, to 1. At 1 nothing is straight.
+    float shoulderStrength = 0.1f; ///< extra white range in stops: from 0
+    float shoulderAngle = 1.0f;    ///< overshoot of the shoulder: 0 to 1
+    float gamma = 1.0f;            ///< power applied to the whole curve: above 0
 };
 
 /// The constants of the curve, as the shader reads them, one vector a register:
