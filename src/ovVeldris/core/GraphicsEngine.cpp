@@ -1,0 +1,43 @@
+#include <ovVeldris/core/GraphicsEngine.h>
+
+#include <ovVeldris/effects/ProgramTrackersHolder.h>
+
+namespace ovVeldris {
+
+GraphicsEngine::GraphicsEngine(bool useSingletons)
+    : _useSingletons(useSingletons) {}
+
+GraphicsEngine::~GraphicsEngine() {
+    shutdown();
+    if (_useSingletons)
+        ovGraphics::System::kill();
+}
+
+bool GraphicsEngine::initialize(const Configuration& configuration) {
+    _programTrackers.reset(); // while the system that their programs are on still exists
+    _takeGraphicsSystem(configuration.graphicsSystem);
+    ovGraphics::System* const graphicsSystem = getGraphicsSystem();
+    if (!graphicsSystem->getIsInitialized() &&
+        !graphicsSystem->initialize(configuration.graphicsConfiguration))
+        return false;
+    _programTrackers = std::make_unique<ProgramTrackersHolder>(graphicsSystem);
+    return true;
+}
+
+void GraphicsEngine::shutdown() {
+    _programTrackers.reset();
+    if (ovGraphics::System* const graphicsSystem = getGraphicsSystem())
+        graphicsSystem->shutdown();
+    _graphicsSystem.forgetUnlessOwned();
+}
+
+void GraphicsEngine::_takeGraphicsSystem(ovGraphics::System* hostSystem) {
+    if (_useSingletons)
+        _graphicsSystem.useInstance();
+    else if (hostSystem)
+        _graphicsSystem.borrow(hostSystem);
+    else
+        _graphicsSystem.own(new ovGraphics::System());
+}
+
+} // namespace ovVeldris

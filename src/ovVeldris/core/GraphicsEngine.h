@@ -1,0 +1,46 @@
+// The graphics side of a system.
+#pragma once
+
+#include <ovGraphics/System.h>
+#include <ovVeldris/core/Configuration.h>
+#include <ovVeldris/core/InstanceHolder.h>
+
+namespace ovVeldris {
+
+class ProgramTrackersHolder;
+
+/// Holds the graphics system of a System and the programs that effects and materials share on it.
+class OV_API GraphicsEngine {
+public:
+    /// An engine without a graphics system.
+    /// @param useSingletons whether the graphics system is the singleton of its class
+    explicit GraphicsEngine(bool useSingletons);
+    GraphicsEngine(const GraphicsEngine&) = delete;
+    GraphicsEngine& operator=(const GraphicsEngine&) = delete;
+    /// shutdown(); deletes a graphics system that the engine made, and kills the singleton if it uses that.
+    ~GraphicsEngine();
+
+    /// Takes the graphics system (the singleton; or the host's; or a new one), initialises it if it is not
+    /// yet, and creates the program trackers. A system that an earlier call made is deleted when another
+    /// takes its place.
+    /// @return false when the graphics system cannot be initialised; it stays held and there are no trackers
+    bool initialize(const Configuration& configuration);
+
+    /// Deletes the program trackers, then shuts the graphics system down. One that the engine made stays
+    /// held.
+    void shutdown();
+
+    /// Null before initialize(), and after shutdown() unless the engine made it.
+    ovGraphics::System* getGraphicsSystem() const { return _graphicsSystem.get(); }
+    /// Null before initialize() and after shutdown().
+    ProgramTrackersHolder* getProgramTrackersHolder() const { return _programTrackers.get(); }
+
+private:
+    void _takeGraphicsSystem(ovGraphics::System* hostSystem);
+
+    bool _useSingletons;
+    InstanceHolder<ovGraphics::System> _graphicsSystem;
+    ovMemory::UniquePtr<ProgramTrackersHolder> _programTrackers; // before the system that its programs are on
+};
+
+} // namespace ovVeldris
