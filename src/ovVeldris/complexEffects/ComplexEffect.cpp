@@ -1,0 +1,12 @@
+#include <ovVeldris/complexEffects/ComplexEffect.h>
+
+namespace ovVeldris {
+
+ComplexEffect::ComplexEffect(COMPLEX_EFFECT_TYPE type)
+    : _type(type) {}
+
+ComplexEffect::ComplexEffect(const ComplexEffect& other) = default;
+ComplexEffect& ComplexEffect::operator=(const ComplexEffect& other) = default;
+ComplexEffect::~ComplexEffect() = default;
+
+} // namespace ovVeldris

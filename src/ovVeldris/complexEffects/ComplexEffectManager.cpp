@@ -1,0 +1,79 @@
+#include <ovVeldris/complexEffects/ComplexEffectManager.h>
+
+#include <array>
+#include <ovVeldris/core/LogManager.h>
+#include <ovVeldris/core/System.h>
+
+template class ovCommon::MaybeSingletonClass<ovVeldris::ComplexEffectManager>;
+
+namespace ovVeldris {
+
+namespace {
+
+struct Factory {
+    COMPLEX_EFFECT_TYPE type;
+    ovMemory::UniquePtr<ComplexEffect> (*create)(System* system);
+};
+
+// One row a kind that can be created.
+constexpr std::array<Factory, 0> FACTORIES = {};
+
+ovMemory::UniquePtr<ComplexEffect> create(System* system, COMPLEX_EFFECT_TYPE type) {
+    for (const Factory& factory : FACTORIES)
+        if (factory.type == type)
+            return factory.create(system);
+    logMessage(system, "Requested an unknown type of effect, allocation cannot happen. Returning nullptr.",
+               "EffectManager");
+    return nullptr;
+}
+
+} // namespace
+
+ComplexEffectManager::ComplexEffectManager(System* system)
+    : _system(system) {}
+
+ComplexEffectManager::ComplexEffectManager(bool)
+    : ComplexEffectManager(System::getInstance()) {}
+
+ComplexEffectManager::~ComplexEffectManager() = default;
+
+ComplexEffect* ComplexEffectManager::createOrRetrieve(ovMemory::StringView name, COMPLEX_EFFECT_TYPE type) {
+    if (ComplexEffect* const existing = get(name)) {
+        if (existing->getType() == type)
+            return existing;
+        logMessage(_system,
+                   typeConflictMessage("effect", name, ComplexEffectTypeUtils::enumToString(type),
+                                       ComplexEffectTypeUtils::enumToString(existing->getType())),
+                   "EffectManager");
+        return nullptr;
+    }
+    ovMemory::UniquePtr<ComplexEffect> created = create(_system, type);
+    if (!created)
+        return nullptr;
+    created->setName(name);
+    _effects.insert(name, std::move(created));
+    return get(name);
+}
+
+ComplexEffect* ComplexEffectManager::record(ovMemory::StringView name,
+                                            ovMemory::UniquePtr<ComplexEffect> effect) {
+    if (!effect) {
+        logMessage(_system,
+                   "Trying to record no complex effect under '" + ovMemory::String(name) +
+                       "'. Nothing is recorded; pass an effect in.",
+                   "ComplexEffectManager");
+        return nullptr;
+    }
+    // The words and the sender are part of the interface, although they name another class and tell of an
+    // override that does not happen.
+    if (get(name))
+        logMessage(_system,
+                   "Trying to record from outside over already registered complex effect named '" +
+                       ovMemory::String(name) + "'. Beware the existing resource will be erased and freed.",
+                   "MaterialManager");
+    ComplexEffect* const recorded = effect.get();
+    _effects.insert(name, std::move(effect));
+    return recorded;
+}
+
+} // namespace ovVeldris
