@@ -13,7 +13,7 @@ namespace ovCommon {
 /// shared libraries use T:
 ///
 ///     // Hub.h, before the class             // Hub.cpp
-///     class Hub;                             template class ovCommon::MaybeSingletonClass<Hub>;
+///     class OV_API Hub;                      template class ovCommon::MaybeSingletonClass<Hub>;
 ///     extern template class ovCommon::MaybeSingletonClass<Hub>;
 ///
 /// Not locked: getInstance() and kill() belong to one thread.

@@ -6,7 +6,7 @@
 #include <ovMemory/Memory.h>
 
 namespace ovGraphics {
-class System;
+class OV_API System;
 }
 
 extern template class ovCommon::MaybeSingletonClass<ovGraphics::System>;

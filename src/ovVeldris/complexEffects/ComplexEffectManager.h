@@ -6,7 +6,7 @@
 #include <ovVeldris/core/NamedObjects.h>
 
 namespace ovVeldris {
-class ComplexEffectManager;
+class OV_API ComplexEffectManager;
 }
 
 extern template class ovCommon::MaybeSingletonClass<ovVeldris::ComplexEffectManager>;

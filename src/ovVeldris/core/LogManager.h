@@ -6,7 +6,7 @@
 #include <ovMemory/Memory.h>
 
 namespace ovVeldris {
-class LogManager;
+class OV_API LogManager;
 }
 
 extern template class ovCommon::MaybeSingletonClass<ovVeldris::LogManager>;

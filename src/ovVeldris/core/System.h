@@ -7,7 +7,7 @@
 #include <ovVeldris/core/InstanceHolder.h>
 
 namespace ovVeldris {
-class System;
+class OV_API System;
 }
 
 extern template class ovCommon::MaybeSingletonClass<ovVeldris::System>;

@@ -6,7 +6,7 @@
 #include <ovVeldris/effects/Effect.h>
 
 namespace ovVeldris {
-class EffectManager;
+class OV_API EffectManager;
 }
 
 extern template class ovCommon::MaybeSingletonClass<ovVeldris::EffectManager>;

@@ -6,7 +6,7 @@
 #include <ovVeldris/materials/Material.h>
 
 namespace ovVeldris {
-class MaterialManager;
+class OV_API MaterialManager;
 }
 
 extern template class ovCommon::MaybeSingletonClass<ovVeldris::MaterialManager>;
