@@ -1,5 +1,6 @@
 #include <array>
 #include <ovVeldris/core/LogManager.h>
+#include <ovVeldris/core/NamedObjects.h>
 #include <ovVeldris/core/System.h>
 #include <ovVeldris/effects/EffectManager.h>
 #include <ovVeldris/effects/TextureCopyEffect.h>
@@ -29,10 +30,6 @@ constexpr std::array FACTORIES = {
     Factory{EFFECT_TYPE::TONE_MAPPING, create<ToneMappingEffect>},
 };
 
-ovMemory::String typeText(EFFECT_TYPE type) {
-    return ovMemory::String(EffectTypeUtils::enumToString(type));
-}
-
 } // namespace
 
 EffectManager::EffectManager(System* system)
@@ -49,9 +46,8 @@ Effect* EffectManager::createOrRetrieve(ovMemory::StringView name, EFFECT_TYPE t
         if (existing->getType() == type)
             return existing;
         logMessage(_system,
-                   "Requesting effect '" + ovMemory::String(name) + "' as " + typeText(type) +
-                       " but it already exists as " + typeText(existing->getType()) +
-                       ". Preventing override and returning nullptr.",
+                   typeConflictMessage("effect", name, EffectTypeUtils::enumToString(type),
+                                       EffectTypeUtils::enumToString(existing->getType())),
                    SENDER);
         return nullptr;
     }

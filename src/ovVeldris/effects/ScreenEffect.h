@@ -26,8 +26,8 @@ class System;
 struct EffectSamplerSettings {
     ovMemory::StringView name;
     ovGraphics::FILTER filter = ovGraphics::FILTER::MIN_MAG_MIP_POINT;
-    std::optional<ovGraphics::TEXTURE_ADDRESS> address; ///< of u and v
-    std::optional<std::array<float, 4>> borderColor;
+    std::optional<ovGraphics::TEXTURE_ADDRESS> address = {}; ///< of u and v
+    std::optional<std::array<float, 4>> borderColor = {};
     bool firstMipOnly = true;
     bool hidden = true;
 };

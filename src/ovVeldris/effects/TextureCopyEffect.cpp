@@ -3,6 +3,7 @@
 #include <ovGraphics/resources/Texture.h>
 #include <ovVeldris/EmbeddedShaders.h>
 #include <ovVeldris/effects/TextureCopyEffect.h>
+#include <ovVeldris/shaders/ShaderText.h>
 
 namespace ovVeldris {
 
@@ -47,7 +48,9 @@ ovGraphics::Sampler* TextureCopyEffect::getSourceSampler() const {
 }
 
 void TextureCopyEffect::_fillSources(ovGraphics::ProgramSourcesHolder& sources) const {
-    sources.setPixelMemory(embedded::TextureCopyEffect_pixel);
+    static const ovMemory::String pixelText =
+        assembleShaderText({{"TextureCopyEffect.pixel.ovsl", embedded::TextureCopyEffect_pixel}});
+    sources.setPixelMemory(pixelText);
 }
 
 void TextureCopyEffect::_bindResources(ovGraphics::Shader& shader) {

@@ -3,6 +3,7 @@
 #include <ovGraphics/resources/Texture.h>
 #include <ovVeldris/EmbeddedShaders.h>
 #include <ovVeldris/effects/ToneMappingEffect.h>
+#include <ovVeldris/shaders/ShaderText.h>
 
 namespace ovVeldris {
 
@@ -66,7 +67,9 @@ void ToneMappingEffect::_selectOperator(bool ToneMappingEffectInfo::*used) {
 }
 
 void ToneMappingEffect::_fillSources(ovGraphics::ProgramSourcesHolder& sources) const {
-    sources.setPixelMemory(embedded::ToneMappingEffect_pixel);
+    static const ovMemory::String pixelText =
+        assembleShaderText({{"ToneMappingEffect.pixel.ovsl", embedded::ToneMappingEffect_pixel}});
+    sources.setPixelMemory(pixelText);
     if (_currentInfo.reinhardUsed) {
         sources.addDefineMacroPixel("REINHARD", "");
     } else if (_currentInfo.hablesUsed) {
