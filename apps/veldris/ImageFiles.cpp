@@ -1,0 +1,76 @@
+#include <veldris/ImageFiles.h>
+
+#include <fmt/format.h>
+#include <ovImages/CompositeEncoder.h>
+#include <ovImages/Conversion.h>
+
+namespace veldris {
+
+namespace {
+
+using ovImages::COLOUR_ENCODING;
+using ovImages::COMPONENT_TYPE;
+using ovImages::ImageView;
+using ovMemory::String;
+
+bool holdsFloats(const ovImages::Encoder& format) {
+    return format.getName() == "EXR" || format.getName() == "HDR";
+}
+
+bool isOpaque(const ImageView& picture) {
+    const auto* floats = reinterpret_cast<const float*>(picture.bytes.data());
+    const std::size_t pixels = std::size_t(picture.width) * picture.height;
+    for (std::size_t i = 0; i < pixels; ++i) {
+        if (floats[4 * i + 3] != 1.0f)
+            return false;
+    }
+    return true;
+}
+
+const ovImages::Encoder* findFormat(const ovImages::CompositeEncoder& encoders, const String& path,
+                                    String& error) {
+    const ovImages::Encoder* format = encoders.findByExtension(path);
+    if (!format)
+        error = fmt::format("'{}' names no image format by its extension; write .{}.", path,
+                            fmt::join(encoders.getExtensions(), ", ."));
+    return format;
+}
+
+} // namespace
+
+PICTURE_CONTENT contentOf(const ImageView& image) {
+    return image.encoding == COLOUR_ENCODING::SRGB ? PICTURE_CONTENT::SRGB_ENCODED
+                                                   : PICTURE_CONTENT::SCENE_LINEAR;
+}
+
+bool contentOfFormat(const String& path, std::optional<PICTURE_CONTENT>& content, String& error) {
+    const ovImages::CompositeEncoder encoders;
+    const ovImages::Encoder* format = findFormat(encoders, path, error);
+    if (!format)
+        return false;
+    content = holdsFloats(*format) ? std::nullopt : std::optional(PICTURE_CONTENT::SRGB_ENCODED);
+    return true;
+}
+
+bool writePicture(const String& path, const ImageView& picture, bool raw, String& warning, String& error) {
+    const ovImages::CompositeEncoder encoders;
+    const ovImages::Encoder* format = findFormat(encoders, path, error);
+    if (!format)
+        return false;
+    const bool floats = holdsFloats(*format);
+    const COLOUR_ENCODING wanted = floats ? COLOUR_ENCODING::LINEAR : COLOUR_ENCODING::SRGB;
+    ImageView source = picture;
+    if (raw)
+        source.encoding = wanted;
+    const ovImages::Image converted =
+        ovImages::convertImage(source, floats ? COMPONENT_TYPE::FLOAT : COMPONENT_TYPE::UINT8,
+                               isOpaque(picture) ? 3 : 4, wanted, &warning);
+    String encoderWarning;
+    if (!encoders.encodeFile(path, converted.view(), {}, error, encoderWarning))
+        return false;
+    if (!encoderWarning.empty())
+        warning += (warning.empty() ? "" : "; ") + encoderWarning;
+    return true;
+}
+
+} // namespace veldris

@@ -1,0 +1,26 @@
+// Image files with what their numbers mean.
+#pragma once
+
+#include <ovImages/Image.h>
+#include <veldris/effects/PictureContent.h>
+
+namespace veldris {
+
+/// What the numbers of an image that was read mean: linear ones are scene light, encoded ones a display
+/// picture.
+PICTURE_CONTENT contentOf(const ovImages::ImageView& image);
+
+/// What a file's format holds: display pictures under sRGB (PNG, JPEG), or linear light (EXR, HDR): nothing,
+/// since both kinds of linear light will do.
+/// @return false with one line in error when the extension is of no format that can be written
+bool contentOfFormat(const ovMemory::String& path, std::optional<PICTURE_CONTENT>& content,
+                     ovMemory::String& error);
+
+/// Writes a picture of floats in the format of the path's extension: 8 bits a component for PNG and JPEG,
+/// floats for EXR. Alpha is dropped where it is 1 everywhere. @param raw numbers as they are, without
+/// encoding them
+/// @return false with one line in error; the path then holds what it held before
+bool writePicture(const ovMemory::String& path, const ovImages::ImageView& picture, bool raw,
+                  ovMemory::String& warning, ovMemory::String& error);
+
+} // namespace veldris

@@ -1,0 +1,88 @@
+#include <veldris/Session.h>
+
+#include <charconv>
+#include <cstdlib>
+#include <fmt/format.h>
+#include <ovGraphics/System.h>
+#include <ovVeldris/core/GraphicsEngine.h>
+#include <ovVeldris/core/LogManager.h>
+#include <ovVeldris/core/System.h>
+#include <utility>
+
+namespace veldris {
+
+using ovMemory::String;
+
+namespace {
+
+bool parseDevice(const String& text, ovGraphics::Configuration& configuration) {
+    if (text == "software") {
+        configuration.software = true;
+        return true;
+    }
+    if (text.empty())
+        return true;
+    const char* end = text.data() + text.size();
+    const auto [stop, status] = std::from_chars(text.data(), end, configuration.device);
+    return status == std::errc() && stop == end && configuration.device >= 0;
+}
+
+} // namespace
+
+String defaultCacheFolder() {
+    if (const char* folder = std::getenv("XDG_CACHE_HOME"); folder && *folder)
+        return String(folder) + "/veldris";
+    if (const char* home = std::getenv("HOME"); home && *home)
+        return String(home) + "/.cache/veldris";
+    return {};
+}
+
+bool toConfiguration(const DrawingOptions& options, ovGraphics::Configuration& configuration, String& error) {
+    if (options.language != "glsl" && options.language != "hlsl") {
+        error = fmt::format("'{}' is no shader language; --language takes glsl or hlsl.", options.language);
+        return false;
+    }
+    if (!parseDevice(options.device, configuration)) {
+        error =
+            fmt::format("'{}' is no device; --device takes software or a number that 'veldris info' lists.",
+                        options.device);
+        return false;
+    }
+    configuration.language =
+        options.language == "hlsl" ? ovGraphics::SHADER_LANGUAGE::HLSL : ovGraphics::SHADER_LANGUAGE::GLSL;
+    if (!options.noCache)
+        configuration.cacheFolder = options.cache.empty() ? defaultCacheFolder() : options.cache;
+    return true;
+}
+
+void CollectingLogger::log(ovLog::StringView message, ovLog::StringView) {
+    _lines.append(_lines.empty() ? "" : "; ").append(message);
+}
+
+String CollectingLogger::take() {
+    return std::exchange(_lines, String());
+}
+
+Session::Session() = default;
+Session::~Session() = default;
+
+bool Session::open(const DrawingOptions& options, String& error) {
+    ovVeldris::Configuration configuration;
+    if (!toConfiguration(options, configuration.graphicsConfiguration, error))
+        return false;
+    configuration.graphicsConfiguration.logger = &_logger;
+    _system = std::make_unique<ovVeldris::System>();
+    _system->getLogManager()->setReceiver(&_logger);
+    if (!_system->initialize(configuration)) {
+        error = _logger.take();
+        return false;
+    }
+    getGraphics().setPassTimingEnabled(options.timings);
+    return true;
+}
+
+ovGraphics::System& Session::getGraphics() {
+    return *_system->getGraphicsEngine()->getGraphicsSystem();
+}
+
+} // namespace veldris

@@ -1,0 +1,66 @@
+// A library started for one run of the program.
+#pragma once
+
+#include <ovLog/Logger.h>
+#include <ovMemory/Memory.h>
+#include <ovVeldris/core/Configuration.h>
+
+namespace ovGraphics {
+class System;
+}
+namespace ovVeldris {
+class System;
+}
+
+namespace veldris {
+
+/// Options of every subcommand that draws.
+struct DrawingOptions {
+    ovMemory::String language = "glsl"; ///< glsl or hlsl
+    ovMemory::String device;            ///< empty, a number, or "software"
+    ovMemory::String cache;             ///< folder of compiled programs
+    bool noCache = false;
+    bool timings = false;
+    bool json = false;
+};
+
+/// The graphics configuration of the options. @return false with one line in error when a value is wrong
+bool toConfiguration(const DrawingOptions& options, ovGraphics::Configuration& configuration,
+                     ovMemory::String& error);
+
+/// Where compiled programs are kept when the user names no folder: "veldris" in the user's cache folder;
+/// empty when there is none.
+ovMemory::String defaultCacheFolder();
+
+/// Collects what the library reports, so that a command can end with one clear line.
+class CollectingLogger : public ovLog::Logger {
+public:
+    void log(ovLog::StringView message, ovLog::StringView sender) override;
+    /// The reports since the last call, joined by "; ".
+    ovMemory::String take();
+
+private:
+    ovMemory::String _lines;
+};
+
+/// An initialised library.
+class Session {
+public:
+    Session();
+    ~Session();
+    Session(const Session&) = delete;
+    Session& operator=(const Session&) = delete;
+
+    /// @return false with one line in error when no device can be opened
+    bool open(const DrawingOptions& options, ovMemory::String& error);
+
+    ovVeldris::System& getSystem() { return *_system; }
+    ovGraphics::System& getGraphics();
+    CollectingLogger& getLogger() { return _logger; }
+
+private:
+    CollectingLogger _logger;
+    ovMemory::UniquePtr<ovVeldris::System> _system;
+};
+
+} // namespace veldris

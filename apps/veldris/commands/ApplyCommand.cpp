@@ -1,0 +1,111 @@
+// veldris apply: a chain of effects over one image.
+#include <veldris/commands/Commands.h>
+
+#include <CLI/CLI.hpp>
+#include <fmt/format.h>
+#include <ovGraphics/System.h>
+#include <ovImages/CompositeEncoder.h>
+#include <veldris/ImageFiles.h>
+#include <veldris/JsonText.h>
+#include <veldris/effects/EffectChain.h>
+
+namespace veldris {
+
+namespace {
+
+using ovMemory::String;
+
+struct ApplyOptions {
+    String input;
+    String output;
+    String effects;
+    String inputContent;
+    bool raw = false;
+    DrawingOptions drawing;
+};
+
+void printReport(const ApplyOptions& options, const ChainResult& result, Session& session) {
+    const String method(session.getGraphics().getPassTimingMethod());
+    if (!options.drawing.json) {
+        for (const EffectTiming& timing : result.timings)
+            fmt::print("{:10.3f} ms  {} ({})\n", timing.milliseconds, timing.effect, method);
+        fmt::print("{}\n", options.output);
+        return;
+    }
+    ovMemory::Buffer<JsonObject> passes;
+    for (const EffectTiming& timing : result.timings)
+        passes.push_back(
+            JsonObject().text("effect", timing.effect).number("milliseconds", timing.milliseconds));
+    JsonObject report;
+    report.text("output", options.output)
+        .number("width", result.image->getWidth())
+        .number("height", result.image->getHeight())
+        .text("content", options.raw ? ovMemory::StringView("raw") : toText(result.content));
+    if (options.drawing.timings)
+        report.text("timingMethod", method).array("passes", passes);
+    fmt::print("{}\n", report.toText());
+}
+
+/// Everything of the options that can be checked before the image is read and the device opened.
+bool readOptions(const ApplyOptions& options, ovMemory::Buffer<EffectSpec>& effects, ChainOptions& chain,
+                 String& error) {
+    if (!parseEffectList(options.effects, effects, error) ||
+        !contentOfFormat(options.output, chain.output, error))
+        return false;
+    chain.outputName = "the file '" + options.output + "'";
+    chain.raw = options.raw;
+    return true;
+}
+
+int runApply(const ApplyOptions& options) {
+    ovMemory::Buffer<EffectSpec> effects;
+    ChainOptions chain;
+    String error;
+    if (!readOptions(options, effects, chain, error))
+        return fail(error);
+
+    ovImages::DecodeResult input = ovImages::CompositeEncoder().decodeFile(options.input);
+    if (!input)
+        return fail(input.error);
+    warn(input.warning);
+    chain.input = contentFromText(options.inputContent).value_or(contentOf(input.image->view()));
+
+    Session session;
+    if (!session.open(options.drawing, error))
+        return fail(error);
+    ChainResult result = runChain(session, input.image->view(), effects, chain);
+    if (!result)
+        return fail(result.error);
+    warn(session.getLogger().take());
+
+    String warning;
+    if (!writePicture(options.output, result.image->view(), options.raw, warning, error))
+        return fail(error);
+    warn(warning);
+    printReport(options, result, session);
+    return 0;
+}
+
+} // namespace
+
+void addApplyCommand(CLI::App& program, Command& command) {
+    auto options = std::make_shared<ApplyOptions>();
+    CLI::App* apply = program.add_subcommand("apply", "run effects over an image (PNG, JPEG, EXR, HDR)");
+    apply->add_option("IMAGE", options->input, "image to read")->required();
+    apply->add_option("--effects", options->effects, "effects in order, see below")->required();
+    apply->add_option("-o,--output", options->output, "image to write; its extension chooses the format")
+        ->required();
+    apply
+        ->add_option(
+            "--input-content", options->inputContent,
+            "what the input's numbers mean (default: EXR and HDR scene-linear, PNG and JPEG srgb-encoded)")
+        ->check(CLI::IsMember({"scene-linear", "display-linear", "srgb-encoded"}));
+    apply->add_flag("--raw", options->raw,
+                    "numbers in, numbers out: no colour conversions and no checks of them");
+    addDrawingOptions(*apply, options->drawing);
+    apply->footer(effectHelp() + "\nExample: veldris apply sky.exr --effects "
+                                 "\"tone-mapping:operator=reinhard,max-white=4,4,4\" -o sky.png");
+    apply->callback([options, &command] { command = [options] { return runApply(*options); }; });
+}
+
+} // namespace veldris

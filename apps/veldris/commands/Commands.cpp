@@ -1,0 +1,56 @@
+#include <veldris/commands/Commands.h>
+
+#include <CLI/CLI.hpp>
+#include <fmt/format.h>
+
+namespace veldris {
+
+namespace {
+constexpr int FAILED = 1;
+constexpr int WRONG_USAGE = 2;
+} // namespace
+
+void addDrawingOptions(CLI::App& command, DrawingOptions& options) {
+    command.add_option("--language", options.language, "shader language that is compiled: glsl or hlsl")
+        ->check(CLI::IsMember({"glsl", "hlsl"}))
+        ->capture_default_str();
+    command.add_option("--device", options.device,
+                       "\"software\", or a device's number as 'veldris info' lists them");
+    command.add_option("--cache", options.cache,
+                       "folder of compiled programs (default: " + defaultCacheFolder() + ")");
+    command.add_flag("--no-cache", options.noCache, "keep no compiled programs on disk");
+    command.add_flag("--timings", options.timings, "measure every pass");
+    command.add_flag("--json", options.json, "print the result for machines");
+}
+
+int fail(ovMemory::StringView message) {
+    fmt::print(stderr, "veldris: {}\n", message);
+    return FAILED;
+}
+
+void warn(ovMemory::StringView message) {
+    if (!message.empty())
+        fmt::print(stderr, "veldris: warning: {}\n", message);
+}
+
+int runProgram(int argumentCount, const char* const* arguments) {
+    CLI::App program("OrvaneVeldris on the command line: effects over images, headless or on a GPU.",
+                     "veldris");
+    program.set_version_flag("--version", OV_VERSION);
+    program.require_subcommand(1);
+    program.set_help_all_flag("--help-all", "help of every subcommand");
+
+    Command command;
+    addApplyCommand(program, command);
+    addDemoCommand(program, command);
+    addInfoCommand(program, command);
+    addShadersCommand(program, command);
+    try {
+        program.parse(argumentCount, arguments);
+    } catch (const CLI::ParseError& error) {
+        return program.exit(error) == 0 ? 0 : WRONG_USAGE;
+    }
+    return command();
+}
+
+} // namespace veldris

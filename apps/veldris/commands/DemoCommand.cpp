@@ -1,0 +1,155 @@
+// veldris demo: a built-in scene through every effect, as a gallery of pictures.
+#include <veldris/commands/Commands.h>
+
+#include <CLI/CLI.hpp>
+#include <filesystem>
+#include <fmt/format.h>
+#include <ovGraphics/System.h>
+#include <ovGraphics/device/Device.h>
+#include <ovGraphics/resources/ProgramLibrary.h>
+#include <ovResources/Files.h>
+#include <veldris/ImageFiles.h>
+#include <veldris/JsonText.h>
+#include <veldris/demo/DemoScene.h>
+#include <veldris/demo/GalleryPage.h>
+#include <veldris/effects/EffectChain.h>
+
+namespace veldris {
+
+namespace {
+
+using ovMemory::Buffer;
+using ovMemory::String;
+
+constexpr const char* SOURCE_FILE = "scene-clipped.png";
+
+struct DemoOptions {
+    String folder = "out/demo";
+    unsigned int width = 960;
+    unsigned int height = 540;
+    DrawingOptions drawing;
+};
+
+/// One picture of the gallery: its file's name, and the effects that make it.
+struct DemoPicture {
+    const char* name;
+    const char* effects;
+};
+
+// Every effect and every operator, each with the settings that show what it does.
+constexpr DemoPicture PICTURES[] = {
+    {"texture-copy", "texture-copy"},
+    {"reinhard", "tone-mapping:operator=reinhard,max-white=8,8,8"},
+    {"reinhard-channels", "tone-mapping:operator=reinhard,max-white=8,8,8,use-luminance=false"},
+    {"hables",
+     "tone-mapping:operator=hables,toe-length=0.3,toe-strength=0.4,shoulder-length=0.6,shoulder-strength=3"},
+    {"hables-channels", "tone-mapping:operator=hables,toe-length=0.3,toe-strength=0.4,shoulder-length=0.6,"
+                        "shoulder-strength=3,use-luminance=false"},
+    {"aces", "tone-mapping:operator=aces"},
+    {"aces-bright", "tone-mapping:operator=aces,look-transform=2,0,0,0,2,0,0,0,2"},
+};
+
+/// A picture as the gallery shows it. Scene light is clipped on purpose: that is the "before" of a tone
+/// mapping.
+bool writeGalleryPicture(const String& path, const ovImages::ImageView& picture, String& error) {
+    String clippingIsWanted;
+    return writePicture(path, picture, false, clippingIsWanted, error);
+}
+
+bool drawPicture(Session& session, const ovImages::ImageView& scene, const DemoPicture& picture,
+                 const DemoOptions& options, Buffer<GalleryEntry>& entries, String& error) {
+    Buffer<EffectSpec> effects;
+    if (!parseEffectList(picture.effects, effects, error))
+        return false;
+    const ChainResult result = runChain(session, scene, effects, {});
+    if (!result) {
+        error = result.error;
+        return false;
+    }
+    const String file = String(picture.name) + ".png";
+    GalleryEntry entry{picture.effects, SOURCE_FILE, file, 0.0};
+    for (const EffectTiming& timing : result.timings)
+        entry.milliseconds += timing.milliseconds;
+    entries.push_back(entry);
+    return writeGalleryPicture(options.folder + "/" + file, result.image->view(), error);
+}
+
+bool drawGallery(Session& session, const DemoOptions& options, Buffer<GalleryEntry>& entries, String& error) {
+    const ovImages::Image scene = drawDemoScene(options.width, options.height);
+    if (!writeGalleryPicture(options.folder + "/" + SOURCE_FILE, scene.view(), error))
+        return false;
+    for (const DemoPicture& picture : PICTURES) {
+        if (!drawPicture(session, scene.view(), picture, options, entries, error))
+            return false;
+    }
+    const auto& graphics = session.getGraphics();
+    const String page = galleryPage({graphics.getDeviceInfo()->renderer, options.drawing.language,
+                                     String(graphics.getPassTimingMethod()), options.width, options.height},
+                                    entries);
+    return ovResources::writeFileAtomically(options.folder + "/index.html",
+                                            ovMemory::BufferView<const char>(page), error);
+}
+
+void printReport(const DemoOptions& options, const Buffer<GalleryEntry>& entries, Session& session) {
+    const String page = options.folder + "/index.html";
+    if (!options.drawing.json) {
+        if (options.drawing.timings) {
+            for (const GalleryEntry& entry : entries)
+                fmt::print("{:10.3f} ms  {}\n", entry.milliseconds, entry.effect);
+        }
+        fmt::print("{} pictures in {}\n{}\n", entries.size(), options.folder, page);
+        return;
+    }
+    const auto& programs = session.getGraphics().getProgramLibrary().getStatistics();
+    Buffer<JsonObject> pictures;
+    for (const GalleryEntry& entry : entries)
+        pictures.push_back(JsonObject()
+                               .text("effect", entry.effect)
+                               .text("file", entry.afterFile)
+                               .number("milliseconds", entry.milliseconds));
+    fmt::print("{}\n", JsonObject()
+                           .text("page", page)
+                           .array("pictures", pictures)
+                           .number("programsCompiled", static_cast<double>(programs.compiled))
+                           .number("programsFromCache", static_cast<double>(programs.fromDisk))
+                           .toText());
+}
+
+int runDemo(DemoOptions options) {
+    std::error_code status;
+    std::filesystem::create_directories(options.folder, status);
+    if (status)
+        return fail(fmt::format("could not make the folder '{}': {}; name another with --out.",
+                                options.folder, status.message()));
+    DrawingOptions measured = options.drawing;
+    measured.timings = true; // the page shows them
+    Session session;
+    String error;
+    if (!session.open(measured, error))
+        return fail(error);
+    Buffer<GalleryEntry> entries;
+    if (!drawGallery(session, options, entries, error))
+        return fail(error);
+    warn(session.getLogger().take());
+    printReport(options, entries, session);
+    return 0;
+}
+
+} // namespace
+
+void addDemoCommand(CLI::App& program, Command& command) {
+    auto options = std::make_shared<DemoOptions>();
+    CLI::App* demo =
+        program.add_subcommand("demo", "draw the built-in scene through every effect, as a gallery");
+    demo->add_option("--out", options->folder, "folder of the pictures and the page")->capture_default_str();
+    demo->add_option("--width", options->width, "pixels")
+        ->check(CLI::Range(16, 16384))
+        ->capture_default_str();
+    demo->add_option("--height", options->height, "pixels")
+        ->check(CLI::Range(16, 16384))
+        ->capture_default_str();
+    addDrawingOptions(*demo, options->drawing);
+    demo->callback([options, &command] { command = [options] { return runDemo(*options); }; });
+}
+
+} // namespace veldris

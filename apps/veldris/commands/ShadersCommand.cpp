@@ -1,0 +1,133 @@
+// veldris shaders: the programs that effects generate, as lists, as text, and checked.
+#include <veldris/commands/Commands.h>
+
+#include <CLI/CLI.hpp>
+#include <fmt/format.h>
+#include <ovGraphics/resources/Program.h>
+#include <ovGraphics/resources/Shader.h>
+#include <ovGraphics/shading/CrossCompiler.h>
+#include <veldris/JsonText.h>
+#include <veldris/effects/EffectChain.h>
+
+namespace veldris {
+
+namespace {
+
+using ovGraphics::shading::STAGE;
+using ovMemory::Buffer;
+using ovMemory::String;
+
+struct ShadersOptions {
+    String effect;
+    String print;
+    String stage = "both";
+    bool translated = false;
+    DrawingOptions drawing;
+};
+
+/// One program and the settings that lead to it.
+struct GeneratedProgram {
+    String spec;
+    ovGraphics::shading::ProgramText text;
+    ovGraphics::shading::CompileResult compiled;
+};
+
+/// Every program of the catalogue, or of one effect, loaded on the device.
+bool generate(Session& session, const String& onlyEffect, Buffer<GeneratedProgram>& programs, String& error) {
+    for (const EffectDescription& description : effectCatalog()) {
+        if (!onlyEffect.empty() && description.name != onlyEffect)
+            continue;
+        for (const ovMemory::StringView variant : description.programVariants) {
+            const String spec = String(description.name) + (variant.empty() ? "" : ":") + String(variant);
+            Buffer<EffectSpec> parsed;
+            if (!parseEffectList(spec, parsed, error))
+                return false;
+            const auto effect = makeEffect(session, parsed.front(), error);
+            if (!effect)
+                return false;
+            if (!effect->load()) {
+                error = session.getLogger().take();
+                return false;
+            }
+            const auto text = effect->getShader()->getProgram()->getText();
+            programs.push_back({spec, text, ovGraphics::shading::compile(text)});
+        }
+    }
+    return true;
+}
+
+void printStage(const GeneratedProgram& program, STAGE stage, bool translated) {
+    const bool isVertex = stage == STAGE::VERTEX;
+    fmt::print("// {} stage of {}\n", isVertex ? "vertex" : "pixel", program.text.name);
+    if (translated)
+        fmt::print("{}\n",
+                   isVertex ? program.compiled.program->vertexText : program.compiled.program->pixelText);
+    else
+        fmt::print("{}\n", ovGraphics::shading::getFullText(program.text, stage));
+}
+
+int printProgram(const Buffer<GeneratedProgram>& programs, const ShadersOptions& options) {
+    for (const GeneratedProgram& program : programs) {
+        if (program.text.name != options.print)
+            continue;
+        if (options.stage != "pixel")
+            printStage(program, STAGE::VERTEX, options.translated);
+        if (options.stage != "vertex")
+            printStage(program, STAGE::PIXEL, options.translated);
+        return 0;
+    }
+    return fail(
+        fmt::format("no effect generates a program '{}'; 'veldris shaders' lists them.", options.print));
+}
+
+void listPrograms(const Buffer<GeneratedProgram>& programs, const DrawingOptions& options) {
+    Buffer<JsonObject> list;
+    for (const GeneratedProgram& program : programs) {
+        const auto& compiled = *program.compiled.program;
+        list.push_back(JsonObject()
+                           .text("program", program.text.name)
+                           .text("effect", program.spec)
+                           .number("constantBuffers", static_cast<double>(compiled.constantBuffers.size()))
+                           .number("textureUnits", static_cast<double>(compiled.textureUnits.size()))
+                           .text("warnings", program.compiled.warnings));
+        if (!options.json)
+            fmt::print("{:<32} {}{}\n", program.text.name, program.spec,
+                       program.compiled.warnings.empty() ? "" : "  warnings: " + program.compiled.warnings);
+    }
+    if (options.json)
+        fmt::print("{}\n", JsonObject().text("language", options.language).array("programs", list).toText());
+    else
+        fmt::print("{} programs compile in {}.\n", programs.size(), options.language);
+}
+
+int runShaders(const ShadersOptions& options) {
+    String error;
+    if (!options.effect.empty() && !findEffect(options.effect, error))
+        return fail(error);
+    Session session;
+    Buffer<GeneratedProgram> programs;
+    if (!session.open(options.drawing, error) || !generate(session, options.effect, programs, error))
+        return fail(error);
+    if (!options.print.empty())
+        return printProgram(programs, options);
+    listPrograms(programs, options.drawing);
+    return 0;
+}
+
+} // namespace
+
+void addShadersCommand(CLI::App& program, Command& command) {
+    auto options = std::make_shared<ShadersOptions>();
+    CLI::App* shaders =
+        program.add_subcommand("shaders", "list, check and print the programs that effects generate");
+    shaders->add_option("--effect", options->effect, "only the programs of this effect");
+    shaders->add_option("--print", options->print, "print this program's text as the compiler sees it");
+    shaders->add_option("--stage", options->stage, "stage to print: vertex, pixel or both")
+        ->check(CLI::IsMember({"vertex", "pixel", "both"}))
+        ->capture_default_str();
+    shaders->add_flag("--translated", options->translated, "print the text that the device gets instead");
+    addDrawingOptions(*shaders, options->drawing);
+    shaders->callback([options, &command] { command = [options] { return runShaders(*options); }; });
+}
+
+} // namespace veldris

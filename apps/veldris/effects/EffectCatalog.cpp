@@ -1,0 +1,158 @@
+#include <veldris/effects/EffectCatalog.h>
+
+#include <fmt/format.h>
+#include <ovVeldris/effects/TextureCopyEffect.h>
+#include <ovVeldris/effects/ToneMappingEffect.h>
+
+namespace veldris {
+
+namespace {
+
+using ovMemory::String;
+using ovMemory::StringView;
+using ovVeldris::Effect;
+using ovVeldris::EFFECT_TYPE;
+
+constexpr StringView OPERATOR = "operator";
+constexpr StringView USE_LUMINANCE = "use-luminance";
+constexpr StringView MAX_WHITE = "max-white";
+constexpr StringView LOOK_TRANSFORM = "look-transform";
+
+/// The numbers of the filmic curve, with the operator "hables".
+struct CurveSetting {
+    StringView name;
+    float ovVeldris::ToneMappingHablesCurveDescriptor::*field;
+    StringView defaultText;
+    StringView help;
+};
+
+constexpr CurveSetting CURVE_SETTINGS[] = {
+    {"toe-length", &ovVeldris::ToneMappingHablesCurveDescriptor::toeLength, "0.05",
+     "length of the toe, 0 to 1"},
+    {"toe-strength", &ovVeldris::ToneMappingHablesCurveDescriptor::toeStrength, "0.05",
+     "how much the toe darkens, 0 to 1"},
+    {"shoulder-length", &ovVeldris::ToneMappingHablesCurveDescriptor::shoulderLength, "0.05",
+     "length of the shoulder, 0 to 1"},
+    {"shoulder-strength", &ovVeldris::ToneMappingHablesCurveDescriptor::shoulderStrength, "0.1",
+     "extra white range in stops"},
+    {"shoulder-angle", &ovVeldris::ToneMappingHablesCurveDescriptor::shoulderAngle, "1",
+     "overshoot of the shoulder"},
+    {"gamma", &ovVeldris::ToneMappingHablesCurveDescriptor::gamma, "1", "power applied to the curve"},
+};
+
+/// @return a complaint when a setting was given that the chosen operator does not read
+String checkOperatorSettings(const SettingValues& values) {
+    const String& chosen = values.getText(OPERATOR);
+    const auto complaint = [&](StringView setting, StringView owner) {
+        return fmt::format("the setting '{}' belongs to operator={}, and operator={} was chosen.", setting,
+                           owner, chosen);
+    };
+    if (values.wasGiven(MAX_WHITE) && chosen != "reinhard")
+        return complaint(MAX_WHITE, "reinhard");
+    if (values.wasGiven(LOOK_TRANSFORM) && chosen != "aces")
+        return complaint(LOOK_TRANSFORM, "aces");
+    for (const CurveSetting& setting : CURVE_SETTINGS) {
+        if (values.wasGiven(setting.name) && chosen != "hables")
+            return complaint(setting.name, "hables");
+    }
+    return {};
+}
+
+String applyToneMapping(Effect& effect, const SettingValues& values) {
+    auto& toneMapping = static_cast<ovVeldris::ToneMappingEffect&>(effect);
+    String complaint = checkOperatorSettings(values);
+    if (!complaint.empty())
+        return complaint;
+    toneMapping.setUseLuminance(values.getBoolean(USE_LUMINANCE));
+    if (values.getText(OPERATOR) == "reinhard")
+        toneMapping.setAsReinhard(values.getVector(MAX_WHITE));
+    if (values.getText(OPERATOR) == "aces")
+        toneMapping.setAsAces(values.getMatrix(LOOK_TRANSFORM));
+    if (values.getText(OPERATOR) == "hables") {
+        ovVeldris::ToneMappingHablesCurveDescriptor curve;
+        for (const CurveSetting& setting : CURVE_SETTINGS)
+            curve.*setting.field = values.getNumber(setting.name);
+        toneMapping.setAsHables(curve);
+    }
+    return {};
+}
+
+EffectDescription describeToneMapping() {
+    EffectDescription effect;
+    effect.name = "tone-mapping";
+    effect.type = EFFECT_TYPE::TONE_MAPPING;
+    effect.summary = "maps scene light to the range of a display";
+    effect.takes = PICTURE_CONTENT::SCENE_LINEAR;
+    effect.gives = PICTURE_CONTENT::DISPLAY_LINEAR;
+    effect.settings = {
+        {OPERATOR, SETTING_KIND::ENUMERATION, "reinhard", "the curve", {"reinhard", "hables", "aces"}},
+        {USE_LUMINANCE, SETTING_KIND::BOOLEAN, "true", "map the luminance and keep the hue", {}},
+        {MAX_WHITE, SETTING_KIND::VECTOR, "2,2,2", "reinhard: the smallest light that becomes white", {}},
+        {LOOK_TRANSFORM,
+         SETTING_KIND::MATRIX,
+         "1,0,0,0,1,0,0,0,1",
+         "aces: applied in ACEScg before the curve",
+         {}},
+    };
+    for (const CurveSetting& setting : CURVE_SETTINGS)
+        effect.settings.push_back(
+            {setting.name, SETTING_KIND::NUMBER, setting.defaultText, setting.help, {}});
+    effect.programVariants = {"operator=reinhard,use-luminance=true", "operator=reinhard,use-luminance=false",
+                              "operator=hables,use-luminance=true",   "operator=hables,use-luminance=false",
+                              "operator=aces,use-luminance=true",     "operator=aces,use-luminance=false"};
+    effect.apply = applyToneMapping;
+    effect.setSource = [](Effect& toneMapping, ovGraphics::Texture* source) {
+        static_cast<ovVeldris::ToneMappingEffect&>(toneMapping).setSourceTexture(source);
+    };
+    return effect;
+}
+
+EffectDescription describeTextureCopy() {
+    EffectDescription effect;
+    effect.name = "texture-copy";
+    effect.type = EFFECT_TYPE::TEXTURE_COPY;
+    effect.summary = "draws the picture unchanged";
+    effect.programVariants = {""};
+    effect.apply = [](Effect&, const SettingValues&) { return String(); };
+    effect.setSource = [](Effect& copy, ovGraphics::Texture* source) {
+        static_cast<ovVeldris::TextureCopyEffect&>(copy).setSourceTexture(source);
+    };
+    return effect;
+}
+
+} // namespace
+
+const ovMemory::Buffer<EffectDescription>& effectCatalog() {
+    static const ovMemory::Buffer<EffectDescription> CATALOG = {describeTextureCopy(), describeToneMapping()};
+    return CATALOG;
+}
+
+const EffectDescription* findEffect(StringView name, String& error) {
+    String names;
+    for (const EffectDescription& effect : effectCatalog()) {
+        if (effect.name == name)
+            return &effect;
+        names.append(names.empty() ? "" : ", ").append(effect.name);
+    }
+    error = fmt::format("there is no effect '{}'; the effects are {}.", name, names);
+    return nullptr;
+}
+
+String effectHelp() {
+    String text = "Effects of --effects \"NAME[:SETTING=VALUE,...][;NAME...]\":\n";
+    for (const EffectDescription& effect : effectCatalog()) {
+        text += fmt::format("\n  {}  {}\n", effect.name, effect.summary);
+        text +=
+            fmt::format("      takes {}, gives {}\n", effect.takes ? toText(*effect.takes) : "any colours",
+                        effect.gives ? toText(*effect.gives) : "the same");
+        for (const SettingDescription& setting : effect.settings) {
+            text += fmt::format("      {:<18} {} (default {})\n", setting.name, setting.help,
+                                setting.defaultText);
+            if (!setting.choices.empty())
+                text += fmt::format("      {:<18} one of {}\n", "", fmt::join(setting.choices, ", "));
+        }
+    }
+    return text;
+}
+
+} // namespace veldris

@@ -1,0 +1,72 @@
+#include <veldris/effects/PictureContent.h>
+
+#include <array>
+
+namespace veldris {
+
+namespace {
+
+using ovMemory::Buffer;
+using ovMemory::String;
+using ovMemory::StringView;
+
+constexpr std::array<StringView, 3> TEXTS = {"scene-linear", "display-linear", "srgb-encoded"};
+
+bool canConvert(PICTURE_CONTENT from, PICTURE_CONTENT to) {
+    return from != PICTURE_CONTENT::SCENE_LINEAR && to != PICTURE_CONTENT::SCENE_LINEAR;
+}
+
+String adviceFor(PICTURE_CONTENT from) {
+    if (from == PICTURE_CONTENT::SCENE_LINEAR)
+        return "put a tone-mapping between them, write an EXR or HDR file, or use --raw";
+    return "take that step away, say with --input-content what the file holds, or use --raw";
+}
+
+} // namespace
+
+StringView toText(PICTURE_CONTENT content) {
+    return TEXTS[static_cast<std::size_t>(content)];
+}
+
+std::optional<PICTURE_CONTENT> contentFromText(StringView text) {
+    for (std::size_t i = 0; i < TEXTS.size(); ++i) {
+        if (TEXTS[i] == text)
+            return static_cast<PICTURE_CONTENT>(i);
+    }
+    return std::nullopt;
+}
+
+bool planConversions(PICTURE_CONTENT source, const Buffer<EffectContent>& effects,
+                     std::optional<PICTURE_CONTENT> target, StringView targetName,
+                     Buffer<ContentConversion>& conversions, PICTURE_CONTENT& result, String& error) {
+    conversions.clear();
+    PICTURE_CONTENT content = source;
+    String giver = "the input";
+    const auto require = [&](std::size_t place, std::optional<PICTURE_CONTENT> wanted, const String& taker) {
+        if (!wanted || *wanted == content)
+            return true;
+        if (!canConvert(content, *wanted)) {
+            error = taker + " takes " + String(toText(*wanted)) + " colours and " + giver + " gives " +
+                    String(toText(content)) + " ones: " + adviceFor(content) + ".";
+            return false;
+        }
+        conversions.push_back({place, content, *wanted});
+        content = *wanted;
+        return true;
+    };
+    for (std::size_t i = 0; i < effects.size(); ++i) {
+        const String name = "'" + effects[i].effect + "'";
+        if (!require(i, effects[i].takes, name))
+            return false;
+        if (effects[i].gives) {
+            content = *effects[i].gives;
+            giver = name;
+        }
+    }
+    if (!require(effects.size(), target, String(targetName)))
+        return false;
+    result = content;
+    return true;
+}
+
+} // namespace veldris

@@ -1,0 +1,46 @@
+// What the numbers of a picture mean on their way through a chain of effects.
+#pragma once
+
+#include <optional>
+#include <ovMemory/Memory.h>
+
+namespace veldris {
+
+/// The meaning of a picture's colour numbers. Alpha is plain coverage in all of them.
+enum class PICTURE_CONTENT {
+    SCENE_LINEAR,   ///< proportional to the light of the scene, 0 to any height
+    DISPLAY_LINEAR, ///< proportional to the light of the screen, 0 to 1
+    SRGB_ENCODED    ///< display light under the sRGB transfer function, 0 to 1
+};
+
+/// "scene-linear", "display-linear" or "srgb-encoded".
+ovMemory::StringView toText(PICTURE_CONTENT content);
+/// The content of that text, or nothing.
+std::optional<PICTURE_CONTENT> contentFromText(ovMemory::StringView text);
+
+/// What an effect takes and gives. Nothing: whatever it is given, and the same again.
+struct EffectContent {
+    ovMemory::String effect; ///< name shown in messages
+    std::optional<PICTURE_CONTENT> takes;
+    std::optional<PICTURE_CONTENT> gives;
+};
+
+/// A conversion before an effect (or, with the number of effects, before the end).
+struct ContentConversion {
+    std::size_t beforeEffect = 0;
+    PICTURE_CONTENT from;
+    PICTURE_CONTENT to;
+    bool operator==(const ContentConversion&) const = default;
+};
+
+/// Finds the conversions that a chain needs. Display light and its encoding convert into each other without
+/// loss; what light a scene had cannot be told from a display picture, and how to show it is a choice that
+/// only a tone mapping makes: those are refused, never guessed.
+/// @param target what the end wants; nothing: anything but scene light stays as it is
+/// @return false with one line in error that says which two neighbours do not fit and what to do
+bool planConversions(PICTURE_CONTENT source, const ovMemory::Buffer<EffectContent>& effects,
+                     std::optional<PICTURE_CONTENT> target, ovMemory::StringView targetName,
+                     ovMemory::Buffer<ContentConversion>& conversions, PICTURE_CONTENT& result,
+                     ovMemory::String& error);
+
+} // namespace veldris
