@@ -80,7 +80,9 @@ bool System::initialize(const Configuration& configuration) {
     }
     _programLibrary = std::make_unique<ProgramLibrary>(*_device, configuration.cacheFolder);
     _startSeconds = nowInSeconds();
-    _frameTime = {};
+    _lastFrameSeconds = 0.0;
+    if (!_timeIsFixed)
+        _frameTime = {};
     return true;
 }
 
@@ -89,6 +91,8 @@ void System::shutdown() {
         return;
     for (Resource* resource : _resources)
         resource->unload();
+    if (_configuration.debugOutput)
+        _reportDebugErrors();
     _passTimings.clear();
     _passTimer.reset();
     _programLibrary.reset();
@@ -96,26 +100,50 @@ void System::shutdown() {
 }
 
 bool System::frame(RenderContext* context) {
-    if (!_device || !context || !context->getCompositor())
-        return false;
-    if (context->drawsInWindow() && !context->followWindowSize())
+    if (!_canDraw(context) || (context->drawsInWindow() && !context->followWindowSize()))
         return false;
     if (!_timeIsFixed)
         _advanceTime();
     _passTimings.clear();
     _renderContexts->setActiveRenderContext(context);
 
-    const Compositor& compositor = *context->getCompositor();
-    for (unsigned int i = 0; i < compositor.getNodeCount(); ++i) {
-        const CompositorNode& node = *compositor.getNode(i);
-        for (unsigned int j = 0; node.getActive() && j < node.getOperationsBlockCount(); ++j)
-            node.getOperationsBlock(j)->execute(*context);
+    // Passes may run the application's code, which may erase what is drawn here.
+    const Borrowed<RenderContext> running = context;
+    const Borrowed<Compositor> compositor = context->getCompositor();
+    for (unsigned int i = 0; running && compositor && i < compositor->getNodeCount(); ++i) {
+        for (unsigned int j = 0; running && compositor; ++j) {
+            const CompositorNode* node = compositor->getNode(i);
+            if (!node || !node->getActive() || j >= node->getOperationsBlockCount())
+                break;
+            node->getOperationsBlock(j)->execute(*context);
+        }
     }
-    if (context->drawsInWindow())
+    if (running && context->drawsInWindow())
         _device->present(*context->getBackBuffer()->getGpuTexture());
     if (_configuration.debugOutput)
         _reportDebugErrors();
     return true;
+}
+
+bool System::_canDraw(const RenderContext* context) const {
+    ovMemory::StringView reason;
+    if (!_device)
+        reason = "the graphics system is not initialised; call System::initialize first.";
+    else if (!context)
+        reason = "no render context was given.";
+    else if (context->getSystem() != this)
+        reason = "it belongs to another graphics system; call frame of that one.";
+    else if (!context->getCompositor())
+        reason = "it has no compositor; call RenderContext::setCompositor first.";
+    else if (context->getCompositor()->getSystem() != this)
+        reason = "its compositor belongs to another graphics system; create both on the same one.";
+    else
+        return true;
+    ovMemory::String line = "Could not draw a frame";
+    if (context)
+        line.append(" of render context '").append(context->getName()).append("'");
+    log(line.append(": ").append(reason), "System");
+    return false;
 }
 
 const device::DeviceInfo* System::getDeviceInfo() const {
@@ -141,15 +169,25 @@ ovMemory::StringView System::getPassTimingMethod() const {
 
 void System::runPass(CompositorPass& pass, const PassExecution& execution) {
     if (!_passTimingEnabled) {
-        pass.execute(execution);
+        _executePass(pass, execution);
         return;
     }
     if (!_passTimer)
         _passTimer = _device->createTimer();
     _passTimer->begin();
-    pass.execute(execution);
+    _executePass(pass, execution);
     _passTimer->end();
     _passTimings.push_back({ovMemory::String(pass.getName()), _passTimer->getMilliseconds()});
+}
+
+void System::_executePass(CompositorPass& pass, const PassExecution& execution) {
+    const bool drawn = pass.execute(execution);
+    if (!drawn && !pass._failureLogged) { // once, not once a frame
+        ovMemory::String line = "The pass '";
+        line.append(pass.getName()).append("' draws nothing: ").append(pass.getRequirement());
+        log(line, "CompositorPass");
+    }
+    pass._failureLogged = !drawn;
 }
 
 void System::log(ovMemory::StringView message, ovMemory::StringView sender) const {
@@ -180,7 +218,8 @@ void System::_unregisterResource(Resource* resource) {
 
 void System::_advanceTime() {
     const double seconds = nowInSeconds() - _startSeconds;
-    _frameTime = {seconds, seconds - _frameTime.seconds};
+    _frameTime = {seconds, seconds - _lastFrameSeconds};
+    _lastFrameSeconds = seconds;
 }
 
 void System::_reportDebugErrors() {

@@ -61,7 +61,11 @@ public:
     void shutdown();
 
     /// Draws a context now: every active node of its compositor; then shows it when it draws in the window.
-    /// @return false when the system is not initialised or the context has no compositor or target
+    /// A pass that runs code of the application may call frame() for another context, and may erase contexts
+    /// and compositors, these too; only the block that is running must stay, with its passes.
+    /// @return false after one log line when the system is not initialised, the context or its compositor is
+    /// null or of another system, or the window's back buffer cannot be made; false without one while the
+    /// window is minimised
     bool frame(RenderContext* context);
 
     const Configuration& getConfiguration() const { return _configuration; }
@@ -80,7 +84,7 @@ public:
     CompositorManager* getCompositorManager() const { return _compositors.get(); }
     RenderContextManager* getRenderContextManager() const { return _renderContexts.get(); }
 
-    /// Fixes the time that time slots see, so that renders repeat exactly.
+    /// Fixes the time that time slots see, so that renders repeat exactly; may be called before initialize().
     void setFixedTime(double seconds, double deltaSeconds);
     /// Lets the time run again.
     void clearFixedTime();
@@ -107,7 +111,7 @@ public:
 
     /// The device; null before initialize().
     device::Device* getDevice() const { return _device.get(); }
-    /// The compiled programs of this system.
+    /// The compiled programs of this system. Only while it is initialised.
     ProgramLibrary& getProgramLibrary() const { return *_programLibrary; }
 
 private:
@@ -119,13 +123,16 @@ private:
     void _unregisterResource(Resource* resource);
     void _advanceTime();
     void _reportDebugErrors();
+    void _executePass(CompositorPass& pass, const PassExecution& execution);
+    bool _canDraw(const RenderContext* context) const;
 
     Configuration _configuration;
     ovMemory::UniquePtr<device::Device> _device;
     ovMemory::UniquePtr<ProgramLibrary> _programLibrary;
     ovMemory::Buffer<Resource*> _resources; ///< every resource of this system, managed or not
     FrameTime _frameTime;
-    double _startSeconds = 0.0;
+    double _startSeconds = 0.0;     ///< of the steady clock, at initialize()
+    double _lastFrameSeconds = 0.0; ///< since initialize()
     bool _timeIsFixed = false;
     bool _passTimingEnabled = false;
     ovMemory::Buffer<PassTiming> _passTimings;

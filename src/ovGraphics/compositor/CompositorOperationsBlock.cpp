@@ -19,15 +19,19 @@ unsigned int mipSize(unsigned int size, unsigned int mip) {
 }
 
 /// Whether a texture can be drawn to. @param error gets the reason when not
-bool isDrawable(Texture& texture, unsigned int slice, unsigned int mip, ovMemory::String& error) {
+bool isDrawable(const System& system, Texture& texture, unsigned int slice, unsigned int mip,
+                ovMemory::String& error) {
     const ovMemory::String name = "texture '" + ovMemory::String(texture.getName()) + "'";
-    if (texture.isUnloaded())
+    const device::GpuTexture* loaded = texture.getSystem() == &system ? texture.getGpuTexture() : nullptr;
+    if (texture.getSystem() != &system)
+        error = name + " belongs to another graphics system; create both on the same one.";
+    else if (!loaded)
         error = name + " is not loaded; load it before the frame.";
     else if (!texture.getUsableAsRenderTarget())
         error = name + " is no render target; call setUsableAsRenderTarget(true) before loading it.";
-    else if (slice >= texture.getSliceCount() || mip >= texture.getMipCount())
-        error = name + " has " + std::to_string(texture.getSliceCount()) + " slices of " +
-                std::to_string(texture.getMipCount()) + " mips, and slice " + std::to_string(slice) +
+    else if (slice >= loaded->getDesc().slices || mip >= loaded->getDesc().mips)
+        error = name + " has " + std::to_string(loaded->getDesc().slices) + " slices of " +
+                std::to_string(loaded->getDesc().mips) + " mips, and slice " + std::to_string(slice) +
                 ", mip " + std::to_string(mip) + " was asked for.";
     return error.empty();
 }
@@ -87,6 +91,8 @@ MipGenerationPass* CompositorOperationsBlock::appendMipGenerationPass() {
 
 CompositorPass* CompositorOperationsBlock::insertPass(unsigned int position,
                                                       ovMemory::UniquePtr<CompositorPass> pass) {
+    if (!pass)
+        return nullptr;
     const unsigned int place = std::min(position, getPassCount());
     return _passes.insert(_passes.begin() + place, std::move(pass))->get();
 }
@@ -109,17 +115,17 @@ bool CompositorOperationsBlock::execute(RenderContext& context) {
         return false;
     device::Device& device = *_system->getDevice();
     const Viewport* viewport = _viewport.get();
-    device.setTarget(*_gpuTarget, viewport ? device::Rectangle{viewport->getX(), viewport->getY(),
-                                                               viewport->getWidth(), viewport->getHeight()}
-                                           : device::Rectangle{0, 0, _width, _height});
-    _system->getViewportManager()->setActiveViewport(_viewport.get());
-
-    const bool drawsIntoBackBuffer = _targetCount == 0 && !_depth.set;
+    const device::Rectangle area = viewport ? device::Rectangle{viewport->getX(), viewport->getY(),
+                                                                viewport->getWidth(), viewport->getHeight()}
+                                            : device::Rectangle{0, 0, _width, _height};
     Camera* camera = context.getCamera();
-    const PassExecution execution{_system, &device, drawsIntoBackBuffer ? 1u : _targetCount, _depth.set,
+    const PassExecution execution{_system, &device, _drawsIntoBackBuffer() ? 1u : _targetCount, _depth.set,
                                   camera ? camera : _system->getCameraManager()->getActiveRenderCamera()};
-    for (const auto& pass : _passes)
+    for (const auto& pass : _passes) {
+        device.setTarget(*_gpuTarget, area); // again, for a pass may have drawn another context
+        _system->getViewportManager()->setActiveViewport(_viewport.get());
         _system->runPass(*pass, execution);
+    }
     return true;
 }
 
@@ -128,7 +134,7 @@ void CompositorOperationsBlock::unload() {
 }
 
 bool CompositorOperationsBlock::_prepareTarget(RenderContext& context) {
-    Texture* backBuffer = _targetCount == 0 && !_depth.set ? context.getBackBuffer() : nullptr;
+    Texture* backBuffer = _drawsIntoBackBuffer() ? context.getBackBuffer() : nullptr;
     if (_gpuTarget && _targetIsCurrent(backBuffer))
         return true;
     ovMemory::String error;
@@ -156,43 +162,46 @@ bool CompositorOperationsBlock::_targetIsCurrent(Texture* backBuffer) const {
     }
     if (!isCurrent(_depth))
         return false;
-    return !backBuffer || (_gpuTargetBackBuffer.get() == backBuffer && !backBuffer->isUnloaded() &&
-                           backBuffer->getLoadCount() == _backBufferLoadCount);
+    if (!_drawsIntoBackBuffer())
+        return true;
+    return backBuffer && _gpuTargetBackBuffer.get() == backBuffer && !backBuffer->isUnloaded() &&
+           backBuffer->getLoadCount() == _backBufferLoadCount;
 }
 
 ovMemory::UniquePtr<device::GpuTarget> CompositorOperationsBlock::_createTarget(Texture* backBuffer,
                                                                                 ovMemory::String& error) {
-    device::TargetDesc desc;
+    device::TargetDesc target;
     const auto attach = [&](Texture* texture, unsigned int slice,
                             unsigned int mip) -> device::TargetAttachment {
         if (!texture)
             error = "a target texture was destroyed; set the block's targets again.";
-        if (!texture || !isDrawable(*texture, slice, mip, error))
+        if (!texture || !isDrawable(*_system, *texture, slice, mip, error))
             return {};
-        _width = mipSize(texture->getWidth(), mip);
-        _height = mipSize(texture->getHeight(), mip);
+        const device::TextureDesc& desc = texture->getGpuTexture()->getDesc();
+        _width = mipSize(desc.width, mip);
+        _height = mipSize(desc.height, mip);
         return {texture->getGpuTexture(), slice, mip};
     };
-    const auto attachTarget = [&](Target& target) {
-        const device::TargetAttachment attachment = attach(target.texture.get(), target.slice, target.mip);
-        target.loadCount = target.texture ? target.texture->getLoadCount() : 0;
+    const auto attachTarget = [&](Target& wanted) {
+        const device::TargetAttachment attachment = attach(wanted.texture.get(), wanted.slice, wanted.mip);
+        wanted.loadCount = wanted.texture ? wanted.texture->getLoadCount() : 0;
         return attachment;
     };
 
-    if (_targetCount == 0 && !_depth.set) {
+    if (_drawsIntoBackBuffer()) {
         if (!backBuffer) {
             error = "the block has no target and the context no back buffer; set one of them.";
             return nullptr;
         }
-        desc.colours.push_back(attach(backBuffer, 0, 0));
+        target.colours.push_back(attach(backBuffer, 0, 0));
         _gpuTargetBackBuffer = backBuffer;
         _backBufferLoadCount = backBuffer->getLoadCount();
     }
     if (_depth.set)
-        desc.depth = attachTarget(_depth);
+        target.depth = attachTarget(_depth);
     for (unsigned int i = 0; i < _targetCount; ++i)
-        desc.colours.push_back(_targets[i].set ? attachTarget(_targets[i]) : device::TargetAttachment());
-    return error.empty() ? _system->getDevice()->createTarget(desc, error) : nullptr;
+        target.colours.push_back(_targets[i].set ? attachTarget(_targets[i]) : device::TargetAttachment());
+    return error.empty() ? _system->getDevice()->createTarget(target, error) : nullptr;
 }
 
 } // namespace ovGraphics

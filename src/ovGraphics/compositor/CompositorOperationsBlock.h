@@ -21,7 +21,7 @@ public:
 
     /// Draws into one mip of one slice (or cube face) of a loaded, render-target texture. @param index of the
     /// pixel stage's output, 0 to 7; others are ignored. Without any target the block draws into the
-    /// context's back buffer.
+    /// context's back buffer; with a depth buffer alone it draws depth alone.
     void setTarget(unsigned int index, Texture* texture, unsigned int slice = 0, unsigned int mip = 0);
     Texture* getTarget(unsigned int index) const;
     /// A depth texture to test against and write; null for none.
@@ -33,7 +33,8 @@ public:
     ClearPass* appendClearPass();
     PostProcessPass* appendPostProcessPass();
     MipGenerationPass* appendMipGenerationPass();
-    /// Puts a pass before the one at position; a position beyond the end appends. @return the pass
+    /// Puts a pass before the one at position; a position beyond the end appends. @return the pass, null for
+    /// null
     CompositorPass* insertPass(unsigned int position, ovMemory::UniquePtr<CompositorPass> pass);
     unsigned int getPassCount() const { return static_cast<unsigned int>(_passes.size()); }
     /// The pass at a position, or null.
@@ -59,6 +60,7 @@ private:
 
     template <typename Pass>
     Pass* _append();
+    bool _drawsIntoBackBuffer() const { return _targetCount == 0 && !_depth.set; }
     bool _prepareTarget(RenderContext& context);
     bool _targetIsCurrent(Texture* backBuffer) const;
     ovMemory::UniquePtr<device::GpuTarget> _createTarget(Texture* backBuffer, ovMemory::String& error);

@@ -50,13 +50,17 @@ Camera* PostProcessPass::getCamera() const {
 bool PostProcessPass::execute(const PassExecution& execution) {
     Shader* shader = _shader.get();
     const PassEnvironment environment{execution.system, _camera ? _camera.get() : execution.activeCamera};
-    if (!shader || !shader->bind(environment))
+    if (!shader || shader->getSystem() != execution.system || !shader->bind(environment))
         return false;
     execution.device->setBlendState(_blendState.getDesc());
     execution.device->setRasterState(_rasterState.getDesc());
     execution.device->setDepthStencilState(_depthStencilState.getDesc());
     execution.device->drawFullScreenQuad();
     return true;
+}
+
+ovMemory::StringView PostProcessPass::getRequirement() const {
+    return "it needs a loaded shader with a loaded program of this graphics system.";
 }
 
 MipGenerationPass::MipGenerationPass()
@@ -71,6 +75,10 @@ bool MipGenerationPass::execute(const PassExecution&) {
         return false;
     _texture->generateMips();
     return true;
+}
+
+ovMemory::StringView MipGenerationPass::getRequirement() const {
+    return "it needs a loaded texture.";
 }
 
 } // namespace ovGraphics

@@ -37,15 +37,21 @@ public:
     ovMemory::StringView getName() const { return _name; }
     void setName(ovMemory::StringView name) { _name = name; }
 
-    /// Draws. @return false when something that it needs is missing; the frame goes on.
+    /// Draws. @return false when something that it needs is missing; the frame goes on, and the first of
+    /// consecutive failures is logged.
     virtual bool execute(const PassExecution& execution) = 0;
+    /// What a pass whose execute() fails is missing, for that log line.
+    virtual ovMemory::StringView getRequirement() const { return "something that it needs is missing."; }
 
 protected:
     explicit CompositorPass(ovMemory::StringView name)
         : _name(name) {}
 
 private:
+    friend class System;
+
     ovMemory::String _name;
+    bool _failureLogged = false;
 };
 
 /// Clears the block's targets. New: every colour target to (0, 0, 0, 0), depth to 1, stencil untouched.
@@ -93,6 +99,7 @@ public:
     DepthStencilState& getDepthStencilState() { return _depthStencilState; }
 
     bool execute(const PassExecution& execution) override;
+    ovMemory::StringView getRequirement() const override;
 
 private:
     Borrowed<Shader> _shader;
@@ -109,6 +116,7 @@ public:
     /// Borrowed; must be loaded when the pass runs.
     void setTexture(Texture* texture);
     bool execute(const PassExecution& execution) override;
+    ovMemory::StringView getRequirement() const override;
 
 private:
     Borrowed<Texture> _texture;

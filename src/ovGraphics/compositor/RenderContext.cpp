@@ -41,10 +41,18 @@ Texture* RenderContext::getBackBuffer() const {
 }
 
 bool RenderContext::followWindowSize() {
+    ovMemory::String error;
+    const device::Device* device = _getDevice(error);
+    if (device && !getSystem()->getConfiguration().window)
+        error = "the graphics system has no window; name one in Configuration::window.";
+    if (!error.empty()) {
+        _logFailure("draw in the window with", error);
+        return false;
+    }
     unsigned int width = 0;
     unsigned int height = 0;
-    getSystem()->getDevice()->getWindowSize(width, height);
-    if (width == 0 || height == 0) // minimised, or no window
+    device->getWindowSize(width, height);
+    if (width == 0 || height == 0) // minimised
         return false;
     if (!_windowBuffer) {
         _windowBuffer = Texture::create(getSystem());

@@ -1,6 +1,7 @@
 #include <ovGraphics/resources/ConstantBuffer.h>
 
 #include <algorithm>
+#include <ovGraphics/System.h>
 #include <ovGraphics/device/Device.h>
 
 namespace ovGraphics {
@@ -42,12 +43,23 @@ device::GpuBuffer* ConstantBuffer::update(device::Device& device, const PassEnvi
     if (!_gpuBuffer || _gpuBuffer->getSize() != byteCount) {
         ovMemory::String error;
         _gpuBuffer = device.createBuffer(byteCount, device::BUFFER_USAGE::CONSTANTS, error);
-        if (!_gpuBuffer)
+        if (!_gpuBuffer) {
+            _reportRefusal(*environment.system, error);
             return nullptr;
+        }
+        _refusalLogged = false;
     }
     device.updateBuffer(*_gpuBuffer, 0, _bytes);
     _uploadedBytes = _bytes;
     return _gpuBuffer.get();
+}
+
+void ConstantBuffer::_reportRefusal(const System& system, ovMemory::StringView reason) {
+    if (!_refusalLogged) // once, not once a pass
+        system.log("Could not make the constant buffer of index " + std::to_string(_index) +
+                       ", its constants are undefined: " + ovMemory::String(reason),
+                   "ConstantBuffer");
+    _refusalLogged = true;
 }
 
 void ConstantBuffer::unload() {

@@ -27,7 +27,8 @@ public:
     unsigned int getPassMemorySlotCount() const { return static_cast<unsigned int>(_slots.size()); }
 
     /// Evaluates every slot and uploads the bytes if they differ from those uploaded last. The device's
-    /// buffer has at least minimumSize bytes, the rest zeros. @return null when the device refuses
+    /// buffer has at least minimumSize bytes, the rest zeros. @return null when the device refuses, after one
+    /// log line for a run of refusals
     device::GpuBuffer* update(device::Device& device, const PassEnvironment& environment,
                               unsigned int minimumSize);
 
@@ -35,12 +36,15 @@ public:
     void unload();
 
 private:
+    void _reportRefusal(const System& system, ovMemory::StringView reason);
+
     unsigned int _index;
     unsigned int _stage;
     ovMemory::Buffer<ovMemory::UniquePtr<ShaderPassMemorySlot>> _slots;
     ovMemory::Buffer<unsigned char> _bytes;
     ovMemory::Buffer<unsigned char> _uploadedBytes;
     ovMemory::UniquePtr<device::GpuBuffer> _gpuBuffer;
+    bool _refusalLogged = false;
 };
 
 } // namespace ovGraphics

@@ -5,6 +5,14 @@
 
 namespace ovGraphics {
 
+namespace {
+
+bool isSameText(const shading::StageText& first, const shading::StageText& second) {
+    return first.text == second.text && first.defines == second.defines;
+}
+
+} // namespace
+
 ovMemory::UniquePtr<Program> Program::create(System* system) {
     return std::make_unique<Program>(system);
 }
@@ -16,19 +24,26 @@ Program::~Program() {
     _unload();
 }
 
+// Programs are given their text anew at every preparation: only another text is compiled again.
 void Program::setSources(const ProgramSourcesHolder& sources) {
+    if (isSameText(sources.getVertex(), _sources.getVertex()) &&
+        isSameText(sources.getPixel(), _sources.getPixel()))
+        return;
     _sources = sources;
     _settingChanged();
 }
 
 void Program::setActivateCrossCompilerDefines(bool activate) {
+    if (activate == _crossCompilerDefines)
+        return;
     _crossCompilerDefines = activate;
     _settingChanged();
 }
 
 shading::ProgramText Program::getText() const {
-    return {ovMemory::String(getName()), getSystem()->getLanguage(), _crossCompilerDefines,
-            _sources.getVertex(), _sources.getPixel()};
+    const SHADER_LANGUAGE language = getSystem() ? getSystem()->getLanguage() : SHADER_LANGUAGE::GLSL;
+    return {ovMemory::String(getName()), language, _crossCompilerDefines, _sources.getVertex(),
+            _sources.getPixel()};
 }
 
 void Program::reset() {
@@ -38,10 +53,8 @@ void Program::reset() {
 }
 
 bool Program::_load(ovMemory::String& error) {
-    if (!getSystem() || !getSystem()->getIsInitialized()) {
-        error = "the graphics system is not initialised; call System::initialize first.";
+    if (!_getDevice(error))
         return false;
-    }
     ovMemory::String warnings;
     _loadedProgram = getSystem()->getProgramLibrary().acquire(getText(), error, warnings);
     if (!warnings.empty())

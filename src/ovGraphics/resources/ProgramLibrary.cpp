@@ -87,7 +87,9 @@ ovMemory::UniquePtr<LoadedProgram> ProgramLibrary::_compile(const shading::Progr
     shading::CachedProgram cached;
     _device.getProgramBinary(*program->gpuProgram, cached.driverBinary, cached.driverBinaryFormat);
     cached.program = *result.program;
-    _diskCache.store(text, cached, &warnings);
+    ovMemory::String storeError;
+    if (!_diskCache.store(text, cached, &storeError))
+        warnings += (warnings.empty() ? "" : "\n") + storeError;
     program->compiled = std::move(cached.program);
     return program;
 }

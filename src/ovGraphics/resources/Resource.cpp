@@ -1,8 +1,25 @@
 #include <ovGraphics/resources/Resource.h>
 
+#include <cctype>
 #include <ovGraphics/System.h>
 
 namespace ovGraphics {
+
+namespace {
+
+/// The class of a kind of resource: "RenderContext" for "render context".
+ovMemory::String classNameOf(ovMemory::StringView kind) {
+    ovMemory::String name;
+    bool startsWord = true;
+    for (const char letter : kind) {
+        if (letter != ' ')
+            name += startsWord ? static_cast<char>(std::toupper(static_cast<unsigned char>(letter))) : letter;
+        startsWord = letter == ' ';
+    }
+    return name;
+}
+
+} // namespace
 
 Resource::Resource(System* system, ovMemory::StringView kind)
     : _system(systemOrSingleton(system))
@@ -26,7 +43,7 @@ bool Resource::load() {
     if (!_load(error)) {
         _unload();
         _loadState = RESOURCE_LOAD_STATE::UNLOADED;
-        _log(error);
+        _logFailure("load", error);
         return false;
     }
     if (_loadState == RESOURCE_LOAD_STATE::LOADING)
@@ -49,12 +66,21 @@ bool Resource::_load(ovMemory::String&) {
     return true;
 }
 
-void Resource::_log(ovMemory::StringView message) const {
+void Resource::_logFailure(ovMemory::StringView action, ovMemory::StringView reason) const {
     if (!_system)
         return;
-    ovMemory::String line = "Could not load the ";
-    line.append(_kind).append(" '").append(_name).append("': ").append(message);
-    _system->log(line, _kind);
+    ovMemory::String line = "Could not ";
+    line.append(action).append(" the ").append(_kind).append(" '").append(_name).append("': ").append(reason);
+    _system->log(line, classNameOf(_kind));
+}
+
+device::Device* Resource::_getDevice(ovMemory::String& error) const {
+    device::Device* device = _system ? _system->getDevice() : nullptr;
+    if (!_system)
+        error = "its graphics system was destroyed; create the " + ovMemory::String(_kind) + " anew.";
+    else if (!device)
+        error = "the graphics system is not initialised; call System::initialize first.";
+    return device;
 }
 
 System* systemOrSingleton(System* system) {

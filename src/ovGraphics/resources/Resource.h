@@ -9,6 +9,9 @@
 
 namespace ovGraphics {
 
+namespace device {
+class Device;
+}
 class System;
 
 /// A named object of a graphics system: a texture, a shader, a camera, a compositor, ...
@@ -63,8 +66,10 @@ protected:
     /// To be called by setters: the next load() must not be skipped.
     void _settingChanged() { _changedSinceLoad = true; }
     void _setLoadState(RESOURCE_LOAD_STATE state) { _loadState = state; }
-    /// Sends "<what>" to the system's logger, with the class of the resource as sender.
-    void _log(ovMemory::StringView message) const;
+    /// Sends "Could not <action> the <kind> '<name>': <reason>" to the system's logger, the class as sender.
+    void _logFailure(ovMemory::StringView action, ovMemory::StringView reason) const;
+    /// The device to load on. @return null with the reason in error while the system has none
+    device::Device* _getDevice(ovMemory::String& error) const;
 
 private:
     friend class System;

@@ -62,11 +62,9 @@ void Sampler::reset() {
 }
 
 bool Sampler::_load(ovMemory::String& error) {
-    device::Device* device = getSystem()->getDevice();
-    if (!device) {
-        error = "the graphics system is not initialised; call System::initialize first.";
+    device::Device* device = _getDevice(error);
+    if (!device)
         return false;
-    }
     _gpuSampler = device->createSampler(*_desc, error);
     return _gpuSampler != nullptr;
 }

@@ -38,6 +38,8 @@ Shader::Shader(System* system)
 Shader::~Shader() = default;
 
 void Shader::setProgram(Program* program) {
+    if (program && program == _program.get())
+        return;
     _program = program;
     _settingChanged();
 }
@@ -95,7 +97,7 @@ void Shader::reset() {
 }
 
 bool Shader::bind(const PassEnvironment& environment) {
-    if (isUnloaded() || !_program || !_program->getLoadedProgram())
+    if (isUnloaded() || !_program || _program->getSystem() != getSystem() || !_program->getLoadedProgram())
         return false;
     const LoadedProgram& program = *_program->getLoadedProgram();
     getSystem()->getDevice()->setProgram(*program.gpuProgram);
@@ -105,10 +107,8 @@ bool Shader::bind(const PassEnvironment& environment) {
 }
 
 bool Shader::_load(ovMemory::String& error) {
-    if (!getSystem() || !getSystem()->getIsInitialized()) {
-        error = "the graphics system is not initialised; call System::initialize first.";
+    if (!_getDevice(error))
         return false;
-    }
     if (!_program) {
         error = "it has no program; call Shader::setProgram first.";
         return false;
@@ -143,16 +143,18 @@ void Shader::_bindConstants(const LoadedProgram& program, const PassEnvironment&
 }
 
 void Shader::_bindTextures(const LoadedProgram& program) {
-    device::Device& device = *getSystem()->getDevice();
+    const auto ownOrNull = [this](const auto& borrowed) { // objects of other devices mean nothing here
+        return borrowed && borrowed->getSystem() == getSystem() ? borrowed.get() : nullptr;
+    };
     unsigned int unit = 0;
     for (const shading::TextureUnitInfo& declared : program.compiled.textureUnits) {
         const auto texture = findUnit(_textures, declared.textureSlot);
         const auto sampler = findUnit(_samplers, declared.samplerSlot);
-        device.setTextureUnit(
-            unit++,
-            texture != _textures.end() && texture->texture ? texture->texture->getGpuTexture() : nullptr,
-            sampler != _samplers.end() && sampler->sampler ? sampler->sampler->getGpuSampler() : nullptr,
-            declared.type, declared.array);
+        Texture* usedTexture = texture != _textures.end() ? ownOrNull(texture->texture) : nullptr;
+        Sampler* usedSampler = sampler != _samplers.end() ? ownOrNull(sampler->sampler) : nullptr;
+        getSystem()->getDevice()->setTextureUnit(unit++, usedTexture ? usedTexture->getGpuTexture() : nullptr,
+                                                 usedSampler ? usedSampler->getGpuSampler() : nullptr,
+                                                 declared.type, declared.array);
     }
 }
 

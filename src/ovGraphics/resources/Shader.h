@@ -23,6 +23,7 @@ public:
     explicit Shader(System* system);
     ~Shader() override;
 
+    /// Takes effect at the next load().
     void setProgram(Program* program);
     Program* getProgram() const;
 
@@ -31,7 +32,8 @@ public:
     /// The constant buffer of that index, or null.
     ConstantBuffer* getConstantBuffer(unsigned int index, unsigned int stage) const;
 
-    /// Binds a texture; null reads as opaque black. add and set do the same: the unit is added when missing.
+    /// Binds a texture of the same system; null, an unloaded one and one of another system read as opaque
+    /// black. add and set do the same: the unit is added when missing.
     void addTexture(Texture* texture, unsigned int unit, unsigned int stage) {
         setTexture(texture, unit, stage);
     }
@@ -39,7 +41,8 @@ public:
     /// The texture of a unit, or null.
     Texture* getTexture(unsigned int unit, unsigned int stage) const;
 
-    /// Binds a sampler; null reads single texels. add and set do the same: the unit is added when missing.
+    /// Binds a sampler of the same system; null, an unloaded one and one of another system read single
+    /// texels. add and set do the same: the unit is added when missing.
     void addSampler(Sampler* sampler, unsigned int unit, unsigned int stage) {
         setSampler(sampler, unit, stage);
     }

@@ -122,14 +122,13 @@ void Texture::setFromImage(const ovImages::ImageView& image, bool raw) {
 void Texture::generateMips() {
     if (device::GpuTexture* texture = getGpuTexture())
         getSystem()->getDevice()->generateMips(*texture);
+    else
+        _logFailure("generate the mips of", "it is not loaded; load it first.");
 }
 
 std::optional<ovMemory::Buffer<unsigned char>> Texture::readBack(unsigned int slice, unsigned int mip) {
     const auto refuse = [&](ovMemory::StringView reason) {
-        if (getSystem())
-            getSystem()->log("Could not read " + placeName(slice, mip) + " of texture '" +
-                                 ovMemory::String(getName()) + "' back: " + ovMemory::String(reason),
-                             "Texture");
+        _logFailure("read " + placeName(slice, mip) + " of", reason);
         return std::nullopt;
     };
     device::GpuTexture* texture = getGpuTexture();
@@ -149,13 +148,14 @@ ovMemory::UniquePtr<ovImages::Image> Texture::convertToImage(unsigned int slice,
     const auto bytes = readBack(slice, mip);
     if (!bytes)
         return nullptr;
-    auto image = imageOf(*bytes, _format, _gammaCorrected, mipSize(_width, mip), mipSize(_height, mip));
+    const device::TextureDesc& desc = _gpuTexture->getDesc(); // the settings may have changed since the load
+    auto image = imageOf(*bytes, desc.format, desc.gammaCorrected, mipSize(desc.width, mip),
+                         mipSize(desc.height, mip));
     if (!image)
-        getSystem()->log("Could not make an image of texture '" + ovMemory::String(getName()) +
-                             "': images cannot hold the format " +
-                             ovMemory::String(TextureUtils::getFormatName(_format)) +
-                             "; draw it into an 8, 16-bit, half or float UNORM or FLOAT texture first.",
-                         "Texture");
+        _logFailure("make an image of",
+                    "images cannot hold the format " +
+                        ovMemory::String(TextureUtils::getFormatName(desc.format)) +
+                        "; draw it into an 8, 16-bit, half or float UNORM or FLOAT texture first.");
     return image;
 }
 
@@ -176,11 +176,9 @@ device::GpuTexture* Texture::getGpuTexture() {
 }
 
 bool Texture::_load(ovMemory::String& error) {
-    device::Device* device = getSystem() ? getSystem()->getDevice() : nullptr;
-    if (!device) {
-        error = "the graphics system is not initialised; call System::initialize first.";
+    device::Device* device = _getDevice(error);
+    if (!device)
         return false;
-    }
     if (!_checkSettings(*device, error) || !_checkCpuData(error))
         return false;
     _gpuTexture = device->createTexture(_describe(), error);
@@ -202,9 +200,9 @@ void Texture::_unload() {
 
 bool Texture::_checkSettings(const device::Device& device, ovMemory::String& error) const {
     const ovMemory::String format(TextureUtils::getFormatName(_format));
-    const bool isSrgb =
-        TextureUtils::getFormatSrgbEquivalent(_format) == _format && !TextureUtils::isFormatSrgb(_format);
-    if (_gammaCorrected && isSrgb)
+    const bool hasSrgb =
+        TextureUtils::isFormatSrgb(_format) || TextureUtils::getFormatSrgbEquivalent(_format) != _format;
+    if (_gammaCorrected && !hasSrgb)
         error = "the format " + format + " has no sRGB sibling; switch gamma correction off.";
     else if (_usableAsRenderTarget && !device.supportsRenderTarget(_format))
         error = "the device cannot draw to the format " + format + "; choose another.";

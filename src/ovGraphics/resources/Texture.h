@@ -33,7 +33,7 @@ public:
     TEXTURE_TYPE getTexType() const { return _type; }
     /// Array slices; 6 for a cube.
     unsigned int getSliceCount() const;
-    /// Mips of the loaded texture, or those that load() would make.
+    /// Mips that load() makes: those asked for, at most a full chain.
     unsigned int getMipCount() const;
     bool getUsableAsRenderTarget() const { return _usableAsRenderTarget; }
     unsigned int getMultisampleQuality() const { return _multisampleQuality; }
@@ -53,7 +53,8 @@ public:
     void setUsableAsRenderTarget(bool usable);
     /// Samples per texel minus one that a render target asks for; 0 (the default) is no multisampling.
     void setMultisampleQuality(unsigned int quality);
-    /// Announces generateMips() calls, so that load() keeps room for the chain. Default false.
+    /// Announces generateMips() calls, for devices that must know when a texture is made (OpenGL need not).
+    /// Default false.
     void setMightManuallyGenerateMip(bool might);
 
     /// Mips of a full chain down to 1 x 1 for the present width and height.
@@ -74,7 +75,7 @@ public:
     /// linear floats; raw hands the stored numbers over as they are.
     void setFromImage(const ovImages::ImageView& image, bool raw = false);
 
-    /// Fills all mips below the first from the first. The texture must be loaded.
+    /// Fills all mips below the first from the first. An unloaded texture is left alone after one log line.
     void generateMips();
 
     /// Reads one mip of one slice back, rows tight, in the texture's format.

@@ -55,8 +55,11 @@ TextureContent convertedContent(const ovImages::ImageView& image, COMPONENT_TYPE
                                 COLOUR_ENCODING encoding) {
     TextureContent content;
     content.format = formatOf(type, channels);
-    if (image.componentType != type || image.channels != channels || image.encoding != encoding)
-        content.converted = ovImages::convertImage(image, type, channels, encoding);
+    if (image.componentType == type && image.channels == channels && image.encoding == encoding)
+        return content;
+    content.converted = ovImages::convertImage(image, type, channels, encoding);
+    if (content.converted.isEmpty()) // a broken image: no texture will load
+        content.format = FORMAT::UNKNOWN;
     return content;
 }
 
@@ -76,8 +79,8 @@ TextureContent textureContentOf(const ovImages::ImageView& image, bool raw) {
         return content;
     }
     if (encoded)
-        return convertedContent(image, COMPONENT_TYPE::FLOAT, std::max(image.channels, 3u),
-                                COLOUR_ENCODING::LINEAR);
+        return convertedContent(image, COMPONENT_TYPE::FLOAT,
+                                image.channels == 2 || image.channels == 4 ? 4 : 3, COLOUR_ENCODING::LINEAR);
     const unsigned int channels = image.channels == 3 && !isFloat ? 4 : image.channels;
     return convertedContent(image, image.componentType, channels, image.encoding);
 }

@@ -16,8 +16,9 @@ struct TextureContent {
 
 /// Chooses the format for an image. One and two channels stay as they are when linear or raw, three become
 /// four with alpha 1 (but for floats, which have a three-channel format). sRGB-encoded images become
-/// gamma-corrected textures where the format allows it (four channels of 8 bits), linear floats otherwise;
-/// raw leaves the numbers alone.
+/// gamma-corrected textures where the format allows it (four channels of 8 bits), linear floats of three
+/// channels, or four with an alpha, otherwise; raw leaves the numbers alone. An image that isValid() refuses
+/// gives the format UNKNOWN or bytes that no texture loads.
 OV_API TextureContent textureContentOf(const ovImages::ImageView& image, bool raw);
 
 /// The image of tight texels of a format: UNORM of 8 and 16 bits, half and float, 1 to 4 channels, and depth.

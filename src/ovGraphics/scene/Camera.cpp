@@ -22,6 +22,17 @@ bool areValidPlanes(float nearPlane, float farPlane) {
     return isPositive(nearPlane) && isPositive(farPlane) && farPlane > nearPlane;
 }
 
+constexpr const char* PLANES_RULE = ", near above 0 and far beyond near, all of them finite.";
+
+ovMemory::String planesText(float nearPlane, float farPlane) {
+    return ", near " + std::to_string(nearPlane) + ", far " + std::to_string(farPlane);
+}
+
+/// False for zero and for what is not finite.
+bool isDirection(const Vector& normalized) {
+    return normalized.getLengthSquaredVec3() > 0.5f;
+}
+
 /// An axis that is surely not along the direction.
 Vector axisAcross(const Vector& direction) {
     return std::abs(direction.y) < 0.9f ? Vector(0.0f, 1.0f, 0.0f) : Vector(0.0f, 0.0f, 1.0f);
@@ -42,10 +53,10 @@ void Camera::setPosition(const Vector& position) {
 
 void Camera::lookAt(const Vector& direction, const Vector& up) {
     const Vector forward = direction.getNormalizedVec3();
-    if (forward.getLengthSquaredVec3() == 0.0f)
+    if (!isDirection(forward))
         return;
-    const Vector wantedUp =
-        up.getLengthSquaredVec3() == 0.0f ? Vector(0.0f, 1.0f, 0.0f) : up.getNormalizedVec3();
+    const Vector unitUp = up.getNormalizedVec3();
+    const Vector wantedUp = isDirection(unitUp) ? unitUp : Vector(0.0f, 1.0f, 0.0f);
     Vector right = wantedUp.getCrossVec3(forward);
     constexpr float PARALLEL_SINE_SQUARED = 1e-10f;
     if (right.getLengthSquaredVec3() < PARALLEL_SINE_SQUARED)
@@ -61,8 +72,13 @@ Vector Camera::getDirection() const {
 
 bool Camera::setPerspective(float verticalFov, float aspect, float nearPlane, float farPlane) {
     const bool fovIsValid = verticalFov > 0.0f && verticalFov < std::numbers::pi_v<float>;
-    if (!fovIsValid || !isPositive(aspect) || !areValidPlanes(nearPlane, farPlane))
+    if (!fovIsValid || !isPositive(aspect) || !areValidPlanes(nearPlane, farPlane)) {
+        _logFailure("set the perspective of",
+                    "vertical angle " + std::to_string(verticalFov) + " rad, aspect " +
+                        std::to_string(aspect) + planesText(nearPlane, farPlane) +
+                        " were given; the angle must lie between 0 and pi, the aspect above 0" + PLANES_RULE);
         return false;
+    }
     _orthographic = false;
     _verticalFov = verticalFov;
     _aspect = aspect;
@@ -72,8 +88,13 @@ bool Camera::setPerspective(float verticalFov, float aspect, float nearPlane, fl
 }
 
 bool Camera::setOrthographic(float width, float height, float nearPlane, float farPlane) {
-    if (!isPositive(width) || !isPositive(height) || !areValidPlanes(nearPlane, farPlane))
+    if (!isPositive(width) || !isPositive(height) || !areValidPlanes(nearPlane, farPlane)) {
+        _logFailure("set the orthographic view of",
+                    "width " + std::to_string(width) + " m, height " + std::to_string(height) + " m" +
+                        planesText(nearPlane, farPlane) + " were given; width and height must lie above 0" +
+                        PLANES_RULE);
         return false;
+    }
     _orthographic = true;
     _viewHeight = height;
     _aspect = width / height;

@@ -24,19 +24,21 @@ public:
     void setPosition(const ovMaths::Vector& position);
     const ovMaths::Vector& getPosition() const { return _position; }
 
-    /// Turns the camera to a direction (any length but zero). A zero up vector means (0, 1, 0); an up vector
-    /// along the direction is replaced by an axis across it. A zero direction changes nothing.
+    /// Turns the camera to a direction (any length but zero). A zero or not finite up vector means (0, 1, 0);
+    /// an up vector along the direction is replaced by an axis across it. A zero or not finite direction
+    /// changes nothing.
     void lookAt(const ovMaths::Vector& direction, const ovMaths::Vector& up);
     /// The direction looked along, unit length.
     ovMaths::Vector getDirection() const;
 
     /// @param verticalFov full angle in radians, in (0, pi) @param aspect width over height, above 0
     /// @param nearPlane above 0 @param farPlane above nearPlane
-    /// @return false and nothing changed when a value is out of range
+    /// @return false and nothing changed, after one log line, when a value is out of range
     bool setPerspective(float verticalFov, float aspect, float nearPlane, float farPlane);
     /// @param width, height of the view in metres, above 0 @return as for setPerspective
     bool setOrthographic(float width, float height, float nearPlane, float farPlane);
-    /// Changes the aspect of a perspective, or the width of an orthographic view.
+    /// Changes the aspect of a perspective, or the width of an orthographic view; ignored unless finite and
+    /// above 0.
     void setAspect(float aspect);
 
     bool isOrthographic() const { return _orthographic; }
