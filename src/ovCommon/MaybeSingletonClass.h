@@ -13,8 +13,8 @@ namespace ovCommon {
 /// shared libraries use T:
 ///
 ///     // Hub.h, before the class             // Hub.cpp
-///     class OV_API Hub;                      template class ovCommon::MaybeSingletonClass<Hub>;
-///     extern template class ovCommon::MaybeSingletonClass<Hub>;
+///     class Hub;                             template class ovCommon::MaybeSingletonClass<Hub>;
+///     extern template class OV_API ovCommon::MaybeSingletonClass<Hub>;
 ///
 /// Not locked: getInstance() and kill() belong to one thread.
 template <typename T>

@@ -6,10 +6,10 @@
 #include <ovMemory/Memory.h>
 
 namespace ovGraphics {
-class OV_API System;
+class System;
 }
 
-extern template class ovCommon::MaybeSingletonClass<ovGraphics::System>;
+extern template class OV_API ovCommon::MaybeSingletonClass<ovGraphics::System>;
 
 namespace ovGraphics {
 

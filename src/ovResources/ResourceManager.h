@@ -7,10 +7,10 @@
 
 namespace ovResources {
 // Visible from its first mention on: the instantiation below takes its visibility from here.
-class OV_API ResourceManager;
+class ResourceManager;
 } // namespace ovResources
 
-extern template class ovCommon::MaybeSingletonClass<ovResources::ResourceManager>;
+extern template class OV_API ovCommon::MaybeSingletonClass<ovResources::ResourceManager>;
 
 namespace ovResources {
 

@@ -6,10 +6,10 @@
 #include <ovVeldris/core/NamedObjects.h>
 
 namespace ovVeldris {
-class OV_API ComplexEffectManager;
+class ComplexEffectManager;
 }
 
-extern template class ovCommon::MaybeSingletonClass<ovVeldris::ComplexEffectManager>;
+extern template class OV_API ovCommon::MaybeSingletonClass<ovVeldris::ComplexEffectManager>;
 
 namespace ovVeldris {
 

@@ -1,6 +1,7 @@
 // What the library is started with.
 #pragma once
 
+#include <ovCommon/Api.h>
 #include <ovGraphics/Configuration.h>
 
 namespace ovGraphics {

@@ -6,10 +6,10 @@
 #include <ovMemory/Memory.h>
 
 namespace ovVeldris {
-class OV_API LogManager;
+class LogManager;
 }
 
-extern template class ovCommon::MaybeSingletonClass<ovVeldris::LogManager>;
+extern template class OV_API ovCommon::MaybeSingletonClass<ovVeldris::LogManager>;
 
 namespace ovVeldris {
 

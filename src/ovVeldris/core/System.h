@@ -7,10 +7,10 @@
 #include <ovVeldris/core/InstanceHolder.h>
 
 namespace ovVeldris {
-class OV_API System;
+class System;
 }
 
-extern template class ovCommon::MaybeSingletonClass<ovVeldris::System>;
+extern template class OV_API ovCommon::MaybeSingletonClass<ovVeldris::System>;
 
 namespace ovVeldris {
 

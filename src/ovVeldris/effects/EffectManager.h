@@ -6,10 +6,10 @@
 #include <ovVeldris/effects/Effect.h>
 
 namespace ovVeldris {
-class OV_API EffectManager;
+class EffectManager;
 }
 
-extern template class ovCommon::MaybeSingletonClass<ovVeldris::EffectManager>;
+extern template class OV_API ovCommon::MaybeSingletonClass<ovVeldris::EffectManager>;
 
 namespace ovVeldris {
 

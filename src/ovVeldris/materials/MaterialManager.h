@@ -6,10 +6,10 @@
 #include <ovVeldris/materials/Material.h>
 
 namespace ovVeldris {
-class OV_API MaterialManager;
+class MaterialManager;
 }
 
-extern template class ovCommon::MaybeSingletonClass<ovVeldris::MaterialManager>;
+extern template class OV_API ovCommon::MaybeSingletonClass<ovVeldris::MaterialManager>;
 
 namespace ovVeldris {
 

@@ -4,8 +4,8 @@
 #include <ovCommon/MaybeSingletonClass.h>
 
 // Visible from its first mention on: the instantiation below takes its visibility from here.
-class OV_API Counter;
-extern template class ovCommon::MaybeSingletonClass<Counter>;
+class Counter;
+extern template class OV_API ovCommon::MaybeSingletonClass<Counter>;
 
 class OV_API Counter : public ovCommon::MaybeSingletonClass<Counter> {
 public:
