@@ -23,7 +23,7 @@ constexpr ovMemory::StringView MAGIC = "#?";
 // Outside these lengths a scanline has no new run-length form.
 constexpr std::size_t MIN_RLE_LENGTH = 8;
 constexpr std::size_t MAX_RLE_LENGTH = 0x7fff;
-constexpr unsigned EXPONENT_BIAS = 128 + 8;
+constexpr int EXPONENT_BIAS = 128 + 8;
 constexpr float LARGEST_VALUE = 255.0f * 0x1p119f;
 
 using Rgbe = std::array<unsigned char, 4>;
@@ -111,32 +111,33 @@ private:
 class PixelDecoder {
 public:
     explicit PixelDecoder(const detail::HdrHeader& header)
-        : _header(header) {
-        for (unsigned exponent = 0; exponent < _scales.size(); ++exponent)
-            _scales[exponent] =
-                exponent == 0 ? 0.0
-                              : std::ldexp(1.0, static_cast<int>(exponent) - static_cast<int>(EXPONENT_BIAS));
+        : _gamma(header.gamma) {
+        for (std::size_t exponent = 1; exponent < _scales.size(); ++exponent)
+            for (std::size_t i = 0; i < 3; ++i) {
+                const double unit = std::ldexp(1.0, static_cast<int>(exponent) - EXPONENT_BIAS);
+                _scales[exponent][i] = std::pow(unit, _gamma) / header.exposure[i];
+            }
+        for (std::size_t mantissa = 0; mantissa < _mantissas.size(); ++mantissa)
+            _mantissas[mantissa] = std::pow(static_cast<double>(mantissa), _gamma);
     }
 
     void decode(ovMemory::BufferView<const Rgbe> line, unsigned char* target) const {
-        std::array<float, 3> colour;
+        constexpr double LARGEST = std::numeric_limits<float>::max();
         for (const Rgbe& pixel : line) {
-            for (std::size_t i = 0; i < colour.size(); ++i)
-                colour[i] = _decode(pixel[i] * _scales[pixel[3]], _header.exposure[i]);
+            std::array<float, 3> colour;
+            for (std::size_t i = 0; i < 3; ++i)
+                colour[i] =
+                    static_cast<float>(std::min(_mantissas[pixel[i]] * _scales[pixel[3]][i], LARGEST));
             std::memcpy(target, colour.data(), sizeof(colour));
             target += sizeof(colour);
         }
     }
 
 private:
-    float _decode(double stored, double exposure) const {
-        const double value = _header.gamma == 1.0 ? stored : std::pow(stored, _header.gamma);
-        const double light = value / exposure;
-        return static_cast<float>(std::min(light, static_cast<double>(std::numeric_limits<float>::max())));
-    }
-
-    const detail::HdrHeader& _header;
-    std::array<double, 256> _scales;
+    double _gamma;
+    // By exponent and channel; exponent 0 is black.
+    std::array<std::array<double, 3>, 256> _scales = {};
+    std::array<double, 256> _mantissas = {};
 };
 
 DecodeResult decodeHdr(Bytes bytes, const DecodeOptions& options) {
@@ -167,10 +168,10 @@ DecodeResult decodeHdr(Bytes bytes, const DecodeOptions& options) {
     const std::size_t stride = line.size() * 3 * sizeof(float);
     for (unsigned i = 0; i < header.scanlines; ++i) {
         const ovMemory::String lineFault = reader.read(line);
-        const ovMemory::String text = fmt::format("damaged data: scanline {}: {}", i, lineFault);
-        if (!lineFault.empty() && options.refuseDamaged)
-            return detail::makeDecodeError(NAME, text);
         if (!lineFault.empty()) {
+            const ovMemory::String text = fmt::format("damaged data: scanline {}: {}", i, lineFault);
+            if (options.refuseDamaged)
+                return detail::makeDecodeError(NAME, text);
             detail::appendWarning(result.warning, "HDR: " + text);
             break;
         }

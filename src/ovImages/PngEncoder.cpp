@@ -21,6 +21,8 @@ constexpr std::array<ovMemory::StringView, 1> EXTENSIONS = {"png"};
 constexpr std::array<unsigned char, 8> SIGNATURE = {0x89, 'P', 'N', 'G', '\r', '\n', 0x1a, '\n'};
 // Chunks beside the pixels, inflated: a profile or comment larger than this is an attack.
 constexpr std::size_t MAX_CHUNK_BYTES = std::size_t(16) << 20;
+// The library reads pixels in pieces of this size and drops a last piece that is not whole.
+constexpr std::size_t READ_BYTES = 8192;
 // Deflate makes at most 1032 bytes of one.
 constexpr std::uint64_t MAX_INFLATION = 1040;
 constexpr std::uint32_t LINEAR_GAMMA = 100000;
@@ -91,14 +93,30 @@ ovMemory::String checkHeader(const spng_ihdr& header, const Layout& layout, std:
         header.width, header.height, layout.channels * getComponentSize(layout.type), options);
     if (!excess.empty())
         return excess;
-    const unsigned storedChannels = header.color_type == SPNG_COLOR_TYPE_TRUECOLOR ? 3
-                                    : header.color_type == SPNG_COLOR_TYPE_INDEXED ? 1
-                                                                                   : layout.channels;
-    const unsigned channels = header.color_type == SPNG_COLOR_TYPE_GRAYSCALE ? 1 : storedChannels;
+    // By colour type: grey, none, RGB, palette, grey and alpha, none, RGBA.
+    constexpr std::array<unsigned, 7> STORED_CHANNELS = {1, 0, 3, 1, 2, 0, 4};
+    const unsigned channels = STORED_CHANNELS[header.color_type];
     const std::uint64_t rowBytes = (std::uint64_t(header.width) * channels * header.bit_depth + 7) / 8;
     if (options.refuseDamaged && rowBytes * header.height > MAX_INFLATION * fileSize)
         return fmt::format("{} bytes cannot hold {} x {} pixels", fileSize, header.width, header.height);
     return {};
+}
+
+// Whether the last chunk is there as a whole; the library stops reading within it.
+bool reachesEnd(ovMemory::BufferView<const unsigned char> bytes) {
+    constexpr std::size_t CHUNK_FRAME_BYTES = 12;
+    constexpr ovMemory::StringView END_TYPE = "IEND";
+    std::size_t offset = SIGNATURE.size();
+    while (bytes.size() - offset >= CHUNK_FRAME_BYTES) {
+        const auto chunk = bytes.subspan(offset);
+        const std::size_t length = std::size_t(chunk[0]) << 24 | chunk[1] << 16 | chunk[2] << 8 | chunk[3];
+        if (length > chunk.size() - CHUNK_FRAME_BYTES)
+            return false;
+        if (std::equal(END_TYPE.begin(), END_TYPE.end(), chunk.begin() + 4))
+            return true;
+        offset += length + CHUNK_FRAME_BYTES;
+    }
+    return false;
 }
 
 DecodeResult decodePng(ovMemory::BufferView<const unsigned char> bytes, const DecodeOptions& options) {
@@ -107,8 +125,16 @@ DecodeResult decodePng(ovMemory::BufferView<const unsigned char> bytes, const De
         return detail::makeDecodeError(NAME, "no memory");
     spng_set_image_limits(context.get(), MAX_IMAGE_SIDE, MAX_IMAGE_SIDE);
     spng_set_chunk_limits(context.get(), MAX_CHUNK_BYTES, MAX_CHUNK_BYTES);
-    if (!options.refuseDamaged)
+    ovMemory::Buffer<unsigned char> padded;
+    const std::size_t fileSize = bytes.size();
+    if (!options.refuseDamaged) {
         spng_set_crc_action(context.get(), SPNG_CRC_USE, SPNG_CRC_DISCARD);
+        padded.assign(bytes.begin(), bytes.end());
+        padded.resize(bytes.size() + READ_BYTES);
+        bytes = padded;
+    } else if (!reachesEnd(bytes)) {
+        return detail::makeDecodeError(NAME, "damaged data: the file ends early");
+    }
     int status = spng_set_png_buffer(context.get(), bytes.data(), bytes.size());
     spng_ihdr header = {};
     if (status == SPNG_OK)
@@ -118,7 +144,7 @@ DecodeResult decodePng(ovMemory::BufferView<const unsigned char> bytes, const De
 
     spng_trns transparency = {};
     const Layout layout = chooseLayout(header, spng_get_trns(context.get(), &transparency) == SPNG_OK);
-    const ovMemory::String fault = checkHeader(header, layout, bytes.size(), options);
+    const ovMemory::String fault = checkHeader(header, layout, fileSize, options);
     if (!fault.empty())
         return detail::makeDecodeError(NAME, fault);
 

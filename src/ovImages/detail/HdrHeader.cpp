@@ -10,6 +10,8 @@ namespace ovImages::detail {
 
 namespace {
 
+constexpr double MIN_FACTOR = 1e-30;
+constexpr double MAX_FACTOR = 1e30;
 constexpr std::size_t MAX_LINE_BYTES = 64 * 1024;
 constexpr ovMemory::StringView RGBE_FORMAT = "32-bit_rle_rgbe";
 
@@ -63,7 +65,7 @@ bool parse(Text word, NUMBER& number) {
 
 // A factor that can be divided by without leaving the range of float altogether.
 bool parseFactor(Text word, double& factor) {
-    return parse(word, factor) && factor >= 1e-30 && factor <= 1e30;
+    return parse(word, factor) && factor >= MIN_FACTOR && factor <= MAX_FACTOR;
 }
 
 ovMemory::String readFactor(Text key, Text value, double& product) {
@@ -141,9 +143,13 @@ ovMemory::String readHdrHeader(ovMemory::BufferView<const unsigned char> bytes, 
     if (!lines.next(line))
         return ovMemory::String(ENDS_EARLY);
     header.size = lines.getOffset();
-    const auto isUsable = [](double product) { return product >= 1e-30 && product <= 1e30; };
-    if (!isUsable(header.gamma) || !std::all_of(header.exposure.begin(), header.exposure.end(), isUsable))
-        return "bad header: the product of EXPOSURE, COLORCORR or GAMMA is beyond reason";
+    // Gammas of this range keep every pixel within double; real ones are near 1 or 2.2.
+    if (header.gamma < 0.2 || header.gamma > 5.0)
+        return fmt::format("bad header: the gamma is {}: expected 0.2 to 5", header.gamma);
+    for (const double exposure : header.exposure)
+        if (exposure < MIN_FACTOR || exposure > MAX_FACTOR)
+            return fmt::format("bad header: the exposure is {:g} in all: expected {:g} to {:g}", exposure,
+                               MIN_FACTOR, MAX_FACTOR);
     return readResolution(line, header);
 }
 

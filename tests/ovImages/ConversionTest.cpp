@@ -1,0 +1,180 @@
+#include <ovImages/Conversion.h>
+
+#include <ovImages/support/Pictures.h>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <limits>
+
+namespace {
+
+using namespace ovImages;
+
+constexpr float NAN_VALUE = std::numeric_limits<float>::quiet_NaN();
+constexpr float INFINITE = std::numeric_limits<float>::infinity();
+
+// IEC 61966-2-1 in double.
+double decode(double v) {
+    return v <= 0.04045 ? v / 12.92 : std::pow((v + 0.055) / 1.055, 2.4);
+}
+double encode(double v) {
+    return v <= 0.0031308 ? v * 12.92 : 1.055 * std::pow(v, 1.0 / 2.4) - 0.055;
+}
+
+struct Target {
+    COMPONENT_TYPE type;
+    unsigned channels;
+    COLOUR_ENCODING encoding;
+};
+
+// One pixel the long way: always to linear RGBA and back, which comes to the same.
+std::array<double, 4> convertPixel(const Image& source, unsigned x, unsigned y, const Target& target) {
+    const unsigned channels = source.getChannels();
+    const auto read = [&](unsigned c) { return static_cast<double>(source.getComponent(x, y, c)); };
+    const bool isColoured = channels >= 3;
+    std::array<double, 4> colour = {read(0), read(isColoured ? 1 : 0), read(isColoured ? 2 : 0),
+                                    channels % 2 == 0 ? read(channels - 1) : 1.0};
+    for (unsigned c = 0; c < 3; ++c)
+        colour[c] = source.getEncoding() == COLOUR_ENCODING::SRGB ? decode(colour[c]) : colour[c];
+    if (isColoured && target.channels < 3)
+        colour[0] = 0.2126 * colour[0] + 0.7152 * colour[1] + 0.0722 * colour[2];
+    for (unsigned c = 0; c < 3; ++c)
+        colour[c] = target.encoding == COLOUR_ENCODING::SRGB ? encode(colour[c]) : colour[c];
+    if (target.channels == 2)
+        colour[1] = colour[3];
+    return colour;
+}
+
+// Rounding to the target's steps, and what float arithmetic loses before it.
+double getTolerance(COMPONENT_TYPE type, double expected) {
+    switch (type) {
+    case COMPONENT_TYPE::UINT8:
+        return 0.5 / 255 + 1e-5;
+    case COMPONENT_TYPE::UINT16:
+        return 0.5 / 65535 + 1e-5;
+    case COMPONENT_TYPE::HALF:
+        return std::fabs(expected) * 0x1p-11 * 1.01 + 1e-6;
+    default:
+        return std::fabs(expected) * 4e-6 + 1e-6;
+    }
+}
+
+void expectConverted(const Image& source, const Target& target) {
+    const Image converted = convertImage(source.view(), target.type, target.channels, target.encoding);
+    ASSERT_EQ(converted.getComponentType(), target.type);
+    ASSERT_EQ(converted.getChannels(), target.channels);
+    ASSERT_EQ(converted.getEncoding(), target.encoding);
+    ASSERT_EQ(converted.getWidth(), source.getWidth());
+    ASSERT_EQ(converted.getHeight(), source.getHeight());
+    const bool isUnorm = target.type == COMPONENT_TYPE::UINT8 || target.type == COMPONENT_TYPE::UINT16;
+    for (unsigned y = 0; y < source.getHeight(); ++y)
+        for (unsigned x = 0; x < source.getWidth(); ++x) {
+            const std::array<double, 4> pixel = convertPixel(source, x, y, target);
+            for (unsigned c = 0; c < target.channels; ++c) {
+                const double expected = isUnorm ? std::clamp(pixel[c], 0.0, 1.0) : pixel[c];
+                ASSERT_NEAR(converted.getComponent(x, y, c), expected, getTolerance(target.type, expected));
+            }
+        }
+}
+
+TEST(ConversionTest, everyKindToEveryKind) {
+    constexpr std::array TYPES = {COMPONENT_TYPE::UINT8, COMPONENT_TYPE::UINT16, COMPONENT_TYPE::HALF,
+                                  COMPONENT_TYPE::FLOAT};
+    constexpr std::array ENCODINGS = {COLOUR_ENCODING::LINEAR, COLOUR_ENCODING::SRGB};
+    for (const COMPONENT_TYPE sourceType : TYPES)
+        for (unsigned sourceChannels = 1; sourceChannels <= 4; ++sourceChannels)
+            for (const COLOUR_ENCODING sourceEncoding : ENCODINGS) {
+                const Image source = pictures::makePattern(5, 4, sourceChannels, sourceType, sourceEncoding);
+                for (const COMPONENT_TYPE type : TYPES)
+                    for (unsigned channels = 1; channels <= 4; ++channels)
+                        for (const COLOUR_ENCODING encoding : ENCODINGS)
+                            ASSERT_NO_FATAL_FAILURE(expectConverted(source, {type, channels, encoding}));
+            }
+}
+
+TEST(ConversionTest, equalKindsAreCopiedBitByBit) {
+    Image source(2, 1, 1, COMPONENT_TYPE::HALF, COLOUR_ENCODING::LINEAR);
+    const std::array<unsigned char, 4> bits = {0x01, 0x7c, 0x00, 0xfc}; // a signalling NaN and minus infinity
+    std::copy(bits.begin(), bits.end(), source.getBytes().begin());
+    ovMemory::String warning = "old";
+    pictures::expectEqual(
+        convertImage(source.view(), COMPONENT_TYPE::HALF, 1, COLOUR_ENCODING::LINEAR, &warning), source);
+    EXPECT_EQ(warning, "");
+}
+
+TEST(ConversionTest, specialNumbers) {
+    struct Case {
+        COMPONENT_TYPE type;
+        COLOUR_ENCODING encoding;
+        std::array<float, 4> expected;
+        ovMemory::String warning;
+    };
+    const std::array<float, 4> source = {NAN_VALUE, INFINITE, -INFINITE, 110000.0f};
+    const Case cases[] = {{COMPONENT_TYPE::UINT8,
+                           COLOUR_ENCODING::LINEAR,
+                           {0, 1, 0, 1},
+                           "1 components that are not a number became 0"},
+                          {COMPONENT_TYPE::UINT16,
+                           COLOUR_ENCODING::SRGB,
+                           {0, 1, 0, 1},
+                           "1 components that are not a number became 0"},
+                          {COMPONENT_TYPE::HALF,
+                           COLOUR_ENCODING::LINEAR,
+                           {NAN_VALUE, 65504, -65504, 65504},
+                           "3 components beyond 65504, the largest half float, were clamped to it"},
+                          {COMPONENT_TYPE::FLOAT, COLOUR_ENCODING::LINEAR, source, ""}};
+    Image image(4, 1, 1, COMPONENT_TYPE::FLOAT, COLOUR_ENCODING::LINEAR);
+    for (unsigned x = 0; x < source.size(); ++x)
+        image.setComponent(x, 0, 0, source[x]);
+    for (const Case& c : cases) {
+        ovMemory::String warning = "old";
+        const Image converted = convertImage(image.view(), c.type, 1, c.encoding, &warning);
+        EXPECT_EQ(warning, c.warning);
+        for (unsigned x = 0; x < source.size(); ++x) {
+            const float actual = converted.getComponent(x, 0, 0);
+            EXPECT_TRUE(actual == c.expected[x] || (std::isnan(actual) && std::isnan(c.expected[x]))) << x;
+        }
+    }
+}
+
+TEST(ConversionTest, transferFunctionsAreExactAndInverse) {
+    for (int i = -20; i <= 4000; ++i) {
+        const float value = static_cast<float>(i) / 1000.0f;
+        // pow in float is good to a few units in the last place.
+        EXPECT_NEAR(srgbToLinear(value), decode(value), std::max(1e-6, std::fabs(decode(value)) * 1e-6));
+        EXPECT_NEAR(linearToSrgb(value), encode(value), std::max(1e-6, std::fabs(encode(value)) * 1e-6));
+        EXPECT_NEAR(srgbToLinear(linearToSrgb(value)), value, std::max(1e-6, std::fabs(value) * 4e-6));
+    }
+    EXPECT_TRUE(std::isnan(srgbToLinear(NAN_VALUE)));
+    EXPECT_TRUE(std::isnan(linearToSrgb(NAN_VALUE)));
+}
+
+TEST(ConversionTest, eightBitsSurviveLinearFloatAndHalf) {
+    Image bytes(256, 1, 1, COMPONENT_TYPE::UINT8, COLOUR_ENCODING::SRGB);
+    for (unsigned i = 0; i < 256; ++i)
+        bytes.getBytes()[i] = static_cast<unsigned char>(i);
+    for (const COMPONENT_TYPE type : {COMPONENT_TYPE::FLOAT, COMPONENT_TYPE::HALF}) {
+        const Image linear = convertImage(bytes.view(), type, 1, COLOUR_ENCODING::LINEAR);
+        pictures::expectEqual(convertImage(linear.view(), COMPONENT_TYPE::UINT8, 1, COLOUR_ENCODING::SRGB),
+                              bytes);
+    }
+}
+
+TEST(ConversionTest, nonsenseGivesTheEmptyPicture) {
+    const Image image(2, 2, 1, COMPONENT_TYPE::UINT8, COLOUR_ENCODING::SRGB);
+    const auto convert = [](const ImageView& view, unsigned channels, COMPONENT_TYPE type) {
+        return convertImage(view, type, channels, COLOUR_ENCODING::LINEAR);
+    };
+    EXPECT_TRUE(convert({}, 3, COMPONENT_TYPE::UINT8).isEmpty());
+    EXPECT_TRUE(convert(image.view(), 0, COMPONENT_TYPE::UINT8).isEmpty());
+    EXPECT_TRUE(convert(image.view(), 5, COMPONENT_TYPE::UINT8).isEmpty());
+    EXPECT_TRUE(convert(image.view(), 1, static_cast<COMPONENT_TYPE>(6)).isEmpty());
+    ImageView tooShort = image.view();
+    tooShort.bytes = tooShort.bytes.first(3);
+    EXPECT_TRUE(convert(tooShort, 1, COMPONENT_TYPE::UINT8).isEmpty());
+}
+
+} // namespace
