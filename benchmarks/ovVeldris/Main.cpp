@@ -1,0 +1,17 @@
+// The benchmarks of ovVeldris.
+#include "ovVeldris/effects/EffectBenchmark.h"
+#include "ovVeldris/effects/ProgramCacheBenchmark.h"
+
+#include <benchmark/benchmark.h>
+#include <string_view>
+
+int main(int argumentCount, char** arguments) {
+    if (argumentCount == 3 && std::string_view(arguments[1]) == ovBenchmarks::LOAD_PROGRAMS_ARGUMENT)
+        return ovBenchmarks::loadPrograms(arguments[2]);
+    ovBenchmarks::registerEffects();
+    ovBenchmarks::registerProgramCache(arguments[0]);
+    benchmark::Initialize(&argumentCount, arguments);
+    benchmark::RunSpecifiedBenchmarks();
+    benchmark::Shutdown();
+    return 0;
+}

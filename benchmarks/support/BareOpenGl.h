@@ -1,0 +1,46 @@
+// Hand-written OpenGL that draws full-screen passes: what the library's own frames are compared with.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace ovBenchmarks {
+
+/// One full-screen pass: a program reads one texture and one block of constants, and writes one target.
+/// Written with the fewest calls that a careful programmer would make. It uses the OpenGL context that is
+/// current, so that both sides of a comparison meet the same driver in the same state.
+class BareOpenGlPass {
+public:
+    /// @param pixelText GLSL 4.50 that reads `sourceTexture` (binding 0), the block of binding 0 when there
+    /// are
+    ///        constants, and `uvs` (location 2), and writes `colour`
+    /// @param format the target's and source's sized OpenGL format
+    BareOpenGlPass(const std::string& pixelText, unsigned int format, int width, int height,
+                   const std::vector<float>& constants);
+    ~BareOpenGlPass();
+    BareOpenGlPass(const BareOpenGlPass&) = delete;
+    BareOpenGlPass& operator=(const BareOpenGlPass&) = delete;
+
+    /// Replaces the source texture's texels: tightly packed, four components a texel.
+    void setSource(unsigned int componentType, const void* texels);
+    /// The state that all passes share; call it once before a run of draw() calls.
+    static void bindSharedState();
+    void draw() const;
+    /// The target's texels as floats, four a texel.
+    std::vector<float> read() const;
+
+private:
+    unsigned int _program = 0;
+    unsigned int _source = 0;
+    unsigned int _target = 0;
+    unsigned int _framebuffer = 0;
+    unsigned int _sampler = 0;
+    unsigned int _constants = 0;
+    int _width;
+    int _height;
+};
+
+/// Waits until the device has done everything.
+void finish();
+
+} // namespace ovBenchmarks
