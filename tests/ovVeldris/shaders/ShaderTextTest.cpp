@@ -1,0 +1,36 @@
+#include <ovVeldris/shaders/ShaderText.h>
+
+#include <gtest/gtest.h>
+#include <ovGraphics/shading/CrossCompiler.h>
+#include <ovVeldris/shaders/PostProcessingLib.h>
+
+using ovGraphics::SHADER_LANGUAGE;
+using ovVeldris::assembleShaderText;
+
+TEST(ShaderTextTest, IntroducesEachPieceAndEndsItsLastLine) {
+    EXPECT_EQ(assembleShaderText({}), "");
+    EXPECT_EQ(assembleShaderText({{"a.ovsl", "one\ntwo\n"}}), "#line 1 \"a.ovsl\"\none\ntwo\n");
+    EXPECT_EQ(assembleShaderText({{"a.ovsl", "one"}, {"b.ovsl", ""}, {"c.ovsl", "three\n\n"}}),
+              "#line 1 \"a.ovsl\"\none\n#line 1 \"b.ovsl\"\n#line 1 \"c.ovsl\"\nthree\n\n");
+}
+
+TEST(ShaderTextTest, CompileErrorsNameThePieceAndItsLine) {
+    ovGraphics::shading::ProgramText text;
+    text.name = "BROKEN";
+    text.crossCompilerDefines = true;
+    text.vertex.text = ovVeldris::PostProcessingLib::ovPostProcessDefaultVertex();
+    text.pixel.text = assembleShaderText({
+        {"first.ovsl", "// nothing wrong\n// here\n"},
+        {"second.ovsl", "float two() {\n    return missing;\n}"},
+        {"third.ovsl", "// nor here\n"},
+    });
+    for (const SHADER_LANGUAGE language : {SHADER_LANGUAGE::GLSL, SHADER_LANGUAGE::HLSL}) {
+        text.language = language;
+        const auto result = ovGraphics::shading::compile(text);
+        EXPECT_FALSE(result);
+        const ovMemory::String start =
+            "Could not compile the pixel stage of program 'BROKEN': second.ovsl:2:";
+        EXPECT_TRUE(result.error.starts_with(start)) << result.error;
+        EXPECT_NE(result.error.find("missing"), ovMemory::String::npos) << result.error;
+    }
+}
