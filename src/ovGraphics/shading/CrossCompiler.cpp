@@ -1,5 +1,6 @@
 #include <ovGraphics/shading/CrossCompiler.h>
 
+#include <algorithm>
 #include <array>
 #include <fmt/format.h>
 #include <ovGraphics/EmbeddedShaders.h>
@@ -7,6 +8,7 @@
 #include <ovGraphics/shading/detail/OpaqueParameters.h>
 #include <ovGraphics/shading/detail/StageJoin.h>
 #include <ovGraphics/shading/detail/StageTranslator.h>
+#include <ovGraphics/shading/detail/TextLimits.h>
 
 namespace ovGraphics::shading {
 
@@ -43,6 +45,31 @@ CompileResult makeFailure(const ProgramText& text, STAGE stage, StringView words
     return result;
 }
 
+bool isIdentifier(StringView name) {
+    const auto isWord = [](char c) {
+        return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_';
+    };
+    return !name.empty() && !(name[0] >= '0' && name[0] <= '9') &&
+           std::all_of(name.begin(), name.end(), isWord);
+}
+
+/// A define that would end its line early, or go on in the author's text, would move the lines of every
+/// message.
+String findBadDefine(const StageText& text) {
+    for (const Define& define : text.defines) {
+        if (!isIdentifier(define.name)) {
+            return fmt::format("the define '{}' is no identifier", define.name);
+        }
+        if (define.value.find_first_of("\n\r\\") != String::npos || define.value.find("/*") != String::npos) {
+            return fmt::format(
+                "the value of the define '{}' holds a line end, a backslash or a comment; give one "
+                "line of plain text",
+                define.name);
+        }
+    }
+    return {};
+}
+
 } // namespace
 
 String getFullText(const ProgramText& text, STAGE stage) {
@@ -58,7 +85,6 @@ String getFullText(const ProgramText& text, STAGE stage) {
     }
     full += fmt::format("#line 1 \"{}\"\n", AUTHOR_TEXT_NAME);
     full += stageText.text;
-    full += '\n'; // a last line without an end would be taken as cut short
     return full;
 }
 
@@ -68,8 +94,14 @@ CompileResult compile(const ProgramText& text) {
     std::array<detail::StageInterface, 2> interfaces;
     CompileResult result;
     for (std::size_t i = 0; i < STAGES.size(); ++i) {
-        detail::FrontEndResult compiled =
-            detail::compileToSpirv(text.language, STAGES[i], getFullText(text, STAGES[i]));
+        if (const String words = findBadDefine(getStageText(text, STAGES[i])); !words.empty()) {
+            return makeFailure(text, STAGES[i], words);
+        }
+        const String fullText = getFullText(text, STAGES[i]);
+        if (const String words = detail::findExceededLimit(fullText); !words.empty()) {
+            return makeFailure(text, STAGES[i], words);
+        }
+        detail::FrontEndResult compiled = detail::compileToSpirv(text.language, STAGES[i], fullText);
         if (!compiled.error.empty()) {
             return makeFailure(text, STAGES[i], compiled.error);
         }

@@ -34,17 +34,29 @@ bool initialiseOnce() {
     return process.isInitialised();
 }
 
-/// Sorts the lines of a compiler's log into the first error and all warnings.
+StringView trim(StringView text) {
+    const std::size_t first = text.find_first_not_of(" \t\r");
+    return first == StringView::npos ? StringView()
+                                     : text.substr(first, text.find_last_not_of(" \t\r") - first + 1);
+}
+
+/// Sorts the lines of a compiler's log into the first error, with the lines that continue it, and all
+/// warnings.
 void readLog(StringView log, FrontEndResult& result) {
     static constexpr StringView ERROR = "ERROR: ";
     static constexpr StringView WARNING = "WARNING: ";
+    bool continues = false;
     while (!log.empty()) {
         const std::size_t end = log.find('\n');
         const StringView line = log.substr(0, end);
+        continues = continues && line.starts_with("    ");
         if (line.starts_with(WARNING)) {
-            result.warnings += String(line.substr(WARNING.size())) + '\n';
+            result.warnings += String(trim(line.substr(WARNING.size()))) + '\n';
+        } else if (continues) {
+            result.error += ' ' + String(trim(line));
         } else if (result.error.empty() && line.starts_with(ERROR)) {
-            result.error = line.substr(ERROR.size());
+            result.error = trim(line.substr(ERROR.size()));
+            continues = true;
         }
         log = end == StringView::npos ? StringView() : log.substr(end + 1);
     }
@@ -97,8 +109,9 @@ FrontEndResult compileToSpirv(SHADER_LANGUAGE language, STAGE stage, const Strin
     setEnvironment(shader, language, nativeStage);
     glslang::TProgram program;
     if (!parseAndLink(shader, program, messages, result)) {
-        if (result.error.empty()) {
-            result.error = "the front end refused the text without giving a reason";
+        // The HLSL front end has no words for a missing entry point, and those of GLSL do not name it.
+        if (result.error.empty() || result.error.find("Missing entry point") != String::npos) {
+            result.error = "the text has no function 'main'";
         }
         return result;
     }

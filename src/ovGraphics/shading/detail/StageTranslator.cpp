@@ -101,6 +101,7 @@ struct StageTranslator::Implementation {
     unsigned int countLocations(spvc_type type) const;
     bool reflectBlocks(Buffer<StageBlock>& blocks);
     bool reflectBlock(const spvc_reflected_resource& resource, StageBlock& block);
+    unsigned int getStd140Offset(spvc_type structType, unsigned int index);
     String describeMember(spvc_type structType, unsigned int index);
     bool reflectPairs(Buffer<StageTexturePair>& pairs);
     bool reflectCombinedTextures(Buffer<StageTexturePair>& pairs);
@@ -230,6 +231,30 @@ bool StageTranslator::Implementation::readSlot(spvc_variable_id id, StringView k
     return true;
 }
 
+/// Where GLSL's rules put a member behind the one before it. HLSL packs some members closer.
+unsigned int StageTranslator::Implementation::getStd140Offset(spvc_type structType, unsigned int index) {
+    const auto isAggregate = [](spvc_type type) {
+        return spvc_type_get_num_array_dimensions(type) != 0 || spvc_type_get_columns(type) > 1 ||
+               spvc_type_get_basetype(type) == SPVC_BASETYPE_STRUCT;
+    };
+    const auto roundUp = [](std::size_t value, std::size_t step) { return (value + step - 1) / step * step; };
+    if (index == 0) {
+        return 0;
+    }
+    const spvc_type previous =
+        spvc_compiler_get_type_handle(compiler, spvc_type_get_member_type(structType, index - 1));
+    const spvc_type type =
+        spvc_compiler_get_type_handle(compiler, spvc_type_get_member_type(structType, index));
+    unsigned int start = 0;
+    std::size_t size = 0;
+    spvc_compiler_type_struct_member_offset(compiler, structType, index - 1, &start);
+    spvc_compiler_get_declared_struct_member_size(compiler, structType, index - 1, &size);
+    const std::size_t end = start + (isAggregate(previous) ? roundUp(size, 16) : size);
+    constexpr std::array<std::size_t, 5> VECTOR_ALIGNMENT = {4, 4, 8, 16, 16};
+    const std::size_t alignment = isAggregate(type) ? 16 : VECTOR_ALIGNMENT[spvc_type_get_vector_size(type)];
+    return static_cast<unsigned int>(roundUp(end, alignment));
+}
+
 String StageTranslator::Implementation::describeMember(spvc_type structType, unsigned int index) {
     const spvc_type_id structId = spvc_type_get_base_type_id(structType);
     const spvc_type type =
@@ -291,6 +316,12 @@ bool StageTranslator::Implementation::reflectBlock(const spvc_reflected_resource
             return failTranslator();
         }
         member.size = static_cast<unsigned int>(memberSize);
+        if (member.offset != getStd140Offset(type, i)) {
+            return fail(
+                fmt::format("the member '{}' of the constant buffer '{}' starts at byte {}, in GLSL it would "
+                            "at {}; use members of whole registers of four floats",
+                            member.name, block.info.name, member.offset, getStd140Offset(type, i)));
+        }
         block.info.members.push_back(std::move(member));
         block.signature += (i == 0 ? "" : "; ") + describeMember(type, i);
     }
