@@ -25,7 +25,7 @@ function(ov_add_tests library)
     list(FILTER sources EXCLUDE REGEX "/fuzz/")
     set(program "${library}Tests")
     add_executable(${program} ${sources})
-    target_include_directories(${program} PRIVATE "${PROJECT_SOURCE_DIR}/tests")
+    target_include_directories(${program} PRIVATE "${PROJECT_SOURCE_DIR}/tests" "${CMAKE_CURRENT_SOURCE_DIR}")
     target_link_libraries(${program} PRIVATE ${library} ${arg_LINK} ovCompilerSettings GTest::gtest_main)
     gtest_discover_tests(${program} DISCOVERY_TIMEOUT 120
         PROPERTIES TIMEOUT 300 LABELS ${library} ENVIRONMENT "${OV_TEST_ENVIRONMENT}")

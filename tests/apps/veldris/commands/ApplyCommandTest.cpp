@@ -1,0 +1,125 @@
+#include "veldris/commands/CommandTesting.h"
+#include "support/TemporaryFolder.h"
+
+#include <algorithm>
+#include <fstream>
+#include <ovImages/CompositeEncoder.h>
+
+namespace {
+
+using ovImages::COLOUR_ENCODING;
+using ovImages::COMPONENT_TYPE;
+using ovImages::Image;
+
+class ApplyCommandTest : public testing::Test {
+protected:
+    /// Writes a 2 x 1 image of one value and gives its path.
+    ovMemory::String write(const char* name, float value) {
+        const bool floats =
+            ovMemory::StringView(name).ends_with("exr") || ovMemory::StringView(name).ends_with("hdr");
+        Image image(2, 1, 3, floats ? COMPONENT_TYPE::FLOAT : COMPONENT_TYPE::UINT8,
+                    floats ? COLOUR_ENCODING::LINEAR : COLOUR_ENCODING::SRGB);
+        for (unsigned int x = 0; x < 2; ++x) {
+            for (unsigned int channel = 0; channel < 3; ++channel)
+                image.setComponent(x, 0, channel, value);
+        }
+        const ovMemory::String path = _folder.getPath(name);
+        ovMemory::String error;
+        ovMemory::String warning;
+        EXPECT_TRUE(ovImages::CompositeEncoder().encodeFile(path, image.view(), {}, error, warning)) << error;
+        return path;
+    }
+
+    Outcome apply(const ovMemory::String& input, const char* effects, const ovMemory::String& output,
+                  const ovMemory::Buffer<ovMemory::String>& more = {}) {
+        ovMemory::Buffer<ovMemory::String> arguments = {
+            "apply", input,      "--effects", effects,   "-o",
+            output,  "--device", "software",  "--cache", _folder.getPath("cache")};
+        arguments.insert(arguments.end(), more.begin(), more.end());
+        return runVeldris(arguments);
+    }
+
+    float firstPixel(const ovMemory::String& path) {
+        const ovImages::DecodeResult read = ovImages::CompositeEncoder().decodeFile(path);
+        EXPECT_TRUE(read) << read.error;
+        return read ? read.image->getComponent(0, 0, 0) : -1.0f;
+    }
+
+    TemporaryFolder _folder;
+};
+
+TEST_F(ApplyCommandTest, mapsSceneLightToADisplayPictureInBothLanguages) {
+    const ovMemory::String input = write("light.exr", 1.0f);
+    for (const char* language : {"glsl", "hlsl"}) {
+        const ovMemory::String output = _folder.getPath(ovMemory::String(language) + ".png");
+        const Outcome outcome = apply(input, "tone-mapping", output, {"--language", language});
+        ASSERT_EQ(outcome.status, 0) << outcome.error;
+        EXPECT_EQ(outcome.output, output + "\n");
+        // Reinhard of 1 with white 2: (1 + 1 / 4) / 2 = 0.625, sRGB-encoded 0.8126, in 8 bits 207.
+        EXPECT_FLOAT_EQ(firstPixel(output), 207.0f / 255.0f);
+    }
+}
+
+TEST_F(ApplyCommandTest, rawKeepsNumbers) {
+    const ovMemory::String input = write("light.exr", 123.25f);
+    const ovMemory::String output = _folder.getPath("copy.exr");
+    ASSERT_EQ(apply(input, "texture-copy", output, {"--raw"}).status, 0);
+    EXPECT_EQ(firstPixel(output), 123.25f);
+}
+
+TEST_F(ApplyCommandTest, reportsForMachines) {
+    const Outcome outcome = apply(write("light.hdr", 1.0f), "texture-copy;tone-mapping:operator=aces",
+                                  _folder.getPath("o.png"), {"--json", "--timings"});
+    ASSERT_EQ(outcome.status, 0) << outcome.error;
+    const auto report = parseJson(outcome);
+    EXPECT_EQ(report["width"].GetInt(), 2);
+    EXPECT_STREQ(report["content"].GetString(), "srgb-encoded");
+    EXPECT_STREQ(report["timingMethod"].GetString(), "wall clock");
+    ASSERT_EQ(report["passes"].Size(), 2u);
+    EXPECT_STREQ(report["passes"][1]["effect"].GetString(), "tone-mapping:operator=aces");
+    EXPECT_GT(report["passes"][1]["milliseconds"].GetDouble(), 0.0);
+}
+
+TEST_F(ApplyCommandTest, everyFailureIsOneLineAndLeavesTheOutputAlone) {
+    const ovMemory::String light = write("light.exr", 1.0f);
+    const ovMemory::String photo = write("photo.png", 0.5f);
+    const ovMemory::String broken = _folder.getPath("broken.exr");
+    std::ofstream(broken) << "\x76\x2f\x31\x01 but nothing that follows is right";
+    const ovMemory::String output = write("output.png", 1.0f);
+    const struct {
+        ovMemory::String input;
+        const char* effects;
+        ovMemory::String output;
+        ovMemory::String part;
+    } cases[] = {
+        {_folder.getPath("missing.exr"), "tone-mapping", output, "missing.exr"},
+        {_folder.getPath(), "tone-mapping", output, _folder.getPath()},
+        {broken, "tone-mapping", output, "broken.exr"},
+        {light, "sharpen", output, "the effects are texture-copy, tone-mapping"},
+        {light, "tone-mapping:operator=filmic", output, "it takes one of reinhard, hables, aces"},
+        {light, "tone-mapping:white=2", output, "there is no setting 'white'; it has operator"},
+        {light, "", output, "the list of effects is empty"},
+        {light, "texture-copy", output, "put a tone-mapping between them"},
+        {photo, "tone-mapping", output, "'tone-mapping' takes scene-linear colours"},
+        {light, "tone-mapping", _folder.getPath("o.gif"), "names no image format"},
+        {light, "tone-mapping", _folder.getPath("no/such/o.png"), "no/such/o.png"},
+    };
+    for (const auto& test : cases) {
+        const Outcome outcome = apply(test.input, test.effects, test.output);
+        EXPECT_NE(outcome.status, 0) << test.part;
+        EXPECT_NE(outcome.error.find(test.part), ovMemory::String::npos) << outcome.error;
+        EXPECT_EQ(std::count(outcome.error.begin(), outcome.error.end(), '\n'), 1) << outcome.error;
+        EXPECT_TRUE(outcome.output.empty()) << outcome.output;
+        EXPECT_EQ(firstPixel(output), 1.0f);
+    }
+}
+
+TEST_F(ApplyCommandTest, theUserMaySayWhatAPictureHolds) {
+    const ovMemory::String output = _folder.getPath("o.exr");
+    const Outcome outcome =
+        apply(write("data.png", 1.0f), "tone-mapping", output, {"--input-content", "scene-linear"});
+    ASSERT_EQ(outcome.status, 0) << outcome.error;
+    EXPECT_NEAR(firstPixel(output), 0.625f, 1e-6f);
+}
+
+} // namespace

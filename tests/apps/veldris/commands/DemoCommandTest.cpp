@@ -1,0 +1,52 @@
+#include "veldris/commands/CommandTesting.h"
+#include "support/TemporaryFolder.h"
+
+#include <fstream>
+#include <ovImages/CompositeEncoder.h>
+#include <set>
+#include <sstream>
+
+namespace {
+
+TEST(DemoCommandTest, drawsAGalleryAndASecondStartCompilesNothing) {
+    const TemporaryFolder folder;
+    const ovMemory::Buffer<ovMemory::String> arguments = {
+        "demo",     "--out",   folder.getPath("gallery"), "--width", "96", "--height", "54", "--device",
+        "software", "--cache", folder.getPath("cache"),   "--json"};
+    const Outcome first = runVeldris(arguments);
+    ASSERT_EQ(first.status, 0) << first.error;
+    const auto report = parseJson(first);
+    EXPECT_EQ(report["page"].GetString(), folder.getPath("gallery/index.html"));
+    EXPECT_GE(report["programsCompiled"].GetInt(), 7);
+
+    std::stringstream page;
+    page << std::ifstream(folder.getPath("gallery/index.html")).rdbuf();
+    std::set<ovMemory::String> contents;
+    for (const auto& picture : report["pictures"].GetArray()) {
+        const ovMemory::String file = picture["file"].GetString();
+        const ovImages::DecodeResult read =
+            ovImages::CompositeEncoder().decodeFile(folder.getPath("gallery/" + file));
+        ASSERT_TRUE(read) << read.error;
+        EXPECT_EQ(read.image->getWidth(), 96u);
+        const auto bytes = read.image->getBytes();
+        EXPECT_TRUE(contents.insert({bytes.begin(), bytes.end()}).second)
+            << file << " is the same as another";
+        EXPECT_NE(page.str().find(file), ovMemory::String::npos);
+        EXPECT_GT(picture["milliseconds"].GetDouble(), 0.0);
+    }
+    EXPECT_GE(contents.size(), 7u);
+
+    const auto second = parseJson(runVeldris(arguments));
+    EXPECT_EQ(second["programsCompiled"].GetInt(), 0);
+    EXPECT_GE(second["programsFromCache"].GetInt(), 7);
+}
+
+TEST(DemoCommandTest, aFolderThatCannotBeMadeFails) {
+    const TemporaryFolder folder;
+    std::ofstream(folder.getPath("file")) << "x";
+    const Outcome outcome = runVeldris({"demo", "--out", folder.getPath("file/gallery")});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_NE(outcome.error.find("file/gallery"), ovMemory::String::npos) << outcome.error;
+}
+
+} // namespace

@@ -1,0 +1,55 @@
+#include "veldris/commands/CommandTesting.h"
+
+#include <set>
+
+namespace {
+
+TEST(ShadersCommandTest, listsEveryProgramOnceWithoutWarnings) {
+    for (const char* language : {"glsl", "hlsl"}) {
+        const Outcome outcome =
+            runVeldris({"shaders", "--device", "software", "--no-cache", "--json", "--language", language});
+        ASSERT_EQ(outcome.status, 0) << outcome.error;
+        const auto report = parseJson(outcome);
+        std::set<ovMemory::String> names;
+        for (const auto& program : report["programs"].GetArray()) {
+            names.insert(program["program"].GetString());
+            EXPECT_STREQ(program["warnings"].GetString(), "") << program["program"].GetString();
+        }
+        // Ids of tone mapping: one bit for the operator, 8 for luminance.
+        const std::set<ovMemory::String> expected = {"ORVANE_TEX_COPY_PROGRAM_0", "ORVANE_TONE_PROGRAM_1",
+                                                     "ORVANE_TONE_PROGRAM_2",     "ORVANE_TONE_PROGRAM_4",
+                                                     "ORVANE_TONE_PROGRAM_9",     "ORVANE_TONE_PROGRAM_10",
+                                                     "ORVANE_TONE_PROGRAM_12"};
+        EXPECT_EQ(names, expected);
+        EXPECT_EQ(report["programs"].Size(), expected.size());
+    }
+}
+
+TEST(ShadersCommandTest, printsAProgramAsTheCompilerSeesIt) {
+    const ovMemory::Buffer<ovMemory::String> base = {"shaders",    "--device", "software",
+                                                     "--no-cache", "--print",  "ORVANE_TONE_PROGRAM_9"};
+    const Outcome source = runVeldris(base);
+    ASSERT_EQ(source.status, 0) << source.error;
+    for (const char* part :
+         {"vertex stage", "pixel stage", "#define REINHARD", "#define LUMINANCE", "samplingVars"})
+        EXPECT_NE(source.output.find(part), ovMemory::String::npos) << part;
+
+    auto translated = base;
+    translated.insert(translated.end(), {"--translated", "--stage", "pixel", "--language", "hlsl"});
+    const Outcome device = runVeldris(translated);
+    ASSERT_EQ(device.status, 0) << device.error;
+    EXPECT_NE(device.output.find("#version 450"), ovMemory::String::npos);
+    EXPECT_EQ(device.output.find("vertex stage"), ovMemory::String::npos);
+}
+
+TEST(ShadersCommandTest, unknownNamesFail) {
+    const Outcome effect = runVeldris({"shaders", "--effect", "sharpen"});
+    EXPECT_EQ(effect.status, 1);
+    EXPECT_NE(effect.error.find("the effects are"), ovMemory::String::npos);
+    const Outcome program = runVeldris({"shaders", "--device", "software", "--no-cache", "--print", "NONE"});
+    EXPECT_EQ(program.status, 1);
+    EXPECT_EQ(program.error,
+              "veldris: no effect generates a program 'NONE'; 'veldris shaders' lists them.\n");
+}
+
+} // namespace

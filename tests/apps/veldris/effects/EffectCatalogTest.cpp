@@ -1,0 +1,110 @@
+#include <veldris/effects/EffectCatalog.h>
+
+#include <algorithm>
+#include <cctype>
+#include <gtest/gtest.h>
+#include <ovVeldris/core/System.h>
+#include <ovVeldris/effects/EffectType.h>
+#include <ovVeldris/effects/ToneMappingEffect.h>
+
+namespace {
+
+using veldris::EffectDescription;
+using veldris::EffectSpec;
+using veldris::SettingValues;
+
+ovMemory::String dashed(ovMemory::StringView text) {
+    ovMemory::String result(text);
+    std::ranges::transform(result, result.begin(), [](unsigned char c) {
+        return c == '_' ? '-' : static_cast<char>(std::tolower(c));
+    });
+    return result;
+}
+
+TEST(EffectCatalogTest, namesAreTheKindsTextsAndAreFound) {
+    for (const EffectDescription& effect : veldris::effectCatalog()) {
+        EXPECT_EQ(effect.name, dashed(ovVeldris::EffectTypeUtils::enumToString(effect.type)));
+        ovMemory::String error;
+        EXPECT_EQ(veldris::findEffect(effect.name, error), &effect);
+        EXPECT_FALSE(effect.programVariants.empty());
+    }
+    ovMemory::String error;
+    EXPECT_EQ(veldris::findEffect("tonemapping", error), nullptr);
+    EXPECT_EQ(error, "there is no effect 'tonemapping'; the effects are texture-copy, tone-mapping.");
+}
+
+TEST(EffectCatalogTest, defaultsAreValidValues) {
+    for (const EffectDescription& effect : veldris::effectCatalog()) {
+        for (const veldris::SettingDescription& setting : effect.settings) {
+            SettingValues values;
+            ovMemory::String error;
+            EXPECT_TRUE(SettingValues::parse(
+                {ovMemory::String(effect.name),
+                 {{ovMemory::String(setting.name), ovMemory::String(setting.defaultText)}}},
+                effect.settings, values, error))
+                << error;
+        }
+    }
+}
+
+TEST(EffectCatalogTest, helpNamesEverySetting) {
+    const ovMemory::String help = veldris::effectHelp();
+    for (const EffectDescription& effect : veldris::effectCatalog()) {
+        EXPECT_NE(help.find(effect.name), ovMemory::String::npos);
+        for (const veldris::SettingDescription& setting : effect.settings)
+            EXPECT_NE(help.find(setting.name), ovMemory::String::npos) << setting.name;
+    }
+}
+
+/// A tone mapping with these settings applied, on a system that is not initialised.
+class ToneMapping {
+public:
+    explicit ToneMapping(const ovMemory::Buffer<veldris::SettingText>& settings) {
+        ovMemory::String error;
+        const EffectDescription* description = veldris::findEffect("tone-mapping", error);
+        SettingValues values;
+        EXPECT_TRUE(SettingValues::parse({"tone-mapping", settings}, description->settings, values, error))
+            << error;
+        complaint = description->apply(effect, values);
+    }
+
+    ovVeldris::System system;
+    ovVeldris::ToneMappingEffect effect{&system};
+    ovMemory::String complaint;
+};
+
+TEST(EffectCatalogTest, toneMappingSettingsReachTheEffect) {
+    const ToneMapping reinhard({{"max-white", "4,5,6"}, {"use-luminance", "false"}});
+    EXPECT_EQ(reinhard.complaint, "");
+    EXPECT_TRUE(reinhard.effect.getReinhardUsed());
+    EXPECT_FALSE(reinhard.effect.getUseLuminance());
+    EXPECT_EQ(reinhard.effect.getReinhardMaxWhite(), ovMaths::Vector(4.0f, 5.0f, 6.0f));
+
+    const ToneMapping hables({{"operator", "hables"}, {"toe-length", "0.25"}, {"gamma", "2"}});
+    EXPECT_TRUE(hables.effect.getHablesUsed());
+    EXPECT_EQ(hables.effect.getHablesDescriptor().toeLength, 0.25f);
+    EXPECT_EQ(hables.effect.getHablesDescriptor().gamma, 2.0f);
+    EXPECT_EQ(hables.effect.getHablesDescriptor().shoulderStrength, 0.1f);
+
+    const ToneMapping aces({{"operator", "aces"}, {"look-transform", "1,2,3,4,5,6,7,8,9"}});
+    EXPECT_TRUE(aces.effect.getAcesUsed());
+    EXPECT_EQ(aces.effect.getAcesLookTransform().getRow2(), ovMaths::Vector(7.0f, 8.0f, 9.0f, 0.0f));
+}
+
+TEST(EffectCatalogTest, settingsOfAnotherOperatorAreNotSilentlyDropped) {
+    const struct {
+        ovMemory::Buffer<veldris::SettingText> settings;
+        const char* complaint;
+    } cases[] = {
+        {{{"operator", "aces"}, {"max-white", "1,1,1"}},
+         "the setting 'max-white' belongs to operator=reinhard, and operator=aces was chosen."},
+        {{{"gamma", "2"}},
+         "the setting 'gamma' belongs to operator=hables, and operator=reinhard was chosen."},
+        {{{"operator", "hables"}, {"look-transform", "1,0,0,0,1,0,0,0,1"}},
+         "the setting 'look-transform' belongs to operator=aces, and operator=hables was chosen."},
+    };
+    for (const auto& test : cases)
+        EXPECT_EQ(ToneMapping(test.settings).complaint, test.complaint);
+}
+
+} // namespace

@@ -1,0 +1,124 @@
+#include <veldris/effects/EffectChain.h>
+
+#include <cmath>
+#include <gtest/gtest.h>
+#include <veldris/Session.h>
+
+namespace {
+
+using ovImages::COLOUR_ENCODING;
+using ovImages::COMPONENT_TYPE;
+using ovImages::Image;
+using veldris::ChainOptions;
+using veldris::ChainResult;
+using veldris::PICTURE_CONTENT;
+
+class EffectChainTest : public testing::TestWithParam<const char*> {
+protected:
+    void SetUp() override {
+        veldris::DrawingOptions options;
+        options.language = GetParam();
+        options.device = "software";
+        options.noCache = true;
+        options.timings = true;
+        ovMemory::String error;
+        ASSERT_TRUE(_session.open(options, error)) << error;
+    }
+
+    ChainResult run(const Image& image, const char* text, const ChainOptions& options) {
+        ovMemory::Buffer<veldris::EffectSpec> effects;
+        ovMemory::String error;
+        EXPECT_TRUE(veldris::parseEffectList(text, effects, error)) << error;
+        return veldris::runChain(_session, image.view(), effects, options);
+    }
+
+    veldris::Session _session;
+};
+
+Image onePixel(float red, float green, float blue, float alpha) {
+    Image image(1, 1, 4, COMPONENT_TYPE::FLOAT, COLOUR_ENCODING::LINEAR);
+    image.setComponent(0, 0, 0, red);
+    image.setComponent(0, 0, 1, green);
+    image.setComponent(0, 0, 2, blue);
+    image.setComponent(0, 0, 3, alpha);
+    return image;
+}
+
+TEST_P(EffectChainTest, effectsFollowEachOther) {
+    const ChainResult result =
+        run(onePixel(3.0f, 1.0f, 0.5f, 0.25f),
+            "texture-copy;tone-mapping:use-luminance=false,max-white=4,4,4;texture-copy", {});
+    ASSERT_TRUE(result) << result.error;
+    EXPECT_EQ(result.content, PICTURE_CONTENT::DISPLAY_LINEAR);
+    ASSERT_EQ(result.timings.size(), 3u);
+    EXPECT_EQ(result.timings[1].effect, "tone-mapping:use-luminance=false,max-white=4,4,4");
+    const double light[] = {3.0, 1.0, 0.5};
+    for (unsigned int channel = 0; channel < 3; ++channel) {
+        const double c = light[channel];
+        // A few units in the last place: one division and two products in 32 bits.
+        EXPECT_NEAR(result.image->getComponent(0, 0, channel), c * (1.0 + c / 16.0) / (1.0 + c), 1e-6)
+            << channel;
+    }
+    EXPECT_EQ(result.image->getComponent(0, 0, 3), 0.25f);
+}
+
+TEST_P(EffectChainTest, encodedPicturesStayAsTheyAreUntilSomethingElseIsWanted) {
+    Image image(2, 1, 3, COMPONENT_TYPE::UINT8, COLOUR_ENCODING::SRGB);
+    image.setComponent(0, 0, 1, 128.0f / 255.0f);
+    ChainOptions options;
+    options.input = PICTURE_CONTENT::SRGB_ENCODED;
+    const ChainResult kept = run(image, "texture-copy", options);
+    ASSERT_TRUE(kept) << kept.error;
+    EXPECT_FLOAT_EQ(kept.image->getComponent(0, 0, 1), 128.0f / 255.0f);
+    EXPECT_EQ(kept.image->getEncoding(), COLOUR_ENCODING::SRGB);
+
+    options.output = PICTURE_CONTENT::DISPLAY_LINEAR;
+    const ChainResult decoded = run(image, "texture-copy", options);
+    ASSERT_TRUE(decoded) << decoded.error;
+    EXPECT_NEAR(decoded.image->getComponent(0, 0, 1), std::pow((128.0 / 255.0 + 0.055) / 1.055, 2.4), 1e-6);
+    EXPECT_EQ(decoded.image->getEncoding(), COLOUR_ENCODING::LINEAR);
+}
+
+TEST_P(EffectChainTest, wrongOrdersAreRefusedUnlessRaw) {
+    ChainOptions options;
+    options.output = PICTURE_CONTENT::SRGB_ENCODED;
+    options.outputName = "the file";
+    const Image image = onePixel(2.0f, 2.0f, 2.0f, 1.0f);
+    EXPECT_EQ(run(image, "texture-copy", options).error,
+              "the file takes srgb-encoded colours and the input gives scene-linear ones: put a tone-mapping "
+              "between "
+              "them, write an EXR or HDR file, or use --raw.");
+    EXPECT_FALSE(run(image, "tone-mapping;tone-mapping", options));
+    options.raw = true;
+    const ChainResult raw = run(image, "texture-copy;texture-copy", options);
+    ASSERT_TRUE(raw) << raw.error;
+    EXPECT_EQ(raw.image->getComponent(0, 0, 0), 2.0f);
+    EXPECT_TRUE(run(image, "tone-mapping;tone-mapping", options));
+}
+
+TEST_P(EffectChainTest, wrongEffectsAndSettingsAreNamed) {
+    const Image image = onePixel(1.0f, 1.0f, 1.0f, 1.0f);
+    EXPECT_EQ(run(image, "sharpen", {}).error,
+              "there is no effect 'sharpen'; the effects are texture-copy, tone-mapping.");
+    EXPECT_EQ(run(image, "texture-copy:strength=1", {}).error,
+              "effect 'texture-copy': there is no setting 'strength'; it has none.");
+    EXPECT_EQ(
+        run(image, "tone-mapping:gamma=2", {}).error,
+        "effect 'tone-mapping': the setting 'gamma' belongs to operator=hables, and operator=reinhard was "
+        "chosen.");
+}
+
+TEST_P(EffectChainTest, pictureTooLargeForTheDeviceIsOneClearLine) {
+    const Image image(100000, 1, 4, COMPONENT_TYPE::UINT8, COLOUR_ENCODING::SRGB);
+    ChainOptions options;
+    options.input = PICTURE_CONTENT::SRGB_ENCODED;
+    const ChainResult result = run(image, "texture-copy", options);
+    EXPECT_FALSE(result);
+    EXPECT_NE(result.error.find("100000"), ovMemory::String::npos) << result.error;
+    EXPECT_EQ(result.error.find('\n'), ovMemory::String::npos) << result.error;
+}
+
+INSTANTIATE_TEST_SUITE_P(Languages, EffectChainTest, testing::Values("glsl", "hlsl"),
+                         [](const auto& language) { return language.param; });
+
+} // namespace
