@@ -1,0 +1,74 @@
+#include <ovGraphics/shading/ProgramDiskCache.h>
+
+#include <filesystem>
+#include <fmt/format.h>
+#include <ovGraphics/shading/CrossCompiler.h>
+#include <ovGraphics/shading/detail/CachedProgramFormat.h>
+#include <ovResources/Files.h>
+
+namespace ovGraphics::shading {
+
+using ovMemory::Buffer;
+using ovMemory::String;
+using ovMemory::StringView;
+using ovMemory::UniquePtr;
+
+namespace {
+
+/// Everything that decides what is stored; the lengths keep the parts apart.
+String makeKey(const ProgramText& text, StringView driverKey) {
+    const String vertex = getFullText(text, STAGE::VERTEX);
+    const String pixel = getFullText(text, STAGE::PIXEL);
+    const String versions = getCompilerVersions();
+    return fmt::format("{} {} {} {} {}\n{}\n{}\n{}\n{}", static_cast<unsigned int>(text.language),
+                       versions.size(), driverKey.size(), vertex.size(), pixel.size(), versions, driverKey,
+                       vertex, pixel);
+}
+
+String makePath(StringView folder, StringView key) {
+    const std::filesystem::path name = fmt::format("{:016x}.ovprogram", detail::hashBytes(key));
+    return (std::filesystem::path(folder) / name).native();
+}
+
+} // namespace
+
+ProgramDiskCache::ProgramDiskCache(String folder, String driverKey)
+    : _folder(std::move(folder))
+    , _driverKey(std::move(driverKey)) {}
+
+UniquePtr<CachedProgram> ProgramDiskCache::load(const ProgramText& text) const {
+    if (_folder.empty()) {
+        return nullptr;
+    }
+    const String key = makeKey(text, _driverKey);
+    Buffer<char> bytes;
+    String ignored; // a file that is missing or unreadable counts as absent
+    if (!ovResources::readFile(makePath(_folder, key), bytes, ignored)) {
+        return nullptr;
+    }
+    return detail::unpackCachedProgram(bytes, key);
+}
+
+bool ProgramDiskCache::store(const ProgramText& text, const CachedProgram& program, String* error) const {
+    if (_folder.empty()) {
+        return true;
+    }
+    String words;
+    std::error_code failure;
+    std::filesystem::create_directories(_folder, failure);
+    bool stored = false;
+    if (failure) {
+        words = fmt::format("Could not make the folder '{}' of compiled programs: {}. Name another folder.",
+                            _folder, failure.message());
+    } else {
+        const String key = makeKey(text, _driverKey);
+        stored = ovResources::writeFileAtomically(makePath(_folder, key),
+                                                  detail::packCachedProgram(key, program), words);
+    }
+    if (error) {
+        *error = words;
+    }
+    return stored;
+}
+
+} // namespace ovGraphics::shading
