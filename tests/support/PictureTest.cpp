@@ -45,12 +45,22 @@ ovMemory::UniquePtr<Texture> makeFloatTexture(System& system, unsigned int width
 } // namespace
 
 void PictureTest::SetUp() {
-    _headless = &HeadlessSystem::get(GetParam());
-    _headless->getLogger().messages.clear();
+    useLanguage(GetParam());
 }
 
 void PictureTest::TearDown() {
     _headless->checkDriverErrors();
+}
+
+void PictureTest::useLanguage(SHADER_LANGUAGE language) {
+    if (_headless)
+        _headless->checkDriverErrors();
+    _headless = &HeadlessSystem::get(language);
+    _headless->getLogger().messages.clear();
+}
+
+SHADER_LANGUAGE PictureTest::getOtherLanguage() {
+    return getLanguage() == SHADER_LANGUAGE::GLSL ? SHADER_LANGUAGE::HLSL : SHADER_LANGUAGE::GLSL;
 }
 
 ovMemory::UniquePtr<Texture> PictureTest::makeTexture(const FloatPicture& picture) {

@@ -21,7 +21,11 @@ protected:
     void SetUp() override;
     void TearDown() override;
 
-    ovGraphics::SHADER_LANGUAGE getLanguage() const { return GetParam(); }
+    /// Turns to the shared system of a language; SetUp() takes that of the test's parameter. To compare the
+    /// languages within one test.
+    virtual void useLanguage(ovGraphics::SHADER_LANGUAGE language);
+    ovGraphics::SHADER_LANGUAGE getLanguage() { return getGraphics().getLanguage(); }
+    ovGraphics::SHADER_LANGUAGE getOtherLanguage();
     ovGraphics::System& getGraphics() { return _headless->getSystem(); }
     RecordingLogger& getGraphicsLogger() { return _headless->getLogger(); }
     HeadlessSystem& getHeadless() { return *_headless; }
