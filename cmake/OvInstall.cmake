@@ -15,6 +15,10 @@ function(ov_install_library name)
 endfunction()
 
 if(OV_INSTALL)
+    # Installed libraries and programs find each other wherever the prefix is moved to.
+    file(RELATIVE_PATH bin_to_lib "${CMAKE_INSTALL_FULL_BINDIR}" "${CMAKE_INSTALL_FULL_LIBDIR}")
+    set(CMAKE_INSTALL_RPATH "$ORIGIN" "$ORIGIN/${bin_to_lib}")
+
     set(package_dir "${CMAKE_INSTALL_LIBDIR}/cmake/OrvaneVeldris")
     configure_package_config_file("${CMAKE_CURRENT_LIST_DIR}/OrvaneVeldrisConfig.cmake.in"
         "${PROJECT_BINARY_DIR}/OrvaneVeldrisConfig.cmake" INSTALL_DESTINATION "${package_dir}")

@@ -23,7 +23,7 @@ function(ov_add_library name)
     target_compile_features(${name} ${scope} cxx_std_20)
     target_include_directories(${name} ${scope}
         $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/src>
-        $<INSTALL_INTERFACE:include>)
+        $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
     target_link_libraries(${name} ${scope} ${arg_PUBLIC})
     ov_install_library(${name})
 endfunction()
