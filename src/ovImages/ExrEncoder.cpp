@@ -1,6 +1,7 @@
 #include <ovImages/ExrEncoder.h>
 
 #include <ovImages/detail/ExrChannels.h>
+#include <ovImages/detail/ExrHeader.h>
 #include <ovImages/detail/ExrStreamsInternal.h>
 #include <ovImages/detail/Results.h>
 
@@ -222,6 +223,9 @@ DecodeResult readChannels(Imf::MultiPartInputFile& file, const Choice& choice, c
 }
 
 DecodeResult decodeExr(Bytes bytes, const DecodeOptions& options) {
+    const ovMemory::String fault = detail::checkExrAttributes(bytes);
+    if (!fault.empty())
+        return detail::makeDecodeError(NAME, "bad header: " + fault);
     detail::ExrInputStream stream(bytes);
     Imf::MultiPartInputFile file(stream, NO_THREADS, !options.refuseDamaged);
     const Choice choice = chooseChannels(file, options.layer);
