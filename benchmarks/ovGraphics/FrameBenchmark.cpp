@@ -34,8 +34,8 @@ void main() {
 
 constexpr const char* PIXEL_TEXT = R"glsl(
 ovConstantBufferDecl(constants, 0) { ovFloat4 factor; };
-ovTexture2dDecl(sourceTexture, 0)
-ovSamplerDecl(sourceSampler, 0)
+ovTexture2dDecl(sourceTexture, 0);
+ovSamplerDecl(sourceSampler, 0);
 in vec2 PIX_TEXCOORD;
 out vec4 OUT_COLOR;
 void main() {
