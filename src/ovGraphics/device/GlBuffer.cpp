@@ -1,0 +1,52 @@
+#include <ovGraphics/device/GlBufferInternal.h>
+
+#include <fmt/format.h>
+#include <ovGraphics/device/GlCoreInternal.h>
+
+namespace ovGraphics::device {
+
+ovMemory::UniquePtr<GlBuffer> GlBuffer::create(GlCore& core, unsigned int size, BUFFER_USAGE usage,
+                                               ovMemory::String& error) {
+    error.clear();
+    if (size == 0) {
+        error = "Buffer of 0 bytes cannot be made: its size must be 1 or more";
+        return nullptr;
+    }
+    if (usage == BUFFER_USAGE::CONSTANTS && size > core.info.maxConstantBufferSize) {
+        error = fmt::format("Constant buffer of {} bytes is larger than the device's limit of {}", size,
+                            core.info.maxConstantBufferSize);
+        return nullptr;
+    }
+    ovMemory::UniquePtr<GlBuffer> buffer(new GlBuffer(core, size));
+    glDiscardErrors();
+    glCreateBuffers(1, &buffer->_name);
+    glNamedBufferStorage(buffer->_name, static_cast<GLsizeiptr>(size), nullptr, GL_DYNAMIC_STORAGE_BIT);
+    if (const GLenum code = glGetError(); code != GL_NO_ERROR) {
+        error = fmt::format("The device refused a buffer of {} bytes with {}", size, glErrorName(code));
+        return nullptr;
+    }
+    glClearNamedBufferData(buffer->_name, GL_R8, GL_RED, GL_UNSIGNED_BYTE, nullptr);
+    return buffer;
+}
+
+void GlBuffer::update(unsigned int offset, ovMemory::BufferView<const unsigned char> data) {
+    if (offset > getSize() || data.size() > getSize() - offset) {
+        _core.report(
+            fmt::format("Nothing was written to a buffer: {} bytes from byte {} do not fit in its {} bytes",
+                        data.size(), offset, getSize()));
+        return;
+    }
+    if (data.empty())
+        return;
+    glNamedBufferSubData(_name, static_cast<GLintptr>(offset), static_cast<GLsizeiptr>(data.size()),
+                         data.data());
+    ++_core.statistics.bufferUploads;
+}
+
+GlBuffer::~GlBuffer() {
+    _core.makeCurrent();
+    _core.pipeline.forgetBuffer(_name);
+    glDeleteBuffers(1, &_name);
+}
+
+} // namespace ovGraphics::device

@@ -1,0 +1,31 @@
+// Buffers on the device.
+#pragma once
+
+#include <epoxy/gl.h>
+#include <ovGraphics/device/Device.h>
+
+namespace ovGraphics::device {
+
+struct GlCore;
+
+class GlBuffer final : public GpuBuffer {
+public:
+    static ovMemory::UniquePtr<GlBuffer> create(GlCore& core, unsigned int size, BUFFER_USAGE usage,
+                                                ovMemory::String& error);
+    ~GlBuffer() override;
+    GlBuffer(const GlBuffer&) = delete;
+    GlBuffer& operator=(const GlBuffer&) = delete;
+
+    GLuint getName() const { return _name; }
+    void update(unsigned int offset, ovMemory::BufferView<const unsigned char> data);
+
+private:
+    GlBuffer(GlCore& core, unsigned int size)
+        : GpuBuffer(size)
+        , _core(core) {}
+
+    GlCore& _core;
+    GLuint _name = 0;
+};
+
+} // namespace ovGraphics::device
