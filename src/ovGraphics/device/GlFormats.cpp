@@ -152,8 +152,10 @@ bool glSupportsFormat(FORMAT format) {
 
 bool glSupportsRenderTarget(FORMAT format) {
     const GlFormat& row = glFormatOf(format);
-    // What is drawn as alpha would not reach the red component that keeps A8.
-    if (row.isCompressed() || row.kind == GL_FORMAT_KIND::ALPHA_ONLY || !glSupportsFormat(format))
+    // What is drawn as alpha would not reach the red component that keeps A8. Shared exponents cannot be
+    // drawn to by the standard, and Mesa's answer to the query below is wrong about them.
+    if (row.isCompressed() || row.kind == GL_FORMAT_KIND::ALPHA_ONLY || row.internalFormat == GL_RGB9_E5 ||
+        !glSupportsFormat(format))
         return false;
     const GLenum question = TextureUtils::isFormatDepth(format) ? GL_DEPTH_RENDERABLE : GL_COLOR_RENDERABLE;
     return queryFormat(row.internalFormat, question) == GL_TRUE &&

@@ -13,7 +13,9 @@ using Bytes = ovMemory::Buffer<unsigned char>;
 
 inline constexpr std::array BOTH_LANGUAGES = {SHADER_LANGUAGE::GLSL, SHADER_LANGUAGE::HLSL};
 
-inline const char* nameOf(SHADER_LANGUAGE language) { return language == SHADER_LANGUAGE::GLSL ? "GLSL" : "HLSL"; }
+inline const char* nameOf(SHADER_LANGUAGE language) {
+    return language == SHADER_LANGUAGE::GLSL ? "GLSL" : "HLSL";
+}
 
 /// A software device that reports errors; the test fails when there is none.
 inline ovMemory::UniquePtr<Device> openDevice(SHADER_LANGUAGE language = SHADER_LANGUAGE::GLSL) {
@@ -66,7 +68,8 @@ inline ovMemory::UniquePtr<GpuSampler> makeSampler(Device& device, const Sampler
     return sampler;
 }
 
-inline ovMemory::UniquePtr<GpuTarget> makeTarget(Device& device, const ovMemory::Buffer<TargetAttachment>& colours,
+inline ovMemory::UniquePtr<GpuTarget> makeTarget(Device& device,
+                                                 const ovMemory::Buffer<TargetAttachment>& colours,
                                                  const TargetAttachment& depth = {}) {
     ovMemory::String error;
     auto target = device.createTarget({colours, depth}, error);
@@ -84,8 +87,8 @@ void main() { uv = coordinates; gl_Position = position; }
 
 /// A pixel stage with the input `uv` and the output `colour`; declarations stand before main.
 inline ovMemory::String pixelText(const ovMemory::String& body, const ovMemory::String& declarations = {}) {
-    return "#version 450\nlayout(location = 0) in vec2 uv;\nlayout(location = 0) out vec4 colour;\n" + declarations +
-           "\nvoid main() { " + body + " }\n";
+    return "#version 450\nlayout(location = 0) in vec2 uv;\nlayout(location = 0) out vec4 colour;\n" +
+           declarations + "\nvoid main() { " + body + " }\n";
 }
 
 inline ovMemory::UniquePtr<GpuProgram> makeProgram(Device& device, const ovMemory::String& pixel,
@@ -113,7 +116,8 @@ inline DepthStencilStateDesc noDepth() {
 }
 
 /// Draws the quad over a whole texture, with no depth test.
-inline void drawOver(Device& device, GpuTexture& texture, GpuProgram& program, const BlendStateDesc& blend = {}) {
+inline void drawOver(Device& device, GpuTexture& texture, GpuProgram& program,
+                     const BlendStateDesc& blend = {}) {
     const auto target = makeTarget(device, {{&texture, 0, 0}});
     device.setTarget(*target, {0, 0, texture.getDesc().width, texture.getDesc().height});
     device.setProgram(program);
@@ -135,7 +139,8 @@ inline ovMemory::Buffer<float> readFloats(Device& device, GpuTexture& texture, u
 }
 
 /// The four values of a texel of an R32G32B32A32_FLOAT texture of this width.
-inline Colour texelOf(const ovMemory::Buffer<float>& values, unsigned int width, unsigned int x, unsigned int y) {
+inline Colour texelOf(const ovMemory::Buffer<float>& values, unsigned int width, unsigned int x,
+                      unsigned int y) {
     Colour texel{};
     const std::size_t at = (std::size_t{y} * width + x) * 4;
     if (at + 4 <= values.size())
@@ -145,11 +150,14 @@ inline Colour texelOf(const ovMemory::Buffer<float>& values, unsigned int width,
     return texel;
 }
 
-inline void expectColour(const Colour& actual, const Colour& expected, float tolerance, const ovMemory::String& what) {
+inline void expectColour(const Colour& actual, const Colour& expected, float tolerance,
+                         const ovMemory::String& what) {
     for (std::size_t i = 0; i < actual.size(); ++i)
         EXPECT_NEAR(actual[i], expected[i], tolerance) << what << ", component " << i;
 }
 
-inline void expectNoDriverErrors(Device& device) { EXPECT_EQ(device.takeDebugErrors(), ""); }
+inline void expectNoDriverErrors(Device& device) {
+    EXPECT_EQ(device.takeDebugErrors(), "");
+}
 
 } // namespace ovGraphics::device::testing
