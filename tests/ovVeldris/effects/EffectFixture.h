@@ -43,7 +43,8 @@ protected:
     bool initializeOwn(ovVeldris::System& system) {
         ovVeldris::Configuration configuration;
         configuration.graphicsConfiguration = HeadlessSystem::makeConfiguration(getLanguage(), &_log);
-        system.getLogManager()->setReceiver(&_log);
+        if (system.getLogManager()) // a system that was shut down has none any more
+            system.getLogManager()->setReceiver(&_log);
         return system.initialize(configuration);
     }
 
