@@ -26,7 +26,7 @@ public:
     Texture* getTarget(unsigned int index) const;
     /// A depth texture to test against and write; null for none.
     void setDepthBuffer(Texture* texture, unsigned int slice = 0, unsigned int mip = 0);
-    /// The part of the targets that is drawn to; null: all of it.
+    /// The part of the targets that is drawn to; null: all of it. Clear passes fill the whole targets anyway.
     void setViewport(Viewport* viewport);
     Viewport* getViewport() const;
 

@@ -54,7 +54,8 @@ private:
     bool _failureLogged = false;
 };
 
-/// Clears the block's targets. New: every colour target to (0, 0, 0, 0), depth to 1, stencil untouched.
+/// Clears the block's whole targets, also beyond its viewport (as in Direct3D). New: every colour target to
+/// (0, 0, 0, 0), depth to 1, stencil untouched.
 class OV_API ClearPass : public CompositorPass {
 public:
     ClearPass();
