@@ -6,8 +6,6 @@ set(CMAKE_CXX_VISIBILITY_PRESET hidden)
 set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
 set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 
-# Dev: drawing on the software rasteriser is too slow to test without optimisation; assertions stay on.
-set(CMAKE_CXX_FLAGS_DEV "-O1 -g1" CACHE STRING "Flags of the Dev build type")
 mark_as_advanced(CMAKE_CXX_FLAGS_DEV)
 if(NOT CMAKE_BUILD_TYPE AND PROJECT_IS_TOP_LEVEL)
     set(CMAKE_BUILD_TYPE Dev CACHE STRING "Dev, Release, RelWithDebInfo or Debug" FORCE)

@@ -41,10 +41,10 @@ constexpr DemoPicture PICTURES[] = {
     {"texture-copy", "texture-copy"},
     {"reinhard", "tone-mapping:operator=reinhard,max-white=8,8,8"},
     {"reinhard-channels", "tone-mapping:operator=reinhard,max-white=8,8,8,use-luminance=false"},
-    {"hables",
-     "tone-mapping:operator=hables,toe-length=0.3,toe-strength=0.4,shoulder-length=0.6,shoulder-strength=3"},
-    {"hables-channels", "tone-mapping:operator=hables,toe-length=0.3,toe-strength=0.4,shoulder-length=0.6,"
-                        "shoulder-strength=3,use-luminance=false"},
+    {"hables", "tone-mapping:operator=hables,toe-length=0.3,toe-strength=0.4,shoulder-length=0.8,"
+               "shoulder-strength=3,shoulder-angle=0"},
+    {"hables-channels", "tone-mapping:operator=hables,toe-length=0.3,toe-strength=0.4,shoulder-length=0.8,"
+                        "shoulder-strength=3,shoulder-angle=0,use-luminance=false"},
     {"aces", "tone-mapping:operator=aces"},
     {"aces-bright", "tone-mapping:operator=aces,look-transform=2,0,0,0,2,0,0,0,2"},
 };
