@@ -104,7 +104,8 @@ bool System::frame(RenderContext* context) {
         return false;
     if (!_timeIsFixed)
         _advanceTime();
-    _passTimings.clear();
+    if (!_passIsMeasured)
+        _passTimings.clear();
     _renderContexts->setActiveRenderContext(context);
 
     // Passes may run the application's code, which may erase what is drawn here.
@@ -168,15 +169,17 @@ ovMemory::StringView System::getPassTimingMethod() const {
 }
 
 void System::runPass(CompositorPass& pass, const PassExecution& execution) {
-    if (!_passTimingEnabled) {
+    if (!_passTimingEnabled || _passIsMeasured) {
         _executePass(pass, execution);
         return;
     }
     if (!_passTimer)
         _passTimer = _device->createTimer();
+    _passIsMeasured = true;
     _passTimer->begin();
     _executePass(pass, execution);
     _passTimer->end();
+    _passIsMeasured = false;
     _passTimings.push_back({ovMemory::String(pass.getName()), _passTimer->getMilliseconds()});
 }
 

@@ -93,7 +93,8 @@ public:
     /// Measures each pass of every frame (which costs time itself). Default off.
     void setPassTimingEnabled(bool enabled) { _passTimingEnabled = enabled; }
     bool getPassTimingEnabled() const { return _passTimingEnabled; }
-    /// The passes of the last frame in order; empty unless timing is enabled.
+    /// The passes of the last frame in order; empty unless timing is enabled. A frame that a pass draws
+    /// counts to that pass.
     const ovMemory::Buffer<PassTiming>& getPassTimings() const { return _passTimings; }
     /// "timer queries" on hardware; "wall clock" on a software device, where queries cover the submission
     /// only.
@@ -135,6 +136,7 @@ private:
     double _lastFrameSeconds = 0.0; ///< since initialize()
     bool _timeIsFixed = false;
     bool _passTimingEnabled = false;
+    bool _passIsMeasured = false; ///< a pass is running under the timer
     ovMemory::Buffer<PassTiming> _passTimings;
     ovMemory::UniquePtr<device::GpuTimer> _passTimer;
 

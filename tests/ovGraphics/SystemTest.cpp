@@ -255,6 +255,16 @@ TEST_P(SystemTest, passTimesOnRequest) {
         EXPECT_GT(timings[1].milliseconds, 0.0);
         EXPECT_LT(timings[1].milliseconds, 60000.0);
     }
+    block->insertPass(1, std::make_unique<CodePass>([&] { // a frame within the frame counts to its pass
+                          Canvas inner(getGraphics(), target.get());
+                          inner.addBlock()->appendClearPass();
+                          return inner.frame();
+                      }));
+    ASSERT_TRUE(canvas.frame());
+    ASSERT_EQ(getGraphics().getPassTimings().size(), 3u);
+    EXPECT_EQ(getGraphics().getPassTimings()[0].name, "clear");
+    EXPECT_EQ(getGraphics().getPassTimings()[1].name, "code");
+    EXPECT_EQ(getGraphics().getPassTimings()[2].name, "MY_PASS");
     EXPECT_EQ(getGraphics().getPassTimingMethod(), "wall clock"); // of a software device
     getGraphics().setPassTimingEnabled(false);
     ASSERT_TRUE(canvas.frame());
