@@ -1,0 +1,192 @@
+#include <chrono>
+#include <csignal>
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
+#include <ovGraphics/device/DeviceTesting.h>
+#include <support/TemporaryFolder.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <utility>
+
+namespace ovGraphics::device::testing {
+
+namespace {
+
+/// A virtual display of its own, ended with the object.
+class VirtualDisplay {
+public:
+    VirtualDisplay() {
+        int channel[2];
+        if (pipe(channel) != 0)
+            return;
+        _process = fork();
+        if (_process == 0) {
+            close(channel[0]);
+            // The server chooses a free number and writes it to the channel once it is ready.
+            const ovMemory::String number = std::to_string(channel[1]);
+            execlp("Xvfb", "Xvfb", "-displayfd", number.c_str(), "-screen", "0", "640x480x24", "-nolisten",
+                   "tcp", "-fbdir", _folder.getPath().c_str(), nullptr);
+            _exit(NOT_FOUND);
+        }
+        close(channel[1]);
+        char letter = 0; // the server writes the line end apart from the number
+        while (read(channel[0], &letter, 1) == 1 && letter != '\n')
+            _number += letter;
+        close(channel[0]);
+        if (!_number.empty())
+            return;
+        int status = 0;
+        waitpid(std::exchange(_process, -1), &status, 0);
+        _installed = !WIFEXITED(status) || WEXITSTATUS(status) != NOT_FOUND;
+    }
+    VirtualDisplay(const VirtualDisplay&) = delete;
+    VirtualDisplay& operator=(const VirtualDisplay&) = delete;
+    ~VirtualDisplay() {
+        if (_process <= 0)
+            return;
+        kill(_process, SIGTERM);
+        waitpid(_process, nullptr, 0);
+    }
+
+    bool isInstalled() const { return _installed; }
+    ovMemory::String getName() const { return _number.empty() ? "" : ":" + _number; }
+
+    /// Red, green and blue of the screen. Xvfb keeps it in a file in the form of an X window dump: words of
+    /// 32 bits, the highest byte first, then colours, then rows of 32-bit pixels with blue in the first byte.
+    Bytes readPixel(unsigned int x, unsigned int y) const {
+        constexpr std::size_t HEADER_SIZE = 0;
+        constexpr std::size_t BYTES_PER_LINE = 12;
+        constexpr std::size_t COLOUR_COUNT = 19;
+        constexpr std::size_t COLOUR_SIZE = 12;
+        std::ifstream file(_folder.getPath() + "/Xvfb_screen0", std::ios::binary);
+        const Bytes dump{std::istreambuf_iterator<char>(file), {}};
+        const auto word = [&dump](std::size_t index) {
+            std::size_t value = 0;
+            for (std::size_t i = index * 4; i < index * 4 + 4 && i < dump.size(); ++i)
+                value = value * 256 + dump[i];
+            return value;
+        };
+        const std::size_t at = word(HEADER_SIZE) + word(COLOUR_COUNT) * COLOUR_SIZE +
+                               y * word(BYTES_PER_LINE) + std::size_t{x} * 4;
+        return at + 3 < dump.size() ? Bytes{dump[at + 2], dump[at + 1], dump[at]} : Bytes{};
+    }
+
+private:
+    static constexpr int NOT_FOUND = 127;
+    TemporaryFolder _folder;
+    pid_t _process = -1;
+    bool _installed = true;
+    ovMemory::String _number;
+};
+
+DeviceRequest windowRequest(unsigned int width, unsigned int height) {
+    DeviceRequest request;
+    request.windowed = true;
+    request.debugOutput = true;
+    request.windowWidth = width;
+    request.windowHeight = height;
+    request.windowTitle = "test";
+    return request;
+}
+
+/// Waits until the screen shows a colour at a place; the window stands in its top left corner. The server
+/// draws when it gets to it, so what it shows is asked again and again for a while.
+void expectShown(Device& device, const VirtualDisplay& display, unsigned int x, unsigned int y,
+                 const Bytes& expected) {
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+    Bytes shown;
+    do {
+        device.pollWindowEvents();
+        shown = display.readPixel(x, y);
+    } while (shown != expected && std::chrono::steady_clock::now() < deadline);
+    EXPECT_EQ(shown, expected) << x << ", " << y;
+}
+
+} // namespace
+
+TEST(GlWindow, showsTheTopRowAtTheTop) {
+    const VirtualDisplay display;
+    if (!display.isInstalled())
+        GTEST_SKIP() << "Xvfb is not installed";
+    ASSERT_NE(display.getName(), "") << "Xvfb did not start";
+    setenv("DISPLAY", display.getName().c_str(), 1);
+    unsetenv("WAYLAND_DISPLAY");
+    for (const SHADER_LANGUAGE language : BOTH_LANGUAGES) {
+        DeviceRequest request = windowRequest(64, 48);
+        request.language = language;
+        ovMemory::String error;
+        const auto device = createDevice(request, error);
+        ASSERT_TRUE(device) << error;
+        EXPECT_FALSE(device->getInfo().headless);
+        unsigned int width = 0;
+        unsigned int height = 0;
+        device->getWindowSize(width, height);
+        EXPECT_EQ(width, 64u);
+        EXPECT_EQ(height, 48u);
+        for (const bool gammaCorrected : {false, true}) {
+            TextureDesc desc = flat(FORMAT::R8G8B8A8_UNORM, 2, 2);
+            desc.gammaCorrected = gammaCorrected;
+            const auto texture = makeTexture(*device, desc);
+            // Red and green above blue and a grey that would change if it were decoded.
+            const Bytes texels = {255, 0, 0, 255, 0, 255, 0, 255, 0, 0, 255, 255, 100, 100, 100, 255};
+            device->uploadTexture(*texture, 0, 0, texels, 0);
+            device->present(*texture);
+            expectShown(*device, display, 2, 2, Bytes{255, 0, 0});
+            expectShown(*device, display, 61, 2, Bytes{0, 255, 0});
+            expectShown(*device, display, 2, 45, Bytes{0, 0, 255});
+            expectShown(*device, display, 61, 45, Bytes{100, 100, 100});
+        }
+        EXPECT_FALSE(device->windowShouldClose());
+        // A window's device draws as a headless one does.
+        const auto texture = makeTexture(*device, flat(FORMAT::R32G32B32A32_FLOAT, 1, 2));
+        drawOver(*device, *texture, *makeProgram(*device, pixelText("colour = vec4(uv, 0.0, 1.0);")));
+        EXPECT_EQ(readFloats(*device, *texture)[1], 0.25f) << nameOf(language);
+        expectNoDriverErrors(*device);
+    }
+}
+
+TEST(GlWindow, windowsAndHeadlessDevicesTakeTurns) {
+    const VirtualDisplay display;
+    if (!display.isInstalled())
+        GTEST_SKIP() << "Xvfb is not installed";
+    ASSERT_NE(display.getName(), "") << "Xvfb did not start";
+    setenv("DISPLAY", display.getName().c_str(), 1);
+    unsetenv("WAYLAND_DISPLAY");
+    const auto headless = openDevice();
+    ovMemory::String error;
+    auto first = createDevice(windowRequest(32, 32), error);
+    ASSERT_TRUE(first) << error;
+    const auto second = createDevice(windowRequest(16, 16), error);
+    ASSERT_TRUE(second) << error;
+    const auto texture = makeTexture(*headless, flat(FORMAT::R8G8B8A8_UNORM, 1, 1));
+    const auto shown = makeTexture(*second, flat(FORMAT::R8G8B8A8_UNORM, 1, 1));
+    headless->uploadTexture(*texture, 0, 0, Bytes{1, 2, 3, 4}, 0);
+    second->uploadTexture(*shown, 0, 0, Bytes{5, 6, 7, 8}, 0);
+    first->finish();
+    first.reset();
+    EXPECT_EQ(readBytes(*headless, *texture), (Bytes{1, 2, 3, 4}));
+    EXPECT_EQ(readBytes(*second, *shown), (Bytes{5, 6, 7, 8}));
+    second->present(*shown);
+    expectShown(*second, display, 8, 8, Bytes{5, 6, 7});
+    expectNoDriverErrors(*headless);
+    expectNoDriverErrors(*second);
+}
+
+TEST(GlWindow, noDisplayIsToldWithWhatToDo) {
+    unsetenv("DISPLAY");
+    unsetenv("WAYLAND_DISPLAY");
+    ovMemory::String error;
+    EXPECT_FALSE(createDevice(windowRequest(32, 32), error));
+    EXPECT_EQ(error.find("No window system could be reached: "), 0u) << error;
+    EXPECT_NE(error.find("or draw without a window."), error.npos) << error;
+    EXPECT_FALSE(createDevice(windowRequest(0, 32), error));
+    EXPECT_EQ(error, "A window of 0x32 pixels cannot be opened: each side must be 1 to 32767.");
+    EXPECT_FALSE(createDevice(windowRequest(32, 4000000000u), error));
+    EXPECT_EQ(error, "A window of 32x4000000000 pixels cannot be opened: each side must be 1 to 32767.");
+    // A headless device needs none of it.
+    const auto device = openDevice();
+    EXPECT_TRUE(device);
+}
+
+} // namespace ovGraphics::device::testing
