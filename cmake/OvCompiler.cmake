@@ -13,7 +13,9 @@ endif()
 
 find_program(OV_CCACHE ccache)
 if(OV_CCACHE AND PROJECT_IS_TOP_LEVEL)
-    set(CMAKE_CXX_COMPILER_LAUNCHER "${OV_CCACHE}")
+    # Paths relative to the tree, so that every clone of it shares what was compiled in another.
+    set(CMAKE_CXX_COMPILER_LAUNCHER ${CMAKE_COMMAND} -E env "CCACHE_BASEDIR=${PROJECT_SOURCE_DIR}"
+        CCACHE_NOHASHDIR=true "${OV_CCACHE}")
 endif()
 
 add_library(ovCompilerSettings INTERFACE)
