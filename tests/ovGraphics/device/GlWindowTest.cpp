@@ -112,6 +112,9 @@ TEST(GlWindow, showsTheTopRowAtTheTop) {
     ASSERT_NE(display.getName(), "") << "Xvfb did not start";
     setenv("DISPLAY", display.getName().c_str(), 1);
     unsetenv("WAYLAND_DISPLAY");
+    // The last window unloads the driver, whose own 56 lost bytes the leak checker could then put no name to:
+    // this device keeps it loaded.
+    const auto keepsDriver = openDevice();
     for (const SHADER_LANGUAGE language : BOTH_LANGUAGES) {
         DeviceRequest request = windowRequest(64, 48);
         request.language = language;
