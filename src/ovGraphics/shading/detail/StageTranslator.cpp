@@ -103,11 +103,12 @@ struct StageTranslator::Implementation {
     bool reflectBlock(const spvc_reflected_resource& resource, StageBlock& block);
     unsigned int getStd140Offset(spvc_type structType, unsigned int index);
     String describeMember(spvc_type structType, unsigned int index);
-    bool reflectPairs(Buffer<StageTexturePair>& pairs);
+    bool reflectPairs(const Buffer<std::uint32_t>& spirv, Buffer<StageTexturePair>& pairs);
+    bool buildPairs(spvc_variable_id& dummySampler);
     bool reflectCombinedTextures(Buffer<StageTexturePair>& pairs);
     bool reflectTextureType(spvc_variable_id id, TextureUnitInfo& info);
     bool readSlot(spvc_variable_id id, StringView kind, unsigned int& slot);
-    bool findComparisons(Buffer<StageTexturePair>& pairs);
+    bool findComparisons(const Buffer<std::uint32_t>& spirv, Buffer<StageTexturePair>& pairs);
     void decorate(const StageInterface& interface);
 
     SHADER_LANGUAGE language = SHADER_LANGUAGE::GLSL;
@@ -379,17 +380,22 @@ bool StageTranslator::Implementation::reflectCombinedTextures(Buffer<StageTextur
     return true;
 }
 
-bool StageTranslator::Implementation::reflectPairs(Buffer<StageTexturePair>& pairs) {
+bool StageTranslator::Implementation::buildPairs(spvc_variable_id& dummySampler) {
     // The dummy sampler stands in for texel fetches and must exist before the pairs are built.
+    return (spvc_compiler_build_dummy_sampler_for_combined_images(compiler, &dummySampler) == SPVC_SUCCESS &&
+            spvc_compiler_build_combined_image_samplers(compiler) == SPVC_SUCCESS) ||
+           failTranslator();
+}
+
+bool StageTranslator::Implementation::reflectPairs(const Buffer<std::uint32_t>& spirv,
+                                                   Buffer<StageTexturePair>& pairs) {
     spvc_variable_id dummySampler = 0;
     const spvc_combined_image_sampler* combined = nullptr;
     std::size_t count = 0;
-    if (!reflectCombinedTextures(pairs)) {
+    if (!reflectCombinedTextures(pairs) || !buildPairs(dummySampler)) {
         return false;
     }
-    if (spvc_compiler_build_dummy_sampler_for_combined_images(compiler, &dummySampler) != SPVC_SUCCESS ||
-        spvc_compiler_build_combined_image_samplers(compiler) != SPVC_SUCCESS ||
-        spvc_compiler_get_combined_image_samplers(compiler, &combined, &count) != SPVC_SUCCESS) {
+    if (spvc_compiler_get_combined_image_samplers(compiler, &combined, &count) != SPVC_SUCCESS) {
         return failTranslator();
     }
     for (std::size_t i = 0; i < count; ++i) {
@@ -408,21 +414,30 @@ bool StageTranslator::Implementation::reflectPairs(Buffer<StageTexturePair>& pai
             return false;
         }
     }
-    return findComparisons(pairs);
+    return findComparisons(spirv, pairs);
 }
 
-/// Only the translator's own pass over the text tells which pairs compare, so it runs once before the real
-/// pass.
-bool StageTranslator::Implementation::findComparisons(Buffer<StageTexturePair>& pairs) {
+/// Only the translator's own pass over the text tells which pairs compare. A second pass of one translator
+/// repeats what the first declared (the variables of loops), so another translator makes this one; it gives
+/// the same ids.
+bool StageTranslator::Implementation::findComparisons(const Buffer<std::uint32_t>& spirv,
+                                                      Buffer<StageTexturePair>& pairs) {
     if (pairs.empty()) {
         return true;
     }
-    const char* ignored = nullptr;
-    if (spvc_compiler_compile(compiler, &ignored) != SPVC_SUCCESS) {
-        return failTranslator();
+    Implementation scout;
+    spvc_variable_id ignoredSampler = 0;
+    const char* ignoredText = nullptr;
+    if (!scout.open(spirv) || !scout.buildPairs(ignoredSampler)) {
+        return fail(scout.error);
+    }
+    if (spvc_compiler_compile(scout.compiler, &ignoredText) != SPVC_SUCCESS) {
+        scout.failTranslator();
+        return fail(scout.error);
     }
     for (StageTexturePair& pair : pairs) {
-        pair.info.comparison = spvc_compiler_variable_is_depth_or_compare(compiler, pair.id) != SPVC_FALSE;
+        pair.info.comparison =
+            spvc_compiler_variable_is_depth_or_compare(scout.compiler, pair.id) != SPVC_FALSE;
         pair.info.stages = 1u << static_cast<unsigned int>(stage);
     }
     return true;
@@ -464,7 +479,7 @@ bool StageTranslator::reflect(SHADER_LANGUAGE language, STAGE stage, const Buffe
     return self.open(spirv) && self.refuseForbidden() &&
            self.reflectVariables(SPVC_RESOURCE_TYPE_STAGE_INPUT, interface.inputs) &&
            self.reflectVariables(SPVC_RESOURCE_TYPE_STAGE_OUTPUT, interface.outputs) &&
-           self.reflectBlocks(interface.blocks) && self.reflectPairs(interface.pairs);
+           self.reflectBlocks(interface.blocks) && self.reflectPairs(spirv, interface.pairs);
 }
 
 bool StageTranslator::translate(const StageInterface& interface, String& text) {
