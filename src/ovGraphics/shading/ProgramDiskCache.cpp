@@ -50,6 +50,9 @@ UniquePtr<CachedProgram> ProgramDiskCache::load(const ProgramText& text) const {
 }
 
 bool ProgramDiskCache::store(const ProgramText& text, const CachedProgram& program, String* error) const {
+    if (error) {
+        error->clear();
+    }
     if (_folder.empty()) {
         return true;
     }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <ovCommon/Api.h>
 #include <ovGraphics/shading/CompiledProgram.h>
 
 namespace ovGraphics::shading::detail {
@@ -17,9 +18,9 @@ struct FrontEndResult {
 };
 
 /// Compiles the full text of one stage. Safe to call from several threads.
-FrontEndResult compileToSpirv(SHADER_LANGUAGE language, STAGE stage, const ovMemory::String& fullText);
+OV_API FrontEndResult compileToSpirv(SHADER_LANGUAGE language, STAGE stage, const ovMemory::String& fullText);
 
 /// Name and version of the front ends.
-ovMemory::String getFrontEndVersion();
+OV_API ovMemory::String getFrontEndVersion();
 
 } // namespace ovGraphics::shading::detail

@@ -20,10 +20,20 @@ SpvOp getOperation(Instruction instruction) {
     return static_cast<SpvOp>(instruction[0] & SpvOpCodeMask);
 }
 
+/// The words that the pass reads of an instruction.
+std::size_t getLeastWords(SpvOp operation) {
+    const bool takesThree = operation == SpvOpTypePointer || operation == SpvOpVariable ||
+                            operation == SpvOpLoad || operation == SpvOpFunctionCall;
+    return takesThree ? 4 : (operation == SpvOpStore ? 3 : 2);
+}
+
 class OpaqueParameterPass {
 public:
     /// @return whether the instruction stays
     bool visit(Instruction instruction) {
+        if (instruction.size() < getLeastWords(getOperation(instruction))) {
+            return true; // not SPIR-V; the translator says so
+        }
         switch (getOperation(instruction)) {
         case SpvOpTypeImage:
         case SpvOpTypeSampler:

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <ovCommon/Api.h>
 #include <ovMemory/Memory.h>
 
 namespace ovGraphics::shading::detail {
@@ -10,6 +11,6 @@ namespace ovGraphics::shading::detail {
 /// translator cannot trace back to the declared resource. This takes the copies out, so that calls pass the
 /// declared resource itself, as the GLSL front end does. Text without such calls is left as it is.
 /// @return false when a local texture or sampler is assigned more than once: it stands for no single resource
-bool passOpaqueParametersDirectly(ovMemory::Buffer<std::uint32_t>& spirv);
+OV_API bool passOpaqueParametersDirectly(ovMemory::Buffer<std::uint32_t>& spirv);
 
 } // namespace ovGraphics::shading::detail

@@ -1,6 +1,7 @@
 // Joins the two stages of a program by the names of what they exchange.
 #pragma once
 
+#include <ovCommon/Api.h>
 #include <ovGraphics/shading/detail/StageInterface.h>
 
 namespace ovGraphics::shading::detail {
@@ -16,6 +17,6 @@ struct JoinError {
 ///
 /// Attributes: POSITION 0, NORMAL 1, TEXCOORD 2, TANGENT 3, BINORMAL 4; other names from 5 on in alphabetical
 /// order. Units: by texture slot, then sampler slot.
-JoinError joinStages(StageInterface& vertex, StageInterface& pixel, CompiledProgram& program);
+OV_API JoinError joinStages(StageInterface& vertex, StageInterface& pixel, CompiledProgram& program);
 
 } // namespace ovGraphics::shading::detail

@@ -2,13 +2,14 @@
 #pragma once
 
 #include <cstdint>
+#include <ovCommon/Api.h>
 #include <ovGraphics/shading/detail/StageInterface.h>
 
 namespace ovGraphics::shading::detail {
 
 /// One stage between the front end and the device's language: reflect, let the caller choose locations and
 /// units in the interface, translate.
-class StageTranslator {
+class OV_API StageTranslator {
 public:
     StageTranslator();
     StageTranslator(const StageTranslator&) = delete;
@@ -33,6 +34,6 @@ private:
 };
 
 /// Name and version of the translator.
-ovMemory::String getTranslatorVersion();
+OV_API ovMemory::String getTranslatorVersion();
 
 } // namespace ovGraphics::shading::detail
