@@ -1,4 +1,5 @@
-// The small set of operations that the graphics library asks of a graphics API. Only this folder knows the API.
+// The small set of operations that the graphics library asks of a graphics API. Only this folder knows the
+// API.
 #pragma once
 
 #include <array>
@@ -17,14 +18,14 @@ struct DeviceInfo {
     ovMemory::String vendor;
     ovMemory::String renderer;
     ovMemory::String version;
-    bool software = false;             ///< draws on the CPU: timer queries say little there
-    bool headless = false;             ///< no window system behind it
-    unsigned int maxTextureSize = 0;   ///< texels a side of a 2D texture
-    unsigned int maxCubeSize = 0;      ///< texels a side of a cube face
+    bool software = false;           ///< draws on the CPU: timer queries say little there
+    bool headless = false;           ///< no window system behind it
+    unsigned int maxTextureSize = 0; ///< texels a side of a 2D texture
+    unsigned int maxCubeSize = 0;    ///< texels a side of a cube face
     unsigned int maxArraySlices = 0;
     unsigned int maxSamples = 0;
     unsigned int maxColourTargets = 0;
-    unsigned int maxTextureUnits = 0;  ///< of both stages together
+    unsigned int maxTextureUnits = 0;       ///< of both stages together
     unsigned int maxConstantBufferSize = 0; ///< bytes
     float maxAnisotropy = 1.0f;
 };
@@ -37,7 +38,7 @@ struct TextureDesc {
     unsigned int height = 1;     ///< texels
     unsigned int slices = 1;     ///< array slices, 6 for a cube
     unsigned int mips = 1;
-    unsigned int samples = 1;    ///< above 1: multisampled, drawn to and resolved, never uploaded
+    unsigned int samples = 1; ///< above 1: multisampled, drawn to and resolved, never uploaded
     bool operator==(const TextureDesc&) const = default;
 };
 
@@ -54,7 +55,8 @@ struct SamplerDesc {
     COMPARISON comparison = COMPARISON::NEVER; ///< used by the COMPARISON filters only
 };
 
-/// Objects that live on the device; destroying one frees it there. All of them must be gone before their device.
+/// Objects that live on the device; destroying one frees it there. All of them must be gone before their
+/// device.
 class OV_API GpuTexture {
 public:
     virtual ~GpuTexture();
@@ -132,7 +134,7 @@ struct Rectangle {
 /// Counters of the calls that reached the API, to see that state filtering works.
 struct DeviceStatistics {
     uint64_t drawCalls = 0;
-    uint64_t stateChanges = 0;     ///< API calls that changed a state, draws, clears and uploads not counted
+    uint64_t stateChanges = 0; ///< API calls that changed a state, draws, clears and uploads not counted
     uint64_t bufferUploads = 0;
     uint64_t programsCompiled = 0; ///< programs that the driver compiled from text
     uint64_t programsFromBinary = 0;
@@ -141,18 +143,18 @@ struct DeviceStatistics {
 /// What a device is asked for.
 struct DeviceRequest {
     SHADER_LANGUAGE language = SHADER_LANGUAGE::GLSL; ///< decides the clip rules
-    bool software = false;     ///< take the software rasteriser even when there is a GPU
-    int index = -1;            ///< which of the EGL devices; -1: hardware first, then software
-    bool debugOutput = false;  ///< ask the driver to report errors
-    bool windowed = false;     ///< a window with its own context instead of a headless one
+    bool software = false;    ///< take the software rasteriser even when there is a GPU
+    int index = -1;           ///< which of the EGL devices; -1: hardware first, then software
+    bool debugOutput = false; ///< ask the driver to report errors
+    bool windowed = false;    ///< a window with its own context instead of a headless one
     unsigned int windowWidth = 1280;
     unsigned int windowHeight = 720;
     ovMemory::String windowTitle;
 };
 
-/// A graphics device. Textures hold their top row first, and every rectangle counts from the top left, in both
-/// languages. Not thread-safe; every call happens on the thread that created it. Calls of several devices may be
-/// mixed: each makes itself current.
+/// A graphics device. Textures hold their top row first, and every rectangle counts from the top left, in
+/// both languages. Not thread-safe; every call happens on the thread that created it. Calls of several
+/// devices may be mixed: each makes itself current.
 class OV_API Device {
 public:
     virtual ~Device();
@@ -167,29 +169,34 @@ public:
     // Each create operation returns null and the reason in error when the device refuses.
     virtual ovMemory::UniquePtr<GpuTexture> createTexture(const TextureDesc&, ovMemory::String& error) = 0;
     virtual ovMemory::UniquePtr<GpuSampler> createSampler(const SamplerDesc&, ovMemory::String& error) = 0;
-    virtual ovMemory::UniquePtr<GpuBuffer> createBuffer(unsigned int size, BUFFER_USAGE, ovMemory::String& error) = 0;
+    virtual ovMemory::UniquePtr<GpuBuffer> createBuffer(unsigned int size, BUFFER_USAGE,
+                                                        ovMemory::String& error) = 0;
     virtual ovMemory::UniquePtr<GpuTarget> createTarget(const TargetDesc&, ovMemory::String& error) = 0;
     /// Compiles and links the texts, or loads the driver's binary when one is given and still accepted.
     virtual ovMemory::UniquePtr<GpuProgram> createProgram(const shading::CompiledProgram&,
                                                           ovMemory::BufferView<const unsigned char> binary,
-                                                          unsigned int binaryFormat, ovMemory::String& error) = 0;
+                                                          unsigned int binaryFormat,
+                                                          ovMemory::String& error) = 0;
     /// The driver's binary of a program. @return false when the driver offers none.
-    virtual bool getProgramBinary(const GpuProgram&, ovMemory::Buffer<unsigned char>& binary, unsigned int& format) = 0;
+    virtual bool getProgramBinary(const GpuProgram&, ovMemory::Buffer<unsigned char>& binary,
+                                  unsigned int& format) = 0;
     virtual ovMemory::UniquePtr<GpuTimer> createTimer() = 0;
 
-    /// Writes one mip of one slice. rowPitch is the bytes from one row (of blocks, for compressed formats) of data
-    /// to the next; 0 means tight.
+    /// Writes one mip of one slice. rowPitch is the bytes from one row (of blocks, for compressed formats) of
+    /// data to the next; 0 means tight.
     virtual void uploadTexture(GpuTexture&, unsigned int slice, unsigned int mip,
                                ovMemory::BufferView<const unsigned char> data, unsigned int rowPitch) = 0;
     /// Reads one mip of one slice back in the texture's own format, rows tight. @return false when the device
     /// cannot read the format.
-    virtual bool readTexture(GpuTexture&, unsigned int slice, unsigned int mip, ovMemory::Buffer<unsigned char>& data) = 0;
+    virtual bool readTexture(GpuTexture&, unsigned int slice, unsigned int mip,
+                             ovMemory::Buffer<unsigned char>& data) = 0;
     /// Fills every mip below the first of every slice from the first.
     virtual void generateMips(GpuTexture&) = 0;
     /// Copies one mip of one slice to another texture of the same size and format.
-    virtual void copyTexture(GpuTexture& source, unsigned int sourceSlice, unsigned int sourceMip, GpuTexture& target,
-                             unsigned int targetSlice, unsigned int targetMip) = 0;
-    virtual void updateBuffer(GpuBuffer&, unsigned int offset, ovMemory::BufferView<const unsigned char> data) = 0;
+    virtual void copyTexture(GpuTexture& source, unsigned int sourceSlice, unsigned int sourceMip,
+                             GpuTexture& target, unsigned int targetSlice, unsigned int targetMip) = 0;
+    virtual void updateBuffer(GpuBuffer&, unsigned int offset,
+                              ovMemory::BufferView<const unsigned char> data) = 0;
 
     // Drawing. State that is set again unchanged costs no API call.
     virtual void setTarget(GpuTarget&, const Rectangle& viewport) = 0;
@@ -200,10 +207,12 @@ public:
     virtual void setRasterState(const RasterStateDesc&) = 0;
     virtual void setDepthStencilState(const DepthStencilStateDesc&) = 0;
     /// A null texture reads as opaque black; a null sampler reads single texels (point, clamp).
-    virtual void setTextureUnit(unsigned int unit, GpuTexture*, GpuSampler*, TEXTURE_TYPE expected, bool array) = 0;
+    virtual void setTextureUnit(unsigned int unit, GpuTexture*, GpuSampler*, TEXTURE_TYPE expected,
+                                bool array) = 0;
     virtual void setConstantBuffer(unsigned int slot, GpuBuffer*) = 0;
-    /// Draws the full-screen quad: a strip of four vertices with POSITION (float4) and TEXCOORD (float2), in the
-    /// order of texture coordinates (0, 0), (1, 0), (0, 1), (1, 1), placed as the language's clip rules want.
+    /// Draws the full-screen quad: a strip of four vertices with POSITION (float4) and TEXCOORD (float2), in
+    /// the order of texture coordinates (0, 0), (1, 0), (0, 1), (1, 1), placed as the language's clip rules
+    /// want.
     virtual void drawFullScreenQuad() = 0;
 
     /// Waits until everything asked for so far is done.
@@ -218,7 +227,8 @@ public:
     virtual bool windowShouldClose() const = 0;
     virtual void getWindowSize(unsigned int& width, unsigned int& height) const = 0;
 
-    /// Error messages that the driver has reported since the last call, joined by line ends; needs debugOutput.
+    /// Error messages that the driver has reported since the last call, joined by line ends; needs
+    /// debugOutput.
     virtual ovMemory::String takeDebugErrors() = 0;
 };
 

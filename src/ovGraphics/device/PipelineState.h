@@ -33,7 +33,7 @@ struct RasterStateDesc {
     FILL_MODE fill = FILL_MODE::SOLID;
     CULL_MODE cull = CULL_MODE::BACK;
     bool frontCounterClockwise = false;
-    float depthBias = 0.0f;            ///< in units of the depth buffer's resolution
+    float depthBias = 0.0f; ///< in units of the depth buffer's resolution
     float slopeScaledDepthBias = 0.0f;
     bool depthClip = true;
     bool operator==(const RasterStateDesc&) const = default;
