@@ -250,7 +250,7 @@ TEST(FilesTest, AFailureInTheMiddleLeavesTheOldFile) {
     EXPECT_EQ(countEntries(folder.getPath()), 1u);
 }
 
-TEST(FilesTest, ReadersBesideWritersSeeWholeFilesOnly) {
+TEST(FilesTest, ThreadsThatReadBesideWritersSeeWholeFilesOnly) {
     const TemporaryFolder folder;
     const String path = folder.getPath("file");
     const std::size_t size = 200000;
