@@ -178,8 +178,10 @@ ovImages::Image drawDemoScene(unsigned int width, unsigned int height) {
         for (unsigned int column = 0; column < width; ++column) {
             Vec sum;
             for (int sample = 0; sample < SAMPLES * SAMPLES; ++sample) {
-                const double u = (column + (sample % SAMPLES + 0.5) / SAMPLES) / width;
-                const double v = (row + (sample / SAMPLES + 0.5) / SAMPLES) / height;
+                const int across = sample % SAMPLES;
+                const int down = sample / SAMPLES;
+                const double u = (column + (across + 0.5) / SAMPLES) / width;
+                const double v = (row + (down + 0.5) / SAMPLES) / height;
                 sum = sum + pictureRadiance(u, v, aspect);
             }
             const Vec mean = sum * (1.0 / (SAMPLES * SAMPLES));
