@@ -328,14 +328,31 @@ TEST(CrossCompiler, StagesAreJoinedByName) {
     }
 }
 
+TEST(CrossCompiler, VariablesOfLoopsAreDeclaredOnce) {
+    const String pixel =
+        makePixelText(TEXTURE + SAMPLER, "ovFloat4 sum = ovFloat4(0.0, 0.0, 0.0, 0.0);\n"
+                                         "for (float turn = -1.5; turn <= 1.5; turn += 1.0)\n"
+                                         "    sum += ovSampleLevel(image, state, PIX_TEXCOORD * turn, 0.0);\n"
+                                         "ovReturn(sum);");
+    for (const SHADER_LANGUAGE language : BOTH_LANGUAGES) {
+        const String text = compileOrFail(makeProgram(language, QUAD_VERTEX, pixel)).pixelText;
+        const std::size_t first = text.find("float turn");
+        EXPECT_NE(first, String::npos) << text;
+        EXPECT_EQ(text.find("float turn", first + 1), String::npos) << text;
+    }
+}
+
 TEST(CrossCompiler, SlotsAreSharedByBothStages) {
     const String buffer = "ovConstantBufferDecl(Shared, 2) { ovFloat4 offset; ovFloat4x4 matrix4; };\n";
     const String use = "ovTexture2dDecl(image, 1);\novSamplerDecl(state, 1);\n";
     const String vertex = buffer + use + R"(
 #ifdef OV_HLSL
-float4 main(float4 position : POSITION, out float2 uvs : PIX_TEXCOORD) : SV_POSITION {
-    uvs = position.xy;
-    return ovMul(matrix4, position) + ovSampleLevel(image, state, uvs, 0.0);
+struct PixelInput { float4 position : SV_POSITION; float2 uvs : PIX_TEXCOORD; };
+PixelInput main(float4 position : POSITION) {
+    PixelInput result;
+    result.uvs = position.xy;
+    result.position = ovMul(matrix4, position) + ovSampleLevel(image, state, result.uvs, 0.0);
+    return result;
 }
 #else
 in vec4 POSITION;
