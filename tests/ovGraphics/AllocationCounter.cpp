@@ -6,9 +6,13 @@ namespace {
 
 thread_local std::size_t allocationCount = 0;
 
-void* allocate(std::size_t size) {
+void* allocate(std::size_t size) noexcept {
     ++allocationCount;
-    if (void* memory = std::malloc(size > 0 ? size : 1))
+    return std::malloc(size > 0 ? size : 1);
+}
+
+void* allocateOrThrow(std::size_t size) {
+    if (void* memory = allocate(size))
         return memory;
     throw std::bad_alloc();
 }
@@ -19,18 +23,31 @@ std::size_t getAllocationCount() {
     return allocationCount;
 }
 
-// Replaces the library's for the whole program, shared libraries included; the forms that are not here call
-// these.
+// Replaces the library's for the whole program, shared libraries included. All forms but those for types of
+// extended alignment, which come in pairs of their own: the address sanitizer has forms too, and its and
+// these must not mix.
 void* operator new(std::size_t size) {
-    return allocate(size);
+    return allocateOrThrow(size);
 }
 void* operator new[](std::size_t size) {
+    return allocateOrThrow(size);
+}
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+    return allocate(size);
+}
+void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
     return allocate(size);
 }
 void operator delete(void* memory) noexcept {
     std::free(memory);
 }
 void operator delete[](void* memory) noexcept {
+    std::free(memory);
+}
+void operator delete(void* memory, const std::nothrow_t&) noexcept {
+    std::free(memory);
+}
+void operator delete[](void* memory, const std::nothrow_t&) noexcept {
     std::free(memory);
 }
 void operator delete(void* memory, std::size_t) noexcept {

@@ -4,7 +4,8 @@
 using namespace ovGraphics;
 
 TEST(BlendStateTest, newWritesWithoutBlending) {
-    const device::BlendStateDesc& desc = BlendState().getDesc();
+    const BlendState state;
+    const device::BlendStateDesc& desc = state.getDesc();
     EXPECT_EQ(desc, device::BlendStateDesc());
     EXPECT_FALSE(desc.alphaToCoverage);
     EXPECT_FALSE(desc.independentBlend);
