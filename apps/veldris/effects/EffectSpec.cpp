@@ -46,7 +46,9 @@ bool parseEffectList(StringView text, ovMemory::Buffer<EffectSpec>& effects, Str
     effects.clear();
     ovMemory::Buffer<EffectSpec> parsed;
     while (!trimmed(text).empty()) {
-        StringView piece = cutAt(text, ';');
+        StringView piece = trimmed(cutAt(text, ';'));
+        if (piece.empty())
+            continue;
         EffectSpec effect;
         effect.name = trimmed(cutAt(piece, ':'));
         if (effect.name.empty()) {

@@ -1,5 +1,5 @@
-#include "veldris/commands/CommandTesting.h"
 #include "support/TemporaryFolder.h"
+#include "veldris/commands/CommandTesting.h"
 
 #include <algorithm>
 #include <fstream>

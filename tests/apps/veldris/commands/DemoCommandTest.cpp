@@ -1,5 +1,5 @@
-#include "veldris/commands/CommandTesting.h"
 #include "support/TemporaryFolder.h"
+#include "veldris/commands/CommandTesting.h"
 
 #include <fstream>
 #include <ovImages/CompositeEncoder.h>
@@ -17,7 +17,7 @@ TEST(DemoCommandTest, drawsAGalleryAndASecondStartCompilesNothing) {
     ASSERT_EQ(first.status, 0) << first.error;
     const auto report = parseJson(first);
     EXPECT_EQ(report["page"].GetString(), folder.getPath("gallery/index.html"));
-    EXPECT_GE(report["programsCompiled"].GetInt(), 7);
+    EXPECT_EQ(report["programsCompiled"].GetInt(), 6); // ACES draws two pictures with one program
 
     std::stringstream page;
     page << std::ifstream(folder.getPath("gallery/index.html")).rdbuf();
@@ -38,7 +38,7 @@ TEST(DemoCommandTest, drawsAGalleryAndASecondStartCompilesNothing) {
 
     const auto second = parseJson(runVeldris(arguments));
     EXPECT_EQ(second["programsCompiled"].GetInt(), 0);
-    EXPECT_GE(second["programsFromCache"].GetInt(), 7);
+    EXPECT_EQ(second["programsFromCache"].GetInt(), 6);
 }
 
 TEST(DemoCommandTest, aFolderThatCannotBeMadeFails) {

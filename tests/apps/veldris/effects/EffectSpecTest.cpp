@@ -38,7 +38,8 @@ TEST(EffectSpecTest, saysWhatIsWrong) {
         const char* error;
     } cases[] = {
         {"", "the list of effects is empty; write for example \"tone-mapping:operator=aces\"."},
-        {" ; ;", "an effect has no name before ''; write name:setting=value."},
+        {" ; ;", "the list of effects is empty; write for example \"tone-mapping:operator=aces\"."},
+        {":", "an effect has no name before ''; write name:setting=value."},
         {":x=1", "an effect has no name before 'x=1'; write name:setting=value."},
         {"a:x", "effect 'a': 'x' is no setting; write name=value."},
         {"a:=1", "effect 'a': '=1' is no setting; write name=value."},
