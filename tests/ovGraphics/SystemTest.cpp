@@ -316,7 +316,8 @@ ovSamplerDecl(state, 0);
     EXPECT_EQ(after.bufferUploads, before.bufferUploads);
     EXPECT_EQ(after.programsCompiled, before.programsCompiled);
 
-    delete new int; // the counter counts
+    int* volatile counted = new int; // volatile, or the compiler leaves the pair out
+    delete counted;
     EXPECT_GT(getAllocationCount(), allocationsBefore);
     camera->setPosition({1, 0, 0}); // one change, one upload, though three passes draw it
     ASSERT_TRUE(canvas.frame());
