@@ -22,6 +22,10 @@ add_library(ovCompilerSettings INTERFACE)
 target_compile_features(ovCompilerSettings INTERFACE cxx_std_20)
 target_compile_options(ovCompilerSettings INTERFACE -Wall -Wextra -Wshadow -Wnon-virtual-dtor -Wold-style-cast
     $<$<BOOL:${OV_WARNINGS_AS_ERRORS}>:-Werror>)
+# GCC 12 at full optimisation sees overlapping copies in std::string's assignments (GCC bug 105651).
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
+    target_compile_options(ovCompilerSettings INTERFACE $<$<CONFIG:Release,RelWithDebInfo>:-Wno-restrict>)
+endif()
 if(OV_SANITIZE)
     target_compile_options(ovCompilerSettings INTERFACE -fsanitize=${OV_SANITIZE} -fno-omit-frame-pointer
         -fno-sanitize-recover=all)
