@@ -111,7 +111,7 @@ CompileResult compile(const ProgramText& text) {
                                "a texture or sampler is assigned to a variable; pass it to functions "
                                "as an argument instead");
         }
-        if (!translators[i].reflect(text.language, STAGES[i], compiled.spirv, interfaces[i])) {
+        if (!translators[i].reflect(STAGES[i], compiled.spirv, interfaces[i])) {
             return makeFailure(text, STAGES[i], translators[i].getError());
         }
     }

@@ -111,7 +111,6 @@ struct StageTranslator::Implementation {
     bool findComparisons(const Buffer<std::uint32_t>& spirv, Buffer<StageTexturePair>& pairs);
     void decorate(const StageInterface& interface);
 
-    SHADER_LANGUAGE language = SHADER_LANGUAGE::GLSL;
     STAGE stage = STAGE::VERTEX;
     spvc_context context = nullptr;
     spvc_compiler compiler = nullptr;
@@ -470,11 +469,9 @@ StageTranslator::StageTranslator()
     : _implementation(std::make_unique<Implementation>()) {}
 StageTranslator::~StageTranslator() = default;
 
-bool StageTranslator::reflect(SHADER_LANGUAGE language, STAGE stage, const Buffer<std::uint32_t>& spirv,
-                              StageInterface& interface) {
+bool StageTranslator::reflect(STAGE stage, const Buffer<std::uint32_t>& spirv, StageInterface& interface) {
     _implementation = std::make_unique<Implementation>();
     Implementation& self = *_implementation;
-    self.language = language;
     self.stage = stage;
     return self.open(spirv) && self.refuseForbidden() &&
            self.reflectVariables(SPVC_RESOURCE_TYPE_STAGE_INPUT, interface.inputs) &&

@@ -18,8 +18,7 @@ public:
 
     /// Reads the SPIR-V of a stage and reflects its interface.
     /// @return false when the stage uses something that programs do not offer, see getError()
-    bool reflect(SHADER_LANGUAGE language, STAGE stage, const ovMemory::Buffer<std::uint32_t>& spirv,
-                 StageInterface& interface);
+    bool reflect(STAGE stage, const ovMemory::Buffer<std::uint32_t>& spirv, StageInterface& interface);
 
     /// Writes the interface's locations, slots and units into the stage and translates it to GLSL 4.50 core.
     /// @return false on failure, see getError()

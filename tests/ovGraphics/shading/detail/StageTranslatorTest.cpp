@@ -23,7 +23,7 @@ TEST(StageTranslator, WritesTheChosenPlacesIntoTheText) {
     ASSERT_EQ(compiled.error, "");
     StageTranslator translator;
     StageInterface interface;
-    ASSERT_TRUE(translator.reflect(SHADER_LANGUAGE::GLSL, STAGE::PIXEL, compiled.spirv, interface));
+    ASSERT_TRUE(translator.reflect(STAGE::PIXEL, compiled.spirv, interface));
     ASSERT_EQ(interface.inputs.size(), 1u);
     ASSERT_EQ(interface.blocks.size(), 1u);
     ASSERT_EQ(interface.pairs.size(), 1u);
@@ -69,7 +69,7 @@ TEST(StageTranslator, RefusesWhatProgramsDoNotOffer) {
         ASSERT_EQ(compiled.error, "") << row.declarations;
         StageTranslator translator;
         StageInterface interface;
-        EXPECT_FALSE(translator.reflect(SHADER_LANGUAGE::GLSL, STAGE::PIXEL, compiled.spirv, interface));
+        EXPECT_FALSE(translator.reflect(STAGE::PIXEL, compiled.spirv, interface));
         EXPECT_NE(translator.getError().find(row.expected), String::npos) << translator.getError();
     }
 }
@@ -79,7 +79,7 @@ TEST(StageTranslator, WordsThatAreNoSpirvAreAnError) {
          {Buffer<std::uint32_t>{}, Buffer<std::uint32_t>{1, 2, 3}, Buffer<std::uint32_t>(100, 0xffffffffu)}) {
         StageTranslator translator;
         StageInterface interface;
-        EXPECT_FALSE(translator.reflect(SHADER_LANGUAGE::GLSL, STAGE::PIXEL, words, interface));
+        EXPECT_FALSE(translator.reflect(STAGE::PIXEL, words, interface));
         EXPECT_NE(translator.getError().find("the translator to the device's language failed: "),
                   String::npos);
     }
