@@ -11,17 +11,19 @@ struct CompileResult {
     ovMemory::UniquePtr<CompiledProgram> program; ///< null on failure
     /// On failure one message: "Could not compile the <vertex|pixel> stage of program '<name>': <file or
     /// 'source'>:<line>: <the compiler's words>", the line counted in the author's text.
+    /// Messages about the stage as a whole (a missing input, two buffers of one slot) name no place.
     ovMemory::String error;
     ovMemory::String warnings; ///< the compilers' warnings, empty when there are none
     explicit operator bool() const { return program != nullptr; }
 };
 
-/// Compiles both stages of a program to SPIR-V with the front end of its language, joins them by name, reflects
-/// their interface and translates them to GLSL 4.50. Deterministic. Safe to call from several threads.
+/// Compiles both stages of a program to SPIR-V with the front end of its language, joins them by name,
+/// reflects their interface and translates them to GLSL 4.50. Deterministic. Safe to call from several
+/// threads.
 OV_API CompileResult compile(const ProgramText& text);
 
-/// The text of a stage exactly as the front end sees it: the language's version line and macros (when the program
-/// asks for cross-compiler defines), the defines, then the author's text.
+/// The text of a stage exactly as the front end sees it: the language's version line and macros (when the
+/// program asks for cross-compiler defines), the defines, then the author's text.
 OV_API ovMemory::String getFullText(const ProgramText& text, STAGE stage);
 
 /// The names and versions of the front ends and the translator, for reports and for keys of caches.
