@@ -72,6 +72,7 @@ void warmStartOverCold(benchmark::State& state, const std::string& program) {
         long compiledWarm = 0;
         for (int round = 0; round < ROUNDS; ++round) {
             std::filesystem::remove_all(folder);
+            std::filesystem::create_directories(folder / "driver"); // Mesa makes only the last folder
             const Start coldStart = startChild(program, folder);
             const Start warmStart = startChild(program, folder);
             if (coldStart.compiled < 1 || warmStart.compiled < 0) {
