@@ -7,10 +7,10 @@ namespace ovCommon {
 
 /// Gives a class T an optional process-wide instance besides its ordinary objects.
 ///
-/// T derives from MaybeSingletonClass<T> and has a constructor taking a bool (it may be private, with this class
-/// as a friend); getInstance() calls it with true. The library that owns T instantiates this template explicitly
-/// and its header declares that instantiation extern, so that the pointer is one per process even when several
-/// shared libraries use T:
+/// T derives from MaybeSingletonClass<T> and has a constructor taking a bool (it may be private, with this
+/// class as a friend); getInstance() calls it with true. The library that owns T instantiates this template
+/// explicitly and its header declares that instantiation extern, so that the pointer is one per process even
+/// when several shared libraries use T:
 ///
 ///     // Hub.h, before the class             // Hub.cpp
 ///     class Hub;                             template class ovCommon::MaybeSingletonClass<Hub>;

@@ -10,7 +10,12 @@ enum class SHADER_LANGUAGE : unsigned int { GLSL = 0, HLSL = 1 };
 enum class TEXTURE_TYPE : unsigned int { TEXTURE_2D = 0, CUBE = 1 };
 
 /// Life of a resource: unloaded, being loaded, usable by the device, fully loaded.
-enum class RESOURCE_LOAD_STATE : unsigned int { UNLOADED = 0, LOADING = 1, READY_FOR_RENDERING = 2, LOADED = 3 };
+enum class RESOURCE_LOAD_STATE : unsigned int {
+    UNLOADED = 0,
+    LOADING = 1,
+    READY_FOR_RENDERING = 2,
+    LOADED = 3
+};
 
 /// Minification, magnification and mip filters in one value (D3D11_FILTER). The COMPARISON values return the
 /// filtered outcome of comparisons with a reference value.

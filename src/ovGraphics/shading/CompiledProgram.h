@@ -24,9 +24,9 @@ struct StageText {
 
 /// Everything that decides what a program compiles to, and the name that messages give it.
 struct ProgramText {
-    ovMemory::String name;                              ///< for messages only; two names may share one text
-    SHADER_LANGUAGE language = SHADER_LANGUAGE::GLSL;   ///< language of both texts
-    bool crossCompilerDefines = false;                  ///< put the dual-dialect macros of the language before the texts
+    ovMemory::String name;                            ///< for messages only; two names may share one text
+    SHADER_LANGUAGE language = SHADER_LANGUAGE::GLSL; ///< language of both texts
+    bool crossCompilerDefines = false; ///< put the dual-dialect macros of the language before the texts
     StageText vertex;
     StageText pixel;
 };
@@ -64,17 +64,17 @@ struct TextureUnitInfo {
 
     ovMemory::String textureName;
     unsigned int textureSlot = 0;
-    ovMemory::String samplerName;           ///< empty when the texture is only read by texel fetch
-    unsigned int samplerSlot = NO_SAMPLER;  ///< NO_SAMPLER when the texture is only read by texel fetch
+    ovMemory::String samplerName;          ///< empty when the texture is only read by texel fetch
+    unsigned int samplerSlot = NO_SAMPLER; ///< NO_SAMPLER when the texture is only read by texel fetch
     TEXTURE_TYPE type = TEXTURE_TYPE::TEXTURE_2D;
     bool array = false;
-    bool comparison = false;                ///< the sampler compares with a reference
-    unsigned int stages = 0;                ///< mask of STAGE
+    bool comparison = false; ///< the sampler compares with a reference
+    unsigned int stages = 0; ///< mask of STAGE
     bool operator==(const TextureUnitInfo&) const = default;
 };
 
-/// A program in the device's language (GLSL 4.50 core for OpenGL) with its interface. Locations, blocks and units
-/// are written into the texts.
+/// A program in the device's language (GLSL 4.50 core for OpenGL) with its interface. Locations, blocks and
+/// units are written into the texts.
 struct CompiledProgram {
     ovMemory::String vertexText;
     ovMemory::String pixelText;

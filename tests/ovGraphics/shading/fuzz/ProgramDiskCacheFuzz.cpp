@@ -4,7 +4,8 @@
 
 using namespace ovGraphics::shading;
 
-/// Reads the data as a whole file and as the content behind a header. What is taken must write back to itself.
+/// Reads the data as a whole file and as the content behind a header. What is taken must write back to
+/// itself.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const ovMemory::BufferView<const char> bytes(reinterpret_cast<const char*>(data), size);
     detail::unpackCachedProgram(bytes, "");
