@@ -31,3 +31,7 @@ if(OV_SANITIZE)
         -fno-sanitize-recover=all)
     target_link_options(ovCompilerSettings INTERFACE -fsanitize=${OV_SANITIZE})
 endif()
+if(OV_BUILD_FUZZERS)
+    # The libraries too: without it the fuzzer does not see which inputs reach new code, and never gets past a header.
+    target_compile_options(ovCompilerSettings INTERFACE -fsanitize=fuzzer-no-link)
+endif()
