@@ -1,0 +1,31 @@
+// Settings of reading a shadow map, as a program's defines.
+#pragma once
+
+#include <cstdint>
+#include <ovCommon/Api.h>
+
+namespace ovGraphics {
+class ProgramSourcesHolder;
+}
+
+namespace ovVeldris {
+
+/// Kernel of a shadow map's percentage-closer filtering. The numbers are part of the interface of scripts and
+/// files.
+enum class SHADOW_MAP_PCF : uint32_t { NONE = 0, PCF_4_TAP = 1, PCF_9_TAP = 2, PCF_16_TAP = 3 };
+
+/// How a shadow map is read.
+struct ShadowMapParameters {
+    SHADOW_MAP_PCF pcfMethod = SHADOW_MAP_PCF::PCF_9_TAP;
+    /// Subtracted from the depth of the point that is looked up, in the map's depths of 0 to 1. Negative (and
+    /// NaN): the shader's own, 0.0001.
+    float bias = -1.0f;
+    /// Points outside the map are shadowed instead of lit, to make its extent visible.
+    bool debugOutOfBounds = false;
+};
+
+/// Adds the pixel defines that ShadowMappingLib::ovShadowMap() reads.
+OV_API void addShadowMapDefines(ovGraphics::ProgramSourcesHolder& sources,
+                                const ShadowMapParameters& parameters);
+
+} // namespace ovVeldris
