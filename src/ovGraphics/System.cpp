@@ -12,6 +12,9 @@
 #include <ovGraphics/resources/Texture.h>
 #include <ovGraphics/resources/Viewport.h>
 #include <ovGraphics/scene/Camera.h>
+#include <ovGraphics/scene/Mesh.h>
+#include <ovGraphics/scene/Node.h>
+#include <ovGraphics/scene/RenderQueue.h>
 #include <ovLog/Logger.h>
 
 template class ovCommon::MaybeSingletonClass<ovGraphics::System>;
@@ -52,10 +55,16 @@ System::System(bool)
     , _cameras(std::make_unique<CameraManager>(this))
     , _viewports(std::make_unique<ViewportManager>(this))
     , _compositors(std::make_unique<CompositorManager>(this))
-    , _renderContexts(std::make_unique<RenderContextManager>(this)) {}
+    , _renderContexts(std::make_unique<RenderContextManager>(this))
+    , _meshes(std::make_unique<MeshManager>(this))
+    , _nodes(std::make_unique<NodeManager>(this))
+    , _renderQueues(std::make_unique<RenderQueueManager>(this)) {}
 
 System::~System() {
     shutdown();
+    _renderQueues.reset();
+    _nodes.reset();
+    _meshes.reset();
     _renderContexts.reset();
     _compositors.reset();
     _viewports.reset();
@@ -208,6 +217,7 @@ bool System::windowShouldClose() const {
 }
 
 void System::_registerResource(Resource* resource) {
+    resource->_id = ++_resourcesMade;
     resource->_registryIndex = _resources.size();
     _resources.push_back(resource);
 }

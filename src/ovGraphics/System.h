@@ -17,10 +17,13 @@ class Camera;
 class CameraManager;
 class CompositorManager;
 class CompositorPass;
+class MeshManager;
+class NodeManager;
 class ProgramLibrary;
 class ProgramManager;
 class RenderContext;
 class RenderContextManager;
+class RenderQueueManager;
 class Resource;
 class SamplerManager;
 class ShaderManager;
@@ -75,6 +78,9 @@ public:
     /// The headless devices that Configuration::device chooses from, one line each.
     static ovMemory::Buffer<ovMemory::String> listDevices();
 
+    MeshManager* getMeshManager() const { return _meshes.get(); }
+    NodeManager* getNodeManager() const { return _nodes.get(); }
+    RenderQueueManager* getRenderQueueManager() const { return _renderQueues.get(); }
     TextureManager* getTextureManager() const { return _textures.get(); }
     SamplerManager* getSamplerManager() const { return _samplers.get(); }
     ProgramManager* getProgramManager() const { return _programs.get(); }
@@ -106,6 +112,14 @@ public:
     /// Sends one line to the configuration's logger, if there is one.
     void log(ovMemory::StringView message, ovMemory::StringView sender) const;
 
+    // What scene passes keep between frames says under which counts it was made.
+    /// Counts changes of meshes, shaders, nodes' existence and queues.
+    uint64_t getSceneRevision() const { return _sceneRevision; }
+    void noteSceneChange() { ++_sceneRevision; }
+    /// Counts changes of nodes' places.
+    uint64_t getTransformRevision() const { return _transformRevision; }
+    void noteTransformChange() { ++_transformRevision; }
+
     // The window, when the configuration asked for one.
     void pollWindowEvents();
     bool windowShouldClose() const;
@@ -131,6 +145,9 @@ private:
     ovMemory::UniquePtr<device::Device> _device;
     ovMemory::UniquePtr<ProgramLibrary> _programLibrary;
     ovMemory::Buffer<Resource*> _resources; ///< every resource of this system, managed or not
+    uint64_t _resourcesMade = 0;
+    uint64_t _sceneRevision = 1;
+    uint64_t _transformRevision = 1;
     FrameTime _frameTime;
     double _startSeconds = 0.0;     ///< of the steady clock, at initialize()
     double _lastFrameSeconds = 0.0; ///< since initialize()
@@ -148,6 +165,9 @@ private:
     ovMemory::UniquePtr<ViewportManager> _viewports;
     ovMemory::UniquePtr<CompositorManager> _compositors;
     ovMemory::UniquePtr<RenderContextManager> _renderContexts;
+    ovMemory::UniquePtr<MeshManager> _meshes;
+    ovMemory::UniquePtr<NodeManager> _nodes;
+    ovMemory::UniquePtr<RenderQueueManager> _renderQueues;
 };
 
 } // namespace ovGraphics

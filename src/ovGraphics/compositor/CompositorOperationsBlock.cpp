@@ -4,6 +4,7 @@
 #include <ovGraphics/System.h>
 #include <ovGraphics/compositor/Compositor.h>
 #include <ovGraphics/compositor/RenderContext.h>
+#include <ovGraphics/compositor/ScenePass.h>
 #include <ovGraphics/device/Device.h>
 #include <ovGraphics/resources/Managers.h>
 #include <ovGraphics/resources/Texture.h>
@@ -88,6 +89,9 @@ PostProcessPass* CompositorOperationsBlock::appendPostProcessPass() {
 MipGenerationPass* CompositorOperationsBlock::appendMipGenerationPass() {
     return _append<MipGenerationPass>();
 }
+ScenePass* CompositorOperationsBlock::appendScenePass() {
+    return _append<ScenePass>();
+}
 
 CompositorPass* CompositorOperationsBlock::insertPass(unsigned int position,
                                                       ovMemory::UniquePtr<CompositorPass> pass) {
@@ -131,6 +135,8 @@ bool CompositorOperationsBlock::execute(RenderContext& context) {
 
 void CompositorOperationsBlock::unload() {
     _gpuTarget.reset();
+    for (const auto& pass : _passes)
+        pass->unload();
 }
 
 bool CompositorOperationsBlock::_prepareTarget(RenderContext& context) {

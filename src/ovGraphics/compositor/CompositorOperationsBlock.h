@@ -7,6 +7,7 @@ namespace ovGraphics {
 
 class Camera;
 class RenderContext;
+class ScenePass;
 class Viewport;
 
 namespace device {
@@ -33,6 +34,7 @@ public:
     ClearPass* appendClearPass();
     PostProcessPass* appendPostProcessPass();
     MipGenerationPass* appendMipGenerationPass();
+    ScenePass* appendScenePass();
     /// Puts a pass before the one at position; a position beyond the end appends. @return the pass, null for
     /// null
     CompositorPass* insertPass(unsigned int position, ovMemory::UniquePtr<CompositorPass> pass);

@@ -40,6 +40,8 @@ public:
     /// Draws. @return false when something that it needs is missing; the frame goes on, and the first of
     /// consecutive failures is logged.
     virtual bool execute(const PassExecution& execution) = 0;
+    /// Frees what drawing made on the device; the next frame makes it again.
+    virtual void unload() {}
     /// What a pass whose execute() fails is missing, for that log line.
     virtual ovMemory::StringView getRequirement() const { return "something that it needs is missing."; }
 

@@ -9,6 +9,7 @@ GpuTexture::~GpuTexture() = default;
 GpuSampler::~GpuSampler() = default;
 GpuBuffer::~GpuBuffer() = default;
 GpuProgram::~GpuProgram() = default;
+GpuGeometry::~GpuGeometry() = default;
 GpuTarget::~GpuTarget() = default;
 GpuTimer::~GpuTimer() = default;
 Device::~Device() = default;

@@ -93,6 +93,12 @@ public:
     virtual ~GpuProgram();
 };
 
+/// Vertices as one kind of vertex stage reads them: buffers and the places of the attributes in them.
+class OV_API GpuGeometry {
+public:
+    virtual ~GpuGeometry();
+};
+
 /// A set of colour targets and a depth buffer to draw into.
 class OV_API GpuTarget {
 public:
@@ -110,6 +116,34 @@ public:
 };
 
 enum class BUFFER_USAGE : unsigned int { CONSTANTS, VERTICES, INDICES };
+
+/// Where an attribute of a vertex stage lies in a vertex or in the data of an instance.
+struct GeometryAttribute {
+    unsigned int location = 0;
+    FORMAT format = FORMAT::R32G32B32A32_FLOAT; ///< one of VertexComposition::isVertexFormat
+    unsigned int offset = 0;                    ///< bytes
+};
+
+/// Buffers must outlive the geometry. Attributes that it lacks read (0, 0, 0, 1).
+struct GeometryDesc {
+    GpuBuffer* vertices = nullptr;
+    unsigned int stride = 0; ///< bytes of a vertex
+    ovMemory::Buffer<GeometryAttribute> attributes;
+    GpuBuffer* indices = nullptr; ///< null: vertices are drawn in their order
+    bool shortIndices = false;    ///< of 16 bits instead of 32; the highest value cuts strips
+    ovMemory::Buffer<GeometryAttribute> instanceAttributes; ///< read once an instance
+};
+
+/// One draw of a geometry.
+struct GeometryDraw {
+    PRIMITIVE_TOPOLOGY topology =
+        PRIMITIVE_TOPOLOGY::TRIANGLELIST; ///< points, lines, triangles, their strips
+    unsigned int count = 0;               ///< indices, or vertices without indices
+    GpuBuffer* instances = nullptr;       ///< data of the instances; may be null without instance attributes
+    unsigned int instanceStride = 0;      ///< bytes
+    unsigned int firstInstance = 0;       ///< place of the first instance's data, in strides
+    unsigned int instanceCount = 1;
+};
 
 struct TargetAttachment {
     GpuTexture* texture = nullptr;
@@ -171,6 +205,7 @@ public:
     virtual ovMemory::UniquePtr<GpuSampler> createSampler(const SamplerDesc&, ovMemory::String& error) = 0;
     virtual ovMemory::UniquePtr<GpuBuffer> createBuffer(unsigned int size, BUFFER_USAGE,
                                                         ovMemory::String& error) = 0;
+    virtual ovMemory::UniquePtr<GpuGeometry> createGeometry(const GeometryDesc&, ovMemory::String& error) = 0;
     virtual ovMemory::UniquePtr<GpuTarget> createTarget(const TargetDesc&, ovMemory::String& error) = 0;
     /// Compiles and links the texts, or loads the driver's binary when one is given and still accepted.
     virtual ovMemory::UniquePtr<GpuProgram> createProgram(const shading::CompiledProgram&,
@@ -214,6 +249,7 @@ public:
     /// the order of texture coordinates (0, 0), (1, 0), (0, 1), (1, 1), placed as the language's clip rules
     /// want.
     virtual void drawFullScreenQuad() = 0;
+    virtual void drawGeometry(GpuGeometry&, const GeometryDraw&) = 0;
 
     /// Waits until everything asked for so far is done.
     virtual void finish() = 0;

@@ -5,6 +5,11 @@
 
 namespace ovGraphics::device {
 
+GlBuffer::GlBuffer(GlCore& core, unsigned int size)
+    : GpuBuffer(size)
+    , _core(core)
+    , _serial(++core.buffersMade) {}
+
 ovMemory::UniquePtr<GlBuffer> GlBuffer::create(GlCore& core, unsigned int size, BUFFER_USAGE usage,
                                                ovMemory::String& error) {
     error.clear();

@@ -17,14 +17,15 @@ public:
     GlBuffer& operator=(const GlBuffer&) = delete;
 
     GLuint getName() const { return _name; }
+    /// Another number for every buffer that a device makes; OpenGL's names come again.
+    uint64_t getSerial() const { return _serial; }
     void update(unsigned int offset, ovMemory::BufferView<const unsigned char> data);
 
 private:
-    GlBuffer(GlCore& core, unsigned int size)
-        : GpuBuffer(size)
-        , _core(core) {}
+    GlBuffer(GlCore& core, unsigned int size);
 
     GlCore& _core;
+    uint64_t _serial;
     GLuint _name = 0;
 };
 

@@ -13,6 +13,7 @@ struct GlCore {
     DeviceStatistics statistics;
     ovMemory::Buffer<ovMemory::String> errors; ///< not yet taken; the oldest are kept
     GlPipeline pipeline{*this};
+    uint64_t buffersMade = 0;
 
     void makeCurrent() { context->makeCurrent(); }
 

@@ -152,6 +152,11 @@ ovMemory::UniquePtr<GpuBuffer> GlDevice::createBuffer(unsigned int size, BUFFER_
     return GlBuffer::create(_core, size, usage, error);
 }
 
+ovMemory::UniquePtr<GpuGeometry> GlDevice::createGeometry(const GeometryDesc& desc, ovMemory::String& error) {
+    _core.makeCurrent();
+    return GlGeometry::create(_core, desc, error);
+}
+
 ovMemory::UniquePtr<GpuTarget> GlDevice::createTarget(const TargetDesc& desc, ovMemory::String& error) {
     _core.makeCurrent();
     return GlTarget::create(_core, desc, error);
@@ -251,6 +256,11 @@ void GlDevice::setConstantBuffer(unsigned int slot, GpuBuffer* buffer) {
 void GlDevice::drawFullScreenQuad() {
     _core.makeCurrent();
     _core.pipeline.drawFullScreenQuad();
+}
+
+void GlDevice::drawGeometry(GpuGeometry& geometry, const GeometryDraw& draw) {
+    _core.makeCurrent();
+    _core.pipeline.drawGeometry(static_cast<GlGeometry&>(geometry), draw);
 }
 
 void GlDevice::finish() {

@@ -25,6 +25,8 @@ public:
     ovMemory::UniquePtr<GpuSampler> createSampler(const SamplerDesc& desc, ovMemory::String& error) override;
     ovMemory::UniquePtr<GpuBuffer> createBuffer(unsigned int size, BUFFER_USAGE usage,
                                                 ovMemory::String& error) override;
+    ovMemory::UniquePtr<GpuGeometry> createGeometry(const GeometryDesc& desc,
+                                                    ovMemory::String& error) override;
     ovMemory::UniquePtr<GpuTarget> createTarget(const TargetDesc& desc, ovMemory::String& error) override;
     ovMemory::UniquePtr<GpuProgram> createProgram(const shading::CompiledProgram& program,
                                                   ovMemory::BufferView<const unsigned char> binary,
@@ -55,6 +57,7 @@ public:
                         bool array) override;
     void setConstantBuffer(unsigned int slot, GpuBuffer* buffer) override;
     void drawFullScreenQuad() override;
+    void drawGeometry(GpuGeometry& geometry, const GeometryDraw& draw) override;
 
     void finish() override;
     void invalidateState() override;

@@ -127,6 +127,7 @@ void GlPipeline::_sendBaseline() {
     glClipControl(upperLeft ? GL_UPPER_LEFT : GL_LOWER_LEFT,
                   upperLeft ? GL_ZERO_TO_ONE : GL_NEGATIVE_ONE_TO_ONE);
     glBindVertexArray(_quadArray);
+    _vertexArray = _quadArray;
     glPixelStorei(GL_UNPACK_ALIGNMENT, 1);
     glPixelStorei(GL_PACK_ALIGNMENT, 1);
     glBindBuffer(GL_PIXEL_PACK_BUFFER, 0);
@@ -136,7 +137,8 @@ void GlPipeline::_sendBaseline() {
           GL_POLYGON_OFFSET_LINE, GL_DEPTH_CLAMP, GL_RASTERIZER_DISCARD, GL_COLOR_LOGIC_OP, GL_DITHER})
         glDisable(capability);
     for (const GLenum capability :
-         {GL_DEPTH_TEST, GL_CULL_FACE, GL_FRAMEBUFFER_SRGB, GL_TEXTURE_CUBE_MAP_SEAMLESS, GL_MULTISAMPLE})
+         {GL_DEPTH_TEST, GL_CULL_FACE, GL_FRAMEBUFFER_SRGB, GL_TEXTURE_CUBE_MAP_SEAMLESS, GL_MULTISAMPLE,
+          GL_PRIMITIVE_RESTART_FIXED_INDEX})
         glEnable(capability);
     const BlendStateDesc blend;
     glBlendFuncSeparate(GL_ONE, GL_ZERO, GL_ONE, GL_ZERO);
@@ -305,10 +307,11 @@ void GlPipeline::setConstantBuffer(unsigned int slot, GlBuffer* buffer) {
     _count();
 }
 
-void GlPipeline::drawFullScreenQuad() {
+// Sends what a draw needs and was not sent yet. False, reported, without a target or a program.
+bool GlPipeline::_prepareDraw(GLuint vertexArray) {
     if (!_target || _program == UNKNOWN) {
         _core.report(fmt::format("Nothing was drawn: no {} is set", _target ? "program" : "target"));
-        return;
+        return false;
     }
     if (_blendDirty)
         _sendBlend();
@@ -316,7 +319,44 @@ void GlPipeline::drawFullScreenQuad() {
         _sendRaster();
     if (_depthDirty)
         _sendDepth();
+    if (_vertexArray != vertexArray) {
+        _vertexArray = vertexArray;
+        glBindVertexArray(vertexArray);
+        _count();
+    }
+    return true;
+}
+
+void GlPipeline::drawFullScreenQuad() {
+    if (!_prepareDraw(_quadArray))
+        return;
     glDrawArrays(GL_TRIANGLE_STRIP, 0, 4);
+    ++_core.statistics.drawCalls;
+}
+
+void GlPipeline::drawGeometry(GlGeometry& geometry, const GeometryDraw& draw) {
+    const std::optional<GLenum> mode = glTopologyOf(draw.topology);
+    if (!mode) {
+        _core.report(fmt::format("Nothing was drawn: topology {} is not offered",
+                                 static_cast<unsigned int>(draw.topology)));
+        return;
+    }
+    if (!geometry.canReadInstances(draw)) {
+        _core.report(
+            fmt::format("Nothing was drawn: the data of {} instances of {} bytes from the {}th is not there",
+                        draw.instanceCount, draw.instanceStride, draw.firstInstance));
+        return;
+    }
+    if (!_prepareDraw(geometry.getName()))
+        return;
+    geometry.setInstances(static_cast<GlBuffer*>(draw.instances), draw.instanceStride);
+    const GLsizei count = static_cast<GLsizei>(draw.count);
+    const GLsizei instances = static_cast<GLsizei>(draw.instanceCount);
+    if (geometry.getIndexType() == GL_NONE)
+        glDrawArraysInstancedBaseInstance(*mode, 0, count, instances, draw.firstInstance);
+    else
+        glDrawElementsInstancedBaseInstance(*mode, count, geometry.getIndexType(), nullptr, instances,
+                                            draw.firstInstance);
     ++_core.statistics.drawCalls;
 }
 
@@ -508,6 +548,11 @@ void GlPipeline::forgetProgram(GLuint name) {
         return;
     glUseProgram(0);
     _program = UNKNOWN;
+}
+
+void GlPipeline::forgetVertexArray(GLuint name) {
+    if (_vertexArray == name) // deleting what is bound binds nothing
+        _vertexArray = UNKNOWN;
 }
 
 void GlPipeline::forgetTarget(GLuint name) {

@@ -3,6 +3,7 @@
 
 #include <array>
 #include <ovGraphics/device/GlBufferInternal.h>
+#include <ovGraphics/device/GlGeometryInternal.h>
 #include <ovGraphics/device/GlProgramInternal.h>
 #include <ovGraphics/device/GlSamplerInternal.h>
 #include <ovGraphics/device/GlTargetInternal.h>
@@ -34,6 +35,7 @@ public:
                         bool array);
     void setConstantBuffer(unsigned int slot, GlBuffer* buffer);
     void drawFullScreenQuad();
+    void drawGeometry(GlGeometry& geometry, const GeometryDraw& draw);
 
     // OpenGL gives the names of deleted objects to new ones.
     void forgetTexture(GLuint name);
@@ -41,6 +43,7 @@ public:
     void forgetBuffer(GLuint name);
     void forgetProgram(GLuint name);
     void forgetTarget(GLuint name);
+    void forgetVertexArray(GLuint name);
 
 private:
     static constexpr GLuint UNKNOWN = ~0u;
@@ -55,6 +58,7 @@ private:
     void _createQuad();
     GLuint _blackTexture(TEXTURE_TYPE type, bool array, bool comparison);
     void _sendBaseline();
+    bool _prepareDraw(GLuint vertexArray);
     void _sendBlend();
     void _sendTargetBlend(unsigned int index, unsigned int count, const TargetBlendDesc& wanted);
     void _sendWriteMask(unsigned int index, unsigned int count, unsigned int mask);
@@ -80,6 +84,7 @@ private:
     GlTarget* _target = nullptr;
     Rectangle _viewport;
     GLuint _program = UNKNOWN;
+    GLuint _vertexArray = UNKNOWN;
     std::array<Unit, MAX_UNITS> _units;
     std::array<GLuint, MAX_SLOTS> _slots;
 

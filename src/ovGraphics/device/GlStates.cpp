@@ -69,6 +69,31 @@ GLenum glAddressOf(TEXTURE_ADDRESS address) {
     return lookUp(ADDRESSES, address);
 }
 
+std::optional<GLenum> glTopologyOf(PRIMITIVE_TOPOLOGY topology) {
+    switch (topology) {
+    case PRIMITIVE_TOPOLOGY::POINTLIST:
+        return GL_POINTS;
+    case PRIMITIVE_TOPOLOGY::LINELIST:
+        return GL_LINES;
+    case PRIMITIVE_TOPOLOGY::LINESTRIP:
+        return GL_LINE_STRIP;
+    case PRIMITIVE_TOPOLOGY::TRIANGLELIST:
+        return GL_TRIANGLES;
+    case PRIMITIVE_TOPOLOGY::TRIANGLESTRIP:
+        return GL_TRIANGLE_STRIP;
+    case PRIMITIVE_TOPOLOGY::LINELIST_ADJ:
+        return GL_LINES_ADJACENCY;
+    case PRIMITIVE_TOPOLOGY::LINESTRIP_ADJ:
+        return GL_LINE_STRIP_ADJACENCY;
+    case PRIMITIVE_TOPOLOGY::TRIANGLELIST_ADJ:
+        return GL_TRIANGLES_ADJACENCY;
+    case PRIMITIVE_TOPOLOGY::TRIANGLESTRIP_ADJ:
+        return GL_TRIANGLE_STRIP_ADJACENCY;
+    default: // patches need a tessellation stage
+        return std::nullopt;
+    }
+}
+
 GlFilter glFilterOf(FILTER filter) {
     constexpr unsigned int MIP_LINEAR = 0x01;
     constexpr unsigned int MAG_LINEAR = 0x04;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <epoxy/gl.h>
+#include <optional>
 #include <ovGraphics/Enums.h>
 
 namespace ovGraphics::device {
@@ -11,6 +12,8 @@ GLenum glBlendOperationOf(BLEND_OPERATION operation);
 GLenum glComparisonOf(COMPARISON comparison);
 GLenum glStencilOperationOf(STENCIL_OPERATION operation);
 GLenum glAddressOf(TEXTURE_ADDRESS address);
+/// Nothing for what needs other stages than vertex and pixel.
+std::optional<GLenum> glTopologyOf(PRIMITIVE_TOPOLOGY topology);
 
 /// A FILTER taken apart.
 struct GlFilter {

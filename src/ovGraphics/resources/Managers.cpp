@@ -4,6 +4,9 @@
 #include <ovGraphics/compositor/RenderContext.h>
 #include <ovGraphics/resources/Viewport.h>
 #include <ovGraphics/scene/Camera.h>
+#include <ovGraphics/scene/Mesh.h>
+#include <ovGraphics/scene/Node.h>
+#include <ovGraphics/scene/RenderQueue.h>
 
 namespace ovGraphics {
 
@@ -18,6 +21,15 @@ ProgramManager* ProgramManager::getInstance() {
 }
 ShaderManager* ShaderManager::getInstance() {
     return System::getInstance()->getShaderManager();
+}
+MeshManager* MeshManager::getInstance() {
+    return System::getInstance()->getMeshManager();
+}
+NodeManager* NodeManager::getInstance() {
+    return System::getInstance()->getNodeManager();
+}
+RenderQueueManager* RenderQueueManager::getInstance() {
+    return System::getInstance()->getRenderQueueManager();
 }
 CameraManager* CameraManager::getInstance() {
     return System::getInstance()->getCameraManager();

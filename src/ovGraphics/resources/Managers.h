@@ -8,8 +8,11 @@ namespace ovGraphics {
 
 class Camera;
 class Compositor;
+class Mesh;
+class Node;
 class Program;
 class RenderContext;
+class RenderQueue;
 class Sampler;
 class Shader;
 class Texture;
@@ -40,6 +43,24 @@ class OV_API ShaderManager : public ResourceManager<Shader> {
 public:
     using ResourceManager::ResourceManager;
     static ShaderManager* getInstance();
+};
+
+class OV_API MeshManager : public ResourceManager<Mesh> {
+public:
+    using ResourceManager::ResourceManager;
+    static MeshManager* getInstance();
+};
+
+class OV_API NodeManager : public ResourceManager<Node> {
+public:
+    using ResourceManager::ResourceManager;
+    static NodeManager* getInstance();
+};
+
+class OV_API RenderQueueManager : public ResourceManager<RenderQueue> {
+public:
+    using ResourceManager::ResourceManager;
+    static RenderQueueManager* getInstance();
 };
 
 class OV_API CameraManager : public ResourceManager<Camera> {

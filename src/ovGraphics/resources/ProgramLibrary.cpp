@@ -1,5 +1,6 @@
 #include <ovGraphics/resources/ProgramLibrary.h>
 
+#include <algorithm>
 #include <ovGraphics/device/Device.h>
 #include <ovGraphics/shading/CrossCompiler.h>
 
@@ -40,6 +41,7 @@ const LoadedProgram* ProgramLibrary::acquire(const shading::ProgramText& text, o
     if (!program)
         return nullptr;
     program->users = 1;
+    program->inputLayout = _inputLayoutOf(program->compiled.attributes);
     return _programs.emplace(std::move(key), std::move(program)).first->second.get();
 }
 
@@ -67,6 +69,14 @@ ovMemory::UniquePtr<LoadedProgram> ProgramLibrary::_loadFromDisk(const shading::
     program->compiled = std::move(cached->program);
     ++_statistics.fromDisk;
     return program;
+}
+
+unsigned int ProgramLibrary::_inputLayoutOf(const ovMemory::Buffer<shading::AttributeInfo>& attributes) {
+    const auto known = std::find(_inputLayouts.begin(), _inputLayouts.end(), attributes);
+    const auto place = known - _inputLayouts.begin();
+    if (known == _inputLayouts.end())
+        _inputLayouts.push_back(attributes);
+    return static_cast<unsigned int>(place);
 }
 
 ovMemory::UniquePtr<LoadedProgram> ProgramLibrary::_compile(const shading::ProgramText& text,

@@ -19,6 +19,8 @@ struct LoadedProgram {
     shading::CompiledProgram compiled;
     ovMemory::UniquePtr<device::GpuProgram> gpuProgram;
     unsigned int users = 0;
+    unsigned int inputLayout =
+        0; ///< a number that stands for the list of attributes; the same for equal lists
 };
 
 /// How the programs of a library came to be.
@@ -46,6 +48,7 @@ public:
 
 private:
     ovMemory::UniquePtr<LoadedProgram> _loadFromDisk(const shading::ProgramText& text);
+    unsigned int _inputLayoutOf(const ovMemory::Buffer<shading::AttributeInfo>& attributes);
     ovMemory::UniquePtr<LoadedProgram> _compile(const shading::ProgramText& text, ovMemory::String& error,
                                                 ovMemory::String& warnings);
 
@@ -53,6 +56,8 @@ private:
     shading::ProgramDiskCache _diskCache;
     ProgramLibraryStatistics _statistics;
     std::unordered_map<ovMemory::String, ovMemory::UniquePtr<LoadedProgram>> _programs; ///< by the full text
+    ovMemory::Buffer<ovMemory::Buffer<shading::AttributeInfo>>
+        _inputLayouts; ///< each list of attributes once
 };
 
 } // namespace ovGraphics

@@ -66,6 +66,11 @@ bool Resource::_load(ovMemory::String&) {
     return true;
 }
 
+void Resource::_noteSceneChange() const {
+    if (_system)
+        _system->noteSceneChange();
+}
+
 void Resource::_logFailure(ovMemory::StringView action, ovMemory::StringView reason) const {
     if (!_system)
         return;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <ovCommon/Api.h>
 #include <ovGraphics/Enums.h>
 #include <ovGraphics/resources/Borrowed.h>
@@ -41,6 +42,9 @@ public:
     void setGpuUploadCanBeDeferred(bool deferred) { _gpuUploadCanBeDeferred = deferred; }
 
     RESOURCE_LOAD_STATE getLoadState() const { return _loadState; }
+    /// Another number for every resource of a system, rising with the order of creation.
+    uint64_t getId() const { return _id; }
+
     bool isUnloaded() const { return _loadState == RESOURCE_LOAD_STATE::UNLOADED; }
 
     /// Makes the resource usable with its present settings. A loaded resource whose settings did not change
@@ -65,6 +69,8 @@ protected:
 
     /// To be called by setters: the next load() must not be skipped.
     void _settingChanged() { _changedSinceLoad = true; }
+    /// To be called when what scene passes keep of meshes, shaders and nodes is out of date.
+    void _noteSceneChange() const;
     void _setLoadState(RESOURCE_LOAD_STATE state) { _loadState = state; }
     /// Sends "Could not <action> the <kind> '<name>': <reason>" to the system's logger, the class as sender.
     void _logFailure(ovMemory::StringView action, ovMemory::StringView reason) const;
@@ -78,6 +84,7 @@ private:
     System* _system;
     ovMemory::StringView _kind;
     ovMemory::String _name;
+    uint64_t _id = 0;
     RESOURCE_LOAD_STATE _loadState = RESOURCE_LOAD_STATE::UNLOADED;
     bool _hidden = false;
     bool _gpuUploadCanBeDeferred = false;

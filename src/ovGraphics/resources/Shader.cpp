@@ -35,7 +35,9 @@ ovMemory::UniquePtr<Shader> Shader::create(System* system) {
 Shader::Shader(System* system)
     : Resource(system, "shader") {}
 
-Shader::~Shader() = default;
+Shader::~Shader() {
+    _noteSceneChange();
+}
 
 void Shader::setProgram(Program* program) {
     if (program && program == _program.get())
@@ -60,6 +62,15 @@ ConstantBuffer* Shader::getConstantBuffer(unsigned int index, unsigned int stage
             return buffer.get();
     }
     return nullptr;
+}
+
+ShaderInstanceMemorySlot* Shader::addInstanceMemorySlot() {
+    _settingChanged();
+    return &_instanceSlots.emplace_back();
+}
+
+ShaderInstanceMemorySlot* Shader::getInstanceMemorySlot(unsigned int index) {
+    return index < _instanceSlots.size() ? &_instanceSlots[index] : nullptr;
 }
 
 void Shader::setTexture(Texture* texture, unsigned int unit, unsigned int stage) {
@@ -94,16 +105,23 @@ void Shader::reset() {
     _samplers.clear();
     Resource::reset();
     _constantBuffers.clear();
+    _instanceSlots.clear();
 }
 
 bool Shader::bind(const PassEnvironment& environment) {
-    if (isUnloaded() || !_program || _program->getSystem() != getSystem() || !_program->getLoadedProgram())
+    const LoadedProgram* program = getLoadedProgram();
+    if (!program)
         return false;
-    const LoadedProgram& program = *_program->getLoadedProgram();
-    getSystem()->getDevice()->setProgram(*program.gpuProgram);
-    _bindConstants(program, environment);
-    _bindTextures(program);
+    getSystem()->getDevice()->setProgram(*program->gpuProgram);
+    _bindConstants(*program, environment);
+    _bindTextures(*program);
     return true;
+}
+
+const LoadedProgram* Shader::getLoadedProgram() const {
+    if (isUnloaded() || !_program || _program->getSystem() != getSystem())
+        return nullptr;
+    return _program->getLoadedProgram();
 }
 
 bool Shader::_load(ovMemory::String& error) {
@@ -122,10 +140,12 @@ bool Shader::_load(ovMemory::String& error) {
                 "' is not loaded; load the program first.";
         return false;
     }
+    _noteSceneChange();
     return true;
 }
 
 void Shader::_unload() {
+    _noteSceneChange();
     for (const auto& buffer : _constantBuffers)
         buffer->unload();
 }

@@ -3,6 +3,7 @@
 
 #include <ovGraphics/resources/ConstantBuffer.h>
 #include <ovGraphics/resources/Resource.h>
+#include <ovGraphics/resources/ShaderInstanceMemorySlot.h>
 
 namespace ovGraphics {
 
@@ -32,6 +33,15 @@ public:
     /// The constant buffer of that index, or null.
     ConstantBuffer* getConstantBuffer(unsigned int index, unsigned int stage) const;
 
+    /// Appends a slot to the data of each instance that a scene pass draws; at most one for each value is of
+    /// use. Valid until the next call or reset().
+    ShaderInstanceMemorySlot* addInstanceMemorySlot();
+    /// The slot at a position, or null.
+    ShaderInstanceMemorySlot* getInstanceMemorySlot(unsigned int index);
+    ovMemory::BufferView<const ShaderInstanceMemorySlot> getInstanceMemorySlots() const {
+        return _instanceSlots;
+    }
+
     /// Binds a texture of the same system; null, an unloaded one and one of another system read as opaque
     /// black. add and set do the same: the unit is added when missing.
     void addTexture(Texture* texture, unsigned int unit, unsigned int stage) {
@@ -57,6 +67,8 @@ public:
     /// samplers.
     /// @return false when the shader or its program is not loaded
     bool bind(const PassEnvironment& environment);
+    /// The program as the device has it; null when bind() would fail.
+    const LoadedProgram* getLoadedProgram() const;
 
 private:
     struct TextureBinding {
@@ -77,6 +89,7 @@ private:
 
     Borrowed<Program> _program;
     ovMemory::Buffer<ovMemory::UniquePtr<ConstantBuffer>> _constantBuffers;
+    ovMemory::Buffer<ShaderInstanceMemorySlot> _instanceSlots;
     ovMemory::Buffer<TextureBinding> _textures;
     ovMemory::Buffer<SamplerBinding> _samplers;
 };

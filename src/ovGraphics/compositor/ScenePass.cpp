@@ -1,0 +1,83 @@
+#include <ovGraphics/compositor/ScenePass.h>
+
+#include <ovGraphics/System.h>
+#include <ovGraphics/device/Device.h>
+#include <ovGraphics/resources/ProgramLibrary.h>
+#include <ovGraphics/resources/Shader.h>
+#include <ovGraphics/resources/ShaderPassMemorySlot.h>
+#include <ovGraphics/scene/Camera.h>
+#include <ovGraphics/scene/Mesh.h>
+#include <ovGraphics/scene/RenderQueue.h>
+
+namespace ovGraphics {
+
+ScenePass::ScenePass()
+    : CompositorPass("scene") {}
+
+ScenePass::~ScenePass() = default;
+
+void ScenePass::setRenderQueue(RenderQueue* queue) {
+    _queue = queue;
+}
+RenderQueue* ScenePass::getRenderQueue() const {
+    return _queue.get();
+}
+void ScenePass::setCamera(Camera* camera) {
+    _camera = camera;
+}
+Camera* ScenePass::getCamera() const {
+    return _camera.get();
+}
+
+bool ScenePass::execute(const PassExecution& execution) {
+    if (!_queue || _queue->getSystem() != execution.system)
+        return false;
+    const PassEnvironment environment{execution.system, _camera ? _camera.get() : execution.activeCamera};
+    ovMemory::String error;
+    if (!_drawList.update(*execution.system, *_queue.get(), environment.camera, _settings, error))
+        return false;
+    execution.device->setBlendState(_blendState.getDesc());
+    execution.device->setDepthStencilState(_depthStencilState.getDesc());
+    return _draw(execution, environment);
+}
+
+bool ScenePass::_draw(const PassExecution& execution, const PassEnvironment& environment) {
+    const Shader* bound = nullptr;
+    const LoadedProgram* program = nullptr;
+    bool complete = true;
+    for (const DrawList::Batch& batch : _drawList.getBatches()) {
+        if (batch.shader != bound) {
+            bound = batch.shader;
+            program = batch.shader->bind(environment) ? batch.shader->getLoadedProgram() : nullptr;
+        }
+        device::GpuGeometry* geometry =
+            program ? batch.mesh->getGeometry(*program, batch.shader->getInstanceMemorySlots()) : nullptr;
+        if (!geometry) {
+            complete = false;
+            continue;
+        }
+        _setRasterState(execution, batch);
+        execution.device->drawGeometry(*geometry, {batch.mesh->getTopology(), batch.mesh->getDrawCount(),
+                                                   _drawList.getInstances(), batch.instanceStride,
+                                                   batch.firstInstance, batch.instanceCount});
+    }
+    return complete;
+}
+
+void ScenePass::_setRasterState(const PassExecution& execution, const DrawList::Batch& batch) const {
+    device::RasterStateDesc state = _rasterState.getDesc();
+    if (batch.doubleSided)
+        state.cull = CULL_MODE::NONE;
+    state.frontCounterClockwise = state.frontCounterClockwise != batch.mirrored;
+    execution.device->setRasterState(state);
+}
+
+ovMemory::StringView ScenePass::getRequirement() const {
+    return "it needs a render queue of this graphics system, and its entities loaded shaders and meshes.";
+}
+
+void ScenePass::unload() {
+    _drawList.unload();
+}
+
+} // namespace ovGraphics

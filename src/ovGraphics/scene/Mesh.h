@@ -1,0 +1,99 @@
+// Vertices and indices on the device.
+#pragma once
+
+#include <ovGraphics/resources/Resource.h>
+#include <ovGraphics/resources/ShaderInstanceMemorySlot.h>
+#include <ovGraphics/scene/BoundingBox.h>
+#include <ovGraphics/scene/VertexComposition.h>
+#include <ovMaths/Vector.h>
+
+namespace ovGraphics {
+
+struct LoadedProgram;
+
+namespace device {
+class GpuBuffer;
+class GpuGeometry;
+} // namespace device
+
+/// Vertices, and the order in which they make primitives.
+///
+/// Vertices and indices are given as the *new* arrays. load() uploads them and makes them the *current* ones;
+/// the new ones are then empty. load() without new arrays uploads the current ones again. It fails for
+/// vertices that are no whole number of the composition's stride, for indices of vertices that are not there,
+/// and for no vertices at all.
+class OV_API Mesh : public Resource {
+public:
+    /// A new, unloaded mesh: a triangle list without vertices; a null system means the singleton.
+    static ovMemory::UniquePtr<Mesh> create(System* system);
+    explicit Mesh(System* system);
+    ~Mesh() override;
+
+    void setVertexComposition(const VertexComposition& composition);
+    const VertexComposition& getVertexComposition() const { return _composition; }
+    /// Points, lines, triangles and their strips. Default TRIANGLELIST. In strips the index 0xffffffff starts
+    /// anew.
+    void setTopology(PRIMITIVE_TOPOLOGY topology);
+    PRIMITIVE_TOPOLOGY getTopology() const { return _topology; }
+
+    /// The vertices that the next load() uploads, as the composition lays them out.
+    void setNewVertexArray(ovMemory::Buffer<unsigned char> vertices);
+    const ovMemory::Buffer<unsigned char>& getNewVertexArray() const { return _newVertices; }
+    const ovMemory::Buffer<unsigned char>& getCurrentVertexArray() const { return _vertices; }
+    /// The indices that the next load() uploads; none draws the vertices in their order.
+    void setNewIndexArray(ovMemory::Buffer<uint32_t> indices);
+    const ovMemory::Buffer<uint32_t>& getNewIndexArray() const { return _newIndices; }
+    const ovMemory::Buffer<uint32_t>& getCurrentIndexArray() const { return _indices; }
+
+    /// Packs the new vertex array from one vector for each attribute of each vertex: all attributes of the
+    /// first vertex in the order of the composition, then those of the second. Fractions are clamped to the
+    /// range of their format and rounded, whole numbers likewise.
+    /// @return false, changing nothing, when the values are no whole number of vertices
+    bool fillPackedFromUnpacked(ovMemory::BufferView<const ovMaths::Vector> values);
+
+    /// Of the current arrays.
+    unsigned int getVertexCount() const;
+    unsigned int getIndexCount() const { return static_cast<unsigned int>(_indices.size()); }
+    /// Of the current vertices' attribute "POSITION", those that are finite; empty when the mesh was never
+    /// loaded or has no such attribute of three or four floats.
+    const BoundingBox& getBoundingBox() const { return _boundingBox; }
+
+    void reset() override;
+
+    /// The mesh as a program reads it, with instance data laid out as the slots say.
+    /// @return null when the mesh is unloaded or the device refuses, after one log line for the latter
+    device::GpuGeometry* getGeometry(const LoadedProgram& program,
+                                     ovMemory::BufferView<const ShaderInstanceMemorySlot> slots);
+    /// Indices of a draw; vertices when there are none.
+    unsigned int getDrawCount() const { return _indices.empty() ? getVertexCount() : getIndexCount(); }
+
+private:
+    struct Geometry {
+        uint64_t key; ///< input layout of the program and order of the slots
+        ovMemory::UniquePtr<device::GpuGeometry> gpuGeometry;
+    };
+
+    bool _load(ovMemory::String& error) override;
+    void _unload() override;
+    void _takeNewArrays();
+    bool _check(ovMemory::String& error) const;
+    bool _upload(device::Device& device, ovMemory::String& error);
+    void _computeBoundingBox();
+    ovMemory::UniquePtr<device::GpuGeometry>
+    _createGeometry(const LoadedProgram& program,
+                    ovMemory::BufferView<const ShaderInstanceMemorySlot> slots) const;
+
+    VertexComposition _composition;
+    PRIMITIVE_TOPOLOGY _topology = PRIMITIVE_TOPOLOGY::TRIANGLELIST;
+    ovMemory::Buffer<unsigned char> _newVertices;
+    ovMemory::Buffer<unsigned char> _vertices;
+    ovMemory::Buffer<uint32_t> _newIndices;
+    ovMemory::Buffer<uint32_t> _indices;
+    BoundingBox _boundingBox;
+    ovMemory::UniquePtr<device::GpuBuffer> _vertexBuffer;
+    ovMemory::UniquePtr<device::GpuBuffer> _indexBuffer;
+    bool _shortIndices = false;
+    ovMemory::Buffer<Geometry> _geometries;
+};
+
+} // namespace ovGraphics

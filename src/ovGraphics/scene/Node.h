@@ -1,0 +1,80 @@
+// Places in the world, one inside another.
+#pragma once
+
+#include <ovGraphics/resources/Resource.h>
+#include <ovMaths/Matrix.h>
+#include <ovMaths/Quaternion.h>
+
+namespace ovGraphics {
+
+/// A place relative to a parent's. New: at the parent's place, without a parent.
+///
+/// World matrices are computed when they are asked for and kept until a place above changes.
+class OV_API Node : public Resource {
+public:
+    static ovMemory::UniquePtr<Node> create(System* system);
+    explicit Node(System* system);
+    /// Children stay where they are relative to what is then their parent: none.
+    ~Node() override;
+
+    // Relative to the parent: scaled, then rotated, then moved.
+    void setPosition(const ovMaths::Vector& position);
+    void setOrientation(const ovMaths::Quaternion& orientation);
+    void setScale(const ovMaths::Vector& scale);
+    /// All three at once, and what they cannot say: shear. The components are then those of
+    /// Matrix::getDecomposed, and setting one of them drops the shear.
+    void setLocalMatrix(const ovMaths::Matrix& matrix);
+    const ovMaths::Vector& getPosition() const { return _position; }
+    const ovMaths::Quaternion& getOrientation() const { return _orientation; }
+    const ovMaths::Vector& getScale() const { return _scale; }
+    /// Node to parent.
+    const ovMaths::Matrix& getLocalMatrix() const;
+
+    /// Hangs the node below another of the same system; null makes it a root.
+    /// @return false after one log line, changing nothing, for a node below this one, this one itself, and
+    /// one of another system
+    bool setParent(Node* parent);
+    Node* getParent() const { return _parent; }
+    /// Children in the order in which they came; null at the end.
+    Node* getFirstChild() const { return _firstChild; }
+    Node* getNextSibling() const { return _nextSibling; }
+
+    /// Node to world.
+    const ovMaths::Matrix& getWorldMatrix() const;
+    /// The transposed inverse of the world matrix; of a world matrix without an inverse the transposed
+    /// adjugate, which still turns normals to where they then point.
+    const ovMaths::Matrix& getWorldMatrixInvTranspose() const;
+    /// Whether the world matrix turns left into right, so that front faces run the other way.
+    bool isMirrored() const;
+    /// Another number after every change of the world matrix.
+    uint64_t getWorldRevision() const { return _worldRevision; }
+
+    void reset() override;
+
+private:
+    void _changeLocal();
+    void _changeWorld();
+    void _unlink();
+    void _updateWorld() const;
+    Node* _nextInTree(const Node* root, bool descend) const;
+
+    ovMaths::Vector _position;
+    ovMaths::Vector _scale{1.0f, 1.0f, 1.0f};
+    ovMaths::Quaternion _orientation;
+    Node* _parent = nullptr;
+    Node* _firstChild = nullptr;
+    Node* _lastChild = nullptr;
+    Node* _previousSibling = nullptr;
+    Node* _nextSibling = nullptr;
+    uint64_t _worldRevision = 1;
+
+    mutable ovMaths::Matrix _local;
+    mutable ovMaths::Matrix _world;
+    mutable ovMaths::Matrix _worldInvTranspose;
+    mutable const Node* _waitingChild = nullptr; ///< while world matrices are computed from the top down
+    mutable bool _localIsCurrent = true;
+    mutable bool _worldIsCurrent = true; ///< false implies false in every node below
+    mutable bool _invTransposeIsCurrent = true;
+};
+
+} // namespace ovGraphics
