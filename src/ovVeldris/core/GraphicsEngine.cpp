@@ -1,5 +1,7 @@
 #include <ovVeldris/core/GraphicsEngine.h>
 
+#include <ovGraphics/resources/Managers.h>
+#include <ovGraphics/resources/Sampler.h>
 #include <ovVeldris/effects/ProgramTrackersHolder.h>
 
 namespace ovVeldris {
@@ -20,6 +22,7 @@ bool GraphicsEngine::initialize(const Configuration& configuration) {
     if (!graphicsSystem->getIsInitialized() &&
         !graphicsSystem->initialize(configuration.graphicsConfiguration))
         return false;
+    _prepareDefaultSampler(*graphicsSystem->getSamplerManager());
     _programTrackers = std::make_unique<ProgramTrackersHolder>(graphicsSystem);
     return true;
 }
@@ -29,6 +32,18 @@ void GraphicsEngine::shutdown() {
     if (ovGraphics::System* const graphicsSystem = getGraphicsSystem())
         graphicsSystem->shutdown();
     _graphicsSystem.forgetUnlessOwned();
+}
+
+void GraphicsEngine::_prepareDefaultSampler(ovGraphics::SamplerManager& samplers) {
+    ovGraphics::Sampler* sampler = samplers.get(DEFAULT_SAMPLER_NAME);
+    if (!sampler) {
+        sampler = samplers.createOrRetrieve(DEFAULT_SAMPLER_NAME);
+        sampler->setHidden(true);
+        sampler->setFilter(ovGraphics::FILTER::MIN_MAG_MIP_LINEAR);
+        sampler->setAddressU(ovGraphics::TEXTURE_ADDRESS::WRAP);
+        sampler->setAddressV(ovGraphics::TEXTURE_ADDRESS::WRAP);
+    }
+    sampler->load();
 }
 
 void GraphicsEngine::_takeGraphicsSystem(ovGraphics::System* hostSystem) {

@@ -12,6 +12,9 @@ class ProgramTrackersHolder;
 /// Holds the graphics system of a System and the programs that effects and materials share on it.
 class OV_API GraphicsEngine {
 public:
+    /// The sampler that materials read their textures with: linear between texels and mips, repeating.
+    static constexpr ovMemory::StringView DEFAULT_SAMPLER_NAME = "ORVANE_DEFAULT_SAMPLER";
+
     /// An engine without a graphics system.
     /// @param useSingletons whether the graphics system is the singleton of its class
     explicit GraphicsEngine(bool useSingletons);
@@ -21,8 +24,8 @@ public:
     ~GraphicsEngine();
 
     /// Takes the graphics system (the singleton; or the host's; or a new one), initialises it if it is not
-    /// yet, and creates the program trackers. A system that an earlier call made is deleted when another
-    /// takes its place.
+    /// yet, and creates the program trackers and the default sampler (a sampler that the host made under that
+    /// name stays as it is). A system that an earlier call made is deleted when another takes its place.
     /// @return false when the graphics system cannot be initialised; it stays held and there are no trackers
     bool initialize(const Configuration& configuration);
 
@@ -36,6 +39,7 @@ public:
     ProgramTrackersHolder* getProgramTrackersHolder() const { return _programTrackers.get(); }
 
 private:
+    static void _prepareDefaultSampler(ovGraphics::SamplerManager& samplers);
     void _takeGraphicsSystem(ovGraphics::System* hostSystem);
 
     bool _useSingletons;

@@ -1,6 +1,7 @@
 #include <ovVeldris/effects/ProgramTrackersHolder.h>
 #include <ovVeldris/effects/TextureCopyEffect.h>
 #include <ovVeldris/effects/ToneMappingEffect.h>
+#include <ovVeldris/materials/PbsProgramTracker.h>
 
 namespace ovVeldris {
 

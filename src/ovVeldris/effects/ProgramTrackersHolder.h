@@ -17,6 +17,7 @@ using TrackerList = std::tuple<ovMemory::UniquePtr<Trackers>...>;
 
 /// Every tracker of the library. A new kind is a line here, and an include of its header in the source.
 using ProgramTrackers = TrackerList< //
+    class PbsProgramTracker,         //
     class TextureCopyProgramTracker, //
     class ToneMappingProgramTracker>;
 

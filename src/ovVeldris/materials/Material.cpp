@@ -1,5 +1,6 @@
 #include <ovVeldris/materials/Material.h>
 
+#include <ovExport/Node.h>
 #include <ovGraphics/resources/Shader.h>
 
 namespace ovVeldris {
@@ -8,6 +9,17 @@ Material::Material(MATERIAL_TYPE type)
     : _type(type) {}
 
 Material::~Material() = default;
+
+void Material::exportClassToTree(ovExport::Node* node) {
+    node->addMember("name")->setAsString(_name);
+    node->addMember("type")->setAsString(MaterialTypeUtils::enumToString(_type));
+}
+
+void Material::importClassFromTree(ovExport::Node* node) {
+    const ovExport::Node* const name = node->getMemberValue("name");
+    if (name && name->isString())
+        _name = name->getValueAsStringView();
+}
 
 void Material::setName(ovMemory::StringView name) {
     _name = name;

@@ -1,6 +1,7 @@
 // The base of materials.
 #pragma once
 
+#include <ovExport/Exportable.h>
 #include <ovVeldris/materials/MaterialTypeUtils.h>
 
 namespace ovGraphics {
@@ -10,13 +11,19 @@ class Shader;
 namespace ovVeldris {
 
 /// A named object that owns the shader with which meshes are drawn.
-class OV_API Material {
+class OV_API Material : public ovExport::Exportable {
 public:
     /// A material without name and shader.
     explicit Material(MATERIAL_TYPE type);
     Material(const Material&) = delete;
     Material& operator=(const Material&) = delete;
-    virtual ~Material();
+    ~Material() override;
+
+    /// Adds the members "name" and "type", both strings, to a node.
+    void exportClassToTree(ovExport::Node* node) override;
+    /// Takes the name from the member "name", if that is a string; a shader that exists keeps its name. The
+    /// type is not read: whoever makes the material has chosen it.
+    void importClassFromTree(ovExport::Node* node) override;
 
     /// Builds the shader with the present settings. @return false after one log line when that fails
     virtual bool load() = 0;

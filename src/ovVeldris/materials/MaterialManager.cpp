@@ -3,6 +3,7 @@
 #include <array>
 #include <ovVeldris/core/LogManager.h>
 #include <ovVeldris/core/System.h>
+#include <ovVeldris/materials/PbsMaterial.h>
 
 template class ovCommon::MaybeSingletonClass<ovVeldris::MaterialManager>;
 
@@ -16,7 +17,9 @@ struct Factory {
 };
 
 // One row a kind that can be created.
-constexpr std::array<Factory, 0> FACTORIES = {};
+constexpr std::array FACTORIES = {
+    Factory{MATERIAL_TYPE::PBS,
+            [](System* system) -> ovMemory::UniquePtr<Material> { return PbsMaterial::create(system); }}};
 
 ovMemory::UniquePtr<Material> create(System* system, MATERIAL_TYPE type) {
     for (const Factory& factory : FACTORIES)

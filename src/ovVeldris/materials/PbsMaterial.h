@@ -218,12 +218,15 @@ private:
     /// A slot of the pixel stage's constants of a loaded shader; null when there is none.
     ovGraphics::ShaderPassMemorySlot* _getLoadedConstant(unsigned int index) const;
     void _writeIfLoaded(unsigned int index, const ovMaths::Vector& value) const;
-    void _bindIfLoaded(const PbsTexture& texture, unsigned int unit) const;
+    void _bindIfLoaded(ovGraphics::Texture* texture, unsigned int unit) const;
     void _setColor(const PbsColorProperty& property, const ovMaths::Vector& color);
     void _setFactor(const PbsFactorProperty& property, float factor);
+    void _storeTexture(const PbsTextureProperty& property, ovGraphics::Texture* texture,
+                       THREE_CHANNEL_PACK channels);
+    void _storeTexture(const PbsTextureProperty& property, ovGraphics::Texture* texture,
+                       ONE_CHANNEL_PACK channel);
     template <typename Channels>
-    void _setTexture(const PbsTextureProperty& property, Channels PbsMaterialParameters::*channelsField,
-                     ovGraphics::Texture* texture, Channels channels);
+    void _setTexture(const PbsTextureProperty& property, ovGraphics::Texture* texture, Channels channels);
     void _logLoadFailure(ovMemory::StringView what) const;
 
     System* _system;
