@@ -342,9 +342,9 @@ void GlPipeline::drawGeometry(GlGeometry& geometry, const GeometryDraw& draw) {
         return;
     }
     if (!geometry.canReadInstances(draw)) {
-        _core.report(
-            fmt::format("Nothing was drawn: the data of {} instances of {} bytes from the {}th is not there",
-                        draw.instanceCount, draw.instanceStride, draw.firstInstance));
+        _core.report(fmt::format(
+            "Nothing was drawn: {} instances of {} bytes from instance {} on are not in their buffer",
+            draw.instanceCount, draw.instanceStride, draw.firstInstance));
         return;
     }
     if (!_prepareDraw(geometry.getName()))
