@@ -180,7 +180,8 @@ void Node::setAsString(ovMemory::StringView value) {
     // In place where it fits, so that setting a text over and over does not fill the arena. The text may be a
     // part of the one that it replaces.
     if (isString() && value.size() <= _record.size) {
-        std::memmove(_record.text, value.data(), value.size());
+        if (!value.empty())
+            std::memmove(_record.text, value.data(), value.size());
         _record.text[value.size()] = '\0';
     } else {
         _record.text = _record.arena->copyText(value);
