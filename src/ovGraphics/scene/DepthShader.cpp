@@ -1,0 +1,72 @@
+#include <ovGraphics/scene/DepthShader.h>
+
+#include <array>
+#include <ovGraphics/EmbeddedShaders.h>
+#include <ovGraphics/System.h>
+#include <ovGraphics/resources/Program.h>
+#include <ovGraphics/resources/Sampler.h>
+#include <ovGraphics/resources/Shader.h>
+#include <ovGraphics/resources/Texture.h>
+
+namespace ovGraphics {
+
+namespace {
+
+constexpr ovMemory::StringView NAME = "ORVANE_DEPTH";
+constexpr ovMemory::StringView ALPHA_DEFINE = "ALPHA_TEXTURE";
+constexpr unsigned int PASS_CONSTANTS = 0;
+constexpr unsigned int ALPHA_CONSTANTS = 1;
+constexpr unsigned int ALPHA_UNIT = 0;
+constexpr unsigned int EVERY_STAGE = 0;
+
+/// The vector whose product with a texel is one channel of it.
+ovMaths::Vector channelMask(unsigned int channel) {
+    const auto at = [channel](unsigned int index) { return index == channel ? 1.0f : 0.0f; };
+    return {at(0), at(1), at(2), at(3)};
+}
+
+} // namespace
+
+ovMemory::UniquePtr<DepthShader> DepthShader::create(System* system, const DepthShaderSettings& settings) {
+    ovMemory::UniquePtr<DepthShader> shader(new DepthShader(systemOrSingleton(system)));
+    return shader->_load(settings) ? std::move(shader) : nullptr;
+}
+
+DepthShader::DepthShader(System* system)
+    : _program(Program::create(system))
+    , _shader(Shader::create(system)) {
+    _program->setName(NAME);
+    _shader->setName(NAME);
+}
+
+DepthShader::~DepthShader() = default;
+
+bool DepthShader::_load(const DepthShaderSettings& settings) {
+    ProgramSourcesHolder sources;
+    sources.setVertexMemory(embedded::DepthShader_vertex);
+    sources.setPixelMemory(embedded::DepthShader_pixel);
+    if (settings.alphaTexture) {
+        sources.addDefineMacroVertex(ALPHA_DEFINE, "");
+        sources.addDefineMacroPixel(ALPHA_DEFINE, "");
+    }
+    _program->setSources(sources);
+    _program->setActivateCrossCompilerDefines(true);
+    if (!_program->load())
+        return false;
+
+    _shader->setProgram(_program.get());
+    ConstantBuffer* pass = _shader->addConstantBuffer(PASS_CONSTANTS, EVERY_STAGE);
+    pass->addPassMemorySlot()->setAsViewMatrix();
+    pass->addPassMemorySlot()->setAsProjectionMatrix();
+    _shader->addInstanceMemorySlot()->setAsWorldMatrix();
+    if (settings.alphaTexture) {
+        ConstantBuffer* alpha = _shader->addConstantBuffer(ALPHA_CONSTANTS, EVERY_STAGE);
+        alpha->addPassMemorySlot()->setFromVector(channelMask(settings.alphaChannel));
+        alpha->addPassMemorySlot()->setFromVector({settings.alpha, settings.alphaCutoff});
+        _shader->addTexture(settings.alphaTexture, ALPHA_UNIT, EVERY_STAGE);
+        _shader->addSampler(settings.sampler, ALPHA_UNIT, EVERY_STAGE);
+    }
+    return _shader->load();
+}
+
+} // namespace ovGraphics
