@@ -201,6 +201,15 @@ void appendReal(ovMemory::String& text, const Number& number) {
         text.append(".0");
 }
 
+/// The nearest value of the type.
+template <typename INTEGER, typename WHOLE>
+INTEGER clampWhole(WHOLE value) {
+    if (std::cmp_less(value, std::numeric_limits<INTEGER>::min()))
+        return std::numeric_limits<INTEGER>::min();
+    return std::cmp_greater(value, std::numeric_limits<INTEGER>::max()) ? std::numeric_limits<INTEGER>::max()
+                                                                        : static_cast<INTEGER>(value);
+}
+
 } // namespace
 
 Number Number::fromInteger(std::int64_t value, NODE_VALUE_TYPE type) {
@@ -267,11 +276,6 @@ template <typename INTEGER>
 INTEGER toInteger(const Number& number) {
     constexpr INTEGER LOWEST = std::numeric_limits<INTEGER>::min();
     constexpr INTEGER LARGEST = std::numeric_limits<INTEGER>::max();
-    const auto clampWhole = [](auto value) {
-        if (std::cmp_less(value, LOWEST))
-            return LOWEST;
-        return std::cmp_greater(value, LARGEST) ? LARGEST : static_cast<INTEGER>(value);
-    };
     switch (number.type) {
     case NODE_VALUE_TYPE::FLOAT:
     case NODE_VALUE_TYPE::DOUBLE:
@@ -283,9 +287,9 @@ INTEGER toInteger(const Number& number) {
         return number.real >= static_cast<double>(LARGEST) ? LARGEST : static_cast<INTEGER>(number.real);
     case NODE_VALUE_TYPE::UINT:
     case NODE_VALUE_TYPE::UINT64:
-        return clampWhole(number.unsignedValue);
+        return clampWhole<INTEGER>(number.unsignedValue);
     default:
-        return clampWhole(number.integer);
+        return clampWhole<INTEGER>(number.integer);
     }
 }
 
