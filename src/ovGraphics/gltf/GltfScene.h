@@ -156,8 +156,9 @@ struct GltfDirectionalLight {
     ovMaths::Vector color; ///< linear colour times intensity (illuminance across the beam, lux), at least 0
 };
 
-/// A whole file. A mesh whose skin moves it is there twice: as it is modelled, and as the skin's rest pose
-/// puts it, in the space of the scene, worn by a root node of its own. Only the second one is drawn.
+/// A whole file. Meshes with a skin stand in the skin's rest pose: their vertices are in the space of the
+/// scene, and they hang on a root node of their own instead of the file's. Meshes of the file keep their
+/// indices, as do nodes; a mesh that several skins move has copies at the end, and new nodes are there too.
 struct GltfScene {
     ovMemory::Buffer<GltfMesh> meshes;
     ovMemory::Buffer<GltfMaterial> materials;

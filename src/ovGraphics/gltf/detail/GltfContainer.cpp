@@ -64,8 +64,8 @@ std::optional<GltfContainer> openGltfContainer(Bytes bytes, ovMemory::String& er
             fmt::format("the file is binary glTF of version {}; only 2 can be read", readWord(bytes, 4)));
     const std::size_t length = readWord(bytes, 8);
     if (length < HEADER_BYTES || length > bytes.size())
-        return fail(fmt::format("the file is cut short or damaged: its header says {} bytes, it has {}", length,
-                                bytes.size()));
+        return fail(fmt::format("the file is cut short or damaged: its header says {} bytes, it has {}",
+                                length, bytes.size()));
     const Bytes file = bytes.first(length);
     std::size_t offset = HEADER_BYTES;
     const auto json = takeChunk(file, offset);

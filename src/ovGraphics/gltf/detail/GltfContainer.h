@@ -2,6 +2,7 @@
 #pragma once
 
 #include <optional>
+#include <ovCommon/Api.h>
 #include <ovMemory/Memory.h>
 
 namespace ovGraphics::detail {
@@ -13,12 +14,12 @@ struct GltfContainer {
 };
 
 /// Whether the bytes begin as a binary file does, of whichever version.
-bool isBinaryGltf(ovMemory::BufferView<const unsigned char> bytes);
+OV_API bool isBinaryGltf(ovMemory::BufferView<const unsigned char> bytes);
 
 /// Takes a file apart: a binary one into its chunks, anything else is taken for text.
 /// @param error set on failure: a version other than 2, a length beyond the end, no JSON chunk at the start
 /// @return nothing on failure
-std::optional<GltfContainer> openGltfContainer(ovMemory::BufferView<const unsigned char> bytes,
-                                               ovMemory::String& error);
+OV_API std::optional<GltfContainer> openGltfContainer(ovMemory::BufferView<const unsigned char> bytes,
+                                                      ovMemory::String& error);
 
 } // namespace ovGraphics::detail

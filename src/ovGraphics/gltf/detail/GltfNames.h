@@ -1,13 +1,14 @@
 // Names that can be looked up.
 #pragma once
 
+#include <ovCommon/Api.h>
 #include <ovMemory/Memory.h>
 #include <ovMemory/NameMap.h>
 
 namespace ovGraphics::detail {
 
 /// Makes the names of one kind of objects unique: files need not have any, and may use one twice.
-class GltfNames {
+class OV_API GltfNames {
 public:
     /// @param kind "mesh", for objects without a name
     explicit GltfNames(ovMemory::StringView kind)

@@ -31,9 +31,10 @@ bool GltfReport::fail(String text) {
 
 bool GltfReport::charge(std::size_t count, std::size_t size, StringView what) {
     if (count > _bytesLeft / size)
-        return fail(fmt::format("{} would take {} x {} bytes, which is more than what is left of the {} bytes "
-                                "that the file may take; raise maxBytes if it is trusted",
-                                what, count, size, _maxBytes));
+        return fail(
+            fmt::format("{} would take {} x {} bytes, which is more than what is left of the {} bytes "
+                        "that the file may take; raise maxBytes if it is trusted",
+                        what, count, size, _maxBytes));
     _bytesLeft -= count * size;
     return true;
 }

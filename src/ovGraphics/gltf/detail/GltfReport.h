@@ -1,12 +1,13 @@
 // What goes wrong while a glTF file is read.
 #pragma once
 
+#include <ovCommon/Api.h>
 #include <ovMemory/Memory.h>
 
 namespace ovGraphics::detail {
 
 /// Collects the warnings and the first error of one file, and counts the bytes that it makes us allocate.
-class GltfReport {
+class OV_API GltfReport {
 public:
     /// Warnings kept beside the one that counts the rest.
     static constexpr std::size_t MAX_WARNINGS = 100;
@@ -39,9 +40,9 @@ private:
 
 /// An object for messages: `mesh 3 "Wheel"`, or `mesh 3` without a name. Control characters become '?', and
 /// long names are cut.
-ovMemory::String describeGltf(ovMemory::StringView kind, std::size_t index, ovMemory::StringView name);
+OV_API ovMemory::String describeGltf(ovMemory::StringView kind, std::size_t index, ovMemory::StringView name);
 
 /// A text of the file for messages, in quotes.
-ovMemory::String quoteGltf(ovMemory::StringView text);
+OV_API ovMemory::String quoteGltf(ovMemory::StringView text);
 
 } // namespace ovGraphics::detail

@@ -71,9 +71,8 @@ bool hasScheme(StringView uri) {
     const std::size_t colon = uri.find(':');
     if (colon == StringView::npos || colon == 0 || !std::isalpha(static_cast<unsigned char>(uri[0])))
         return false;
-    return std::all_of(uri.begin(), uri.begin() + static_cast<std::ptrdiff_t>(colon), [](unsigned char c) {
-        return std::isalnum(c) || c == '+' || c == '-' || c == '.';
-    });
+    return std::all_of(uri.begin(), uri.begin() + static_cast<std::ptrdiff_t>(colon),
+                       [](unsigned char c) { return std::isalnum(c) || c == '+' || c == '-' || c == '.'; });
 }
 
 bool climbs(StringView path) {
@@ -106,7 +105,7 @@ std::optional<String> decodeRelativeUri(StringView uri) {
     String path = decodePercent(uri);
     std::replace(path.begin(), path.end(), '\\', '/');
     if (path.empty() || path.front() == '/' || path.find('\0') != String::npos || hasScheme(uri) ||
-        hasScheme(path) || climbs(path))
+        climbs(path))
         return {};
     return path;
 }

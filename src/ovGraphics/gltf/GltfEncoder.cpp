@@ -1,0 +1,155 @@
+#include <ovGraphics/gltf/GltfEncoder.h>
+
+#include <algorithm>
+#include <exception>
+#include <fmt/format.h>
+#include <new>
+#include <ovGraphics/gltf/detail/GltfContainer.h>
+#include <ovGraphics/gltf/detail/GltfMeshesInternal.h>
+#include <ovResources/Files.h>
+
+namespace ovGraphics {
+
+using namespace detail;
+using ovMemory::Buffer;
+using ovMemory::String;
+using ovMemory::StringView;
+using Bytes = ovMemory::BufferView<const unsigned char>;
+
+namespace {
+
+constexpr StringView ASSET_MEMBER = "\"asset\"";
+
+// Extensions that are read, or ignored with a warning of their own where they are used.
+constexpr StringView KNOWN_EXTENSIONS[] = {
+    "KHR_lights_punctual",
+    "KHR_materials_anisotropy",
+    "KHR_materials_clearcoat",
+    "KHR_materials_diffuse_transmission",
+    "KHR_materials_dispersion",
+    "KHR_materials_emissive_strength",
+    "KHR_materials_ior",
+    "KHR_materials_iridescence",
+    "KHR_materials_pbrSpecularGlossiness",
+    "KHR_materials_sheen",
+    "KHR_materials_specular",
+    "KHR_materials_transmission",
+    "KHR_materials_unlit",
+    "KHR_materials_volume",
+    "KHR_mesh_quantization",
+    "KHR_texture_transform",
+};
+
+bool isKnown(StringView extension) {
+    return std::find(std::begin(KNOWN_EXTENSIONS), std::end(KNOWN_EXTENSIONS), extension) !=
+           std::end(KNOWN_EXTENSIONS);
+}
+
+bool checkVersion(const GltfJson& root, GltfReport& report) {
+    const GltfJson asset = root["asset"];
+    const StringView version = asset["version"].getString().value_or(StringView());
+    const StringView minimum = asset["minVersion"].getString().value_or(version);
+    if (!version.starts_with("2."))
+        return report.fail(fmt::format("its version is {}; only glTF 2 can be read",
+                                       version.empty() ? "missing" : quoteGltf(version)));
+    if (minimum != "2.0" && minimum != version)
+        return report.fail(
+            fmt::format("it needs a reader of glTF {}; this one is of 2.0", quoteGltf(minimum)));
+    return true;
+}
+
+bool checkExtensions(const GltfJson& root, GltfReport& report) {
+    const GltfJson required = root["extensionsRequired"];
+    for (std::size_t i = 0; i < required.getCount(); ++i) {
+        const StringView name = required.at(i).getString().value_or(StringView());
+        if (!isKnown(name))
+            return report.fail(fmt::format(
+                "it requires the extension {}, which is not known; export it without", quoteGltf(name)));
+    }
+    const GltfJson used = root["extensionsUsed"];
+    for (std::size_t i = 0; i < used.getCount(); ++i) {
+        const StringView name = used.at(i).getString().value_or(StringView());
+        if (!isKnown(name))
+            report.warn(fmt::format("the extension {} is not known and is ignored", quoteGltf(name)));
+    }
+    return true;
+}
+
+void fillBox(GltfScene& scene) {
+    for (const unsigned int index : listDrawnGltfNodes(scene)) {
+        const GltfNode& node = scene.nodes[index];
+        if (node.mesh < 0)
+            continue;
+        for (const GltfPrimitive& primitive : scene.meshes[static_cast<std::size_t>(node.mesh)].primitives)
+            scene.boundingBox.add(primitive.boundingBox.getTransformed(node.world));
+    }
+}
+
+bool readScene(Bytes bytes, const GltfDecodeOptions& options, GltfReport& report, GltfScene& scene) {
+    String error;
+    const auto container = openGltfContainer(bytes, error);
+    rapidjson::Document document;
+    if (!container || !parseGltfJson(container->json, document, error))
+        return report.fail(error);
+    const GltfJson root(document);
+    if (!checkVersion(root, report) || !checkExtensions(root, report))
+        return false;
+    GltfData data;
+    Buffer<GltfVertexNeeds> needs;
+    Buffer<GltfNodeSource> nodes;
+    if (!data.load(root, container->binary, options.folder, report) ||
+        !readGltfMaterials(root, data, options.folder, report, scene, needs) ||
+        !readGltfCameras(root, report, scene) || !readGltfNodes(root, report, scene, nodes) ||
+        !readGltfMeshes({root, data, needs, options.optimizeMeshes, report}, nodes, scene) ||
+        !readGltfLight(root, report, scene, nodes))
+        return false;
+    fillBox(scene);
+    if (const std::size_t count = root["animations"].getCount())
+        report.warn(fmt::format("its {} animations are ignored; everything stands still", count));
+    return true;
+}
+
+} // namespace
+
+bool GltfEncoder::canDecode(Bytes bytes) const {
+    if (isBinaryGltf(bytes))
+        return bytes.size() >= 8 && bytes[4] == 2 && bytes[5] == 0 && bytes[6] == 0 && bytes[7] == 0;
+    const StringView text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+    const std::size_t first = text.find_first_not_of("\xef\xbb\xbf \t\r\n");
+    return first != StringView::npos && text[first] == '{' && text.find(ASSET_MEMBER) != StringView::npos;
+}
+
+GltfDecodeResult GltfEncoder::decode(Bytes bytes, const GltfDecodeOptions& options) const {
+    GltfDecodeResult result;
+    GltfReport report(options.maxBytes);
+    try {
+        auto scene = std::make_unique<GltfScene>();
+        if (readScene(bytes, options, report, *scene)) {
+            scene->warnings = report.takeWarnings();
+            result.scene = std::move(scene);
+        } else {
+            result.error = report.getError();
+        }
+    } catch (const std::exception&) { // only of containers: lack of memory
+        result.error = "there is not enough memory for what it holds";
+    }
+    return result;
+}
+
+GltfDecodeResult GltfEncoder::decodeFile(StringView path, const GltfDecodeOptions& options) const {
+    GltfDecodeResult result;
+    Buffer<char> bytes;
+    if (!ovResources::readFile(path, bytes, result.error))
+        return result;
+    GltfDecodeOptions ownOptions = options;
+    if (ownOptions.folder.empty()) {
+        const std::size_t separator = path.rfind('/');
+        ownOptions.folder = separator == StringView::npos ? "." : path.substr(0, separator + 1);
+    }
+    result = decode({reinterpret_cast<const unsigned char*>(bytes.data()), bytes.size()}, ownOptions);
+    if (!result)
+        result.error = fmt::format("the model '{}' cannot be read: {}", path, result.error);
+    return result;
+}
+
+} // namespace ovGraphics

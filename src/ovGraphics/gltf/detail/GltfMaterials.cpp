@@ -1,0 +1,194 @@
+#include <ovGraphics/gltf/detail/GltfMaterialsInternal.h>
+
+#include <algorithm>
+#include <cmath>
+#include <fmt/format.h>
+#include <limits>
+#include <ovGraphics/gltf/detail/GltfImagesInternal.h>
+#include <ovGraphics/gltf/detail/GltfNames.h>
+
+namespace ovGraphics::detail {
+
+using ovMaths::Vector;
+using ovMemory::Buffer;
+using ovMemory::String;
+using ovMemory::StringView;
+
+namespace {
+
+constexpr float HUGE_NUMBER = std::numeric_limits<float>::max();
+
+// Extensions that change how a surface looks, and that PBR materials have nothing for.
+constexpr StringView IGNORED_EXTENSIONS[] = {"KHR_materials_anisotropy",
+                                             "KHR_materials_clearcoat",
+                                             "KHR_materials_diffuse_transmission",
+                                             "KHR_materials_dispersion",
+                                             "KHR_materials_ior",
+                                             "KHR_materials_iridescence",
+                                             "KHR_materials_sheen",
+                                             "KHR_materials_specular",
+                                             "KHR_materials_transmission",
+                                             "KHR_materials_volume",
+                                             "MSFT_packing_normalRoughnessMetallic",
+                                             "MSFT_packing_occlusionRoughnessMetallic"};
+
+GltfUvSource readUvSource(const GltfObject& info) {
+    GltfUvSource source;
+    source.set = info.readEnum("texCoord", 0);
+    const GltfObject transform = info.getExtension("KHR_texture_transform");
+    if (!transform.getJson().exists())
+        return source;
+    source.set = transform.readEnum("texCoord", source.set);
+    const Vector offset = transform.readVector("offset", 2, {}, -HUGE_NUMBER, HUGE_NUMBER);
+    const Vector scale = transform.readVector("scale", 2, {1.0f, 1.0f}, -HUGE_NUMBER, HUGE_NUMBER);
+    const float angle = transform.readFloat("rotation", 0.0f, -HUGE_NUMBER, HUGE_NUMBER);
+    // Counter-clockwise in the picture, whose v runs down: the u axis turns towards -v.
+    const float cosine = std::cos(angle);
+    const float sine = std::sin(angle);
+    source.transform = {cosine * scale.x, sine * scale.y,   offset.x,
+                        -sine * scale.x,  cosine * scale.y, offset.y};
+    return source;
+}
+
+class MaterialReader {
+public:
+    MaterialReader(const GltfObject& source, GltfScene& scene)
+        : _source(source)
+        , _scene(scene) {}
+
+    bool read(GltfMaterial& material, GltfVertexNeeds& needs) {
+        if (!_readMetallicRoughness(material) || !_readSpecularGlossiness(material) || !_readCommon(material))
+            return false;
+        _readAlpha(material);
+        _warnOfExtensions();
+        needs.tangents = material.normalTexture >= 0;
+        needs.anyTexture = !_uses.empty();
+        if (needs.anyTexture)
+            needs.uvs = _chooseUvSource();
+        return true;
+    }
+
+private:
+    struct Use {
+        StringView slot;
+        GltfUvSource uvs;
+    };
+
+    bool _readTexture(const GltfObject& owner, StringView slot, bool colour, int& texture) {
+        const GltfObject info = owner.getObject(slot);
+        if (!info.readIndex("index", _scene.textures.size(), "textures", texture))
+            return false;
+        if (texture < 0)
+            return true;
+        GltfTexture& used = _scene.textures[static_cast<std::size_t>(texture)];
+        (colour ? used.usedAsColour : used.usedAsData) = true;
+        _uses.push_back({slot, readUvSource(info)});
+        return true;
+    }
+
+    bool _readMetallicRoughness(GltfMaterial& material) {
+        if (_source.getExtension("KHR_materials_pbrSpecularGlossiness").getJson().exists())
+            return true;
+        const GltfObject pbr = _source.getObject("pbrMetallicRoughness");
+        material.baseColor = pbr.readVector("baseColorFactor", 4, material.baseColor, 0.0f, 1.0f);
+        material.metallic = pbr.readFloat("metallicFactor", 1.0f, 0.0f, 1.0f);
+        material.roughness = pbr.readFloat("roughnessFactor", 1.0f, 0.0f, 1.0f);
+        return _readTexture(pbr, "baseColorTexture", true, material.baseColorTexture) &&
+               _readTexture(pbr, "metallicRoughnessTexture", false, material.metallicRoughnessTexture);
+    }
+
+    bool _readSpecularGlossiness(GltfMaterial& material) {
+        const GltfObject pbr = _source.getExtension("KHR_materials_pbrSpecularGlossiness");
+        if (!pbr.getJson().exists())
+            return true;
+        material.workflow = GLTF_WORKFLOW::SPECULAR_GLOSSINESS;
+        material.baseColor = pbr.readVector("diffuseFactor", 4, material.baseColor, 0.0f, 1.0f);
+        material.specular = pbr.readVector("specularFactor", 3, material.specular, 0.0f, 1.0f);
+        material.glossiness = pbr.readFloat("glossinessFactor", 1.0f, 0.0f, 1.0f);
+        return _readTexture(pbr, "diffuseTexture", true, material.baseColorTexture) &&
+               _readTexture(pbr, "specularGlossinessTexture", true, material.specularGlossinessTexture);
+    }
+
+    bool _readCommon(GltfMaterial& material) {
+        if (!_readTexture(_source, "normalTexture", false, material.normalTexture) ||
+            !_readTexture(_source, "occlusionTexture", false, material.occlusionTexture) ||
+            !_readTexture(_source, "emissiveTexture", true, material.emissiveTexture))
+            return false;
+        const GltfObject normal = _source.getObject("normalTexture");
+        material.normalScale = normal.readFloat("scale", 1.0f, -HUGE_NUMBER, HUGE_NUMBER);
+        if (material.normalScale != 1.0f)
+            normal.warn(fmt::format("its scale {} is ignored; the normals are drawn as they are read",
+                                    material.normalScale));
+        const GltfObject occlusion = _source.getObject("occlusionTexture");
+        material.occlusionStrength = occlusion.readFloat("strength", 1.0f, 0.0f, 1.0f);
+        if (material.occlusionStrength != 1.0f)
+            occlusion.warn(fmt::format("its strength {} is ignored; occlusion is drawn in full",
+                                       material.occlusionStrength));
+        const GltfObject emission = _source.getExtension("KHR_materials_emissive_strength");
+        const float strength = emission.readFloat("emissiveStrength", 1.0f, 0.0f, HUGE_NUMBER);
+        material.emissive = _source.readVector("emissiveFactor", 3, {}, 0.0f, 1.0f) * strength;
+        return true;
+    }
+
+    void _readAlpha(GltfMaterial& material) {
+        const StringView mode = _source.readString("alphaMode");
+        if (mode == "MASK")
+            material.alphaMode = GLTF_ALPHA_MODE::MASK;
+        else if (mode == "BLEND")
+            material.alphaMode = GLTF_ALPHA_MODE::BLEND;
+        else if (!mode.empty() && mode != "OPAQUE")
+            _source.warn(fmt::format("its 'alphaMode' is {}; it is drawn opaque", quoteGltf(mode)));
+        material.alphaCutoff = _source.readFloat("alphaCutoff", 0.5f, 0.0f, HUGE_NUMBER);
+        material.doubleSided = _source.readBool("doubleSided");
+        material.unlit = _source.getJson()["extensions"]["KHR_materials_unlit"].exists();
+        if (material.unlit)
+            _source.warn("KHR_materials_unlit is ignored; it is drawn with light");
+    }
+
+    void _warnOfExtensions() const {
+        for (const StringView name : _source.getJson()["extensions"].getNames())
+            if (std::find(std::begin(IGNORED_EXTENSIONS), std::end(IGNORED_EXTENSIONS), name) !=
+                std::end(IGNORED_EXTENSIONS))
+                _source.warn(fmt::format("{} is ignored; it is drawn without", name));
+    }
+
+    // Vertices have room for one set: that of the first texture read, which is the base colour's if it has
+    // one.
+    GltfUvSource _chooseUvSource() const {
+        const Use& chosen = _uses.front();
+        String others;
+        for (const Use& use : _uses)
+            if (use.uvs != chosen.uvs)
+                others += fmt::format("{}{}", others.empty() ? "" : ", ", use.slot);
+        if (!others.empty())
+            _source.warn(
+                fmt::format("{} should be read with other texture coordinates than {}; they are drawn "
+                            "with those of {}",
+                            others, chosen.slot, chosen.slot));
+        return chosen.uvs;
+    }
+
+    const GltfObject& _source;
+    GltfScene& _scene;
+    Buffer<Use> _uses;
+};
+
+} // namespace
+
+bool readGltfMaterials(const GltfJson& root, const GltfData& data, StringView folder, GltfReport& report,
+                       GltfScene& scene, Buffer<GltfVertexNeeds>& needs) {
+    if (!readGltfImages(root, data, folder, report, scene) || !readGltfTextures(root, report, scene))
+        return false;
+    const GltfJson materials = root["materials"];
+    GltfNames names("material");
+    for (std::size_t i = 0; i < materials.getCount(); ++i) {
+        const GltfObject source = getGltfObject(materials, "material", i, report);
+        GltfMaterial& material = scene.materials.emplace_back();
+        material.name = names.makeUnique(source.readString("name"), i);
+        if (!MaterialReader(source, scene).read(material, needs.emplace_back()))
+            return false;
+    }
+    return true;
+}
+
+} // namespace ovGraphics::detail

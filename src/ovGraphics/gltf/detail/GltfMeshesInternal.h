@@ -1,0 +1,33 @@
+// Meshes of a glTF file.
+#pragma once
+
+#include <ovGraphics/gltf/GltfScene.h>
+#include <ovGraphics/gltf/detail/GltfDataInternal.h>
+#include <ovGraphics/gltf/detail/GltfMaterialsInternal.h>
+#include <ovGraphics/gltf/detail/GltfNodesInternal.h>
+#include <ovGraphics/gltf/detail/GltfSkinInternal.h>
+
+namespace ovGraphics::detail {
+
+/// What meshes are made from.
+struct GltfMeshContext {
+    const GltfJson& root;
+    const GltfData& data;
+    const ovMemory::Buffer<GltfVertexNeeds>& needs; ///< of each material
+    bool optimize = true;
+    GltfReport& report;
+};
+
+/// Reads one primitive.
+/// @param source the object of the file @param skin in whose rest pose the vertices are put; null for none
+/// @param usable false if there is nothing to draw in it, after a warning
+/// @return false after an error
+bool readGltfPrimitive(const GltfMeshContext& context, const GltfObject& source, const GltfSkin* skin,
+                       GltfPrimitive& primitive, bool& usable);
+
+/// Fills the meshes of a scene, whose nodes are there. Nodes that wear a skin lose their mesh to a new root
+/// node that stays where the skin puts it. @return false after report.fail()
+bool readGltfMeshes(const GltfMeshContext& context, const ovMemory::Buffer<GltfNodeSource>& nodes,
+                    GltfScene& scene);
+
+} // namespace ovGraphics::detail

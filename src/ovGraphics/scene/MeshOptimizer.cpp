@@ -1,0 +1,72 @@
+#include <ovGraphics/scene/MeshOptimizer.h>
+
+#include <algorithm>
+#include <meshoptimizer.h>
+
+namespace ovGraphics {
+
+using Bytes = ovMemory::Buffer<unsigned char>;
+using Indices = ovMemory::Buffer<std::uint32_t>;
+
+namespace {
+
+constexpr unsigned int MAX_STRIDE = 256;
+// How much worse the use of the vertex cache may become for less overdraw.
+constexpr float OVERDRAW_THRESHOLD = 1.05f;
+
+bool isTriangleList(const VertexComposition& composition, const Bytes& vertices, const Indices& indices) {
+    const unsigned int stride = composition.getStride();
+    if (stride == 0 || stride > MAX_STRIDE || vertices.size() % stride != 0)
+        return false;
+    const std::size_t vertexCount = vertices.size() / stride;
+    const std::size_t cornerCount = indices.empty() ? vertexCount : indices.size();
+    return cornerCount % 3 == 0 && std::all_of(indices.begin(), indices.end(),
+                                               [&](std::uint32_t index) { return index < vertexCount; });
+}
+
+// Keeps one of equal vertices, and those only that are used.
+void dropDoubles(unsigned int stride, Bytes& vertices, Indices& indices) {
+    const std::size_t vertexCount = vertices.size() / stride;
+    const std::size_t cornerCount = indices.empty() ? vertexCount : indices.size();
+    const unsigned int* used = indices.empty() ? nullptr : indices.data();
+    Indices remap(vertexCount);
+    const std::size_t uniqueCount =
+        meshopt_generateVertexRemap(remap.data(), used, cornerCount, vertices.data(), vertexCount, stride);
+    Indices newIndices(cornerCount);
+    meshopt_remapIndexBuffer(newIndices.data(), used, cornerCount, remap.data());
+    Bytes newVertices(uniqueCount * stride);
+    meshopt_remapVertexBuffer(newVertices.data(), vertices.data(), vertexCount, stride, remap.data());
+    vertices = std::move(newVertices);
+    indices = std::move(newIndices);
+}
+
+// Positions as floats, if the vertices have them in that form.
+const VertexAttribute* findPositions(const VertexComposition& composition) {
+    const VertexAttribute* position = composition.find("POSITION");
+    const bool usable = position && (position->format == FORMAT::R32G32B32_FLOAT ||
+                                     position->format == FORMAT::R32G32B32A32_FLOAT);
+    return usable ? position : nullptr;
+}
+
+} // namespace
+
+bool optimizeMesh(const VertexComposition& composition, Bytes& vertices, Indices& indices) {
+    if (!isTriangleList(composition, vertices, indices))
+        return false;
+    const unsigned int stride = composition.getStride();
+    dropDoubles(stride, vertices, indices);
+    if (indices.empty())
+        return true;
+    const std::size_t vertexCount = vertices.size() / stride;
+    meshopt_optimizeVertexCache(indices.data(), indices.data(), indices.size(), vertexCount);
+    if (const VertexAttribute* position = findPositions(composition)) {
+        const auto* positions = reinterpret_cast<const float*>(vertices.data() + position->offset);
+        meshopt_optimizeOverdraw(indices.data(), indices.data(), indices.size(), positions, vertexCount,
+                                 stride, OVERDRAW_THRESHOLD);
+    }
+    meshopt_optimizeVertexFetch(vertices.data(), indices.data(), indices.size(), vertices.data(), vertexCount,
+                                stride);
+    return true;
+}
+
+} // namespace ovGraphics
