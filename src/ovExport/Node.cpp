@@ -10,6 +10,7 @@ namespace ovExport {
 namespace {
 
 constexpr unsigned int SMALLEST_BLOCK = 4;
+constexpr std::size_t LONGEST_TEXT = 0xffffffffu;
 
 } // namespace
 
@@ -150,6 +151,7 @@ Node* Node::addElement() {
 }
 
 Node* Node::addMember(ovMemory::StringView name) {
+    name = name.substr(0, LONGEST_TEXT);
     if (!isObject())
         setAsObject();
     Node* const existing = getMemberValue(name);
@@ -177,6 +179,7 @@ void Node::_setValue(NODE_VALUE_TYPE type) {
 }
 
 void Node::setAsString(ovMemory::StringView value) {
+    value = value.substr(0, LONGEST_TEXT);
     // In place where it fits, so that setting a text over and over does not fill the arena. The text may be a
     // part of the one that it replaces.
     if (isString() && value.size() <= _record.size) {

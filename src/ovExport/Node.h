@@ -128,7 +128,8 @@ public:
     /// is copied. The pointer belongs to the tree.
     Node* addMember(ovMemory::StringView name);
 
-    /// Copies the text, which may hold any bytes, NUL included.
+    /// Copies the text, which may hold any bytes, NUL included. As in names, what lies beyond 4 GiB is cut
+    /// off.
     void setAsString(ovMemory::StringView value);
     void setAsInt(int value);
     void setAsUint(unsigned int value);

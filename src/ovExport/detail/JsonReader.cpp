@@ -91,7 +91,7 @@ ExporterLoadResult JsonReader::read() {
 
 bool JsonReader::_prepare() {
     if (_text.size() >= Node::NO_SOURCE_INDEX) {
-        _fail("The text is too large", "less than 4 GiB", _at);
+        _fail("The text is 4 GiB or larger", nullptr, _at);
         return false;
     }
     _arena = std::make_unique<NodeArena>();

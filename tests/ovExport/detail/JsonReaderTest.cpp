@@ -1,6 +1,7 @@
 // What is read, what is refused, and what is said about it.
 #include <gtest/gtest.h>
 #include <ovExport/JsonExporter.h>
+#include <sys/mman.h>
 
 namespace {
 
@@ -334,6 +335,18 @@ TEST(JsonReaderTest, theLastLineOfALongTextIsCounted) {
     EXPECT_EQ(result._error._line, 1002u);
     EXPECT_EQ(result._error._errorInfo,
               "line 1002, column 3: Unexpected character: expected a value, found oops]");
+}
+
+TEST(JsonReaderTest, aTextOfFourGigabytesIsRefusedUnread) {
+    // Zeros that take no memory.
+    constexpr std::size_t SIZE = 0xffffffffu;
+    void* const text = mmap(nullptr, SIZE, PROT_READ, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+    ASSERT_NE(text, MAP_FAILED);
+    const auto result = EXPORTER.importIntoTree(ovMemory::StringView(static_cast<const char*>(text), SIZE));
+    munmap(text, SIZE);
+    EXPECT_FALSE(result);
+    EXPECT_EQ(result._error._index, 0u);
+    EXPECT_EQ(result._error._errorInfo, "line 1, column 1: The text is 4 GiB or larger");
 }
 
 } // namespace
