@@ -44,6 +44,7 @@ int runProgram(int argumentCount, const char* const* arguments) {
     addApplyCommand(program, command);
     addDemoCommand(program, command);
     addInfoCommand(program, command);
+    addRenderCommand(program, command);
     addShadersCommand(program, command);
     try {
         program.parse(argumentCount, arguments);

@@ -18,6 +18,7 @@ using Command = std::function<int()>;
 void addApplyCommand(CLI::App& program, Command& command);
 void addDemoCommand(CLI::App& program, Command& command);
 void addInfoCommand(CLI::App& program, Command& command);
+void addRenderCommand(CLI::App& program, Command& command);
 void addShadersCommand(CLI::App& program, Command& command);
 
 /// Adds --language, --device, --cache, --no-cache, --timings and --json to a subcommand.

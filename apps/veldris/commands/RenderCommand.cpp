@@ -1,0 +1,226 @@
+// veldris render: a model with physically based materials, as a picture.
+#include <veldris/commands/Commands.h>
+
+#include <CLI/CLI.hpp>
+#include <cmath>
+#include <fmt/format.h>
+#include <ovGraphics/System.h>
+#include <ovVeldris/content/ModelLoader.h>
+#include <veldris/ImageFiles.h>
+#include <veldris/JsonText.h>
+#include <veldris/effects/EffectChain.h>
+#include <veldris/scene/SceneCamera.h>
+#include <veldris/scene/ScenePicture.h>
+
+namespace veldris {
+
+namespace {
+
+using ovMaths::Vector;
+using ovMemory::String;
+
+constexpr const char* DEFAULT_EFFECTS = "tone-mapping:operator=reinhard,max-white=6,6,6";
+
+struct RenderOptions {
+    String model;
+    String materials;
+    String output;
+    String camera;
+    String light;
+    String lightColor;
+    String background;
+    String size = "1280x720";
+    String effects = DEFAULT_EFFECTS;
+    unsigned int samples = 4;
+    bool shadows = false;
+    DrawingOptions drawing;
+};
+
+/// What the options say, checked before anything is read.
+struct RenderPlan {
+    SceneSettings scene;
+    CameraChoice camera;
+    ovMemory::Buffer<EffectSpec> effects;
+    ChainOptions chain;
+};
+
+bool readVector(ovMemory::StringView option, const String& text, Vector& vector, String& error) {
+    const auto numbers = parseNumbers(text);
+    if (numbers && numbers->size() == 3) {
+        vector = {(*numbers)[0], (*numbers)[1], (*numbers)[2]};
+        return true;
+    }
+    error = fmt::format("{} '{}' is not three numbers such as 0.5,-1,0.5.", option, text);
+    return false;
+}
+
+bool readSize(const String& text, SceneSettings& scene, String& error) {
+    unsigned int width = 0;
+    unsigned int height = 0;
+    char rest = 0;
+    if (std::sscanf(text.c_str(), "%ux%u%c", &width, &height, &rest) == 2 && width > 0 && height > 0) {
+        scene.width = width;
+        scene.height = height;
+        return true;
+    }
+    error = fmt::format("the size '{}' is not WIDTHxHEIGHT in pixels, such as 1280x720.", text);
+    return false;
+}
+
+bool readScene(const RenderOptions& options, SceneSettings& scene, String& error) {
+    if (!readSize(options.size, scene, error))
+        return false;
+    scene.shadows = options.shadows;
+    scene.samples = options.samples;
+    const double side = std::sqrt(options.samples);
+    if (side != std::floor(side)) {
+        error =
+            fmt::format("--samples {} is no square of a whole number; 1, 4, 9 and 16 are.", options.samples);
+        return false;
+    }
+    if (!options.lightColor.empty() &&
+        !readVector("--light-color", options.lightColor, scene.lightColor, error))
+        return false;
+    if (!options.background.empty() &&
+        !readVector("--background", options.background, scene.background, error))
+        return false;
+    if (options.light.empty())
+        return true;
+    Vector direction;
+    if (!readVector("--light", options.light, direction, error))
+        return false;
+    if (direction.getNormalizedVec3() == Vector()) {
+        error = "--light has no direction; give another vector than zero.";
+        return false;
+    }
+    scene.lightDirection = direction;
+    return true;
+}
+
+bool makePlan(const RenderOptions& options, RenderPlan& plan, String& error) {
+    if (!readScene(options, plan.scene, error) || !parseEffectList(options.effects, plan.effects, error) ||
+        !contentOfFormat(options.output, plan.chain.output, error))
+        return false;
+    plan.chain.outputName = "the file '" + options.output + "'";
+    if (options.camera.empty())
+        return true;
+    const auto camera = parseCamera(options.camera, error);
+    plan.camera = camera.value_or(CameraChoice());
+    return camera.has_value();
+}
+
+/// Lights the model's materials, and adds its parts with their shadows to a scene.
+bool addModel(ScenePicture& picture, ovVeldris::Model& model, const SceneSettings& scene) {
+    for (const ovVeldris::ModelMaterial& own : model.getMaterials()) {
+        if (!scene.lightDirection) {
+            own.material->setLightDirection(model.getLight() ? model.getLight()->direction
+                                                             : DEFAULT_LIGHT_DIRECTION);
+            own.material->setLightColor(scene.lightColor);
+        }
+        picture.light(*own.material);
+    }
+    if (!model.loadMaterials())
+        return false;
+    model.addTo(picture.getSolid(), picture.getBlended());
+    for (const ovVeldris::ModelMaterial& own : model.getMaterials()) {
+        if (!picture.castShadow(*own.material, own.alphaMode != ovGraphics::GLTF_ALPHA_MODE::OPAQUE))
+            return false;
+    }
+    picture.fitShadow(model.getBoundingBox());
+    return true;
+}
+
+void printReport(const RenderOptions& options, const ovImages::Image& image) {
+    if (!options.drawing.json) {
+        fmt::print("{}\n", options.output);
+        return;
+    }
+    fmt::print("{}\n", JsonObject()
+                           .text("output", options.output)
+                           .number("width", image.getWidth())
+                           .number("height", image.getHeight())
+                           .toText());
+}
+
+/// The model's picture before any effect.
+ovMemory::UniquePtr<ovImages::Image> drawModel(Session& session, const RenderOptions& options,
+                                               const RenderPlan& plan, String& error) {
+    const ovVeldris::ModelLoadResult loaded =
+        ovVeldris::ModelLoader(&session.getSystem()).load(options.model);
+    error = loaded.error;
+    if (!loaded)
+        return nullptr;
+    ovVeldris::Model& model = *loaded.model;
+    for (const String& warning : model.getWarnings())
+        warn(warning);
+    if (model.getParts().empty()) {
+        error = "the model '" + options.model + "' has nothing to draw.";
+        return nullptr;
+    }
+    const auto picture = ScenePicture::create(session, plan.scene, error);
+    if (!picture || !addModel(*picture, model, plan.scene) ||
+        !placeCamera(plan.camera, model.getBoundingBox(), &model, picture->getAspect(), picture->getCamera(),
+                     error)) {
+        error += session.getLogger().take();
+        return nullptr;
+    }
+    String warning;
+    auto image = picture->draw(warning, error);
+    warn(warning);
+    return image;
+}
+
+int runRender(const RenderOptions& options) {
+    RenderPlan plan;
+    String error;
+    if (!makePlan(options, plan, error))
+        return fail(error);
+    Session session;
+    if (!session.open(options.drawing, error))
+        return fail(error);
+    const auto image = drawModel(session, options, plan, error);
+    if (!image)
+        return fail(error);
+    plan.chain.input = PICTURE_CONTENT::SCENE_LINEAR;
+    const ChainResult result = runChain(session, image->view(), plan.effects, plan.chain);
+    if (!result)
+        return fail(result.error);
+    warn(session.getLogger().take());
+    String warning;
+    if (!writePicture(options.output, result.image->view(), false, warning, error))
+        return fail(error);
+    warn(warning);
+    printReport(options, *result.image);
+    return 0;
+}
+
+} // namespace
+
+void addRenderCommand(CLI::App& program, Command& command) {
+    auto options = std::make_shared<RenderOptions>();
+    CLI::App* render =
+        program.add_subcommand("render", "draw a model (.glb, .gltf) with physically based materials");
+    render->add_option("MODEL", options->model, "model to read")->required();
+    render->add_option("-o,--output", options->output, "image to write; its extension chooses the format")
+        ->required();
+    render->add_option("--size", options->size, "WIDTHxHEIGHT in pixels")->capture_default_str();
+    render->add_option("--samples", options->samples, "samples of a pixel: 1, 4, 9, 16, ...")
+        ->check(CLI::Range(1, 1024))
+        ->capture_default_str();
+    render->add_option("--camera", options->camera,
+                       "AZIMUTH,ELEVATION[,ZOOM] around the model in degrees (default: 30,15), "
+                       "X,Y,Z,TARGET-X,TARGET-Y,TARGET-Z in metres, or file for the model's own");
+    render->add_option("--light", options->light,
+                       "X,Y,Z where the light shines to (default: the model's light, or from "
+                       "above and beside the camera)");
+    render->add_option("--light-color", options->lightColor, "R,G,B, linear (default: 3,3,3)");
+    render->add_flag("--shadows", options->shadows, "let the light cast shadows");
+    render->add_option("--background", options->background, "R,G,B, linear (default: 0.18,0.18,0.18)");
+    render->add_option("--effects", options->effects, "effects over the picture, as of veldris apply")
+        ->capture_default_str();
+    addDrawingOptions(*render, options->drawing);
+    render->footer("Example: veldris render helmet.glb --light 0.3,-1,0.5 --shadows -o helmet.png");
+    render->callback([options, &command] { command = [options] { return runRender(*options); }; });
+}
+
+} // namespace veldris

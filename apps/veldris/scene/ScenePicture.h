@@ -1,0 +1,82 @@
+// Draws a scene of physically based materials into a picture.
+#pragma once
+
+#include <optional>
+#include <ovGraphics/compositor/Compositor.h>
+#include <ovGraphics/compositor/RenderContext.h>
+#include <ovGraphics/scene/BoundingBox.h>
+#include <ovGraphics/scene/DepthShader.h>
+#include <ovGraphics/scene/RenderQueue.h>
+#include <ovImages/Image.h>
+#include <ovVeldris/materials/PbsMaterial.h>
+
+namespace veldris {
+
+class Session;
+
+/// What a scene is lit by, and how large its picture is.
+struct SceneSettings {
+    unsigned int width = 1280;                       ///< pixels
+    unsigned int height = 720;                       ///< pixels
+    unsigned int samples = 1;                        ///< of a pixel, the square of a whole number
+    ovMaths::Vector background{0.18f, 0.18f, 0.18f}; ///< linear
+    std::optional<ovMaths::Vector>
+        lightDirection; ///< where the light shines to; nothing: as the materials say
+    ovMaths::Vector lightColor{3.0f, 3.0f, 3.0f};
+    ovMaths::Vector ambientColor{0.35f, 0.35f, 0.35f}; ///< from all around, without an environment
+    bool shadows = false;
+};
+
+/// A light's direction that shows shapes well: from above, beside and behind the eye.
+inline constexpr ovMaths::Vector DEFAULT_LIGHT_DIRECTION{-0.5f, -0.8f, 0.6f};
+
+/// Two queues of entities, a light with its shadow map, and the passes that draw them. What is added is
+/// borrowed.
+class ScenePicture {
+public:
+    /// @return null with one line in error when the device cannot draw the size
+    static ovMemory::UniquePtr<ScenePicture> create(Session& session, const SceneSettings& settings,
+                                                    ovMemory::String& error);
+    ~ScenePicture();
+
+    ovGraphics::RenderQueue& getSolid() { return *_solid; }
+    ovGraphics::RenderQueue& getBlended() { return *_blended; }
+    ovGraphics::Camera& getCamera() { return *_camera; }
+    float getAspect() const;
+
+    /// Lights a material. It must be loaded afterwards, and only then added to the queues.
+    void light(ovVeldris::PbsMaterial& material);
+    /// Gives the entities of a loaded material a shadow. @param hasHoles where its alpha is low
+    /// @return false after one log line when that takes a program that cannot be loaded
+    bool castShadow(const ovVeldris::PbsMaterial& material, bool hasHoles);
+    /// Turns the light's view so that everything in the box casts its shadow.
+    void fitShadow(const ovGraphics::BoundingBox& box);
+
+    /// Draws. @return scene-linear floats, alpha 1; null with one line in error when it cannot be read back.
+    /// Pixels that are not numbers become black and are counted in warning.
+    ovMemory::UniquePtr<ovImages::Image> draw(ovMemory::String& warning, ovMemory::String& error);
+
+private:
+    ScenePicture(Session& session, const SceneSettings& settings);
+    bool _makeTextures(ovMemory::String& error);
+    void _makePasses();
+    void _appendShadowPasses();
+    void _appendColourPasses();
+
+    Session& _session;
+    SceneSettings _settings;
+    ovMaths::Vector _lightDirection;
+    unsigned int _scale; ///< samples along a side of a pixel
+    ovMemory::UniquePtr<ovGraphics::Texture> _colour;
+    ovMemory::UniquePtr<ovGraphics::Texture> _depth;
+    ovMemory::UniquePtr<ovGraphics::Texture> _shadowMap;
+    ovMemory::UniquePtr<ovGraphics::Camera> _camera;
+    ovMemory::UniquePtr<ovGraphics::Camera> _shadowCamera;
+    ovMemory::Buffer<ovMemory::UniquePtr<ovGraphics::DepthShader>> _depthShaders;
+    ovMemory::UniquePtr<ovGraphics::RenderQueue> _solid;
+    ovMemory::UniquePtr<ovGraphics::RenderQueue> _blended;
+    ovMemory::UniquePtr<ovGraphics::Compositor> _compositor;
+    ovMemory::UniquePtr<ovGraphics::RenderContext> _context;
+};
+
+} // namespace veldris

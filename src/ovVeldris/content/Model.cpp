@@ -1,0 +1,88 @@
+#include <ovVeldris/content/Model.h>
+
+#include <algorithm>
+#include <ovGraphics/resources/Managers.h>
+#include <ovGraphics/resources/Sampler.h>
+#include <ovGraphics/resources/Shader.h>
+#include <ovGraphics/resources/Texture.h>
+#include <ovGraphics/scene/Mesh.h>
+#include <ovGraphics/scene/Node.h>
+#include <ovGraphics/scene/RenderQueue.h>
+#include <ovVeldris/core/GraphicsEngine.h>
+#include <ovVeldris/core/System.h>
+#include <ovVeldris/materials/MaterialManager.h>
+#include <ovVeldris/materials/PbsMaterial.h>
+
+namespace ovVeldris {
+
+namespace {
+
+constexpr unsigned int EVERY_STAGE = 0;
+
+template <typename Manager, typename Resource>
+void eraseFrom(Manager& manager, const Resource* resource) {
+    if (resource && manager.get(resource->getName()) == resource)
+        manager.erase(ovMemory::String(resource->getName()));
+}
+
+} // namespace
+
+Model::Model(System* system)
+    : _system(system) {}
+
+Model::~Model() {
+    if (MaterialManager* materials = _system->getMaterialManager()) {
+        for (const ModelMaterial& own : _materials) {
+            if (materials->get(own.name) == own.material)
+                materials->erase(own.name);
+        }
+    }
+    ovGraphics::System* graphics = _system->getGraphicsEngine()->getGraphicsSystem();
+    if (!graphics)
+        return;
+    for (const SampledTexture& own : _textures) {
+        eraseFrom(*graphics->getTextureManager(), own.texture.get());
+        eraseFrom(*graphics->getSamplerManager(), own.sampler.get());
+    }
+}
+
+ovGraphics::Node* Model::getCameraNode(unsigned int camera) const {
+    return camera < _cameraNodes.size() ? _cameraNodes[camera] : nullptr;
+}
+
+ovGraphics::Sampler* Model::getSampler(const ovGraphics::Texture* texture) const {
+    const auto found = std::find_if(_textures.begin(), _textures.end(), [&](const SampledTexture& own) {
+        return own.texture.get() == texture && texture;
+    });
+    return found != _textures.end() ? found->sampler.get() : nullptr;
+}
+
+bool Model::loadMaterials() {
+    bool loaded = true;
+    for (const ModelMaterial& own : _materials) {
+        if (own.material->load())
+            _giveSamplers(*own.material);
+        else
+            loaded = false;
+    }
+    return loaded;
+}
+
+// Materials read every texture with the default sampler; what the file says of a texture is put over it.
+void Model::_giveSamplers(const PbsMaterial& material) const {
+    ovGraphics::Shader& shader = *material.getShader();
+    for (unsigned int unit = 0; unit < PbsMaterialParameters::PACKED_TEXTURE_COUNT; ++unit) {
+        if (ovGraphics::Sampler* sampler = getSampler(shader.getTexture(unit, EVERY_STAGE)))
+            shader.setSampler(sampler, unit, EVERY_STAGE);
+    }
+}
+
+void Model::addTo(ovGraphics::RenderQueue& solid, ovGraphics::RenderQueue& blended) const {
+    for (const ModelPart& part : _parts) {
+        const ModelMaterial& own = _materials[part.material];
+        const bool blends = own.alphaMode == ovGraphics::GLTF_ALPHA_MODE::BLEND;
+        (blends ? blended : solid).addEntity(part.mesh, own.material->getShader(), part.node);
+    }
+}
+
+} // namespace ovVeldris

@@ -1,0 +1,90 @@
+// A model as it is drawn: meshes, nodes, textures and materials on one system.
+#pragma once
+
+#include <ovGraphics/gltf/GltfScene.h>
+#include <ovGraphics/resources/Borrowed.h>
+#include <ovMemory/Memory.h>
+
+namespace ovGraphics {
+class Mesh;
+class Node;
+class RenderQueue;
+class Sampler;
+class Texture;
+} // namespace ovGraphics
+
+namespace ovVeldris {
+
+class PbsMaterial;
+class System;
+
+/// A mesh of a model at a place, and the material that it is drawn with.
+struct ModelPart {
+    ovGraphics::Mesh* mesh = nullptr;
+    ovGraphics::Node* node = nullptr;
+    unsigned int material = 0; ///< of Model::getMaterials()
+};
+
+/// A material of a model, owned by the material manager under its name.
+struct ModelMaterial {
+    ovMemory::String name;
+    PbsMaterial* material = nullptr;
+    ovGraphics::GLTF_ALPHA_MODE alphaMode = ovGraphics::GLTF_ALPHA_MODE::OPAQUE;
+};
+
+/// What ModelLoader makes of a file. Owns meshes and nodes. Textures, samplers and materials are in the
+/// managers, where declarations find them by name, and leave them with the model.
+class OV_API Model {
+public:
+    explicit Model(System* system);
+    ~Model();
+    Model(const Model&) = delete;
+    Model& operator=(const Model&) = delete;
+
+    const ovMemory::Buffer<ModelPart>& getParts() const { return _parts; }
+    const ovMemory::Buffer<ModelMaterial>& getMaterials() const { return _materials; }
+    const ovMemory::Buffer<ovGraphics::GltfCamera>& getCameras() const { return _cameras; }
+    /// The node that wears a camera of getCameras(); null when none does.
+    ovGraphics::Node* getCameraNode(unsigned int camera) const;
+    /// The file's light, if it has one.
+    const std::optional<ovGraphics::GltfDirectionalLight>& getLight() const { return _light; }
+    /// Of all parts, in the world.
+    const ovGraphics::BoundingBox& getBoundingBox() const { return _boundingBox; }
+    /// What the file wants and is not done, a line each.
+    const ovMemory::Buffer<ovMemory::String>& getWarnings() const { return _warnings; }
+
+    /// The sampler that the file gives a texture; null for textures that are not of this model.
+    ovGraphics::Sampler* getSampler(const ovGraphics::Texture* texture) const;
+
+    /// Loads every material with its present settings, and gives the units of its shader the samplers of the
+    /// file. @return false after log lines when one cannot be loaded; the others are
+    bool loadMaterials();
+
+    /// Adds an entity for every part to the queue for its material: blended ones to `blended`, all others to
+    /// `solid`. Materials must be loaded.
+    void addTo(ovGraphics::RenderQueue& solid, ovGraphics::RenderQueue& blended) const;
+
+private:
+    friend class ModelLoader;
+
+    struct SampledTexture {
+        ovGraphics::Borrowed<ovGraphics::Texture> texture;
+        ovGraphics::Borrowed<ovGraphics::Sampler> sampler;
+    };
+
+    void _giveSamplers(const PbsMaterial& material) const;
+
+    System* _system;
+    ovMemory::Buffer<ovMemory::UniquePtr<ovGraphics::Mesh>> _meshes;
+    ovMemory::Buffer<ovMemory::UniquePtr<ovGraphics::Node>> _nodes;
+    ovMemory::Buffer<ModelPart> _parts;
+    ovMemory::Buffer<ModelMaterial> _materials;
+    ovMemory::Buffer<SampledTexture> _textures;
+    ovMemory::Buffer<ovGraphics::GltfCamera> _cameras;
+    ovMemory::Buffer<ovGraphics::Node*> _cameraNodes;
+    std::optional<ovGraphics::GltfDirectionalLight> _light;
+    ovGraphics::BoundingBox _boundingBox;
+    ovMemory::Buffer<ovMemory::String> _warnings;
+};
+
+} // namespace ovVeldris

@@ -1,0 +1,39 @@
+// Models of files as they are drawn.
+#pragma once
+
+#include <ovVeldris/content/Model.h>
+
+namespace ovVeldris {
+
+/// A model, or why there is none.
+struct ModelLoadResult {
+    ovMemory::UniquePtr<Model> model; ///< null on failure
+    ovMemory::String error;           ///< one line; empty on success
+
+    explicit operator bool() const { return model != nullptr; }
+};
+
+/// Makes meshes, nodes, textures and physically based materials of glTF files.
+///
+/// The material knows a diffuse colour and a reflectance, while files tell base colour and metalness. Where
+/// both are numbers, or the metalness is the same all over, that is arithmetic; where they vary, textures of
+/// diffuse colour ("<material> diffuse") and reflectance ("<material> reflectance") are computed from the
+/// file's. Dielectrics reflect 4 %, as glTF 2.0, appendix B, has it. A picture that is missing is drawn as a
+/// chequerboard of magenta and black. Surfaces with two sides get their back faces as triangles of their own,
+/// so that both sides are lit from where they look.
+class OV_API ModelLoader {
+public:
+    /// @param system outlives the models
+    explicit ModelLoader(System* system)
+        : _system(system) {}
+
+    /// Reads a .glb or .gltf file. Materials are not loaded yet.
+    ModelLoadResult load(ovMemory::StringView path) const;
+    /// Makes a model of what was read.
+    ModelLoadResult create(const ovGraphics::GltfScene& scene) const;
+
+private:
+    System* _system;
+};
+
+} // namespace ovVeldris

@@ -1,0 +1,253 @@
+#include <ovVeldris/content/detail/ModelMaterials.h>
+
+#include <algorithm>
+#include <cmath>
+#include <optional>
+#include <ovVeldris/content/detail/ModelTextures.h>
+#include <ovVeldris/materials/PbsMaterial.h>
+
+namespace ovVeldris::detail {
+
+using ovGraphics::GltfMaterial;
+using ovImages::COLOUR_ENCODING;
+using ovMaths::Vector;
+using ovMemory::String;
+
+namespace {
+
+/// What dielectrics reflect at normal incidence (glTF 2.0, appendix B.3.4).
+constexpr float DIELECTRIC_REFLECTANCE = 0.04f;
+/// A light is a point to the material: of a mirror its reflection would be seen nowhere.
+constexpr float LOWEST_ROUGHNESS = 0.045f;
+
+const Vector WHITE(1.0f, 1.0f, 1.0f);
+
+Vector rounded(const Vector& colour) {
+    Vector result;
+    result.fromString(colour.toString());
+    return result;
+}
+
+Vector colourOf(const Vector& vector) {
+    return {vector.x, vector.y, vector.z};
+}
+
+Vector diffuseOf(const Vector& baseColor, float metalness) {
+    return colourOf(baseColor) * (1.0f - metalness);
+}
+
+Vector reflectanceOf(const Vector& baseColor, float metalness) {
+    return WHITE * (DIELECTRIC_REFLECTANCE * (1.0f - metalness)) + colourOf(baseColor) * metalness;
+}
+
+/// Sets a material up from one of a file.
+class MaterialBuilder {
+public:
+    MaterialBuilder(const GltfMaterial& source, ModelTextures& textures, PbsMaterial& material)
+        : _source(source)
+        , _textures(textures)
+        , _material(material) {}
+
+    void build() {
+        _material.setReconstructBinormals(false);
+        _material.setMetalness(1.0f); // reflectance is given as such
+        if (_source.workflow == ovGraphics::GLTF_WORKFLOW::SPECULAR_GLOSSINESS)
+            _buildGlossiness();
+        else
+            _buildMetalness();
+        _buildEmission();
+        _buildAlpha();
+        _buildRelief();
+    }
+
+private:
+    ovGraphics::Texture* _colour(int texture) { return _textures.get(texture, COLOUR_ENCODING::SRGB); }
+    ovGraphics::Texture* _data(int texture) { return _textures.get(texture, COLOUR_ENCODING::LINEAR); }
+
+    void _setAlbedo(ovGraphics::Texture* texture, const Vector& factor) {
+        _material.setAlbedoTexture(texture, THREE_CHANNEL_PACK::RGB);
+        _material.setAlbedoColor(rounded(factor));
+        _material.setMixAlbedoColorAndTexture(texture && rounded(factor) != WHITE);
+    }
+
+    void _setSpecular(ovGraphics::Texture* texture, const Vector& factor) {
+        _material.setSpecularTexture(texture, THREE_CHANNEL_PACK::RGB);
+        _material.setSpecularColor(rounded(factor));
+        _material.setMixSpecularColorAndTexture(texture && rounded(factor) != WHITE);
+    }
+
+    void _setRoughnessGlossiness(ovGraphics::Texture* texture, ONE_CHANNEL_PACK channel, float factor) {
+        _material.setRoughnessGlossinessTexture(texture, channel);
+        _material.setRoughnessGlossiness(factor);
+        _material.setMixRoughnessGlossinessFactorAndTexture(texture && factor != 1.0f);
+    }
+
+    void _buildGlossiness() {
+        _material.setPbsModel(PBS_MODEL::SPECULAR_GLOSSINESS);
+        _setAlbedo(_colour(_source.baseColorTexture), colourOf(_source.baseColor));
+        ovGraphics::Texture* reflectance = _colour(_source.specularGlossinessTexture);
+        _setSpecular(reflectance, _source.specular);
+        _setRoughnessGlossiness(reflectance, ONE_CHANNEL_PACK::A,
+                                reflectance ? _source.glossiness
+                                            : std::min(_source.glossiness, 1.0f - LOWEST_ROUGHNESS));
+    }
+
+    void _buildMetalness() {
+        ovGraphics::Texture* surface = _data(_source.metallicRoughnessTexture);
+        _setRoughnessGlossiness(surface, ONE_CHANNEL_PACK::G,
+                                surface ? _source.roughness : std::max(_source.roughness, LOWEST_ROUGHNESS));
+        if (const std::optional<float> metalness = _uniformMetalness())
+            _buildUniform(*metalness);
+        else
+            _buildVarying();
+    }
+
+    /// The metalness when it is the same all over.
+    std::optional<float> _uniformMetalness() {
+        if (_source.metallicRoughnessTexture < 0 || _source.metallic == 0.0f)
+            return _source.metallic;
+        const LinearPicture surface =
+            _textures.read(_source.metallicRoughnessTexture, COLOUR_ENCODING::LINEAR);
+        const float first = surface.read(0, 0, surface.getWidth(), surface.getHeight()).z;
+        for (unsigned int y = 0; y < surface.getHeight(); ++y) {
+            for (unsigned int x = 0; x < surface.getWidth(); ++x) {
+                if (surface.read(x, y, surface.getWidth(), surface.getHeight()).z != first)
+                    return std::nullopt;
+            }
+        }
+        return first * _source.metallic;
+    }
+
+    void _buildUniform(float metalness) {
+        const bool isMetal = metalness == 1.0f;
+        const bool isDielectric = metalness == 0.0f;
+        ovGraphics::Texture* base = _colour(_source.baseColorTexture);
+        _setAlbedo(isMetal ? nullptr : base, diffuseOf(_source.baseColor, metalness));
+        if (!base || isDielectric)
+            _setSpecular(nullptr, reflectanceOf(_source.baseColor, metalness));
+        else if (isMetal)
+            _setSpecular(base, colourOf(_source.baseColor));
+        else
+            _buildReflectance(LinearPicture(Vector(1.0f, 1.0f, metalness / _source.metallic)));
+    }
+
+    void _buildVarying() {
+        const LinearPicture surface =
+            _textures.read(_source.metallicRoughnessTexture, COLOUR_ENCODING::LINEAR);
+        const LinearPicture base = _textures.read(_source.baseColorTexture, COLOUR_ENCODING::SRGB);
+        const unsigned int width = std::max(base.getWidth(), surface.getWidth());
+        const unsigned int height = std::max(base.getHeight(), surface.getHeight());
+        _setAlbedo(_textures.compute(
+                       _source.name + " diffuse", width, height, COLOUR_ENCODING::SRGB, _sampled(),
+                       [&](unsigned int x, unsigned int y) {
+                           const Vector colour = base.read(x, y, width, height) * _source.baseColor;
+                           Vector result = diffuseOf(colour, _metalnessAt(surface, x, y, width, height));
+                           result.w = base.read(x, y, width, height).w;
+                           return result;
+                       }),
+                   WHITE);
+        _buildReflectance(surface);
+    }
+
+    void _buildReflectance(const LinearPicture& surface) {
+        const LinearPicture base = _textures.read(_source.baseColorTexture, COLOUR_ENCODING::SRGB);
+        const unsigned int width = std::max(base.getWidth(), surface.getWidth());
+        const unsigned int height = std::max(base.getHeight(), surface.getHeight());
+        const auto reflectance = [&](unsigned int x, unsigned int y) {
+            const Vector colour = base.read(x, y, width, height) * _source.baseColor;
+            Vector result = reflectanceOf(colour, _metalnessAt(surface, x, y, width, height));
+            result.w = 1.0f;
+            return result;
+        };
+        _setSpecular(_textures.compute(_source.name + " reflectance", width, height, COLOUR_ENCODING::SRGB,
+                                       _sampled(), reflectance),
+                     WHITE);
+    }
+
+    float _metalnessAt(const LinearPicture& surface, unsigned int x, unsigned int y, unsigned int width,
+                       unsigned int height) const {
+        return surface.read(x, y, width, height).z * _source.metallic;
+    }
+
+    /// The texture whose sampler computed ones take.
+    int _sampled() const {
+        return _source.baseColorTexture >= 0 ? _source.baseColorTexture : _source.metallicRoughnessTexture;
+    }
+
+    void _buildEmission() {
+        ovGraphics::Texture* texture = _colour(_source.emissiveTexture);
+        _material.setEmissiveTexture(texture, THREE_CHANNEL_PACK::RGB);
+        _material.setEmissiveColor(rounded(_source.emissive));
+        _material.setMixEmissiveColorAndTexture(texture && rounded(_source.emissive) != WHITE);
+        if (!_source.unlit)
+            return;
+        // Its own colour, whatever the light: emitted, with nothing left to reflect.
+        _material.setEmissiveTexture(_colour(_source.baseColorTexture), THREE_CHANNEL_PACK::RGB);
+        _material.setEmissiveColor(rounded(colourOf(_source.baseColor)));
+        _material.setMixEmissiveColorAndTexture(_source.baseColorTexture >= 0);
+        _setAlbedo(nullptr, Vector());
+        _setSpecular(nullptr, Vector());
+        _setRoughnessGlossiness(nullptr, ONE_CHANNEL_PACK::R, 1.0f);
+    }
+
+    void _buildAlpha() {
+        if (_source.alphaMode == ovGraphics::GLTF_ALPHA_MODE::OPAQUE)
+            return;
+        ovGraphics::Texture* texture = _material.getAlbedoTexture();
+        if (!texture)
+            texture = _colour(_source.baseColorTexture);
+        _material.setAlphaTexture(texture, ONE_CHANNEL_PACK::A);
+        _material.setAlpha(_source.baseColor.w);
+        _material.setMixAlphaFactorAndTexture(texture && _source.baseColor.w != 1.0f);
+        if (_source.alphaMode ==
+            ovGraphics::GLTF_ALPHA_MODE::MASK) // what equals the cut-off is kept by files
+            _material.setAlphaCutoff(std::nextafter(_source.alphaCutoff, -1.0f));
+    }
+
+    void _buildRelief() {
+        _material.setNormalMapTexture(_normals(), THREE_CHANNEL_PACK::RGB);
+        _material.setOcclusionTexture(_occlusion(), ONE_CHANNEL_PACK::R);
+    }
+
+    ovGraphics::Texture* _normals() {
+        if (_source.normalTexture < 0 || _source.normalScale == 1.0f)
+            return _data(_source.normalTexture);
+        return _adjusted(" normals", _source.normalTexture, [this](const Vector& texel) {
+            Vector normal = texel * 2.0f - Vector(1.0f, 1.0f, 1.0f);
+            normal.x *= _source.normalScale;
+            normal.y *= _source.normalScale;
+            normal.normalizeVec3();
+            return normal * 0.5f + Vector(0.5f, 0.5f, 0.5f);
+        });
+    }
+
+    ovGraphics::Texture* _occlusion() {
+        if (_source.occlusionTexture < 0 || _source.occlusionStrength == 1.0f)
+            return _data(_source.occlusionTexture);
+        return _adjusted(" occlusion", _source.occlusionTexture, [this](const Vector& texel) {
+            return WHITE * (1.0f + _source.occlusionStrength * (texel.x - 1.0f));
+        });
+    }
+
+    template <typename Adjust>
+    ovGraphics::Texture* _adjusted(ovMemory::StringView suffix, int texture, Adjust adjust) {
+        const LinearPicture picture = _textures.read(texture, COLOUR_ENCODING::LINEAR);
+        const unsigned int width = picture.getWidth();
+        const unsigned int height = picture.getHeight();
+        return _textures.compute(
+            _source.name + String(suffix), width, height, COLOUR_ENCODING::LINEAR, texture,
+            [&](unsigned int x, unsigned int y) { return adjust(picture.read(x, y, width, height)); });
+    }
+
+    const GltfMaterial& _source;
+    ModelTextures& _textures;
+    PbsMaterial& _material;
+};
+
+} // namespace
+
+void applyMaterial(const GltfMaterial& source, ModelTextures& textures, PbsMaterial& material) {
+    MaterialBuilder(source, textures, material).build();
+}
+
+} // namespace ovVeldris::detail
