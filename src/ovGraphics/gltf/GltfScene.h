@@ -35,7 +35,8 @@ struct GltfPrimitive {
     /// vertexCount times composition.getStride() bytes. No number among them is NaN or infinite.
     ovMemory::Buffer<unsigned char> vertices;
     unsigned int vertexCount = 0;
-    /// Below vertexCount; empty when the vertices are drawn in their order.
+    /// Below vertexCount; of triangles the front is where they run clockwise. Empty when points or lines are
+    /// drawn in the order of the vertices.
     ovMemory::Buffer<std::uint32_t> indices;
     /// POINTLIST, LINELIST, LINESTRIP or TRIANGLELIST: strips and fans of triangles are made lists, loops of
     /// lines strips.

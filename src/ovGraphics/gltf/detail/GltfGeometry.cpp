@@ -104,6 +104,13 @@ void packVertices(const GltfGeometry& geometry, GltfPrimitive& primitive) {
     }
 }
 
+// The same triangles seen from the other side (GltfSpace.h).
+Indices turnedTriangles(Indices indices) {
+    for (std::size_t i = 0; i + 2 < indices.size(); i += 3)
+        std::swap(indices[i + 1], indices[i + 2]);
+    return indices;
+}
+
 bool isSequence(const Indices& indices, std::size_t vertexCount) {
     if (indices.size() != vertexCount)
         return false;
@@ -235,7 +242,9 @@ void packGltfGeometry(const GltfGeometry& geometry, GltfPrimitive& primitive) {
     packVertices(geometry, primitive);
     primitive.vertexCount = static_cast<unsigned int>(geometry.positions.size());
     primitive.topology = geometry.topology;
-    if (!isSequence(geometry.indices, geometry.positions.size()))
+    if (geometry.isTriangles())
+        primitive.indices = turnedTriangles(geometry.indices);
+    else if (!isSequence(geometry.indices, geometry.positions.size()))
         primitive.indices = geometry.indices;
     for (const std::uint32_t index : geometry.indices)
         primitive.boundingBox.add(mirrorGltf(geometry.positions[index]));

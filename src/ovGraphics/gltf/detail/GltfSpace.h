@@ -9,8 +9,11 @@ namespace ovGraphics::detail {
 
 // Files are right-handed with +y up, and their cameras look along -z; the library is left-handed, +y up, and
 // looks along +z. The mirror M = diag(1, 1, -1) takes one to the other, back and forth. A transformation T
-// becomes M T M. Because of the mirror, faces that were counter-clockwise are clockwise without touching an
-// index, and cameras and lights need no further turn.
+// becomes M T M, and cameras and lights need no further turn.
+//
+// The mirrored camera sees the mirrored world as it saw the world before: a triangle that runs
+// counter-clockwise in the picture, as the front faces of files do, still does. Front faces of the library
+// run clockwise, so that triangles must be turned around.
 
 /// A point or direction; w stays.
 constexpr ovMaths::Vector mirrorGltf(const ovMaths::Vector& vector) {
