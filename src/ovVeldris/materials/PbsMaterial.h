@@ -146,6 +146,7 @@ public:
         return _parameters.environmentTextureChannels;
     }
     THREE_CHANNEL_PACK getIrradianceTextureChannels() const { return _parameters.irradianceTextureChannels; }
+    bool getEnvironmentPrefiltered() const { return _parameters.environmentPrefiltered; }
     ovGraphics::Texture* getShadowMapTexture() const { return _parameters.shadowMapTexture.get(); }
     ovGraphics::Camera* getShadowMapCamera() const { return _parameters.shadowMapCamera.get(); }
     const ShadowMapParameters& getShadowMapParameters() const { return _parameters.shadowMapParameters; }
