@@ -65,7 +65,7 @@ public:
     void addTo(ovGraphics::RenderQueue& solid, ovGraphics::RenderQueue& blended) const;
 
 private:
-    friend class ModelLoader;
+    friend class ModelBuilder;
 
     struct SampledTexture {
         ovGraphics::Borrowed<ovGraphics::Texture> texture;

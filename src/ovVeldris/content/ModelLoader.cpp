@@ -43,15 +43,102 @@ ovMemory::Buffer<char> reachedNodes(const GltfScene& scene) {
     return reached;
 }
 
-/// A name that no material of the manager has yet.
-String freeName(const MaterialManager& materials, const String& wanted) {
-    String name = wanted;
-    for (unsigned int number = 2; materials.get(name); ++number)
-        name = wanted + " (" + std::to_string(number) + ")";
-    return name;
-}
-
 } // namespace
+
+/// Makes a model, part by part.
+class ModelBuilder {
+public:
+    ModelBuilder(System& system, ovGraphics::System& graphics, const GltfScene& scene)
+        : _materials(*system.getMaterialManager())
+        , _graphics(graphics)
+        , _scene(scene)
+        , _model(std::make_unique<Model>(&system))
+        , _textures(graphics, scene, _model->_warnings) {}
+
+    ModelLoadResult build() {
+        _model->_warnings = _scene.warnings;
+        _model->_cameras = _scene.cameras;
+        _model->_cameraNodes.resize(_scene.cameras.size());
+        _model->_light = _scene.light;
+        _model->_boundingBox = _scene.boundingBox;
+        const ovMemory::Buffer<char> reached = reachedNodes(_scene);
+        for (std::size_t i = 0; i < _scene.nodes.size(); ++i) {
+            if (reached[i] && !_addNode(_scene.nodes[i]))
+                return {nullptr, _error};
+        }
+        for (const detail::ModelTextures::Made& made : _textures.getMade())
+            _model->_textures.push_back({made.texture, made.sampler});
+        return {std::move(_model), {}};
+    }
+
+private:
+    bool _addNode(const GltfNode& source) {
+        ovGraphics::Node* node = _model->_nodes.emplace_back(ovGraphics::Node::create(&_graphics)).get();
+        node->setName(source.name);
+        node->setLocalMatrix(source.world); // the file's tree stands still: places are in the world at once
+        if (source.camera >= 0)
+            _model->_cameraNodes[static_cast<std::size_t>(source.camera)] = node;
+        if (source.mesh < 0)
+            return true;
+        const auto& primitives = _scene.meshes[static_cast<std::size_t>(source.mesh)].primitives;
+        for (std::size_t i = 0; i < primitives.size(); ++i) {
+            ovGraphics::Mesh* mesh = _meshOf(source.mesh, i);
+            if (!mesh)
+                return false;
+            _model->_parts.push_back({mesh, node, _materialOf(primitives[i].material)});
+        }
+        return true;
+    }
+
+    /// The mesh of a primitive, shared by all nodes that wear it.
+    ovGraphics::Mesh* _meshOf(int mesh, std::size_t primitive) {
+        ovGraphics::Mesh*& made = _meshes[{mesh, primitive}];
+        if (made)
+            return made;
+        const ovGraphics::GltfMesh& source = _scene.meshes[static_cast<std::size_t>(mesh)];
+        const int material = source.primitives[primitive].material;
+        const bool doubleSided =
+            material >= 0 && _scene.materials[static_cast<std::size_t>(material)].doubleSided;
+        auto created = detail::makeMesh(_graphics, source.primitives[primitive], source.name, doubleSided);
+        if (!created) {
+            _error = "the mesh '" + source.name + "' could not be loaded; the log says why.";
+            return nullptr;
+        }
+        return made = _model->_meshes.emplace_back(std::move(created)).get();
+    }
+
+    /// The place of a file's material among the model's, which it gets when it is first used.
+    unsigned int _materialOf(int index) {
+        const auto known = _places.find(index);
+        if (known != _places.end())
+            return known->second;
+        const ovGraphics::GltfMaterial source =
+            index < 0 ? defaultMaterial() : _scene.materials[static_cast<std::size_t>(index)];
+        const String name = _freeName(source.name);
+        auto* material = static_cast<PbsMaterial*>(_materials.createOrRetrieve(name, MATERIAL_TYPE::PBS));
+        detail::applyMaterial(source, _textures, *material);
+        const auto place = static_cast<unsigned int>(_model->_materials.size());
+        _model->_materials.push_back({name, material, source.alphaMode});
+        return _places[index] = place;
+    }
+
+    /// A name that no material of the manager has yet.
+    String _freeName(const String& wanted) const {
+        String name = wanted;
+        for (unsigned int number = 2; _materials.get(name); ++number)
+            name = wanted + " (" + std::to_string(number) + ")";
+        return name;
+    }
+
+    MaterialManager& _materials;
+    ovGraphics::System& _graphics;
+    const GltfScene& _scene;
+    ovMemory::UniquePtr<Model> _model;
+    detail::ModelTextures _textures;
+    std::map<int, unsigned int> _places;
+    std::map<std::pair<int, std::size_t>, ovGraphics::Mesh*> _meshes;
+    String _error;
+};
 
 ModelLoadResult ModelLoader::load(ovMemory::StringView path) const {
     const ovGraphics::GltfDecodeResult decoded = ovGraphics::GltfEncoder().decodeFile(path);
@@ -65,62 +152,9 @@ ModelLoadResult ModelLoader::load(ovMemory::StringView path) const {
 
 ModelLoadResult ModelLoader::create(const GltfScene& scene) const {
     ovGraphics::System* graphics = _system->getGraphicsEngine()->getGraphicsSystem();
-    MaterialManager* manager = _system->getMaterialManager();
-    if (!graphics || !manager)
+    if (!graphics || !graphics->getIsInitialized() || !_system->getMaterialManager())
         return {nullptr, "the system is not initialised; call System::initialize first."};
-    auto model = std::make_unique<Model>(_system);
-    model->_warnings = scene.warnings;
-    model->_cameras = scene.cameras;
-    model->_light = scene.light;
-    model->_boundingBox = scene.boundingBox;
-    detail::ModelTextures textures(*graphics, scene, model->_warnings);
-
-    std::map<int, unsigned int> places; // of a file's material among the model's
-    const auto materialOf = [&](int index) {
-        const auto [place, isNew] =
-            places.try_emplace(index, static_cast<unsigned int>(model->_materials.size()));
-        if (!isNew)
-            return place->second;
-        const ovGraphics::GltfMaterial source =
-            index < 0 ? defaultMaterial() : scene.materials[static_cast<std::size_t>(index)];
-        const String name = freeName(*manager, source.name);
-        auto* material = static_cast<PbsMaterial*>(manager->createOrRetrieve(name, MATERIAL_TYPE::PBS));
-        detail::applyMaterial(source, textures, *material);
-        model->_materials.push_back({name, material, source.alphaMode});
-        return place->second;
-    };
-
-    model->_cameraNodes.resize(scene.cameras.size());
-    const ovMemory::Buffer<char> reached = reachedNodes(scene);
-    std::map<std::pair<int, std::size_t>, ovGraphics::Mesh*> meshes;
-    for (std::size_t i = 0; i < scene.nodes.size(); ++i) {
-        const GltfNode& source = scene.nodes[i];
-        ovGraphics::Node* node = model->_nodes.emplace_back(ovGraphics::Node::create(graphics)).get();
-        node->setName(source.name);
-        node->setLocalMatrix(source.world); // the file's tree is static: places are in the world at once
-        if (source.camera >= 0 && reached[i])
-            model->_cameraNodes[static_cast<std::size_t>(source.camera)] = node;
-        if (source.mesh < 0 || !reached[i])
-            continue;
-        const ovGraphics::GltfMesh& mesh = scene.meshes[static_cast<std::size_t>(source.mesh)];
-        for (std::size_t j = 0; j < mesh.primitives.size(); ++j) {
-            const ovGraphics::GltfPrimitive& primitive = mesh.primitives[j];
-            ovGraphics::Mesh*& made = meshes[{source.mesh, j}];
-            if (!made) {
-                const bool doubleSided =
-                    primitive.material >= 0 &&
-                    scene.materials[static_cast<std::size_t>(primitive.material)].doubleSided;
-                auto created = detail::makeMesh(*graphics, primitive, mesh.name, doubleSided);
-                if (!created)
-                    return {nullptr, "the mesh '" + mesh.name + "' could not be loaded; the log says why."};
-                made = model->_meshes.emplace_back(std::move(created)).get();
-            }
-            model->_parts.push_back({made, node, materialOf(primitive.material)});
-        }
-    }
-    for (const detail::ModelTextures::Made& made : textures.getMade())
-        model->_textures.push_back({made.texture, made.sampler});
-    return {std::move(model), {}};
+    return ModelBuilder(*_system, *graphics, scene).build();
 }
 
 } // namespace ovVeldris

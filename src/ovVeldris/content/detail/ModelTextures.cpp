@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 #include <ovGraphics/System.h>
 #include <ovGraphics/resources/Managers.h>
 #include <ovGraphics/resources/Sampler.h>
@@ -69,8 +70,10 @@ LinearPicture::LinearPicture(Image image)
     : _image(convertImage(image.view(), COMPONENT_TYPE::FLOAT, 4, COLOUR_ENCODING::LINEAR)) {}
 
 Vector LinearPicture::_pixel(unsigned int x, unsigned int y) const {
-    return {_image.getComponent(x, y, 0), _image.getComponent(x, y, 1), _image.getComponent(x, y, 2),
-            _image.getComponent(x, y, 3)};
+    float components[4];
+    const std::size_t at = (std::size_t{y} * getWidth() + x) * sizeof(components);
+    std::memcpy(components, _image.getBytes().data() + at, sizeof(components));
+    return {components[0], components[1], components[2], components[3]};
 }
 
 Vector LinearPicture::read(unsigned int x, unsigned int y, unsigned int width, unsigned int height) const {
