@@ -1,5 +1,8 @@
 #include <ovVeldris/core/GraphicsEngine.h>
 
+#include <ovGraphics/device/Device.h>
+#include <ovGraphics/resources/Managers.h>
+#include <ovGraphics/resources/Sampler.h>
 #include <ovVeldris/core/SingletonTest.h>
 #include <ovVeldris/core/TestGraphics.h>
 
@@ -135,4 +138,29 @@ TEST_F(GraphicsEngineTest, SurvivesTheSingletonsDeath) {
     engine.shutdown();
     ASSERT_TRUE(engine.initialize(makeWorkingConfiguration(&log)));
     expectRunning(engine);
+}
+
+TEST_F(GraphicsEngineTest, MakesTheDefaultSamplerThatMaterialsLookUp) {
+    constexpr const char* NAME = "ORVANE_DEFAULT_SAMPLER";
+    GraphicsEngine engine(false);
+    ASSERT_TRUE(engine.initialize(makeWorkingConfiguration(&log))) << log.getText();
+    ovGraphics::Sampler* const sampler = engine.getGraphicsSystem()->getSamplerManager()->get(NAME);
+    ASSERT_NE(sampler, nullptr);
+    EXPECT_FALSE(sampler->isUnloaded());
+    EXPECT_TRUE(sampler->getHidden());
+    EXPECT_EQ(sampler->getDesc().filter, ovGraphics::FILTER::MIN_MAG_MIP_LINEAR);
+    EXPECT_EQ(sampler->getDesc().addressU, ovGraphics::TEXTURE_ADDRESS::WRAP);
+    EXPECT_EQ(sampler->getDesc().addressV, ovGraphics::TEXTURE_ADDRESS::WRAP);
+
+    // The host's own stays as it is, also when the engine starts anew.
+    ovGraphics::Sampler* const hosts = host->getSamplerManager()->createOrRetrieve(NAME);
+    hosts->setFilter(ovGraphics::FILTER::ANISOTROPIC);
+    for (int round = 0; round < 2; ++round) {
+        ASSERT_TRUE(engine.initialize(makeWorkingConfiguration(&log, host))) << log.getText();
+        EXPECT_EQ(host->getSamplerManager()->get(NAME), hosts);
+        EXPECT_EQ(hosts->getDesc().filter, ovGraphics::FILTER::ANISOTROPIC);
+        EXPECT_FALSE(hosts->isUnloaded());
+        engine.shutdown();
+        EXPECT_TRUE(hosts->isUnloaded());
+    }
 }

@@ -2,6 +2,7 @@
 #include <ovVeldris/effects/EffectFixture.h>
 #include <ovVeldris/effects/TextureCopyEffect.h>
 #include <ovVeldris/effects/ToneMappingEffect.h>
+#include <ovVeldris/materials/PbsProgramTracker.h>
 
 using namespace ovVeldris;
 
@@ -81,4 +82,7 @@ TEST_P(ProgramTrackersHolderTest, namesTheProgramsOfEachKind) {
     EXPECT_EQ(holder.get<TextureCopyProgramTracker>()->getProgram({})->getName(),
               "ORVANE_TEX_COPY_PROGRAM_0");
     EXPECT_EQ(holder.get<ToneMappingProgramTracker>()->getProgram({})->getName(), "ORVANE_TONE_PROGRAM_9");
+    const uint64_t id = PbsIdGenerator()({});
+    EXPECT_EQ(holder.get<PbsProgramTracker>()->getProgram({})->getName(),
+              "ORVANE_PBS_PROGRAM_" + std::to_string(id));
 }

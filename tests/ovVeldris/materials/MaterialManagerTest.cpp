@@ -1,6 +1,7 @@
 #include <ovVeldris/materials/MaterialManager.h>
 
 #include <ovVeldris/core/SingletonTest.h>
+#include <ovVeldris/materials/PbsMaterial.h>
 #include <ovVeldris/materials/TestMaterial.h>
 #include <support/RecordingLogger.h>
 
@@ -42,6 +43,19 @@ TEST_F(MaterialManagerTest, RetrievesByNameAndTypeWithoutTouchingTheMaterial) {
     EXPECT_EQ(material->calls, 0);
     EXPECT_EQ(material->getName(), "") << "recording does not rename";
     EXPECT_EQ(log.messages, Messages());
+}
+
+TEST_F(MaterialManagerTest, CreatesPhysicallyBasedMaterials) {
+    Material* const material = manager.createOrRetrieve("a", MATERIAL_TYPE::PBS);
+    ASSERT_NE(dynamic_cast<PbsMaterial*>(material), nullptr);
+    EXPECT_EQ(material->getName(), "a");
+    EXPECT_EQ(material->getShader(), nullptr) << "the manager loads nothing";
+    EXPECT_EQ(manager.get("a"), material);
+    EXPECT_EQ(manager.createOrRetrieve("a", MATERIAL_TYPE::PBS), material);
+    EXPECT_EQ(manager.createOrRetrieve("a", MATERIAL_TYPE::UNKNOWN), nullptr);
+    EXPECT_EQ(log.messages, (Messages{{"Requesting material 'a' as UNKNOWN but it already exists as PBS. "
+                                       "Preventing override and returning nullptr.",
+                                       "MaterialManager"}}));
 }
 
 TEST_F(MaterialManagerTest, RefusesANameOfAnotherType) {

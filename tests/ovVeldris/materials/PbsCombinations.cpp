@@ -155,6 +155,21 @@ ovMemory::Buffer<PbsOption> makePbsOptions(Textures textures) {
     return options;
 }
 
+void packPbsTextures(Parameters& parameters) {
+    parameters.packedTextures = {};
+    std::size_t used = 0;
+    for (const auto texture :
+         {&Parameters::albedoTexture, &Parameters::specularTexture, &Parameters::emissiveTexture,
+          &Parameters::roughnessGlossinessTexture, &Parameters::metalnessTexture, &Parameters::alphaTexture,
+          &Parameters::normalMapTexture, &Parameters::occlusionTexture}) {
+        bool known = !(parameters.*texture).get();
+        for (const PbsTexture& entry : parameters.packedTextures)
+            known = known || entry.get() == (parameters.*texture).get();
+        if (!known)
+            parameters.packedTextures[used++] = parameters.*texture;
+    }
+}
+
 ovMemory::Buffer<PbsChoice> makeCover(const ovMemory::Buffer<PbsOption>& options, unsigned int strength) {
     constexpr unsigned int CANDIDATES = 12;
     std::mt19937 random(1);

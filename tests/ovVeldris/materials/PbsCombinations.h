@@ -18,6 +18,9 @@ ovMemory::Buffer<PbsOption> makePbsOptions(ovMemory::BufferView<ovGraphics::Text
 /// Textures that makePbsOptions() wants.
 constexpr unsigned int PBS_OPTION_TEXTURE_COUNT = 12;
 
+/// Takes units for the textures as a material does.
+void packPbsTextures(ovVeldris::PbsMaterialParameters& parameters);
+
 /// A value for each option.
 using PbsChoice = ovMemory::Buffer<unsigned int>;
 

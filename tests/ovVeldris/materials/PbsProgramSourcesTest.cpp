@@ -35,25 +35,8 @@ protected:
         return sources;
     }
 
-    /// Takes units as a material does.
-    void pack(PbsMaterialParameters& packed) const {
-        packed.packedTextures = {};
-        std::size_t used = 0;
-        for (const auto texture :
-             {&PbsMaterialParameters::albedoTexture, &PbsMaterialParameters::specularTexture,
-              &PbsMaterialParameters::emissiveTexture, &PbsMaterialParameters::roughnessGlossinessTexture,
-              &PbsMaterialParameters::metalnessTexture, &PbsMaterialParameters::alphaTexture,
-              &PbsMaterialParameters::normalMapTexture, &PbsMaterialParameters::occlusionTexture}) {
-            bool known = !(packed.*texture).get();
-            for (const PbsTexture& entry : packed.packedTextures)
-                known = known || entry.get() == (packed.*texture).get();
-            if (!known)
-                packed.packedTextures[used++] = packed.*texture;
-        }
-    }
-
     void checkPixel(const Defines& expected) {
-        pack(parameters);
+        packPbsTextures(parameters);
         EXPECT_EQ(fill().getPixel().defines, expected);
     }
 
@@ -242,7 +225,7 @@ TEST_F(PbsProgramSourcesTest, EveryCombinationCompilesInBothLanguagesWithoutAWar
         PbsMaterialParameters chosen;
         for (std::size_t i = 0; i < options.size(); ++i)
             options[i].apply(chosen, choice[i]);
-        pack(chosen);
+        packPbsTextures(chosen);
         ovGraphics::ProgramSourcesHolder sources;
         fillPbsProgramSources(chosen, sources);
         for (const auto language : {ovGraphics::SHADER_LANGUAGE::GLSL, ovGraphics::SHADER_LANGUAGE::HLSL}) {
