@@ -222,13 +222,11 @@ bool PbsMaterial::_prepareShader() {
 }
 
 ovGraphics::System* PbsMaterial::_getGraphicsSystem() const {
-    const GraphicsEngine* engine = _system->getGraphicsEngine();
-    return engine ? engine->getGraphicsSystem() : nullptr;
+    return _system->getGraphicsEngine()->getGraphicsSystem();
 }
 
 ProgramTrackersHolder* PbsMaterial::_getTrackers() const {
-    const GraphicsEngine* engine = _system->getGraphicsEngine();
-    return engine ? engine->getProgramTrackersHolder() : nullptr;
+    return _system->getGraphicsEngine()->getProgramTrackersHolder();
 }
 
 ovGraphics::Shader* PbsMaterial::_getLoadedShader() const {
