@@ -12,8 +12,8 @@ namespace ovVeldris::detail {
 
 /// A loaded mesh of a primitive. @param doubleSided adds the back faces as triangles of their own, with
 /// normals that look the other way @return null after one log line when it cannot be loaded
-ovMemory::UniquePtr<ovGraphics::Mesh> makeMesh(ovGraphics::System& graphics,
-                                               const ovGraphics::GltfPrimitive& primitive,
-                                               ovMemory::StringView name, bool doubleSided);
+OV_API ovMemory::UniquePtr<ovGraphics::Mesh> makeMesh(ovGraphics::System& graphics,
+                                                      const ovGraphics::GltfPrimitive& primitive,
+                                                      ovMemory::StringView name, bool doubleSided);
 
 } // namespace ovVeldris::detail

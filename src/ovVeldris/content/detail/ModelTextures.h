@@ -16,7 +16,7 @@ class Texture;
 namespace ovVeldris::detail {
 
 /// A picture as four linear floats a pixel.
-class LinearPicture {
+class OV_API LinearPicture {
 public:
     /// One pixel of a colour.
     explicit LinearPicture(const ovMaths::Vector& colour);
@@ -34,7 +34,7 @@ private:
 };
 
 /// Makes textures of a file's pictures when materials ask for them, each once.
-class ModelTextures {
+class OV_API ModelTextures {
 public:
     struct Made {
         ovGraphics::Texture* texture;

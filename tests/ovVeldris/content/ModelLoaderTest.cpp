@@ -1,0 +1,95 @@
+#include <gtest/gtest.h>
+#include <ovVeldris/content/ModelTesting.h>
+
+using namespace ovVeldris;
+using ovGraphics::GltfMaterial;
+
+namespace {
+
+class ModelLoaderTest : public ModelFixture {};
+
+} // namespace
+
+INSTANTIATE_TEST_SUITE_P(, ModelLoaderTest, bothLanguages(), languageName);
+
+TEST_P(ModelLoaderTest, makesAPartOfEveryPrimitiveThatTheSceneReaches) {
+    _scene.addMaterial({});
+    _scene.addMaterial({});
+    _scene.addPart(-1);
+    _scene.addPart(0);
+    _scene.roots = {0, 1};
+    _scene.nodes[1].children = {2};
+    _scene.nodes[2].parent = 1;
+    const auto model = make(_scene);
+    ASSERT_EQ(model->getParts().size(), 3u) << "nothing hangs node 3 into the scene";
+    EXPECT_EQ(model->getMaterials().size(), 3u);
+    EXPECT_EQ(model->getParts()[2].material, 2u);
+    EXPECT_EQ(model->getMaterials()[2].name, "default material");
+    for (std::size_t i = 0; i < 3; ++i)
+        EXPECT_EQ(model->getParts()[i].node->getWorldMatrix(), _scene.nodes[i].world) << i;
+}
+
+TEST_P(ModelLoaderTest, nodesShareTheMeshThatTheyWear) {
+    _scene.addMaterial({});
+    _scene.addPart(0);
+    _scene.nodes[1].mesh = 0;
+    const auto model = make(_scene);
+    ASSERT_EQ(model->getParts().size(), 2u);
+    EXPECT_EQ(model->getParts()[0].mesh, model->getParts()[1].mesh);
+    EXPECT_NE(model->getParts()[0].node, model->getParts()[1].node);
+}
+
+TEST_P(ModelLoaderTest, twoModelsKeepTheirMaterialsAndTexturesApart) {
+    GltfMaterial material;
+    material.name = "paint";
+    material.metallic = 0.0f;
+    material.baseColorTexture = _scene.addTexture("picture", pngOf({{1, 2, 3, 255}}));
+    _scene.addMaterial(material);
+    auto first = make(_scene);
+    const auto second = make(_scene);
+    EXPECT_EQ(first->getMaterials()[0].name, "paint");
+    EXPECT_EQ(second->getMaterials()[0].name, "paint (2)");
+    EXPECT_EQ(second->getMaterials()[0].material->getAlbedoTexture()->getName(), "picture (2)");
+    EXPECT_EQ(getSystem()->getMaterialManager()->get("paint"), first->getMaterials()[0].material);
+    first.reset();
+    EXPECT_EQ(getSystem()->getMaterialManager()->get("paint"), nullptr);
+    EXPECT_EQ(getGraphics().getTextureManager()->get("picture"), nullptr);
+    EXPECT_EQ(getGraphics().getSamplerManager()->get("picture"), nullptr);
+    EXPECT_NE(getSystem()->getMaterialManager()->get("paint (2)"), nullptr);
+    EXPECT_EQ(texelOf(second->getMaterials()[0].material->getAlbedoTexture(), 0), (Texel{1, 2, 3, 255}));
+}
+
+TEST_P(ModelLoaderTest, carriesCamerasLightAndWarningsOver) {
+    _scene.addMaterial({});
+    _scene.cameras.resize(2);
+    _scene.nodes[0].camera = 1;
+    _scene.light.emplace().direction = {0.0f, -1.0f, 0.0f};
+    _scene.boundingBox = ovGraphics::BoundingBox::newCube({1.0f, 2.0f, 3.0f}, 2.0f);
+    _scene.warnings = {"something is ignored"};
+    const auto model = make(_scene);
+    EXPECT_EQ(model->getCameras().size(), 2u);
+    EXPECT_EQ(model->getCameraNode(0), nullptr) << "no node wears it";
+    EXPECT_EQ(model->getCameraNode(1), model->getParts()[0].node);
+    EXPECT_EQ(model->getCameraNode(2), nullptr);
+    ASSERT_TRUE(model->getLight());
+    EXPECT_EQ(model->getLight()->direction, _scene.light->direction);
+    EXPECT_EQ(model->getBoundingBox(), _scene.boundingBox);
+    EXPECT_EQ(model->getWarnings(), _scene.warnings);
+}
+
+TEST_P(ModelLoaderTest, tellsWhyThereIsNoModel) {
+    const ModelLoadResult missing = ModelLoader(getSystem()).load("nowhere/at-all.glb");
+    EXPECT_FALSE(missing);
+    EXPECT_NE(missing.error.find("nowhere/at-all.glb"), ovMemory::String::npos) << missing.error;
+
+    _scene.addMaterial({});
+    _scene.meshes[0].primitives[0].indices = {7};
+    const ModelLoadResult broken = ModelLoader(getSystem()).create(_scene);
+    EXPECT_FALSE(broken);
+    EXPECT_EQ(broken.error, "the mesh 'mesh 0' could not be loaded; the log says why.");
+    getGraphicsLogger().messages.clear();
+
+    System closed;
+    EXPECT_EQ(ModelLoader(&closed).create(_scene).error,
+              "the system is not initialised; call System::initialize first.");
+}
