@@ -5,7 +5,7 @@
 #include <fmt/format.h>
 #include <new>
 #include <ovGraphics/gltf/detail/GltfContainer.h>
-#include <ovGraphics/gltf/detail/GltfMeshesInternal.h>
+#include <ovGraphics/gltf/detail/GltfMeshes.h>
 #include <ovResources/Files.h>
 
 namespace ovGraphics {
@@ -88,10 +88,10 @@ void fillBox(GltfScene& scene) {
 bool readScene(Bytes bytes, const GltfDecodeOptions& options, GltfReport& report, GltfScene& scene) {
     String error;
     const auto container = openGltfContainer(bytes, error);
-    rapidjson::Document document;
-    if (!container || !parseGltfJson(container->json, document, error))
+    const auto tree = container ? parseGltfJson(container->json, error) : nullptr;
+    if (!tree)
         return report.fail(error);
-    const GltfJson root(document);
+    const GltfJson root(tree.get());
     if (!checkVersion(root, report) || !checkExtensions(root, report))
         return false;
     GltfData data;

@@ -72,6 +72,9 @@ std::optional<GltfContainer> openGltfContainer(Bytes bytes, ovMemory::String& er
     if (!json || json->type != JSON_CHUNK)
         return fail("the file is damaged: its first chunk is not whole, or is not JSON");
     GltfContainer container{textOf(json->bytes), {}};
+    // It is padded with blanks, but some programs write zeros.
+    while (container.json.ends_with('\0'))
+        container.json.remove_suffix(1);
     if (offset == file.size())
         return container;
     const auto binary = takeChunk(file, offset);

@@ -1,4 +1,4 @@
-#include <ovGraphics/gltf/detail/GltfDataInternal.h>
+#include <ovGraphics/gltf/detail/GltfData.h>
 
 #include <algorithm>
 #include <cstring>

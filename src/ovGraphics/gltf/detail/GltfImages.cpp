@@ -1,4 +1,4 @@
-#include <ovGraphics/gltf/detail/GltfImagesInternal.h>
+#include <ovGraphics/gltf/detail/GltfImages.h>
 
 #include <fmt/format.h>
 #include <ovGraphics/gltf/detail/GltfNames.h>

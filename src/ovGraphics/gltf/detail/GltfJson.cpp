@@ -1,9 +1,9 @@
-#include <ovGraphics/gltf/detail/GltfJsonInternal.h>
+#include <ovGraphics/gltf/detail/GltfJson.h>
 
 #include <algorithm>
 #include <cmath>
 #include <fmt/format.h>
-#include <rapidjson/error/en.h>
+#include <ovExport/JsonExporter.h>
 
 namespace ovGraphics::detail {
 
@@ -14,48 +14,41 @@ namespace {
 
 // Objects of glTF have a few dozen members. More are not looked at, lest look-ups in an object that is made
 // for it take for ever.
-constexpr rapidjson::SizeType MAX_MEMBERS = 1024;
+constexpr unsigned int MAX_MEMBERS = 1024;
 constexpr double LARGEST_EXACT_INTEGER = 9007199254740992.0; // 2^53
 constexpr double LARGEST_FLOAT = 3.4028234663852886e38;
 
-StringView viewOf(const rapidjson::Value& text) {
-    return {text.GetString(), text.GetStringLength()};
-}
-
-auto endOfMembers(const rapidjson::Value& object) {
-    return object.MemberBegin() + std::min(object.MemberCount(), MAX_MEMBERS);
+unsigned int countMembers(const ovExport::Node* object) {
+    return object ? std::min(object->getMemberCount(), MAX_MEMBERS) : 0;
 }
 
 } // namespace
 
 GltfJson GltfJson::operator[](StringView name) const {
-    if (!isObject())
-        return {};
-    const auto end = endOfMembers(*_value);
-    const auto found = std::find_if(_value->MemberBegin(), end,
-                                    [&](const auto& member) { return viewOf(member.name) == name; });
-    return found != end ? GltfJson(found->value) : GltfJson();
+    for (unsigned int i = 0; i < countMembers(_value); ++i)
+        if (_value->getMemberKey(i) == name)
+            return GltfJson(_value->getMemberValueIndex(i));
+    return {};
 }
 
 GltfJson GltfJson::at(std::size_t index) const {
-    return index < getCount() ? GltfJson((*_value)[static_cast<rapidjson::SizeType>(index)]) : GltfJson();
+    return index < getCount() ? GltfJson(_value->getArrayElement(static_cast<unsigned int>(index)))
+                              : GltfJson();
 }
 
 ovMemory::Buffer<StringView> GltfJson::getNames() const {
     ovMemory::Buffer<StringView> names;
-    if (!isObject())
-        return names;
-    for (auto member = _value->MemberBegin(); member != endOfMembers(*_value); ++member)
-        names.push_back(viewOf(member->name));
+    for (unsigned int i = 0; i < countMembers(_value); ++i)
+        names.push_back(_value->getMemberKey(i));
     return names;
 }
 
 std::optional<double> GltfJson::getNumber() const {
-    return _value && _value->IsNumber() ? std::optional(_value->GetDouble()) : std::nullopt;
+    return _value && _value->isValueTypeNumber() ? std::optional(_value->getValueAsDouble()) : std::nullopt;
 }
 
 std::optional<StringView> GltfJson::getString() const {
-    return _value && _value->IsString() ? std::optional(viewOf(*_value)) : std::nullopt;
+    return _value && _value->isString() ? std::optional(_value->getValueAsStringView()) : std::nullopt;
 }
 
 std::optional<std::size_t> GltfJson::getSize() const {
@@ -175,19 +168,14 @@ GltfObject getGltfObject(const GltfJson& array, StringView kind, std::size_t ind
     return {json, describeGltf(kind, index, json["name"].getString().value_or(StringView())), report};
 }
 
-bool parseGltfJson(StringView text, rapidjson::Document& document, String& error) {
-    constexpr unsigned int FLAGS = rapidjson::kParseIterativeFlag | rapidjson::kParseValidateEncodingFlag |
-                                   rapidjson::kParseFullPrecisionFlag;
-    document.Parse<FLAGS>(text.data(), text.size());
-    if (document.HasParseError()) {
-        error = fmt::format("the JSON is not valid at byte {} of {}: {}", document.GetErrorOffset(),
-                            text.size(), rapidjson::GetParseError_En(document.GetParseError()));
-        return false;
-    }
-    if (document.IsObject())
-        return true;
-    error = "the JSON is no object, so this is no glTF file";
-    return false;
+ovMemory::UniquePtr<ovExport::Node> parseGltfJson(StringView text, String& error) {
+    error.clear();
+    ovExport::ExporterLoadResult result = ovExport::JsonExporter().importIntoTree(text);
+    if (!result)
+        error = fmt::format("the JSON is not valid: {}", result._error._errorInfo);
+    else if (!result._tree->isObject())
+        error = "the JSON is no object, so this is no glTF file";
+    return error.empty() ? std::move(result._tree) : nullptr;
 }
 
 } // namespace ovGraphics::detail

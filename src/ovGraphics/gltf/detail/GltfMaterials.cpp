@@ -1,10 +1,10 @@
-#include <ovGraphics/gltf/detail/GltfMaterialsInternal.h>
+#include <ovGraphics/gltf/detail/GltfMaterials.h>
 
 #include <algorithm>
 #include <cmath>
 #include <fmt/format.h>
 #include <limits>
-#include <ovGraphics/gltf/detail/GltfImagesInternal.h>
+#include <ovGraphics/gltf/detail/GltfImages.h>
 #include <ovGraphics/gltf/detail/GltfNames.h>
 
 namespace ovGraphics::detail {

@@ -1,4 +1,4 @@
-#include <ovGraphics/gltf/detail/GltfMeshesInternal.h>
+#include <ovGraphics/gltf/detail/GltfMeshes.h>
 
 #include <fmt/format.h>
 #include <map>

@@ -1,4 +1,4 @@
-#include <ovGraphics/gltf/detail/GltfNodesInternal.h>
+#include <ovGraphics/gltf/detail/GltfNodes.h>
 
 #include <algorithm>
 #include <cmath>

@@ -1,5 +1,5 @@
 #include <fmt/format.h>
-#include <ovGraphics/gltf/detail/GltfMeshesInternal.h>
+#include <ovGraphics/gltf/detail/GltfMeshes.h>
 #include <ovGraphics/gltf/detail/TangentSpace.h>
 #include <ovGraphics/scene/MeshOptimizer.h>
 

@@ -1,4 +1,4 @@
-#include <ovGraphics/gltf/detail/GltfSkinInternal.h>
+#include <ovGraphics/gltf/detail/GltfSkin.h>
 
 #include <cmath>
 #include <fmt/format.h>

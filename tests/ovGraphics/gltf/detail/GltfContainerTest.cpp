@@ -45,6 +45,14 @@ TEST(GltfContainerTest, needsNoSecondChunkAndSkipsOthers) {
     EXPECT_TRUE(openGltfContainer(file, error)) << error;
 }
 
+TEST(GltfContainerTest, takesTextPaddedWithZeros) {
+    ovMemory::String error;
+    const GltfBytes file = GltfBuilder::toBinary(std::string("{}\0\0", 4), {});
+    const auto container = openGltfContainer(file, error);
+    ASSERT_TRUE(container) << error;
+    EXPECT_EQ(container->json.size(), 2u);
+}
+
 TEST(GltfContainerTest, takesAnythingElseForText) {
     ovMemory::String error;
     for (const std::string text : {"{}", "", "glT", "no glTF"}) {

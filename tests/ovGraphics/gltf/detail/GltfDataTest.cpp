@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 #include <limits>
 #include <ovGraphics/gltf/GltfTesting.h>
-#include <ovGraphics/gltf/detail/GltfDataInternal.h>
+#include <ovGraphics/gltf/detail/GltfData.h>
 
 using namespace ovGraphics::detail;
 using ovMaths::Matrix;
@@ -18,8 +18,9 @@ public:
         , _bytes(file.getBytes())
         , _report(maxBytes) {
         ovMemory::String error;
-        EXPECT_TRUE(parseGltfJson(_json, _document, error)) << error << _json;
-        _isLoaded = _data.load(GltfJson(_document), GltfData::Bytes(_bytes), "", _report);
+        _tree = parseGltfJson(_json, error);
+        EXPECT_TRUE(_tree) << error << _json;
+        _isLoaded = _data.load(GltfJson(_tree.get()), GltfData::Bytes(_bytes), "", _report);
     }
 
     bool isLoaded() const { return _isLoaded; }
@@ -42,7 +43,7 @@ private:
     std::string _json;
     GltfBytes _bytes;
     GltfReport _report;
-    rapidjson::Document _document;
+    ovMemory::UniquePtr<ovExport::Node> _tree;
     GltfData _data;
     bool _isLoaded = false;
 };
@@ -246,12 +247,12 @@ TEST(GltfDataTest, refusesBuffersAndViewsThatContradictTheFile) {
     };
     const GltfBytes binary(4);
     for (const Case& row : cases) {
-        rapidjson::Document document;
         ovMemory::String error;
-        ASSERT_TRUE(parseGltfJson(row.json, document, error)) << error;
+        const auto tree = parseGltfJson(row.json, error);
+        ASSERT_TRUE(tree) << error;
         GltfReport report(1000);
         GltfData data;
-        EXPECT_FALSE(data.load(GltfJson(document), GltfData::Bytes(binary), "", report)) << row.json;
+        EXPECT_FALSE(data.load(GltfJson(tree.get()), GltfData::Bytes(binary), "", report)) << row.json;
         EXPECT_EQ(report.getError(), row.error);
     }
 }

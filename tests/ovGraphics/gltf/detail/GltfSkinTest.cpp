@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 #include <limits>
 #include <ovGraphics/gltf/GltfTesting.h>
-#include <ovGraphics/gltf/detail/GltfSkinInternal.h>
+#include <ovGraphics/gltf/detail/GltfSkin.h>
 
 using namespace ovGraphics::detail;
 using ovGraphics::BoundingBox;

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <optional>
 #include <ovCommon/Api.h>
-#include <ovGraphics/gltf/detail/GltfJsonInternal.h>
+#include <ovGraphics/gltf/detail/GltfJson.h>
 #include <ovMaths/Matrix.h>
 #include <ovMaths/Vector.h>
 #include <ovMemory/Memory.h>

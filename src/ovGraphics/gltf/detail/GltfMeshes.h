@@ -2,10 +2,10 @@
 #pragma once
 
 #include <ovGraphics/gltf/GltfScene.h>
-#include <ovGraphics/gltf/detail/GltfDataInternal.h>
-#include <ovGraphics/gltf/detail/GltfMaterialsInternal.h>
-#include <ovGraphics/gltf/detail/GltfNodesInternal.h>
-#include <ovGraphics/gltf/detail/GltfSkinInternal.h>
+#include <ovGraphics/gltf/detail/GltfData.h>
+#include <ovGraphics/gltf/detail/GltfMaterials.h>
+#include <ovGraphics/gltf/detail/GltfNodes.h>
+#include <ovGraphics/gltf/detail/GltfSkin.h>
 
 namespace ovGraphics::detail {
 

@@ -2,9 +2,9 @@
 #pragma once
 
 #include <ovCommon/Api.h>
-#include <ovGraphics/gltf/detail/GltfDataInternal.h>
+#include <ovGraphics/gltf/detail/GltfData.h>
 #include <ovGraphics/gltf/detail/GltfGeometry.h>
-#include <ovGraphics/gltf/detail/GltfNodesInternal.h>
+#include <ovGraphics/gltf/detail/GltfNodes.h>
 #include <ovMaths/Matrix.h>
 
 namespace ovGraphics::detail {

@@ -3,10 +3,10 @@
 
 #include <optional>
 #include <ovCommon/Api.h>
+#include <ovExport/Node.h>
 #include <ovGraphics/gltf/detail/GltfReport.h>
 #include <ovMaths/Vector.h>
 #include <ovMemory/Memory.h>
-#include <rapidjson/document.h>
 
 namespace ovGraphics::detail {
 
@@ -15,29 +15,29 @@ namespace ovGraphics::detail {
 class OV_API GltfJson {
 public:
     GltfJson() = default;
-    explicit GltfJson(const rapidjson::Value& value)
-        : _value(&value) {}
+    explicit GltfJson(const ovExport::Node* value)
+        : _value(value) {}
 
     bool exists() const { return _value != nullptr; }
-    bool isObject() const { return _value && _value->IsObject(); }
+    bool isObject() const { return _value && _value->isObject(); }
 
     /// The member of an object, of the first 1024 that it has.
     GltfJson operator[](ovMemory::StringView name) const;
     /// Elements of an array, else 0.
-    std::size_t getCount() const { return _value && _value->IsArray() ? _value->Size() : 0; }
+    std::size_t getCount() const { return _value ? _value->getArraySize() : 0; }
     /// The element of an array.
     GltfJson at(std::size_t index) const;
-    /// The names of an object's first 1024 members, in their order; views of the document.
+    /// The names of an object's first 1024 members, in their order; views of the tree.
     ovMemory::Buffer<ovMemory::StringView> getNames() const;
 
     std::optional<double> getNumber() const;
     std::optional<ovMemory::StringView> getString() const;
     /// A whole number from 0 to 2^53, also when it is written with a point.
     std::optional<std::size_t> getSize() const;
-    bool isTrue() const { return _value && _value->IsTrue(); }
+    bool isTrue() const { return _value && _value->isBool() && _value->getValueAsBool(); }
 
 private:
-    const rapidjson::Value* _value = nullptr;
+    const ovExport::Node* _value = nullptr;
 };
 
 /// An object of the file that knows what it is called in messages.
@@ -91,8 +91,8 @@ private:
 OV_API GltfObject getGltfObject(const GltfJson& array, ovMemory::StringView kind, std::size_t index,
                                 GltfReport& report);
 
-/// Reads JSON text without recursing. @return false, with the reason and the byte it is at, for anything that
-/// is not an object in UTF-8
-OV_API bool parseGltfJson(ovMemory::StringView text, rapidjson::Document& document, ovMemory::String& error);
+/// Reads JSON text. @return null, with the reason and its line and column, for anything that is not an object
+/// in UTF-8
+OV_API ovMemory::UniquePtr<ovExport::Node> parseGltfJson(ovMemory::StringView text, ovMemory::String& error);
 
 } // namespace ovGraphics::detail

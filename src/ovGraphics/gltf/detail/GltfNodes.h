@@ -2,7 +2,7 @@
 #pragma once
 
 #include <ovGraphics/gltf/GltfScene.h>
-#include <ovGraphics/gltf/detail/GltfJsonInternal.h>
+#include <ovGraphics/gltf/detail/GltfJson.h>
 #include <ovMaths/Matrix.h>
 
 namespace ovGraphics::detail {

@@ -2,8 +2,8 @@
 #pragma once
 
 #include <ovGraphics/gltf/GltfScene.h>
-#include <ovGraphics/gltf/detail/GltfDataInternal.h>
-#include <ovGraphics/gltf/detail/GltfJsonInternal.h>
+#include <ovGraphics/gltf/detail/GltfData.h>
+#include <ovGraphics/gltf/detail/GltfJson.h>
 
 namespace ovGraphics::detail {
 
