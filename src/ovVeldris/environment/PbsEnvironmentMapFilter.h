@@ -2,22 +2,62 @@
 #pragma once
 
 #include <ovCommon/Api.h>
+#include <ovMemory/Memory.h>
+
+namespace ovGraphics {
+class System;
+class Texture;
+} // namespace ovGraphics
 
 namespace ovVeldris {
 
 class System;
 
-/// The tool of one System that filters environment maps for glossy reflections.
+/// The tool of one System that filters environment maps for physically based materials. Belongs to the thread
+/// that drives rendering.
 class OV_API PbsEnvironmentMapFilter {
 public:
     /// @param system not owned, outlives this object
-    explicit PbsEnvironmentMapFilter(System* system)
-        : _system(system) {}
+    explicit PbsEnvironmentMapFilter(System* system);
+    PbsEnvironmentMapFilter(const PbsEnvironmentMapFilter&) = delete;
+    PbsEnvironmentMapFilter& operator=(const PbsEnvironmentMapFilter&) = delete;
+    ~PbsEnvironmentMapFilter();
 
     System* getSystem() const { return _system; }
 
+    /// Makes a cube texture whose mips hold the environment as surfaces of rising roughness mirror it: mip i
+    /// of M is convolved with the GGX lobe of roughness i / (M - 1), so that a material reads mip
+    /// (M - 1) * roughness; mip 0 is the environment itself. Draws one frame and returns when it has been
+    /// handed to the device: a software rasteriser needs a second or two for 256 texels, a GPU milliseconds.
+    ///
+    /// The output's mips end at 4 x 4: 256 texels have 7. It becomes a render target of the input's format,
+    /// with four channels and uncompressed, and gamma-corrected if the input is and that format can be. What
+    /// was in it is lost. Alpha is 1. Each mip takes up to 1024 samples a texel, from mips of the input that
+    /// fit the samples' distance: give the input a full chain, or small bright lights will speckle.
+    ///
+    /// @param input loaded cube texture, or 2D texture by longitude and latitude, v = 0 at +y and the middle
+    ///        at +x, of any size; not an array, not of whole numbers. NaN spreads as far as the lobes reach.
+    /// @param output another texture of the same graphics system; not owned
+    /// @param resolution texels a side of the largest mip, 4 or more, at most what the device allows for
+    /// cubes
+    ///
+    /// When something is missing or cannot be done, one line is logged with the sender
+    /// "PbsEnvironmentMapFilter". The output is then as it was; only when the device refuses it, it is
+    /// unloaded with its new settings.
+    void requestEnvironmentMapFiltering(ovGraphics::Texture* input, ovGraphics::Texture* output,
+                                        unsigned int resolution);
+
 private:
+    struct FilterData;
+
+    ovGraphics::System* _getGraphicsSystem() const;
+    bool _checkTextures(const ovGraphics::Texture* input, const ovGraphics::Texture* output) const;
+    bool _setupData();
+    void _draw(ovGraphics::Texture& input, ovGraphics::Texture& output) const;
+    void _log(ovMemory::StringView message) const;
+
     System* _system;
+    ovMemory::UniquePtr<FilterData> _filterData; ///< made by the first filtering
 };
 
 } // namespace ovVeldris
