@@ -18,9 +18,10 @@ struct GltfDecodeOptions {
     /// Reorders triangles and vertices of triangle lists for the device's caches and drops doubles
     /// (optimizeMesh).
     bool optimizeMeshes = true;
-    /// The most bytes of buffers, vertices, indices and images that are made, checked before they are
-    /// allocated. Small files can ask for a lot: many primitives may share one array.
-    std::size_t maxBytes = std::size_t(1) << 31;
+    /// The most bytes of buffers, vertices, indices and images that are made altogether, those that are freed
+    /// in between included; checked before they are allocated. Small files can ask for a lot: many primitives
+    /// may share one array. The default is enough for some twenty million vertices.
+    std::size_t maxBytes = std::size_t(1) << 32;
 };
 
 /// A file's content, or why there is none.
