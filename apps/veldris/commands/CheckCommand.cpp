@@ -1,0 +1,59 @@
+// veldris check: everything that is wrong with a file of material declarations.
+#include <veldris/commands/Commands.h>
+
+#include <CLI/CLI.hpp>
+#include <fmt/format.h>
+#include <veldris/JsonText.h>
+#include <veldris/materials/DeclarationCheck.h>
+
+namespace veldris {
+
+namespace {
+
+using ovMemory::String;
+
+struct CheckOptions {
+    String file;
+    bool json = false;
+};
+
+void printJson(const CheckOptions& options, const DeclarationFile& file) {
+    ovMemory::Buffer<JsonObject> problems;
+    for (const DeclarationProblem& problem : file.problems)
+        problems.push_back(JsonObject().number("line", problem.line).text("message", problem.message));
+    fmt::print("{}\n", JsonObject()
+                           .text("file", options.file)
+                           .number("materials", static_cast<double>(file.entries.size()))
+                           .array("problems", problems)
+                           .toText());
+}
+
+void printText(const CheckOptions& options, const DeclarationFile& file) {
+    for (const DeclarationProblem& problem : file.problems)
+        fmt::print("{}\n", toText(options.file, problem));
+    if (file.problems.empty())
+        fmt::print("{}: no problems; materials: {}\n", options.file, file.entries.size());
+}
+
+int runCheck(const CheckOptions& options) {
+    DeclarationFile file;
+    String error;
+    if (!checkDeclarationFile(options.file, file, error))
+        return fail(error);
+    const auto print = options.json ? printJson : printText;
+    print(options, file);
+    return file.problems.empty() ? 0 : 1;
+}
+
+} // namespace
+
+void addCheckCommand(CLI::App& program, Command& command) {
+    auto options = std::make_shared<CheckOptions>();
+    CLI::App* check = program.add_subcommand("check", "list every problem of a file of materials");
+    check->add_option("FILE", options->file, "file of material declarations (JSON)")->required();
+    check->add_flag("--json", options->json, "print the result for machines");
+    check->footer("Prints FILE:LINE: and what is wrong there; the exit status is 1 if anything is.");
+    check->callback([options, &command] { command = [options] { return runCheck(*options); }; });
+}
+
+} // namespace veldris

@@ -1,0 +1,370 @@
+#include <veldris/materials/DeclarationCheck.h>
+
+#include <algorithm>
+#include <cmath>
+#include <fmt/format.h>
+#include <ovExport/JsonExporter.h>
+#include <ovResources/Files.h>
+#include <ovVeldris/materials/MaterialTypeUtils.h>
+#include <unordered_map>
+#include <unordered_set>
+#include <utility>
+#include <veldris/materials/MaterialMembers.h>
+#include <veldris/materials/NearestName.h>
+
+namespace veldris {
+
+namespace {
+
+using ovExport::Node;
+using ovMemory::Buffer;
+using ovMemory::String;
+using ovMemory::StringView;
+
+constexpr StringView IGNORED = "it is ignored";
+
+/// A text of the file in quotes, for messages of one line: cut where it is long, without control characters.
+String quoted(StringView text) {
+    constexpr std::size_t LONGEST = 60;
+    String result(text.substr(0, LONGEST));
+    if (text.size() > LONGEST) {
+        while (!result.empty() && (static_cast<unsigned char>(text[result.size()]) & 0xc0) == 0x80)
+            result.pop_back(); // not within a character of UTF-8
+        result += "...";
+    }
+    std::replace_if(
+        result.begin(), result.end(),
+        [](char character) { return static_cast<unsigned char>(character) < 0x20 || character == 0x7f; },
+        '?');
+    return "\"" + result + "\"";
+}
+
+StringView natureOf(const Node& node) {
+    if (node.isObject())
+        return "an object";
+    if (node.isArray())
+        return "an array";
+    if (node.isString())
+        return "a string";
+    if (node.isBool())
+        return "a bool";
+    return node.isValueTypeNumber() ? "a number" : "null";
+}
+
+/// Lines of bytes of one text; asked for in ascending order, all of them together read the text once.
+class LineCounter {
+public:
+    explicit LineCounter(StringView text)
+        : _text(text) {}
+
+    unsigned int lineOf(std::size_t index) {
+        if (index < _index) {
+            _index = 0;
+            _line = 1;
+        }
+        const StringView between = _text.substr(_index, index - _index);
+        _line += static_cast<unsigned int>(std::count(between.begin(), between.end(), '\n'));
+        _index = index;
+        return _line;
+    }
+
+private:
+    StringView _text;
+    std::size_t _index = 0;
+    unsigned int _line = 1;
+};
+
+/// Problems by the byte of the text at which they are.
+class ProblemList {
+public:
+    void add(const Node& place, String message) {
+        _problems.emplace_back(place.getSourceIndex(), std::move(message));
+    }
+
+    /// All of them in the order of the text.
+    Buffer<DeclarationProblem> take(StringView text) {
+        std::stable_sort(_problems.begin(), _problems.end(),
+                         [](const auto& left, const auto& right) { return left.first < right.first; });
+        LineCounter lines(text);
+        Buffer<DeclarationProblem> result;
+        for (auto& [index, message] : _problems)
+            result.push_back({lines.lineOf(index), std::move(message)});
+        return result;
+    }
+
+private:
+    Buffer<std::pair<std::size_t, String>> _problems;
+};
+
+String hintOf(StringView name, const Buffer<StringView>& known) {
+    const StringView nearest = findNearestName(name, known);
+    return nearest.empty() ? String(".") : fmt::format("; did you mean \"{}\"?", nearest);
+}
+
+/// Checks the members of an object against a list of names.
+/// @param check called with each known name and its value, the first of a name
+template <typename Check>
+void checkMembers(const Node& object, const Buffer<StringView>& known, const String& subject,
+                  ProblemList& problems, const Check& check) {
+    std::unordered_set<StringView> seen;
+    for (unsigned int i = 0; i < object.getMemberCount(); ++i) {
+        const StringView name = object.getMemberKey(i);
+        const Node& value = *object.getMemberValueIndex(i);
+        if (!seen.insert(name).second)
+            problems.add(value,
+                         fmt::format("{}{} is given again; the first one counts.", subject, quoted(name)));
+        else if (std::find(known.begin(), known.end(), name) != known.end())
+            check(name, value);
+        else
+            problems.add(
+                value, fmt::format("{}there is no member {}{}", subject, quoted(name), hintOf(name, known)));
+    }
+}
+
+/// Checks the value of one member of an entry, by the kind of the member.
+class ValueChecker {
+public:
+    ValueChecker(const Node& entry, StringView name, const Node& value, String subject, ProblemList& problems)
+        : _entry(entry)
+        , _name(name)
+        , _value(value)
+        , _subject(std::move(subject))
+        , _problems(problems) {}
+
+    void operator()(const IdentityMember&) const {} // checked before, present or not
+
+    void operator()(const SwitchMember&) const {
+        if (!_value.isBool())
+            _addWrongNature("true or false");
+    }
+
+    void operator()(const AttributeMember&) const {
+        if (!_value.isString())
+            _addWrongNature("a string");
+        else if (!isIdentifier(_value.getValueAsStringView()))
+            _add("is {}, which is no identifier (letters, digits and _, no digit first); {}.", _text(),
+                 IGNORED);
+    }
+
+    void operator()(const ModelMember&) const {
+        if (!_value.isString())
+            _addWrongNature("a string");
+        else if (!findPbsModel(_value.getValueAsStringView()))
+            _add("is {}, neither \"{}\" nor \"{}\"; {}.", _text(),
+                 toText(ovVeldris::PBS_MODEL::SPECULAR_METALNESS_ROUGHNESS),
+                 toText(ovVeldris::PBS_MODEL::SPECULAR_GLOSSINESS), IGNORED);
+    }
+
+    void operator()(const TextureMember& texture) const {
+        if (!_value.isObject())
+            return _addWrongNature(R"(an object {"name": ..., "packing": ...})");
+        const String subject = fmt::format("{}\"{}\": ", _subject, _name);
+        const Node* const name = _value.getMemberValue(TEXTURE_NAME);
+        if (!name)
+            _problems.add(_value, subject + "there is no \"name\" of a texture; none is set.");
+        checkMembers(_value, {TEXTURE_NAME, TEXTURE_PACKING}, subject, _problems,
+                     [&](StringView member, const Node& value) {
+                         if (!value.isString())
+                             _problems.add(value, fmt::format("{}\"{}\" is {}, not a string; {}.", subject,
+                                                              member, natureOf(value), IGNORED));
+                         else if (member == TEXTURE_NAME && value.getValueAsStringView().empty())
+                             _problems.add(value, subject + "the name is empty.");
+                         else if (member == TEXTURE_PACKING)
+                             _checkPacking(texture, value, subject);
+                     });
+    }
+
+    void operator()(const VectorMember& vector) const {
+        ovMaths::Vector read;
+        if (!_value.isString())
+            return _addWrongNature("a string as \"Vec(0.5, 0.5, 0.5, 0)\"");
+        if (!read.fromString(_value.getValueAsStringView()))
+            return _add("is {}, not four finite numbers as \"Vec(0.5, 0.5, 0.5, 0)\"; {}.", _text(), IGNORED);
+        if (vector.isDirection && read.x == 0.0f && read.y == 0.0f && read.z == 0.0f)
+            _add("has no length; a direction has.");
+        if (!vector.isDirection && (read.x < 0.0f || read.y < 0.0f || read.z < 0.0f))
+            _add("is {}: light and reflectance are not negative.", _text());
+        _checkReplacement(vector.replacement);
+    }
+
+    void operator()(const FactorMember& factor) const {
+        if (!_value.isValueTypeNumber())
+            return _addWrongNature("a number");
+        const double number = _value.getValueAsDouble();
+        if (!(number >= 0.0 && number <= 1.0))
+            _add("is {}, not between 0 and 1.", number);
+        _checkReplacement(factor.replacement);
+    }
+
+private:
+    String _text() const { return quoted(_value.getValueAsStringView()); }
+
+    template <typename... Arguments>
+    void _add(fmt::format_string<Arguments...> format, Arguments&&... arguments) const {
+        _problems.add(_value, fmt::format("{}\"{}\" ", _subject, _name) +
+                                  fmt::format(format, std::forward<Arguments>(arguments)...));
+    }
+
+    void _addWrongNature(StringView expected) const {
+        _add("is {}, not {}; {}.", natureOf(_value), expected, IGNORED);
+    }
+
+    void _checkReplacement(const Replacement& replacement) const {
+        if (isReplaced(_entry, replacement))
+            _add("is not used: \"{}\" replaces it; remove one, or multiply both with \"{}\": true.",
+                 replacement.texture, replacement.mix);
+    }
+
+    static void _explainPacking(const TextureMember& texture, StringView text, StringView& readAs,
+                                StringView& expected) {
+        using namespace ovVeldris;
+        readAs =
+            texture.isVector
+                ? ThreeChannelPackUtils::enumToStringLower(ThreeChannelPackUtils::stringLowerToEnum(text))
+                : OneChannelPackUtils::enumToStringLower(OneChannelPackUtils::stringLowerToEnum(text));
+        expected = texture.isVector ? "three different letters of r, g, b and a" : "r, g, b or a";
+    }
+
+    void _checkPacking(const TextureMember& texture, const Node& packing, const String& subject) const {
+        StringView readAs;
+        StringView expected;
+        _explainPacking(texture, packing.getValueAsStringView(), readAs, expected);
+        if (readAs != packing.getValueAsStringView())
+            _problems.add(packing, fmt::format("{}the packing {} is not {}; it is read as \"{}\".", subject,
+                                               quoted(packing.getValueAsStringView()), expected, readAs));
+    }
+
+    const Node& _entry;
+    StringView _name;
+    const Node& _value;
+    String _subject;
+    ProblemList& _problems;
+};
+
+/// Checks the entries of one file.
+class FileChecker {
+public:
+    FileChecker(StringView text, DeclarationFile& file)
+        : _lines(text)
+        , _file(file) {
+        for (const MaterialMember& member : materialMembers())
+            _memberNames.push_back(member.name);
+    }
+
+    void check() {
+        Node& root = *_file.tree;
+        Node* const materials = root.getMemberValue(MATERIALS);
+        if (root.isArray()) {
+            _checkArray(root);
+        } else if (materials) {
+            checkMembers(root, {MATERIALS}, "", problems, [](StringView, const Node&) {});
+            if (materials->isArray())
+                _checkArray(*materials);
+            else
+                problems.add(*materials, fmt::format("\"{}\" is {}, not an array of materials.", MATERIALS,
+                                                     natureOf(*materials)));
+        } else if (root.isObject()) {
+            _checkEntry(root, "the material");
+        } else {
+            problems.add(root,
+                         fmt::format("the file holds {}; materials are an object, an array of objects, or "
+                                     "{{\"{}\": [...]}}.",
+                                     natureOf(root), MATERIALS));
+        }
+    }
+
+    ProblemList problems;
+
+private:
+    static constexpr StringView MATERIALS = "materials";
+
+    void _checkArray(Node& array) {
+        for (unsigned int i = 0; i < array.getArraySize(); ++i)
+            _checkEntry(*array.getArrayElement(i), fmt::format("material number {}", i + 1));
+    }
+
+    void _checkEntry(Node& entry, const String& place) {
+        _file.entries.push_back({&entry, _lines.lineOf(entry.getSourceIndex())});
+        if (!entry.isObject())
+            return problems.add(entry, fmt::format("{} is {}, not an object.", place, natureOf(entry)));
+        const Node* const name = entry.getMemberValue("name");
+        const bool hasName = name && name->isString();
+        const String subject = (hasName ? "material " + quoted(name->getValueAsStringView()) : place) + ": ";
+        if (hasName)
+            _checkName(*name, subject);
+        else
+            _addMissing(entry, "name", name, subject);
+        _checkType(entry, subject);
+        checkMembers(entry, _memberNames, subject, problems, [&](StringView member, const Node& value) {
+            std::visit(ValueChecker(entry, member, value, subject, problems),
+                       findMaterialMember(member)->kind);
+        });
+    }
+
+    void _checkName(const Node& name, const String& subject) {
+        const StringView text = name.getValueAsStringView();
+        if (text.empty())
+            problems.add(name, subject + "the name is empty.");
+        const auto [first, isNew] = _linesOfNames.try_emplace(text, _file.entries.back().line);
+        if (!isNew)
+            problems.add(name, fmt::format("{}the name is that of the material in line {}, which this one "
+                                           "overwrites.",
+                                           subject, first->second));
+    }
+
+    void _checkType(const Node& entry, const String& subject) {
+        const Node* const type = entry.getMemberValue("type");
+        if (!type || !type->isString())
+            return _addMissing(entry, "type", type, subject);
+        if (ovVeldris::MaterialTypeUtils::stringToEnum(type->getValueAsStringView()) ==
+            ovVeldris::MATERIAL_TYPE::UNKNOWN)
+            problems.add(*type, fmt::format("{}the type {} is unknown; it is \"PBS\".", subject,
+                                            quoted(type->getValueAsStringView())));
+    }
+
+    void _addMissing(const Node& entry, StringView member, const Node* value, const String& subject) {
+        if (value)
+            problems.add(*value, fmt::format("{}\"{}\" is {}, not a string; the material is not loaded.",
+                                             subject, member, natureOf(*value)));
+        else
+            problems.add(entry,
+                         fmt::format("{}there is no \"{}\"; the material is not loaded.", subject, member));
+    }
+
+    LineCounter _lines;
+    DeclarationFile& _file;
+    Buffer<StringView> _memberNames;
+    std::unordered_map<StringView, unsigned int> _linesOfNames; ///< of the entries
+};
+
+} // namespace
+
+String toText(StringView path, const DeclarationProblem& problem) {
+    if (problem.line == 0)
+        return fmt::format("{}: {}", path, problem.message);
+    return fmt::format("{}:{}: {}", path, problem.line, problem.message);
+}
+
+DeclarationFile checkDeclarations(StringView text) {
+    DeclarationFile file;
+    ovExport::ExporterLoadResult parsed = ovExport::JsonExporter().importIntoTree(text);
+    if (!parsed) {
+        file.problems.push_back({parsed._error._line, parsed._error._errorInfo});
+        return file;
+    }
+    file.tree = std::move(parsed._tree);
+    FileChecker checker(text, file);
+    checker.check();
+    file.problems = checker.problems.take(text);
+    return file;
+}
+
+bool checkDeclarationFile(StringView path, DeclarationFile& file, String& error) {
+    Buffer<char> bytes;
+    if (!ovResources::readFile(path, bytes, error))
+        return false;
+    file = checkDeclarations({bytes.data(), bytes.size()});
+    return true;
+}
+
+} // namespace veldris
