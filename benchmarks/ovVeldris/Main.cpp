@@ -1,4 +1,5 @@
 // The benchmarks of ovVeldris.
+#include "ovVeldris/content/ContentLoaderBenchmark.h"
 #include "ovVeldris/effects/EffectBenchmark.h"
 #include "ovVeldris/effects/ProgramCacheBenchmark.h"
 
@@ -8,6 +9,7 @@
 int main(int argumentCount, char** arguments) {
     if (argumentCount == 3 && std::string_view(arguments[1]) == ovBenchmarks::LOAD_PROGRAMS_ARGUMENT)
         return ovBenchmarks::loadPrograms(arguments[2]);
+    ovBenchmarks::registerContentLoader();
     ovBenchmarks::registerEffects();
     ovBenchmarks::registerProgramCache(arguments[0]);
     benchmark::Initialize(&argumentCount, arguments);
