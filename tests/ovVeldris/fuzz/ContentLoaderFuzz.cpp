@@ -4,6 +4,7 @@
 #include <ovExport/JsonExporter.h>
 #include <ovGraphics/System.h>
 #include <ovGraphics/resources/Managers.h>
+#include <ovGraphics/resources/Texture.h>
 #include <ovVeldris/content/ContentLoader.h>
 #include <ovVeldris/core/GraphicsEngine.h>
 #include <ovVeldris/core/System.h>
