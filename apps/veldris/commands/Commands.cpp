@@ -42,8 +42,10 @@ int runProgram(int argumentCount, const char* const* arguments) {
 
     Command command;
     addApplyCommand(program, command);
+    addCheckCommand(program, command);
     addDemoCommand(program, command);
     addInfoCommand(program, command);
+    addMaterialsCommand(program, command);
     addRenderCommand(program, command);
     addShadersCommand(program, command);
     try {

@@ -16,8 +16,10 @@ using Command = std::function<int()>;
 
 /// Each adds its subcommand to the program; the chosen one stores what it runs in command.
 void addApplyCommand(CLI::App& program, Command& command);
+void addCheckCommand(CLI::App& program, Command& command);
 void addDemoCommand(CLI::App& program, Command& command);
 void addInfoCommand(CLI::App& program, Command& command);
+void addMaterialsCommand(CLI::App& program, Command& command);
 void addRenderCommand(CLI::App& program, Command& command);
 void addShadersCommand(CLI::App& program, Command& command);
 

@@ -12,6 +12,7 @@
 #include <veldris/JsonText.h>
 #include <veldris/demo/DemoScene.h>
 #include <veldris/demo/GalleryPage.h>
+#include <veldris/demo/MaterialScenes.h>
 #include <veldris/effects/EffectChain.h>
 
 namespace veldris {
@@ -74,6 +75,24 @@ bool drawPicture(Session& session, const ovImages::ImageView& scene, const DemoP
     return writeGalleryPicture(options.folder + "/" + file, result.image->view(), error);
 }
 
+/// Materials are tone mapped as a user would.
+constexpr const char* MATERIAL_EFFECTS = "tone-mapping:operator=reinhard,max-white=6,6,6";
+
+bool drawMaterials(Session& session, const DemoOptions& options, Buffer<GalleryEntry>& entries,
+                   String& error) {
+    Buffer<EffectSpec> effects;
+    if (!parseEffectList(MATERIAL_EFFECTS, effects, error))
+        return false;
+    const auto write = [&](const MaterialPicture& picture, String& reason) {
+        const ChainResult mapped = runChain(session, picture.image.view(), effects, {});
+        reason = mapped.error;
+        const String file = String(picture.name) + ".png";
+        entries.push_back({String(picture.caption), "", file, picture.milliseconds});
+        return mapped && writeGalleryPicture(options.folder + "/" + file, mapped.image->view(), reason);
+    };
+    return drawMaterialPictures(session, options.width, options.height, write, error);
+}
+
 bool drawGallery(Session& session, const DemoOptions& options, Buffer<GalleryEntry>& entries, String& error) {
     const ovImages::Image scene = drawDemoScene(options.width, options.height);
     if (!writeGalleryPicture(options.folder + "/" + SOURCE_FILE, scene.view(), error))
@@ -82,6 +101,8 @@ bool drawGallery(Session& session, const DemoOptions& options, Buffer<GalleryEnt
         if (!drawPicture(session, scene.view(), picture, options, entries, error))
             return false;
     }
+    if (!drawMaterials(session, options, entries, error))
+        return false;
     const auto& graphics = session.getGraphics();
     const String page = galleryPage({graphics.getDeviceInfo()->renderer, options.drawing.language,
                                      String(graphics.getPassTimingMethod()), options.width, options.height},
@@ -95,7 +116,7 @@ void printReport(const DemoOptions& options, const Buffer<GalleryEntry>& entries
     if (!options.drawing.json) {
         if (options.drawing.timings) {
             for (const GalleryEntry& entry : entries)
-                fmt::print("{:10.3f} ms  {}\n", entry.milliseconds, entry.effect);
+                fmt::print("{:10.3f} ms  {}\n", entry.milliseconds, entry.title);
         }
         fmt::print("{} pictures in {}\n{}\n", entries.size(), options.folder, page);
         return;
@@ -104,7 +125,7 @@ void printReport(const DemoOptions& options, const Buffer<GalleryEntry>& entries
     Buffer<JsonObject> pictures;
     for (const GalleryEntry& entry : entries)
         pictures.push_back(JsonObject()
-                               .text("effect", entry.effect)
+                               .text("title", entry.title)
                                .text("file", entry.afterFile)
                                .number("milliseconds", entry.milliseconds));
     fmt::print("{}\n", JsonObject()

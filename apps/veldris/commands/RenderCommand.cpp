@@ -2,13 +2,21 @@
 #include <veldris/commands/Commands.h>
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <cmath>
+#include <filesystem>
 #include <fmt/format.h>
 #include <ovGraphics/System.h>
+#include <ovImages/CompositeEncoder.h>
 #include <ovVeldris/content/ModelLoader.h>
 #include <veldris/ImageFiles.h>
 #include <veldris/JsonText.h>
 #include <veldris/effects/EffectChain.h>
+#include <veldris/materials/MaterialFile.h>
+#include <veldris/scene/BuiltInSky.h>
+#include <veldris/scene/EnvironmentLight.h>
+#include <veldris/scene/MissingTextures.h>
+#include <veldris/scene/ModelLight.h>
 #include <veldris/scene/SceneCamera.h>
 #include <veldris/scene/ScenePicture.h>
 
@@ -19,6 +27,7 @@ namespace {
 using ovMaths::Vector;
 using ovMemory::String;
 
+constexpr unsigned int SKY_WIDTH = 512;
 constexpr const char* DEFAULT_EFFECTS = "tone-mapping:operator=reinhard,max-white=6,6,6";
 
 struct RenderOptions {
@@ -29,6 +38,7 @@ struct RenderOptions {
     String light;
     String lightColor;
     String background;
+    String environment = "sky";
     String size = "1280x720";
     String effects = DEFAULT_EFFECTS;
     unsigned int samples = 4;
@@ -79,7 +89,7 @@ bool readScene(const RenderOptions& options, SceneSettings& scene, String& error
         return false;
     }
     if (!options.lightColor.empty() &&
-        !readVector("--light-color", options.lightColor, scene.lightColor, error))
+        !readVector("--light-color", options.lightColor, scene.lightColor.emplace(), error))
         return false;
     if (!options.background.empty() &&
         !readVector("--background", options.background, scene.background, error))
@@ -102,6 +112,9 @@ bool makePlan(const RenderOptions& options, RenderPlan& plan, String& error) {
         !contentOfFormat(options.output, plan.chain.output, error))
         return false;
     plan.chain.outputName = "the file '" + options.output + "'";
+    plan.chain.input = PICTURE_CONTENT::SCENE_LINEAR;
+    if (!checkChain(plan.effects, plan.chain, error))
+        return false;
     if (options.camera.empty())
         return true;
     const auto camera = parseCamera(options.camera, error);
@@ -109,16 +122,57 @@ bool makePlan(const RenderOptions& options, RenderPlan& plan, String& error) {
     return camera.has_value();
 }
 
-/// Lights the model's materials, and adds its parts with their shadows to a scene.
-bool addModel(ScenePicture& picture, ovVeldris::Model& model, const SceneSettings& scene) {
-    for (const ovVeldris::ModelMaterial& own : model.getMaterials()) {
-        if (!scene.lightDirection) {
-            own.material->setLightDirection(model.getLight() ? model.getLight()->direction
-                                                             : DEFAULT_LIGHT_DIRECTION);
-            own.material->setLightColor(scene.lightColor);
-        }
-        picture.light(*own.material);
+/// The built-in sky or an image; null without an error for "none".
+ovMemory::UniquePtr<EnvironmentLight> makeEnvironment(Session& session, const RenderOptions& options,
+                                                      const Vector& lightDirection, String& error) {
+    if (options.environment == "none")
+        return nullptr;
+    String warning;
+    ovMemory::UniquePtr<EnvironmentLight> light;
+    if (options.environment == "sky") {
+        const ovImages::Image sky = drawSkyPanorama(SKY_WIDTH, -lightDirection.getNormalizedVec3());
+        light = EnvironmentLight::create(session, sky.view(), warning, error);
+    } else {
+        const ovImages::DecodeResult decoded = ovImages::CompositeEncoder().decodeFile(options.environment);
+        error = decoded.error;
+        if (!decoded)
+            return nullptr;
+        light = EnvironmentLight::create(session, decoded.image->view(), warning, error);
     }
+    warn(warning);
+    return light;
+}
+
+/// Takes over what the user's file says of the model's materials.
+bool readMaterials(Session& session, const RenderOptions& options, const ovVeldris::Model& model,
+                   String& error) {
+    if (options.materials.empty())
+        return true;
+    ovMemory::Buffer<DeclarationProblem> problems;
+    const auto read = readMaterialFile(options.materials, session.getSystem(), problems);
+    for (const DeclarationProblem& problem : problems)
+        warn(fmt::format("{}:{}: {}", options.materials, problem.line, problem.message));
+    if (read.empty()) {
+        error = fmt::format("the file '{}' has no material that can be used; veldris check {} tells more.",
+                            options.materials, options.materials);
+        return false;
+    }
+    const auto own = materialsOf(model);
+    for (const ovVeldris::PbsMaterial* material : read) {
+        if (std::find(own.begin(), own.end(), material) == own.end())
+            warn(fmt::format("the material '{}' of '{}' is none of the model's.", material->getName(),
+                             options.materials));
+    }
+    const String folder = std::filesystem::path(options.materials).parent_path().native();
+    for (const String& warning : loadMissingTextures(own, folder))
+        warn(warning);
+    return true;
+}
+
+/// Lights the model's materials, and adds its parts with their shadows to a scene.
+bool addModel(ScenePicture& picture, ovVeldris::Model& model) {
+    for (ovVeldris::PbsMaterial* material : materialsOf(model))
+        picture.light(*material);
     if (!model.loadMaterials())
         return false;
     model.addTo(picture.getSolid(), picture.getBlended());
@@ -157,8 +211,18 @@ ovMemory::UniquePtr<ovImages::Image> drawModel(Session& session, const RenderOpt
         error = "the model '" + options.model + "' has nothing to draw.";
         return nullptr;
     }
+    giveModelLight(model);
+    if (!readMaterials(session, options, model, error))
+        return nullptr;
+    const Vector lightDirection =
+        plan.scene.lightDirection.value_or(model.getMaterials().front().material->getLightDirection());
+    const auto environment = makeEnvironment(session, options, lightDirection, error);
+    if (!error.empty())
+        return nullptr;
     const auto picture = ScenePicture::create(session, plan.scene, error);
-    if (!picture || !addModel(*picture, model, plan.scene) ||
+    if (picture)
+        picture->setEnvironment(environment.get());
+    if (!picture || !addModel(*picture, model) ||
         !placeCamera(plan.camera, model.getBoundingBox(), &model, picture->getAspect(), picture->getCamera(),
                      error)) {
         error += session.getLogger().take();
@@ -181,7 +245,6 @@ int runRender(const RenderOptions& options) {
     const auto image = drawModel(session, options, plan, error);
     if (!image)
         return fail(error);
-    plan.chain.input = PICTURE_CONTENT::SCENE_LINEAR;
     const ChainResult result = runChain(session, image->view(), plan.effects, plan.chain);
     if (!result)
         return fail(result.error);
@@ -210,10 +273,18 @@ void addRenderCommand(CLI::App& program, Command& command) {
     render->add_option("--camera", options->camera,
                        "AZIMUTH,ELEVATION[,ZOOM] around the model in degrees (default: 30,15), "
                        "X,Y,Z,TARGET-X,TARGET-Y,TARGET-Z in metres, or file for the model's own");
+    render->add_option("--materials", options->materials,
+                       "materials to use instead, as veldris materials writes them");
+    render
+        ->add_option(
+            "--environment", options->environment,
+            "panorama by longitude and latitude (EXR, HDR, PNG, JPEG), sky for the built-in one, or none")
+        ->capture_default_str();
     render->add_option("--light", options->light,
                        "X,Y,Z where the light shines to (default: the model's light, or from "
                        "above and beside the camera)");
-    render->add_option("--light-color", options->lightColor, "R,G,B, linear (default: 3,3,3)");
+    render->add_option("--light-color", options->lightColor,
+                       "R,G,B, linear (default: the model's hue, or white)");
     render->add_flag("--shadows", options->shadows, "let the light cast shadows");
     render->add_option("--background", options->background, "R,G,B, linear (default: 0.18,0.18,0.18)");
     render->add_option("--effects", options->effects, "effects over the picture, as of veldris apply")

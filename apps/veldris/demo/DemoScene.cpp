@@ -5,6 +5,7 @@
 #include <cmath>
 #include <limits>
 #include <optional>
+#include <veldris/scene/BuiltInSky.h>
 
 namespace veldris {
 
@@ -53,8 +54,6 @@ const Vec SUN_DIRECTION = normalised({-0.55, 0.32, 0.77});
 constexpr double SUN_COSINE = 0.99985; // about a degree of radius: large enough for a few pixels
 constexpr Vec SUN_RADIANCE = {22000.0, 17500.0, 12000.0};
 constexpr Vec SUN_IRRADIANCE = {3.1, 2.5, 1.8};
-constexpr Vec SKY_ZENITH = {0.16, 0.34, 0.85};
-constexpr Vec SKY_HORIZON = {1.05, 0.80, 0.58};
 constexpr Vec EYE = {0.0, 1.25, -5.2};
 constexpr double VIEW_HEIGHT = 1.05; // of the picture plane one metre before the eye
 constexpr int MAX_MIRRORINGS = 3;
@@ -68,13 +67,15 @@ const std::array<Sphere, 5> SPHERES = {{
     {{0.15, 0.25, -1.6}, 0.25, {0.0, 0.0, 0.0}, {0.0, 0.0, 0.0}, {2.0, 9.0, 14.0}},
 }};
 
-Vec skyRadiance(const Vec& direction) {
-    const double height = std::clamp(direction.y, 0.0, 1.0);
-    Vec sky = mixed(SKY_HORIZON, SKY_ZENITH, std::pow(height, 0.45));
-    const double towardsSun = std::max(0.0, dot(direction, SUN_DIRECTION));
-    sky = sky + Vec{9.0, 5.5, 2.6} * std::pow(towardsSun, 180.0) +
-          Vec{0.9, 0.55, 0.3} * std::pow(towardsSun, 9.0);
-    return towardsSun > SUN_COSINE ? SUN_RADIANCE : sky;
+/// The built-in sky with the sun in it.
+Vec radianceOfSky(const Vec& direction) {
+    if (dot(direction, SUN_DIRECTION) > SUN_COSINE)
+        return SUN_RADIANCE;
+    const auto single = [](const Vec& v) {
+        return ovMaths::Vector(static_cast<float>(v.x), static_cast<float>(v.y), static_cast<float>(v.z));
+    };
+    const ovMaths::Vector sky = skyRadiance(single(direction), single(SUN_DIRECTION));
+    return {sky.x, sky.y, sky.z};
 }
 
 std::optional<double> hitSphere(const Sphere& sphere, const Vec& origin, const Vec& direction) {
@@ -129,7 +130,7 @@ Vec radianceAlong(Vec origin, Vec direction) {
     for (int bounce = 0; bounce <= MAX_MIRRORINGS; ++bounce) {
         const Hit hit = findHit(origin, direction);
         if (!std::isfinite(hit.distance))
-            return radiance + share * skyRadiance(direction);
+            return radiance + share * radianceOfSky(direction);
         const Vec point = origin + direction * hit.distance;
         radiance = radiance + share * (hit.emission + matteRadiance(hit, point));
         share = share * hit.mirror;

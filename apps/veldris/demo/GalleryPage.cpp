@@ -47,9 +47,12 @@ String figure(StringView file, StringView caption) {
 }
 
 String section(const GalleryEntry& entry) {
-    return fmt::format("<h2>{}</h2>\n<p>{:.3f} ms</p>\n<div>\n{}{}</div>\n", escaped(entry.effect),
-                       entry.milliseconds, figure(entry.beforeFile, "before: scene light, clipped at 1"),
-                       figure(entry.afterFile, "after"));
+    const String pictures = entry.beforeFile.empty()
+                                ? figure(entry.afterFile, entry.title)
+                                : "<div>\n" + figure(entry.beforeFile, "before: scene light, clipped at 1") +
+                                      figure(entry.afterFile, "after") + "</div>\n";
+    return fmt::format("<h2>{}</h2>\n<p>{:.3f} ms</p>\n{}", escaped(entry.title), entry.milliseconds,
+                       pictures);
 }
 
 } // namespace

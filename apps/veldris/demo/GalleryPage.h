@@ -5,12 +5,12 @@
 
 namespace veldris {
 
-/// One effect's picture beside the one it was made from. Files are relative to the page.
+/// A picture, beside the one that it was made from if there is one. Files are relative to the page.
 struct GalleryEntry {
-    ovMemory::String effect; ///< as --effects takes it
-    ovMemory::String beforeFile;
+    ovMemory::String title;      ///< of an effect: as --effects takes it
+    ovMemory::String beforeFile; ///< empty: the picture stands alone
     ovMemory::String afterFile;
-    double milliseconds = 0.0; ///< of the pass
+    double milliseconds = 0.0; ///< of its passes
 };
 
 /// What stands above the pictures.

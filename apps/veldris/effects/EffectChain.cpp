@@ -101,13 +101,20 @@ bool convert(EffectRunner& runner, const ContentConversion& conversion) {
                toFloats(picture->view(), encodingOf(conversion.from), encodingOf(conversion.to)).view());
 }
 
-Buffer<EffectContent> contentsOf(const Buffer<EffectSpec>& effects, String& error) {
+/// Checks names and values of the effects and finds the conversions between them.
+bool plan(const Buffer<EffectSpec>& effects, const ChainOptions& options,
+          Buffer<ContentConversion>& conversions, PICTURE_CONTENT& content, String& error) {
     Buffer<EffectContent> contents;
     for (const EffectSpec& spec : effects) {
-        if (const EffectDescription* description = findEffect(spec.name, error))
-            contents.push_back({spec.name, description->takes, description->gives});
+        const EffectDescription* description = findEffect(spec.name, error);
+        SettingValues values;
+        if (!description || !SettingValues::parse(spec, description->settings, values, error))
+            return false;
+        contents.push_back({spec.name, description->takes, description->gives});
     }
-    return contents;
+    content = options.input;
+    return options.raw || planConversions(options.input, contents, options.output, options.outputName,
+                                          conversions, content, error);
 }
 
 /// All effects, made before anything is drawn, so that a wrong value costs no time.
@@ -156,16 +163,17 @@ UniquePtr<ovVeldris::Effect> makeEffect(Session& session, const EffectSpec& spec
     return nullptr;
 }
 
+bool checkChain(const Buffer<EffectSpec>& effects, const ChainOptions& options, String& error) {
+    Buffer<ContentConversion> conversions;
+    PICTURE_CONTENT content;
+    return plan(effects, options, conversions, content, error);
+}
+
 ChainResult runChain(Session& session, const ImageView& picture, const Buffer<EffectSpec>& effects,
                      const ChainOptions& options) {
     ChainResult result;
-    const Buffer<EffectContent> contents = contentsOf(effects, result.error);
     Buffer<ContentConversion> conversions;
-    result.content = options.input;
-    if (!result.error.empty())
-        return result;
-    if (!options.raw && !planConversions(options.input, contents, options.output, options.outputName,
-                                         conversions, result.content, result.error))
+    if (!plan(effects, options, conversions, result.content, result.error))
         return result;
     const auto made = makeEffects(session, effects, result.error);
     if (!result.error.empty())

@@ -31,6 +31,11 @@ struct ChainResult {
     explicit operator bool() const { return image != nullptr; }
 };
 
+/// Whether a chain can be run, as far as that can be told without a device: names, values of settings, and
+/// what the effects hand on. @return false with one line in error
+bool checkChain(const ovMemory::Buffer<EffectSpec>& effects, const ChainOptions& options,
+                ovMemory::String& error);
+
 /// Draws the effects one after another, in float targets, with the conversions between them that they need.
 ChainResult runChain(Session& session, const ovImages::ImageView& picture,
                      const ovMemory::Buffer<EffectSpec>& effects, const ChainOptions& options);

@@ -19,7 +19,7 @@ using ovMemory::StringView;
 namespace {
 
 constexpr float VERTICAL_FOV = 0.6f;     // radians, as of a lens of 60 mm: little distortion
-constexpr float MARGIN = 1.06f;          // room around the model
+constexpr float FILLED = 0.94f;          // share of the picture that the model spans, the rest is margin
 constexpr float SMALLEST_RADIUS = 1e-3f; // metres; of models that are points
 constexpr float NEAREST_SHARE = 0.01f;   // of the distance: keeps depth precise
 
@@ -37,7 +37,7 @@ Vector orbitDirection(const CameraChoice& choice) {
 
 /// The distance from the box's centre at which all its corners are in view.
 float fittingDistance(const Camera& camera, const BoundingBox& box, float aspect) {
-    const float tangentY = std::tan(0.5f * VERTICAL_FOV);
+    const float tangentY = FILLED * std::tan(0.5f * VERTICAL_FOV);
     const float tangentX = tangentY * aspect;
     const ovMaths::Matrix view = camera.getViewMatrix(); // the camera is still in the centre
     const Vector half = box.getSize() * 0.5f;
@@ -64,7 +64,7 @@ void placeOrbit(const CameraChoice& choice, const BoundingBox& box, float aspect
     const Vector center = box.getCenter();
     camera.setPosition(Vector());
     camera.lookAt(-towardsEye, Vector());
-    const float fitting = std::max(fittingDistance(camera, box, aspect) * MARGIN, SMALLEST_RADIUS);
+    const float fitting = std::max(fittingDistance(camera, box, aspect), SMALLEST_RADIUS);
     camera.setPosition(center + towardsEye * (fitting / choice.zoom));
     setPlanes(camera, box, aspect);
 }

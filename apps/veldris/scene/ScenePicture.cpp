@@ -13,6 +13,7 @@
 #include <ovGraphics/scene/Camera.h>
 #include <ovVeldris/core/GraphicsEngine.h>
 #include <veldris/Session.h>
+#include <veldris/scene/EnvironmentLight.h>
 
 namespace veldris {
 
@@ -96,7 +97,6 @@ ovMemory::UniquePtr<ScenePicture> ScenePicture::create(Session& session, const S
 ScenePicture::ScenePicture(Session& session, const SceneSettings& settings)
     : _session(session)
     , _settings(settings)
-    , _lightDirection(settings.lightDirection.value_or(DEFAULT_LIGHT_DIRECTION))
     , _scale(static_cast<unsigned int>(std::lround(std::sqrt(settings.samples))))
     , _camera(Camera::create(&session.getGraphics()))
     , _shadowCamera(Camera::create(&session.getGraphics()))
@@ -170,12 +170,18 @@ void ScenePicture::_appendColourPasses() {
     blend.setDestinationFactor(BLEND::INV_SRC_ALPHA, 0);
 }
 
+void ScenePicture::setEnvironment(const EnvironmentLight* environment) {
+    _environment = environment;
+}
+
 void ScenePicture::light(ovVeldris::PbsMaterial& material) {
-    if (_settings.lightDirection) {
+    if (_settings.lightDirection)
         material.setLightDirection(*_settings.lightDirection);
-        material.setLightColor(_settings.lightColor);
-    }
-    material.setEnvironmentColor(_settings.ambientColor);
+    if (_settings.lightColor)
+        material.setLightColor(*_settings.lightColor);
+    if (_environment)
+        _environment->light(material);
+    material.setCombineLightAndEnvironment(_environment != nullptr);
     if (_shadowMap)
         material.setShadowMapTexture(_shadowMap.get(), _shadowCamera.get(), ovVeldris::ShadowMapParameters());
     _lightDirection = material.getLightDirection();

@@ -12,6 +12,7 @@
 
 namespace veldris {
 
+class EnvironmentLight;
 class Session;
 
 /// What a scene is lit by, and how large its picture is.
@@ -20,15 +21,11 @@ struct SceneSettings {
     unsigned int height = 720;                       ///< pixels
     unsigned int samples = 1;                        ///< of a pixel, the square of a whole number
     ovMaths::Vector background{0.18f, 0.18f, 0.18f}; ///< linear
-    std::optional<ovMaths::Vector>
-        lightDirection; ///< where the light shines to; nothing: as the materials say
-    ovMaths::Vector lightColor{3.0f, 3.0f, 3.0f};
-    ovMaths::Vector ambientColor{0.35f, 0.35f, 0.35f}; ///< from all around, without an environment
+    /// Where the light shines to; nothing: as the materials say.
+    std::optional<ovMaths::Vector> lightDirection;
+    std::optional<ovMaths::Vector> lightColor; ///< linear; nothing: as the materials say
     bool shadows = false;
 };
-
-/// A light's direction that shows shapes well: from above, beside and behind the eye.
-inline constexpr ovMaths::Vector DEFAULT_LIGHT_DIRECTION{-0.5f, -0.8f, 0.6f};
 
 /// Two queues of entities, a light with its shadow map, and the passes that draw them. What is added is
 /// borrowed.
@@ -43,6 +40,10 @@ public:
     ovGraphics::RenderQueue& getBlended() { return *_blended; }
     ovGraphics::Camera& getCamera() { return *_camera; }
     float getAspect() const;
+
+    /// Light from all around for the materials that are lit from now on, also drawn behind the scene; null
+    /// (the default): the materials' own environment colour, and the background of the settings. Borrowed.
+    void setEnvironment(const EnvironmentLight* environment);
 
     /// Lights a material. It must be loaded afterwards, and only then added to the queues.
     void light(ovVeldris::PbsMaterial& material);
@@ -66,6 +67,7 @@ private:
     Session& _session;
     SceneSettings _settings;
     ovMaths::Vector _lightDirection;
+    const EnvironmentLight* _environment = nullptr;
     unsigned int _scale; ///< samples along a side of a pixel
     ovMemory::UniquePtr<ovGraphics::Texture> _colour;
     ovMemory::UniquePtr<ovGraphics::Texture> _depth;

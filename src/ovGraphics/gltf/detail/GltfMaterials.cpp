@@ -116,14 +116,8 @@ private:
             return false;
         const GltfObject normal = _source.getObject("normalTexture");
         material.normalScale = normal.readFloat("scale", 1.0f, -HUGE_NUMBER, HUGE_NUMBER);
-        if (material.normalScale != 1.0f)
-            normal.warn(fmt::format("its scale {} is ignored; the normals are drawn as they are read",
-                                    material.normalScale));
         const GltfObject occlusion = _source.getObject("occlusionTexture");
         material.occlusionStrength = occlusion.readFloat("strength", 1.0f, 0.0f, 1.0f);
-        if (material.occlusionStrength != 1.0f)
-            occlusion.warn(fmt::format("its strength {} is ignored; occlusion is drawn in full",
-                                       material.occlusionStrength));
         const GltfObject emission = _source.getExtension("KHR_materials_emissive_strength");
         const float strength = emission.readFloat("emissiveStrength", 1.0f, 0.0f, HUGE_NUMBER);
         material.emissive = _source.readVector("emissiveFactor", 3, {}, 0.0f, 1.0f) * strength;
@@ -141,8 +135,6 @@ private:
         material.alphaCutoff = _source.readFloat("alphaCutoff", 0.5f, 0.0f, HUGE_NUMBER);
         material.doubleSided = _source.readBool("doubleSided");
         material.unlit = _source.getJson()["extensions"]["KHR_materials_unlit"].exists();
-        if (material.unlit)
-            _source.warn("KHR_materials_unlit is ignored; it is drawn with light");
     }
 
     void _warnOfExtensions() const {

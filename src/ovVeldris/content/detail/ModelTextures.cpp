@@ -8,6 +8,7 @@
 #include <ovGraphics/resources/Sampler.h>
 #include <ovGraphics/resources/Texture.h>
 #include <ovImages/Conversion.h>
+#include <ovVeldris/content/StandInPicture.h>
 #include <utility>
 
 namespace ovVeldris::detail {
@@ -22,21 +23,6 @@ using ovMemory::StringView;
 namespace {
 
 constexpr unsigned int FULL_CHAIN = 0;
-
-/// What is drawn in place of a missing picture: nobody takes it for the real one.
-Image standIn(COLOUR_ENCODING encoding) {
-    constexpr unsigned int SIDE = 8;
-    Image image(SIDE, SIDE, 4, COMPONENT_TYPE::UINT8, encoding);
-    for (unsigned int y = 0; y < SIDE; ++y) {
-        for (unsigned int x = 0; x < SIDE; ++x) {
-            const float magenta = (x + y) % 2 == 0 ? 1.0f : 0.0f;
-            image.setComponent(x, y, 0, magenta);
-            image.setComponent(x, y, 2, magenta);
-            image.setComponent(x, y, 3, 1.0f);
-        }
-    }
-    return image;
-}
 
 Vector mix(const Vector& a, const Vector& b, float weight) {
     return a * (1.0f - weight) + b * weight;
@@ -100,7 +86,7 @@ ovGraphics::Texture* ModelTextures::get(int texture, COLOUR_ENCODING encoding) {
     const ovGraphics::GltfTexture& described = _scene.textures[static_cast<std::size_t>(texture)];
     Image image = _decode(texture, encoding);
     if (image.isEmpty())
-        image = standIn(encoding);
+        image = makeStandInPicture(encoding);
     made = _add(described.name, image, texture);
     return made;
 }

@@ -1,0 +1,65 @@
+// veldris materials: the materials of a model as a file to be edited.
+#include <veldris/commands/Commands.h>
+
+#include <CLI/CLI.hpp>
+#include <fmt/format.h>
+#include <ovResources/Files.h>
+#include <ovVeldris/content/ModelLoader.h>
+#include <veldris/JsonText.h>
+#include <veldris/materials/MaterialFile.h>
+#include <veldris/scene/ModelLight.h>
+
+namespace veldris {
+
+namespace {
+
+using ovMemory::String;
+
+struct MaterialsOptions {
+    String model;
+    String output;
+    DrawingOptions drawing;
+};
+
+int runMaterials(const MaterialsOptions& options) {
+    Session session;
+    String error;
+    if (!session.open(options.drawing, error))
+        return fail(error);
+    const ovVeldris::ModelLoadResult loaded =
+        ovVeldris::ModelLoader(&session.getSystem()).load(options.model);
+    if (!loaded)
+        return fail(loaded.error);
+    for (const String& warning : loaded.model->getWarnings())
+        warn(warning);
+    giveModelLight(*loaded.model);
+    const ovMemory::Buffer<ovVeldris::PbsMaterial*> materials = materialsOf(*loaded.model);
+    const String text = writeMaterialFile(materials);
+    if (!ovResources::writeFileAtomically(options.output, ovMemory::BufferView<const char>(text), error))
+        return fail(error);
+    if (options.drawing.json)
+        fmt::print("{}\n", JsonObject()
+                               .text("output", options.output)
+                               .number("materials", static_cast<double>(materials.size()))
+                               .toText());
+    else
+        fmt::print("{}\n", options.output);
+    return 0;
+}
+
+} // namespace
+
+void addMaterialsCommand(CLI::App& program, Command& command) {
+    auto options = std::make_shared<MaterialsOptions>();
+    CLI::App* materials =
+        program.add_subcommand("materials", "write the materials of a model to a file that render reads");
+    materials->add_option("MODEL", options->model, "model to read (.glb, .gltf)")->required();
+    materials->add_option("-o,--output", options->output, "file of declarations (JSON) to write")->required();
+    addDrawingOptions(*materials, options->drawing);
+    materials->footer(
+        "Example: veldris materials helmet.glb -o helmet.ovm, then edit it, then\n"
+        "veldris check helmet.ovm; veldris render helmet.glb --materials helmet.ovm -o helmet.png");
+    materials->callback([options, &command] { command = [options] { return runMaterials(*options); }; });
+}
+
+} // namespace veldris

@@ -1,0 +1,340 @@
+#include <veldris/demo/MaterialScenes.h>
+
+#include <algorithm>
+#include <cmath>
+#include <ovGraphics/System.h>
+#include <ovGraphics/resources/Texture.h>
+#include <ovGraphics/scene/Camera.h>
+#include <ovGraphics/scene/Mesh.h>
+#include <ovGraphics/scene/Node.h>
+#include <veldris/Session.h>
+#include <veldris/demo/Shapes.h>
+#include <veldris/scene/BuiltInSky.h>
+#include <veldris/scene/EnvironmentLight.h>
+#include <veldris/scene/SceneCamera.h>
+#include <veldris/scene/ScenePicture.h>
+
+namespace veldris {
+
+using namespace ovVeldris;
+using ovGraphics::Mesh;
+using ovGraphics::Texture;
+using ovMaths::Vector;
+using ovMemory::String;
+
+namespace {
+
+constexpr unsigned int SAMPLES = 4; // of a pixel
+constexpr unsigned int SKY_WIDTH = 512;
+const Vector LIGHT_DIRECTION = Vector(0.5f, -0.75f, 0.6f).getNormalizedVec3();
+const Vector LIGHT_COLOR(2.4f, 2.0f, 1.5f);
+const Vector WHITE(1.0f, 1.0f, 1.0f);
+
+/// What the pictures share.
+struct Stock {
+    ovMemory::UniquePtr<EnvironmentLight> sky;
+    ovMemory::UniquePtr<Mesh> sphere;
+    ovMemory::UniquePtr<Mesh> ground;
+};
+
+/// A texture of side x side texels, each computed from its place.
+ovMemory::UniquePtr<Texture> paint(ovGraphics::System& graphics, unsigned int side, bool isColour,
+                                   const std::function<Vector(float u, float v)>& colour) {
+    ovImages::Image image(side, side, 4, ovImages::COMPONENT_TYPE::UINT8,
+                          isColour ? ovImages::COLOUR_ENCODING::SRGB : ovImages::COLOUR_ENCODING::LINEAR);
+    for (unsigned int y = 0; y < side; ++y) {
+        for (unsigned int x = 0; x < side; ++x) {
+            const Vector value = colour((static_cast<float>(x) + 0.5f) / static_cast<float>(side),
+                                        (static_cast<float>(y) + 0.5f) / static_cast<float>(side));
+            const float components[] = {value.x, value.y, value.z, value.w};
+            for (unsigned int channel = 0; channel < 4; ++channel)
+                image.setComponent(x, y, channel, components[channel]);
+        }
+    }
+    auto texture = Texture::create(&graphics);
+    texture->setFromImage(image.view());
+    texture->setMipCount(0);
+    texture->setMightManuallyGenerateMip(true);
+    if (texture->load())
+        texture->generateMips();
+    return texture;
+}
+
+/// Objects under the sky, for one picture.
+class Set {
+public:
+    Set(Session& session, const Stock& stock, ScenePicture& picture)
+        : _session(session)
+        , _stock(stock)
+        , _picture(picture) {}
+
+    ovGraphics::System& getGraphics() { return _session.getGraphics(); }
+    ScenePicture& getPicture() { return _picture; }
+
+    void addSphere(const Vector& position, float radius, const std::function<void(PbsMaterial&)>& configure) {
+        _box.add(ovGraphics::BoundingBox::newCube(position, 2.0f * radius));
+        _add(*_stock.sphere, position, radius, configure);
+    }
+    void addGround(float height, float halfSide, const std::function<void(PbsMaterial&)>& configure) {
+        _add(*_stock.ground, {0.0f, height, 0.0f}, halfSide, configure);
+    }
+    /// A texture that lives as long as the set.
+    Texture* keep(ovMemory::UniquePtr<Texture> texture) {
+        return _textures.emplace_back(std::move(texture)).get();
+    }
+
+    /// Points camera and light at the spheres. @return false with one line in error
+    bool frame(const CameraChoice& camera, String& error) {
+        _picture.fitShadow(_box);
+        return _loaded &&
+               placeCamera(camera, _box, nullptr, _picture.getAspect(), _picture.getCamera(), error);
+    }
+
+private:
+    void _add(Mesh& mesh, const Vector& position, float scale,
+              const std::function<void(PbsMaterial&)>& configure) {
+        auto material = PbsMaterial::create(&_session.getSystem());
+        material->setName("demo material " + std::to_string(_materials.size()));
+        material->setReconstructBinormals(false);
+        _picture.light(*material);
+        configure(*material);
+        _loaded = material->load() && _loaded;
+        auto node = ovGraphics::Node::create(&getGraphics());
+        node->setPosition(position);
+        node->setScale({scale, scale, scale});
+        _picture.getSolid().addEntity(&mesh, material->getShader(), node.get());
+        _loaded = _picture.castShadow(*material, material->getAlphaTexture() != nullptr) && _loaded;
+        _nodes.push_back(std::move(node));
+        _materials.push_back(std::move(material));
+    }
+
+    Session& _session;
+    const Stock& _stock;
+    ScenePicture& _picture;
+    ovGraphics::BoundingBox _box;
+    bool _loaded = true;
+    ovMemory::Buffer<ovMemory::UniquePtr<Texture>> _textures;
+    ovMemory::Buffer<ovMemory::UniquePtr<ovGraphics::Node>> _nodes;
+    ovMemory::Buffer<ovMemory::UniquePtr<PbsMaterial>> _materials;
+};
+
+CameraChoice orbit(float azimuth, float elevation) {
+    CameraChoice choice;
+    choice.azimuth = azimuth;
+    choice.elevation = elevation;
+    return choice;
+}
+
+/// Spheres in two rows. @param build the material of a place, 0 to 1 across, and of a row, 0 below or 1 above
+void addRows(Set& set, const std::function<void(PbsMaterial&, float across, bool above)>& build) {
+    constexpr int COLUMNS = 7;
+    for (int row = 0; row < 2; ++row) {
+        for (int column = 0; column < COLUMNS; ++column) {
+            const float across = static_cast<float>(column) / (COLUMNS - 1);
+            set.addSphere({2.2f * static_cast<float>(column), 2.2f * static_cast<float>(row), 0.0f}, 1.0f,
+                          [&](PbsMaterial& material) { build(material, across, row == 1); });
+        }
+    }
+}
+
+bool buildMetalness(Set& set, String& error) {
+    addRows(set, [](PbsMaterial& material, float across, bool isMetal) {
+        material.setAlbedoColor(isMetal ? Vector() : Vector(0.45f, 0.03f, 0.02f));
+        material.setSpecularColor(isMetal ? Vector(1.0f, 0.71f, 0.29f) : WHITE * 0.04f);
+        material.setMetalness(1.0f);
+        material.setRoughnessGlossiness(0.045f + 0.955f * across);
+    });
+    return set.frame(orbit(0.0f, 8.0f), error);
+}
+
+bool buildGlossiness(Set& set, String& error) {
+    addRows(set, [](PbsMaterial& material, float across, bool isMetal) {
+        material.setPbsModel(PBS_MODEL::SPECULAR_GLOSSINESS);
+        material.setAlbedoColor(isMetal ? Vector() : Vector(0.03f, 0.10f, 0.45f));
+        material.setSpecularColor(isMetal ? Vector(0.95f, 0.64f, 0.54f) : WHITE * 0.04f);
+        material.setMetalness(1.0f);
+        material.setRoughnessGlossiness(0.955f * across);
+    });
+    return set.frame(orbit(0.0f, 8.0f), error);
+}
+
+/// Bricks: height 0 in the joints, 1 on the bricks.
+float brickHeight(float u, float v) {
+    constexpr float ROWS = 8.0f;
+    constexpr float COLUMNS = 4.0f;
+    constexpr float JOINT = 0.06f;
+    const float row = std::floor(v * ROWS);
+    const float x = u * COLUMNS + (static_cast<int>(row) % 2 == 0 ? 0.0f : 0.5f);
+    const float inX = x - std::floor(x);
+    const float inY = v * ROWS - row;
+    const float edge = std::min({inX * ROWS / COLUMNS, (1.0f - inX) * ROWS / COLUMNS, inY, 1.0f - inY});
+    return std::clamp((edge - JOINT) / JOINT, 0.0f, 1.0f);
+}
+
+Vector brickColour(float u, float v) {
+    const float tone = 0.5f + 0.5f * std::sin(37.0f * std::floor(u * 4.0f) + 91.0f * std::floor(v * 8.0f));
+    const Vector brick(0.62f + 0.12f * tone, 0.36f + 0.06f * tone, 0.28f + 0.04f * tone, 1.0f);
+    const Vector joint(0.68f, 0.66f, 0.62f, 1.0f);
+    const float height = brickHeight(u, v);
+    return joint * (1.0f - height) + brick * height;
+}
+
+Vector brickNormal(float u, float v) {
+    constexpr float STEP = 1.0f / 512.0f;
+    constexpr float DEPTH = 0.012f; // of the joints, sides of the texture
+    const float slopeX = DEPTH * (brickHeight(u + STEP, v) - brickHeight(u - STEP, v)) / (2.0f * STEP);
+    const float slopeY = DEPTH * (brickHeight(u, v - STEP) - brickHeight(u, v + STEP)) / (2.0f * STEP);
+    const Vector normal = Vector(-slopeX, -slopeY, 1.0f).getNormalizedVec3();
+    return {0.5f + 0.5f * normal.x, 0.5f + 0.5f * normal.y, 0.5f + 0.5f * normal.z, 1.0f};
+}
+
+bool buildGround(Set& set, String& error) {
+    constexpr unsigned int SIDE = 512;
+    Texture* colour = set.keep(paint(set.getGraphics(), SIDE, true, brickColour));
+    Texture* normals = set.keep(paint(set.getGraphics(), SIDE, false, brickNormal));
+    set.addGround(-1.0f, 14.0f, [&](PbsMaterial& material) {
+        material.setAlbedoTexture(colour, THREE_CHANNEL_PACK::RGB);
+        material.setNormalMapTexture(normals, THREE_CHANNEL_PACK::RGB);
+        material.setSpecularColor(WHITE * 0.04f);
+        material.setMetalness(1.0f);
+        material.setRoughnessGlossiness(0.75f);
+    });
+    const Vector colours[] = {{0.6f, 0.6f, 0.6f}, {0.5f, 0.05f, 0.04f}, {0.05f, 0.25f, 0.08f}};
+    for (int i = 0; i < 3; ++i) {
+        set.addSphere({2.6f * static_cast<float>(i - 1), 0.0f, 0.8f * static_cast<float>(i % 2)}, 1.0f,
+                      [&](PbsMaterial& material) {
+                          material.setAlbedoColor(colours[i]);
+                          material.setSpecularColor(WHITE * 0.04f);
+                          material.setMetalness(1.0f);
+                          material.setRoughnessGlossiness(0.15f + 0.3f * static_cast<float>(i));
+                      });
+    }
+    return set.frame(orbit(20.0f, 28.0f), error);
+}
+
+/// One texture for four properties: metalness in R, roughness in G, occlusion in B, holes in A.
+Vector packedProperties(float u, float v) {
+    const float bands = std::fmod(v * 8.0f, 1.0f) < 0.5f ? 1.0f : 0.0f;
+    const float ramp = 0.1f + 0.8f * std::abs(std::fmod(u * 4.0f, 2.0f) - 1.0f);
+    const float shade = 0.35f + 0.65f * std::abs(std::sin(12.0f * v));
+    const float x = std::fmod(u * 24.0f, 1.0f) - 0.5f;
+    const float y = std::fmod(v * 12.0f, 1.0f) - 0.5f;
+    return {bands, ramp, shade, x * x + y * y < 0.06f ? 0.0f : 1.0f};
+}
+
+bool buildPacking(Set& set, String& error) {
+    constexpr unsigned int SIDE = 512;
+    Texture* packed = set.keep(paint(set.getGraphics(), SIDE, false, packedProperties));
+    using Configure = void (*)(PbsMaterial&, Texture*);
+    const Configure single[] = {[](PbsMaterial& material, Texture* texture) {
+                                    material.setMetalnessTexture(texture, ONE_CHANNEL_PACK::R);
+                                },
+                                [](PbsMaterial& material, Texture* texture) {
+                                    material.setRoughnessGlossinessTexture(texture, ONE_CHANNEL_PACK::G);
+                                },
+                                [](PbsMaterial& material, Texture* texture) {
+                                    material.setOcclusionTexture(texture, ONE_CHANNEL_PACK::B);
+                                },
+                                [](PbsMaterial& material, Texture* texture) {
+                                    material.setAlphaTexture(texture, ONE_CHANNEL_PACK::A);
+                                    material.setAlphaCutoff(0.5f);
+                                }};
+    for (int i = 0; i < 5; ++i) {
+        set.addSphere({2.3f * static_cast<float>(i), 0.0f, 0.0f}, 1.0f, [&](PbsMaterial& material) {
+            material.setAlbedoColor({0.35f, 0.33f, 0.30f});
+            material.setSpecularColor({0.95f, 0.80f, 0.55f});
+            material.setMetalness(0.2f);
+            material.setRoughnessGlossiness(0.25f);
+            for (int j = 0; j < 4; ++j) {
+                if (i == 4 || i == j)
+                    single[j](material, packed);
+            }
+        });
+    }
+    return set.frame(orbit(0.0f, 12.0f), error);
+}
+
+struct SceneOfMaterials {
+    ovMemory::StringView name;
+    ovMemory::StringView caption;
+    bool shadows;
+    bool (*build)(Set& set, String& error);
+};
+
+constexpr SceneOfMaterials SCENES[] = {
+    {"spheres-metalness", "roughness from left to right; a dielectric below, gold above: metalness workflow",
+     false, buildMetalness},
+    {"spheres-glossiness",
+     "glossiness from left to right; a dielectric below, copper above: glossiness workflow", false,
+     buildGlossiness},
+    {"ground-shadow", "a textured and normal-mapped ground under a filtered shadow", true, buildGround},
+    {"channel-packing",
+     "one texture: metalness in red, roughness in green, occlusion in blue, holes in alpha, and all of them",
+     false, buildPacking},
+};
+
+bool makeStock(Session& session, Stock& stock, String& error) {
+    String warning;
+    stock.sky = EnvironmentLight::create(session, drawSkyPanorama(SKY_WIDTH, -LIGHT_DIRECTION).view(),
+                                         warning, error);
+    stock.sphere = makeSphere(session.getGraphics());
+    stock.ground = makeGround(session.getGraphics(), 6.0f);
+    if (stock.sky && stock.sphere && stock.ground)
+        return true;
+    error += session.getLogger().take();
+    return false;
+}
+
+double lastFrameMilliseconds(const ovGraphics::System& graphics) {
+    double sum = 0.0;
+    for (const ovGraphics::PassTiming& timing : graphics.getPassTimings())
+        sum += timing.milliseconds;
+    return sum;
+}
+
+bool drawScene(Session& session, const Stock& stock, const SceneOfMaterials& scene, SceneSettings settings,
+               MaterialPicture& result, String& error) {
+    settings.shadows = scene.shadows;
+    const auto picture = ScenePicture::create(session, settings, error);
+    if (!picture)
+        return false;
+    picture->setEnvironment(stock.sky.get());
+    Set set(session, stock, *picture);
+    if (!scene.build(set, error)) {
+        error += session.getLogger().take();
+        return false;
+    }
+    String warning;
+    const auto image = picture->draw(warning, error);
+    if (!image)
+        return false;
+    result.name = scene.name;
+    result.caption = scene.caption;
+    result.milliseconds = lastFrameMilliseconds(session.getGraphics());
+    result.image = std::move(*image);
+    return true;
+}
+
+} // namespace
+
+bool drawMaterialPictures(Session& session, unsigned int width, unsigned int height,
+                          const std::function<bool(const MaterialPicture&, String& error)>& take,
+                          String& error) {
+    Stock stock;
+    if (!makeStock(session, stock, error))
+        return false;
+    SceneSettings settings;
+    settings.width = width;
+    settings.height = height;
+    settings.samples = SAMPLES;
+    settings.lightDirection = LIGHT_DIRECTION;
+    settings.lightColor = LIGHT_COLOR;
+    for (const SceneOfMaterials& scene : SCENES) {
+        MaterialPicture picture;
+        if (!drawScene(session, stock, scene, settings, picture, error) || !take(picture, error))
+            return false;
+    }
+    return true;
+}
+
+} // namespace veldris

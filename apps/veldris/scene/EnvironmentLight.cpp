@@ -1,0 +1,100 @@
+#include <veldris/scene/EnvironmentLight.h>
+
+#include <algorithm>
+#include <cmath>
+#include <fmt/format.h>
+#include <ovGraphics/System.h>
+#include <ovGraphics/resources/Texture.h>
+#include <ovImages/Conversion.h>
+#include <ovImages/Half.h>
+#include <ovVeldris/core/System.h>
+#include <ovVeldris/environment/PbsEnvironmentMapFilter.h>
+#include <ovVeldris/materials/PbsMaterial.h>
+#include <veldris/Session.h>
+#include <veldris/scene/ModelLight.h>
+
+namespace veldris {
+
+using ovGraphics::Texture;
+using ovMemory::String;
+
+namespace {
+
+constexpr unsigned int PREFILTERED_SIDE = 256; // texels
+constexpr unsigned int IRRADIANCE_SIDE = 32;   // texels: irradiance varies slowly
+constexpr unsigned int FULL_CHAIN = 0;
+
+ovMemory::UniquePtr<Texture> makeTexture(Session& session, ovMemory::StringView name) {
+    auto texture = Texture::create(&session.getGraphics());
+    texture->setName(name);
+    return texture;
+}
+
+} // namespace
+
+ovImages::Image clampedPanorama(const ovImages::ImageView& panorama, String& warning) {
+    ovImages::Image image = ovImages::convertImage(panorama, ovImages::COMPONENT_TYPE::FLOAT, 4,
+                                                   ovImages::COLOUR_ENCODING::LINEAR);
+    auto* values = reinterpret_cast<float*>(image.getBytes().data());
+    std::size_t clamped = 0;
+    for (float* value = values; value != values + image.getBytes().size() / sizeof(float); ++value) {
+        const float kept = std::isnan(*value) ? 0.0f : std::clamp(*value, 0.0f, ovImages::LARGEST_HALF);
+        clamped += kept == *value ? 0 : 1;
+        *value = kept;
+    }
+    if (clamped > 0)
+        warning = fmt::format(
+            "{} numbers of the environment are negative, no numbers or above {}, and were clamped.", clamped,
+            ovImages::LARGEST_HALF);
+    return image;
+}
+
+EnvironmentLight::EnvironmentLight() = default;
+EnvironmentLight::~EnvironmentLight() = default;
+
+ovMemory::UniquePtr<EnvironmentLight> EnvironmentLight::create(Session& session,
+                                                               const ovImages::ImageView& panorama,
+                                                               String& warning, String& error) {
+    const ovImages::Image image = clampedPanorama(panorama, warning);
+    if (image.isEmpty()) {
+        error = "the environment is no picture that memory holds.";
+        return nullptr;
+    }
+    ovMemory::UniquePtr<EnvironmentLight> light(new EnvironmentLight);
+    return light->_makePanorama(session, image, error) && light->_filter(session, error) ? std::move(light)
+                                                                                         : nullptr;
+}
+
+bool EnvironmentLight::_makePanorama(Session& session, const ovImages::Image& panorama, String& error) {
+    _panorama = makeTexture(session, "environment");
+    _panorama->setFromImage(panorama.view());
+    _panorama->setMipCount(FULL_CHAIN);
+    _panorama->setMightManuallyGenerateMip(true);
+    if (!_panorama->load()) {
+        error = session.getLogger().take();
+        return false;
+    }
+    _panorama->generateMips();
+    return true;
+}
+
+bool EnvironmentLight::_filter(Session& session, String& error) {
+    ovVeldris::PbsEnvironmentMapFilter& filter = *session.getSystem().getPbsEnvironmentMapFilter();
+    _prefiltered = makeTexture(session, "prefiltered environment");
+    filter.requestEnvironmentMapFiltering(_panorama.get(), _prefiltered.get(), PREFILTERED_SIDE);
+    const auto cube = makeTexture(session, "small environment");
+    filter.requestEnvironmentMapFiltering(_panorama.get(), cube.get(), IRRADIANCE_SIDE);
+    _irradiance = makeTexture(session, "irradiance");
+    if (!_prefiltered->isUnloaded())
+        return true;
+    error = session.getLogger().take();
+    return false;
+}
+
+void EnvironmentLight::light(ovVeldris::PbsMaterial& material) const {
+    constexpr bool IS_PREFILTERED = true;
+    material.setEnvironmentTexture(_prefiltered.get(), ovVeldris::THREE_CHANNEL_PACK::RGB, IS_PREFILTERED);
+    material.setEnvironmentColor(DEFAULT_AMBIENT_COLOR);
+}
+
+} // namespace veldris

@@ -1,0 +1,84 @@
+#include <veldris/scene/MissingTextures.h>
+
+#include <filesystem>
+#include <fmt/format.h>
+#include <ovGraphics/resources/Texture.h>
+#include <ovImages/CompositeEncoder.h>
+#include <ovImages/Conversion.h>
+#include <ovVeldris/content/StandInPicture.h>
+#include <ovVeldris/materials/PbsMaterial.h>
+
+namespace veldris {
+
+using ovGraphics::Texture;
+using ovImages::COLOUR_ENCODING;
+using ovMemory::String;
+using ovVeldris::PbsMaterial;
+
+namespace {
+
+/// A texture of a material, and how its numbers are read.
+struct Slot {
+    Texture* (PbsMaterial::*get)() const;
+    COLOUR_ENCODING encoding;
+};
+
+// Colours first: they decide how a shared texture is read.
+constexpr Slot SLOTS[] = {
+    {&PbsMaterial::getAlbedoTexture, COLOUR_ENCODING::SRGB},
+    {&PbsMaterial::getSpecularTexture, COLOUR_ENCODING::SRGB},
+    {&PbsMaterial::getEmissiveTexture, COLOUR_ENCODING::SRGB},
+    {&PbsMaterial::getMetalnessTexture, COLOUR_ENCODING::LINEAR},
+    {&PbsMaterial::getRoughnessGlossinessTexture, COLOUR_ENCODING::LINEAR},
+    {&PbsMaterial::getAlphaTexture, COLOUR_ENCODING::LINEAR},
+    {&PbsMaterial::getOcclusionTexture, COLOUR_ENCODING::LINEAR},
+    {&PbsMaterial::getNormalMapTexture, COLOUR_ENCODING::LINEAR},
+};
+
+/// Reads a picture, or explains in warning why it is a stand-in.
+ovImages::Image readPicture(const String& name, const String& folder, COLOUR_ENCODING encoding,
+                            String& warning) {
+    const String path = (std::filesystem::path(folder) / name).native();
+    ovImages::DecodeResult decoded = ovImages::CompositeEncoder().decodeFile(path);
+    if (!decoded) {
+        warning = fmt::format(
+            "the texture '{}' is neither of the model nor a picture, and is drawn as a chequerboard of "
+            "magenta and black: {}",
+            name, decoded.error);
+        return ovVeldris::makeStandInPicture(encoding);
+    }
+    if (decoded.image->getComponentType() == ovImages::COMPONENT_TYPE::UINT8)
+        decoded.image->setEncoding(encoding); // of floats the file knows better
+    return ovImages::convertImage(decoded.image->view(), decoded.image->getComponentType(), 4,
+                                  decoded.image->getEncoding());
+}
+
+void load(Texture& texture, const ovImages::Image& picture) {
+    constexpr unsigned int FULL_CHAIN = 0;
+    texture.setFromImage(picture.view());
+    texture.setMipCount(FULL_CHAIN);
+    texture.setMightManuallyGenerateMip(true);
+    if (texture.load())
+        texture.generateMips();
+}
+
+} // namespace
+
+ovMemory::Buffer<String> loadMissingTextures(ovMemory::BufferView<PbsMaterial* const> materials,
+                                             const String& folder) {
+    ovMemory::Buffer<String> warnings;
+    for (const Slot& slot : SLOTS) {
+        for (const PbsMaterial* material : materials) {
+            Texture* texture = (material->*slot.get)();
+            if (!texture || !texture->isUnloaded())
+                continue;
+            String warning;
+            load(*texture, readPicture(String(texture->getName()), folder, slot.encoding, warning));
+            if (!warning.empty())
+                warnings.push_back(warning);
+        }
+    }
+    return warnings;
+}
+
+} // namespace veldris

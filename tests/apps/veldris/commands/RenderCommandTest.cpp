@@ -1,0 +1,198 @@
+#include "veldris/commands/CommandTesting.h"
+#include "veldris/commands/ModelFile.h"
+
+#include <array>
+
+namespace {
+
+using ovMemory::String;
+
+class RenderCommandTest : public testing::Test {
+protected:
+    Outcome render(const String& model, const String& output, const ovMemory::Buffer<String>& more = {}) {
+        ovMemory::Buffer<String> arguments = {"render",
+                                              model,
+                                              "-o",
+                                              output,
+                                              "--size",
+                                              "40x40",
+                                              "--device",
+                                              "software",
+                                              "--cache",
+                                              _folder.getPath("cache"),
+                                              "--environment",
+                                              "none",
+                                              "--samples",
+                                              "1",
+                                              "--camera",
+                                              "0,0"};
+        arguments.insert(arguments.end(), more.begin(), more.end());
+        return runVeldris(arguments);
+    }
+    /// The middle of a quarter of the picture, 0 to 255: 0 top left, 1 top right, 2 bottom left, 3 bottom
+    /// right.
+    static std::array<int, 3> quarter(const String& path, unsigned int index) {
+        const ovImages::DecodeResult read = ovImages::CompositeEncoder().decodeFile(path);
+        EXPECT_TRUE(read) << read.error;
+        std::array<int, 3> pixel{};
+        for (unsigned int channel = 0; read && channel < 3; ++channel)
+            pixel[channel] = static_cast<int>(
+                255.0f * read.image->getComponent(10 + 20 * (index % 2), 10 + 20 * (index / 2), channel) +
+                0.5f);
+        return pixel;
+    }
+    static String contentOf(const String& path) {
+        std::ifstream file(path, std::ios::binary);
+        return {std::istreambuf_iterator<char>(file), {}};
+    }
+
+    TemporaryFolder _folder;
+};
+
+TEST_F(RenderCommandTest, drawsTheModelUprightInBothLanguages) {
+    const String model = writeQuad(_folder);
+    for (const char* language : {"glsl", "hlsl"}) {
+        const String output = _folder.getPath(String(language) + ".png");
+        const Outcome outcome = render(model, output, {"--language", language, "--light", "0,0,1"});
+        ASSERT_EQ(outcome.status, 0) << outcome.error;
+        EXPECT_EQ(outcome.output, output + "\n");
+        EXPECT_EQ(outcome.error, "");
+        const auto brightest = [&](unsigned int index) {
+            const std::array<int, 3> pixel = quarter(output, index);
+            return std::max_element(pixel.begin(), pixel.end()) - pixel.begin();
+        };
+        EXPECT_EQ(brightest(0), 0) << "red is top left";
+        EXPECT_EQ(brightest(1), 1) << "green is top right";
+        EXPECT_EQ(brightest(2), 2) << "blue is bottom left";
+        const std::array<int, 3> white = quarter(output, 3);
+        EXPECT_GT(white[0], 150);
+        EXPECT_EQ(white[0], white[1]);
+    }
+    EXPECT_EQ(contentOf(_folder.getPath("glsl.png")), contentOf(_folder.getPath("hlsl.png")));
+}
+
+TEST_F(RenderCommandTest, lightComesFromWhereItIsToldTo) {
+    const String model = writeQuad(_folder);
+    const String front = _folder.getPath("front.png");
+    const String back = _folder.getPath("back.png");
+    ASSERT_EQ(render(model, front, {"--light", "0,0,1"}).status, 0); // the camera looks along +z
+    ASSERT_EQ(render(model, back, {"--light", "0,0,-1"}).status, 0);
+    EXPECT_GT(quarter(front, 3)[0], quarter(back, 3)[0] + 50);
+}
+
+TEST_F(RenderCommandTest, theBackOfASingleSidedSurfaceIsNotSeen) {
+    const ovMemory::Buffer<String> behind = {"--camera", "180,0",   "--background",
+                                             "0,0,0",    "--light", "0,0,-1"};
+    const auto withoutCamera = [&](const String& model, const String& output) {
+        ovMemory::Buffer<String> arguments = {"render",    model,      "-o",        output,          "--size",
+                                              "40x40",     "--device", "software",  "--environment", "none",
+                                              "--samples", "1",        "--no-cache"};
+        arguments.insert(arguments.end(), behind.begin(), behind.end());
+        return runVeldris(arguments);
+    };
+    const String output = _folder.getPath("back.png");
+    ASSERT_EQ(withoutCamera(writeQuad(_folder), output).status, 0);
+    EXPECT_EQ(quarter(output, 2), (std::array<int, 3>{0, 0, 0}));
+    ASSERT_EQ(withoutCamera(writeQuad(_folder, R"(, "doubleSided": true)"), output).status, 0);
+    EXPECT_GT(quarter(output, 2)[0], 150) << "white, which is bottom right from the front";
+}
+
+TEST_F(RenderCommandTest, savedMaterialsDrawTheSamePictureBitForBit) {
+    const String model = writeQuad(_folder, R"(, "emissiveFactor": [0.1234567891, 0.3, 0])");
+    const String materials = _folder.getPath("quad.ovm");
+    const Outcome written =
+        runVeldris({"materials", model, "-o", materials, "--device", "software", "--no-cache"});
+    ASSERT_EQ(written.status, 0) << written.error;
+    const String own = _folder.getPath("own.exr");
+    const String read = _folder.getPath("read.exr");
+    ASSERT_EQ(render(model, own, {"--shadows"}).status, 0);
+    const Outcome again = render(model, read, {"--shadows", "--materials", materials});
+    ASSERT_EQ(again.status, 0) << again.error;
+    EXPECT_EQ(again.error, "");
+    EXPECT_EQ(contentOf(own), contentOf(read));
+}
+
+TEST_F(RenderCommandTest, anEditedMaterialIsDrawnAsEdited) {
+    const String model = writeQuad(_folder);
+    const String materials = _folder.getPath("quad.ovm");
+    const String output = _folder.getPath("o.png");
+    std::ofstream(materials)
+        << R"json([{"name": "paint", "type": "PBS", "emissiveColor": "Vec(0, 9, 0, 0)"}])json";
+    const Outcome outcome = render(model, output, {"--materials", materials, "--light", "0,0,1"});
+    ASSERT_EQ(outcome.status, 0) << outcome.error;
+    EXPECT_GT(quarter(output, 0)[1], quarter(output, 0)[0]) << "it glows green";
+    EXPECT_GT(quarter(output, 0)[0], 100) << "over its red, which the file leaves as the model has it";
+
+    std::ofstream(materials) << R"json([
+        {"name": "paint", "type": "PBS", "albedoTexture": {"name": "nowhere.png", "packing": "rgb"}},
+        {"name": "other", "type": "PBS"}])json";
+    const Outcome odd = render(model, output, {"--materials", materials, "--light", "0,0,1"});
+    ASSERT_EQ(odd.status, 0) << odd.error;
+    EXPECT_NE(odd.error.find("'nowhere.png'"), String::npos) << odd.error;
+    EXPECT_NE(odd.error.find("the material 'other' of"), String::npos) << odd.error;
+}
+
+TEST_F(RenderCommandTest, aMissingPictureIsDrawnAsAStandInWithOneWarning) {
+    const String model = writeQuad(_folder);
+    std::filesystem::remove(_folder.getPath("quad.png"));
+    const String output = _folder.getPath("o.png");
+    const Outcome outcome = render(model, output, {"--light", "0,0,1"});
+    ASSERT_EQ(outcome.status, 0) << outcome.error;
+    EXPECT_NE(outcome.error.find("quad.png"), String::npos) << outcome.error;
+    EXPECT_EQ(std::count(outcome.error.begin(), outcome.error.end(), '\n'), 1) << outcome.error;
+    EXPECT_NEAR(quarter(output, 0)[1], quarter(output, 3)[1], 3) << "no colour of the picture";
+}
+
+TEST_F(RenderCommandTest, wrongOptionsAreToldBeforeAnythingIsRead) {
+    struct Case {
+        const char* option;
+        const char* value;
+        const char* message;
+    };
+    const Case cases[] = {
+        {"--size", "40", "the size '40' is not WIDTHxHEIGHT in pixels, such as 1280x720."},
+        {"--size", "0x40", "the size '0x40' is not WIDTHxHEIGHT in pixels, such as 1280x720."},
+        {"--size", "40x40x40", "the size '40x40x40' is not WIDTHxHEIGHT in pixels, such as 1280x720."},
+        {"--samples", "3", "--samples 3 is no square of a whole number; 1, 4, 9 and 16 are."},
+        {"--light", "1,2", "--light '1,2' is not three numbers such as 0.5,-1,0.5."},
+        {"--light", "0,0,0", "--light has no direction; give another vector than zero."},
+        {"--light-color", "red", "--light-color 'red' is not three numbers such as 0.5,-1,0.5."},
+        {"--camera", "up", "the camera 'up' is not"},
+        {"--effects", "nothing", "nothing"},
+        {"--effects", "tone-mapping:operator=loud", "loud"},
+        {"--effects", "texture-copy", "tone-mapping"}, // scene light does not fit into a PNG as it is
+    };
+    for (const Case& current : cases) {
+        ovMemory::Buffer<String> arguments = {"render",       "nowhere.glb", "-o", _folder.getPath("o.png"),
+                                              current.option, current.value};
+        const Outcome outcome = runVeldris(arguments);
+        EXPECT_EQ(outcome.status, 1) << current.option;
+        EXPECT_NE(outcome.error.find(current.message), String::npos) << outcome.error;
+        EXPECT_EQ(outcome.error.find("nowhere.glb"), String::npos) << outcome.error;
+    }
+    EXPECT_FALSE(std::filesystem::exists(_folder.getPath("o.png")));
+}
+
+TEST_F(RenderCommandTest, whatCannotBeDrawnFailsWithOneLine) {
+    const String output = _folder.getPath("o.png");
+    const Outcome missing = render("nowhere.glb", output);
+    EXPECT_EQ(missing.status, 1);
+    EXPECT_NE(missing.error.find("nowhere.glb"), String::npos) << missing.error;
+    std::ofstream(_folder.getPath("broken.glb")) << "glTF";
+    EXPECT_EQ(render(_folder.getPath("broken.glb"), output).status, 1);
+    std::ofstream(_folder.getPath("empty.gltf")) << R"({"asset": {"version": "2.0"}})";
+    const Outcome empty = render(_folder.getPath("empty.gltf"), output);
+    EXPECT_EQ(empty.status, 1);
+    EXPECT_NE(empty.error.find("has nothing to draw."), String::npos) << empty.error;
+    const String model = writeQuad(_folder);
+    EXPECT_EQ(render(model, output, {"--materials", "nowhere.ovm"}).status, 1);
+    EXPECT_FALSE(std::filesystem::exists(output));
+}
+
+TEST_F(RenderCommandTest, reportsForMachines) {
+    const auto report = parseJson(render(writeQuad(_folder), _folder.getPath("o.png"), {"--json"}));
+    EXPECT_EQ(report["width"].GetInt(), 40);
+    EXPECT_EQ(report["output"].GetString(), _folder.getPath("o.png"));
+}
+
+} // namespace
