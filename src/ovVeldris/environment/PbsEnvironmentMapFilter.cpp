@@ -92,7 +92,8 @@ bool prepareProgram(ovMemory::UniquePtr<ovGraphics::Program>& program, ovGraphic
         static const ovMemory::String vertexText = assembleShaderText(
             {{"PbsEnvironmentMapFilter.vertex.ovsl", embedded::PbsEnvironmentMapFilter_vertex}});
         static const ovMemory::String pixelText = assembleShaderText(
-            {{"PbsEnvironmentMapFilter.pixel.ovsl", embedded::PbsEnvironmentMapFilter_pixel}});
+            {{"directionToMapUv.ovsl", embedded::directionToMapUv},
+             {"PbsEnvironmentMapFilter.pixel.ovsl", embedded::PbsEnvironmentMapFilter_pixel}});
         ovGraphics::ProgramSourcesHolder sources;
         sources.setVertexMemory(vertexText);
         sources.setPixelMemory(pixelText);
@@ -177,9 +178,6 @@ bool PbsEnvironmentMapFilter::_checkTextures(const ovGraphics::Texture* input,
     else if (input == output)
         problem = "Environment map provided is the output texture too, filter into another one. Aborting." +
                   inBrackets(*input);
-    else if (!isCube(*input) && input->getSliceCount() > 1)
-        problem = "Environment map provided is an array of " + std::to_string(input->getSliceCount()) +
-                  " slices, give a cube texture or a single slice. Aborting." + inBrackets(*input);
     else if (holdsWholeNumbers(*input))
         problem = "Environment map provided holds whole numbers in the format " +
                   ovMemory::String(TextureUtils::getFormatName(input->getFormat())) +

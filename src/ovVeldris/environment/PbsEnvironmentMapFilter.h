@@ -36,7 +36,7 @@ public:
     /// fit the samples' distance: give the input a full chain, or small bright lights will speckle.
     ///
     /// @param input loaded cube texture, or 2D texture by longitude and latitude, v = 0 at +y and the middle
-    ///        at +x, of any size; not an array, not of whole numbers. NaN spreads as far as the lobes reach.
+    ///        at +x, of any size, not of whole numbers. NaN spreads as far as the lobes reach.
     /// @param output another texture of the same graphics system; not owned
     /// @param resolution texels a side of the largest mip, 4 or more, at most what the device allows for
     /// cubes
