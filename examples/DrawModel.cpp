@@ -47,10 +47,10 @@ ovGraphics::Mesh* makeTriangle(ovGraphics::System& graphics) {
 // Adds the triangle to a queue. False when anything failed; the log says what.
 bool addTriangle(ovVeldris::System& system, ovGraphics::System& graphics, ovGraphics::RenderQueue& queue) {
     auto* material = static_cast<ovVeldris::PbsMaterial*>(
-        system.getMaterialManager()->createOrRetrieve("copper", ovVeldris::MATERIAL_TYPE::PBS));
-    material->setAlbedoColor({0.25f, 0.12f, 0.08f});
-    material->setSpecularColor({0.95f, 0.64f, 0.54f});
-    material->setMetalness(1.0f);
+        system.getMaterialManager()->createOrRetrieve("clay", ovVeldris::MATERIAL_TYPE::PBS));
+    material->setAlbedoColor({0.6f, 0.25f, 0.15f});
+    material->setSpecularColor({0.04f, 0.04f, 0.04f}); // what dielectrics reflect
+    material->setMetalness(1.0f);                      // of the specular colour, all of it
     material->setRoughnessGlossiness(0.35f);
     material->setLightDirection(LIGHT_DIRECTION);
     ovGraphics::Mesh* mesh = makeTriangle(graphics);
