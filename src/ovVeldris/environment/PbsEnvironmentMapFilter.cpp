@@ -16,6 +16,7 @@
 #include <ovVeldris/environment/detail/CubeFaces.h>
 #include <ovVeldris/environment/detail/OneShotFrame.h>
 #include <ovVeldris/environment/detail/PbsFilterLobe.h>
+#include <ovVeldris/environment/detail/ToolTarget.h>
 #include <ovVeldris/shaders/ShaderText.h>
 
 namespace ovVeldris {
@@ -55,11 +56,6 @@ bool isCube(const ovGraphics::Texture& texture) {
     return texture.getTexType() == TEXTURE_TYPE::CUBE;
 }
 
-bool holdsWholeNumbers(const ovGraphics::Texture& texture) {
-    const ovGraphics::FORMAT_COMPONENT component = TextureUtils::getFormatComponent(texture.getFormat());
-    return component == ovGraphics::FORMAT_COMPONENT::UINT || component == ovGraphics::FORMAT_COMPONENT::SINT;
-}
-
 ovMemory::String inBrackets(const ovGraphics::Texture& texture) {
     return " [" + ovMemory::String(texture.getName()) + "]";
 }
@@ -70,19 +66,16 @@ unsigned int countMips(unsigned int resolution) {
     return needed > MIPS_LEFT_OUT ? needed - MIPS_LEFT_OUT : 0;
 }
 
-bool reconfigure(ovGraphics::Texture& output, const ovGraphics::Texture& input, unsigned int resolution) {
+ToolTarget targetFor(const ovGraphics::Texture& input, unsigned int resolution) {
     const FORMAT format = TextureUtils::getFormatWithAlphaEquivalent(
         TextureUtils::getFormatUncompressedEquivalent(input.getFormat()));
     const bool hasSrgbSibling = TextureUtils::getFormatSrgbEquivalent(format) != format;
-    output.reset();
-    output.setTexType(TEXTURE_TYPE::CUBE);
-    output.setGammaCorrected(input.getGammaCorrected() && hasSrgbSibling);
-    output.setFormat(format);
-    output.setWidth(resolution);
-    output.setHeight(resolution);
-    output.setMipCount(countMips(resolution));
-    output.setUsableAsRenderTarget(true);
-    return output.load();
+    return {.type = TEXTURE_TYPE::CUBE,
+            .format = format,
+            .gammaCorrected = input.getGammaCorrected() && hasSrgbSibling,
+            .width = resolution,
+            .height = resolution,
+            .mipCount = countMips(resolution)};
 }
 
 /// The program of both stages' texts with the define, when one is given.
@@ -142,7 +135,7 @@ void PbsEnvironmentMapFilter::requestEnvironmentMapFiltering(ovGraphics::Texture
                                                              unsigned int resolution) {
     if (!_checkTextures(input, output) || !_setupData())
         return;
-    if (countMips(resolution) == 0 || !reconfigure(*output, *input, resolution)) {
+    if (countMips(resolution) == 0 || !loadToolTarget(*output, targetFor(*input, resolution))) {
         _log(
             "Filter output texture cannot be loaded using given parameters. Problem is within the engine and "
             "needs to be fixed there, please give a notice about this." +
@@ -178,7 +171,7 @@ bool PbsEnvironmentMapFilter::_checkTextures(const ovGraphics::Texture* input,
     else if (input == output)
         problem = "Environment map provided is the output texture too, filter into another one. Aborting." +
                   inBrackets(*input);
-    else if (holdsWholeNumbers(*input))
+    else if (holdsWholeNumbers(input->getFormat()))
         problem = "Environment map provided holds whole numbers in the format " +
                   ovMemory::String(TextureUtils::getFormatName(input->getFormat())) +
                   ", give a UNORM, SNORM or FLOAT one. Aborting." + inBrackets(*input);
@@ -196,12 +189,10 @@ bool PbsEnvironmentMapFilter::_setupData() {
         prepareSampler(_filterData->sampler, graphicsSystem) &&
         prepareProgram(_filterData->cubeProgram, graphicsSystem, CUBE_FILTER_NAME, "CUBE_ENV") &&
         prepareProgram(_filterData->sphericalProgram, graphicsSystem, SPHERICAL_FILTER_NAME, {});
-    if (!loaded) {
-        _filterData.reset();
+    if (!loaded)
         _log("The programs of the environment map filter cannot be loaded, the graphics system's log says "
              "why. "
              "Aborting.");
-    }
     return loaded;
 }
 

@@ -317,6 +317,10 @@ TEST_P(PbsEnvironmentMapFilterTest, refusesWhatCannotBeFiltered) {
     integers->setName("ids");
     integers->setFormat(FORMAT::R8G8B8A8_UINT);
     ASSERT_TRUE(integers->load()) << getGraphicsLogger().getText();
+    const auto depth = ovGraphics::Texture::create(&getGraphics());
+    depth->setName("environment");
+    depth->setFormat(FORMAT::D24_UNORM_S8_UINT);
+    ASSERT_TRUE(depth->load()) << getGraphicsLogger().getText();
     useLanguage(getOtherLanguage());
     const auto foreign = makeEnvironment(makeMap(4, 2, smoothLight));
     const auto foreignOutput = makeOutput();
@@ -352,6 +356,7 @@ TEST_P(PbsEnvironmentMapFilterTest, refusesWhatCannotBeFiltered) {
          "Environment map provided holds whole numbers in the format R8G8B8A8_UINT, give a UNORM, SNORM or "
          "FLOAT one. "
          "Aborting. [ids]"},
+        {depth.get(), output.get(), 16, REFUSED},
         {input.get(), output.get(), 0, REFUSED},
         {input.get(), output.get(), 1, REFUSED},
         {input.get(), output.get(), 2, REFUSED},

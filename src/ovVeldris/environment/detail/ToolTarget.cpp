@@ -1,0 +1,28 @@
+#include <ovVeldris/environment/detail/ToolTarget.h>
+
+#include <ovGraphics/resources/Texture.h>
+#include <ovGraphics/resources/TextureUtils.h>
+
+namespace ovVeldris {
+
+bool loadToolTarget(ovGraphics::Texture& texture, const ToolTarget& target) {
+    if (ovGraphics::TextureUtils::isFormatDepth(target.format)) // a target, but not of colours
+        return false;
+    texture.reset();
+    texture.setTexType(target.type);
+    texture.setFormat(target.format);
+    texture.setGammaCorrected(target.gammaCorrected);
+    texture.setWidth(target.width);
+    texture.setHeight(target.height);
+    texture.setMipCount(target.mipCount);
+    texture.setMightManuallyGenerateMip(target.mipsAreGenerated);
+    texture.setUsableAsRenderTarget(true);
+    return texture.load();
+}
+
+bool holdsWholeNumbers(ovGraphics::FORMAT format) {
+    const ovGraphics::FORMAT_COMPONENT component = ovGraphics::TextureUtils::getFormatComponent(format);
+    return component == ovGraphics::FORMAT_COMPONENT::UINT || component == ovGraphics::FORMAT_COMPONENT::SINT;
+}
+
+} // namespace ovVeldris
