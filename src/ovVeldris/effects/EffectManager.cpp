@@ -3,6 +3,7 @@
 #include <ovVeldris/core/NamedObjects.h>
 #include <ovVeldris/core/System.h>
 #include <ovVeldris/effects/EffectManager.h>
+#include <ovVeldris/effects/ImageEnvironmentEffect.h>
 #include <ovVeldris/effects/TextureCopyEffect.h>
 #include <ovVeldris/effects/ToneMappingEffect.h>
 
@@ -26,6 +27,7 @@ struct Factory {
 };
 
 constexpr std::array FACTORIES = {
+    Factory{EFFECT_TYPE::IMAGE_ENVIRONMENT, create<ImageEnvironmentEffect>},
     Factory{EFFECT_TYPE::TEXTURE_COPY, create<TextureCopyEffect>},
     Factory{EFFECT_TYPE::TONE_MAPPING, create<ToneMappingEffect>},
 };

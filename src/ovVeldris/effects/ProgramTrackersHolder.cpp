@@ -1,3 +1,4 @@
+#include <ovVeldris/effects/ImageEnvironmentEffect.h>
 #include <ovVeldris/effects/ProgramTrackersHolder.h>
 #include <ovVeldris/effects/TextureCopyEffect.h>
 #include <ovVeldris/effects/ToneMappingEffect.h>

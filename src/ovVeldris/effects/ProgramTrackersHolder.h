@@ -16,9 +16,10 @@ template <typename... Trackers>
 using TrackerList = std::tuple<ovMemory::UniquePtr<Trackers>...>;
 
 /// Every tracker of the library. A new kind is a line here, and an include of its header in the source.
-using ProgramTrackers = TrackerList< //
-    class PbsProgramTracker,         //
-    class TextureCopyProgramTracker, //
+using ProgramTrackers = TrackerList<      //
+    class ImageEnvironmentProgramTracker, //
+    class PbsProgramTracker,              //
+    class TextureCopyProgramTracker,      //
     class ToneMappingProgramTracker>;
 
 /// Owns the trackers of one graphics system.

@@ -93,12 +93,18 @@ public:
 protected:
     using ScreenEffectBase::ScreenEffectBase;
 
+    /// Called by load() when _loadedInfo is a copy of _currentInfo, before it selects the program: settings
+    /// that mean "choose for me" become what they choose now, so that the program released later is the one
+    /// acquired.
+    virtual void _resolveLoadedInfo() {}
+
     Info _loadedInfo;  ///< as of the last load()
     Info _currentInfo; ///< as set now
 
 private:
     ovGraphics::Program* _acquireProgram(const ProgramTrackersHolder& trackers) final {
         _loadedInfo = _currentInfo;
+        _resolveLoadedInfo();
         return trackers.get<Tracker>()->getProgram(_loadedInfo);
     }
     void _releaseProgram(const ProgramTrackersHolder& trackers) final {

@@ -1,5 +1,6 @@
 #include <ovGraphics/resources/Program.h>
 #include <ovVeldris/effects/EffectFixture.h>
+#include <ovVeldris/effects/ImageEnvironmentEffect.h>
 #include <ovVeldris/effects/TextureCopyEffect.h>
 #include <ovVeldris/effects/ToneMappingEffect.h>
 #include <ovVeldris/materials/PbsProgramTracker.h>
@@ -79,6 +80,8 @@ TEST_P(ProgramTrackersHolderTest, destroysWhatIsHeld) {
 
 TEST_P(ProgramTrackersHolderTest, namesTheProgramsOfEachKind) {
     const ProgramTrackersHolder holder(&getGraphics());
+    EXPECT_EQ(holder.get<ImageEnvironmentProgramTracker>()->getProgram({})->getName(),
+              "ORVANE_IMAGE_ENVIRONMENT_PROGRAM_1");
     EXPECT_EQ(holder.get<TextureCopyProgramTracker>()->getProgram({})->getName(),
               "ORVANE_TEX_COPY_PROGRAM_0");
     EXPECT_EQ(holder.get<ToneMappingProgramTracker>()->getProgram({})->getName(), "ORVANE_TONE_PROGRAM_9");
