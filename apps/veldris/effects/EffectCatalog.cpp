@@ -1,6 +1,12 @@
 #include <veldris/effects/EffectCatalog.h>
 
 #include <fmt/format.h>
+#include <numbers>
+#include <ovGraphics/System.h>
+#include <ovGraphics/resources/Managers.h>
+#include <ovGraphics/resources/Texture.h>
+#include <ovGraphics/scene/Camera.h>
+#include <ovVeldris/effects/ImageEnvironmentEffect.h>
 #include <ovVeldris/effects/TextureCopyEffect.h>
 #include <ovVeldris/effects/ToneMappingEffect.h>
 
@@ -101,9 +107,65 @@ EffectDescription describeToneMapping() {
                               "operator=hables,use-luminance=true",   "operator=hables,use-luminance=false",
                               "operator=aces,use-luminance=true",     "operator=aces,use-luminance=false"};
     effect.apply = applyToneMapping;
-    effect.setSource = [](Effect& toneMapping, ovGraphics::Texture* source) {
+    effect.setSource = [](Effect& toneMapping, ovGraphics::Texture* source, const SettingValues&) {
         static_cast<ovVeldris::ToneMappingEffect&>(toneMapping).setSourceTexture(source);
     };
+    return effect;
+}
+
+constexpr StringView SOURCE_PROJECTION = "source-projection";
+constexpr StringView DIRECTION = "direction";
+constexpr StringView FIELD_OF_VIEW = "field-of-view";
+
+String applyImageEnvironment(Effect& effect, const SettingValues& values) {
+    using ovVeldris::IMAGE_ENVIRONMENT_PROJECTION;
+    const float angle = values.getNumber(FIELD_OF_VIEW);
+    if (angle < 1.0f || angle > 179.0f)
+        return fmt::format("'{}' is an angle from 1 to 179 degrees, and {} was given.", FIELD_OF_VIEW, angle);
+    if (values.getVector(DIRECTION).getNormalizedVec3().getLengthVec3() == 0.0f)
+        return fmt::format("'{}' has no direction; give one such as 0,0,1.", DIRECTION);
+    const String& projection = values.getText(SOURCE_PROJECTION);
+    auto& environment = static_cast<ovVeldris::ImageEnvironmentEffect&>(effect);
+    if (projection == "flat")
+        environment.setSourceProjection(IMAGE_ENVIRONMENT_PROJECTION::FLAT);
+    else if (projection == "cube")
+        environment.setSourceProjection(IMAGE_ENVIRONMENT_PROJECTION::CUBE);
+    else if (projection == "equirectangular")
+        environment.setSourceProjection(IMAGE_ENVIRONMENT_PROJECTION::EQUIRECTANGULAR);
+    return {};
+}
+
+/// The picture as surroundings, seen by a camera of the picture's shape that the graphics system keeps.
+void setSurroundings(Effect& effect, ovGraphics::Texture* source, const SettingValues& values) {
+    ovGraphics::Camera* camera =
+        source->getSystem()->getCameraManager()->createOrRetrieve("veldris command line");
+    camera->lookAt(values.getVector(DIRECTION), {});
+    camera->setPerspective(values.getNumber(FIELD_OF_VIEW) * std::numbers::pi_v<float> / 180.0f,
+                           static_cast<float>(source->getWidth()) / static_cast<float>(source->getHeight()),
+                           camera->getNear(), camera->getFar());
+    auto& environment = static_cast<ovVeldris::ImageEnvironmentEffect&>(effect);
+    environment.setSourceTexture(source);
+    environment.setSourceCamera(camera);
+}
+
+EffectDescription describeImageEnvironment() {
+    EffectDescription effect;
+    effect.name = "image-environment";
+    effect.type = EFFECT_TYPE::IMAGE_ENVIRONMENT;
+    effect.summary = "draws the view of a camera that the picture surrounds";
+    effect.settings = {
+        {SOURCE_PROJECTION,
+         SETTING_KIND::ENUMERATION,
+         "auto",
+         "how the picture is read; a picture is no cube, which draws black",
+         {"auto", "flat", "cube", "equirectangular"}},
+        {DIRECTION, SETTING_KIND::VECTOR, "0,0,1", "looked along; the middle of a panorama is 1,0,0", {}},
+        {FIELD_OF_VIEW, SETTING_KIND::NUMBER, "60", "vertical angle of the view in degrees", {}},
+    };
+    effect.programVariants = {"source-projection=flat", "source-projection=cube",
+                              "source-projection=equirectangular"};
+    effect.apply = applyImageEnvironment;
+    effect.setSource = setSurroundings;
     return effect;
 }
 
@@ -114,7 +176,7 @@ EffectDescription describeTextureCopy() {
     effect.summary = "draws the picture unchanged";
     effect.programVariants = {""};
     effect.apply = [](Effect&, const SettingValues&) { return String(); };
-    effect.setSource = [](Effect& copy, ovGraphics::Texture* source) {
+    effect.setSource = [](Effect& copy, ovGraphics::Texture* source, const SettingValues&) {
         static_cast<ovVeldris::TextureCopyEffect&>(copy).setSourceTexture(source);
     };
     return effect;
@@ -123,7 +185,8 @@ EffectDescription describeTextureCopy() {
 } // namespace
 
 const ovMemory::Buffer<EffectDescription>& effectCatalog() {
-    static const ovMemory::Buffer<EffectDescription> CATALOG = {describeTextureCopy(), describeToneMapping()};
+    static const ovMemory::Buffer<EffectDescription> CATALOG = {describeImageEnvironment(),
+                                                                describeTextureCopy(), describeToneMapping()};
     return CATALOG;
 }
 

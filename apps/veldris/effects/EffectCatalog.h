@@ -25,7 +25,8 @@ struct EffectDescription {
     /// Checks what belongs together and hands the values to an effect of this type.
     /// @return one line that says what is wrong, or an empty one
     std::function<ovMemory::String(ovVeldris::Effect&, const SettingValues&)> apply;
-    std::function<void(ovVeldris::Effect&, ovGraphics::Texture*)> setSource;
+    /// Hands a picture to an effect that these settings were applied to. Before load().
+    std::function<void(ovVeldris::Effect&, ovGraphics::Texture*, const SettingValues&)> setSource;
 };
 
 /// All kinds, in the order that lists show them.

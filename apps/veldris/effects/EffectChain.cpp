@@ -52,8 +52,7 @@ public:
     bool draw(const EffectSpec& spec, ovVeldris::Effect& effect, ChainResult& result) {
         UniquePtr<ovGraphics::Texture> target = _makeTexture(_picture->getWidth(), _picture->getHeight());
         target->setUsableAsRenderTarget(true);
-        String ignored;
-        findEffect(spec.name, ignored)->setSource(effect, _picture.get());
+        _setSource(spec, effect);
         if (!target->load() || !effect.load())
             return false;
 
@@ -81,6 +80,15 @@ public:
     UniquePtr<Image> download() { return _picture->convertToImage(); }
 
 private:
+    /// The settings were checked when the effect was made.
+    void _setSource(const EffectSpec& spec, ovVeldris::Effect& effect) {
+        String ignored;
+        const EffectDescription* description = findEffect(spec.name, ignored);
+        SettingValues values;
+        SettingValues::parse(spec, description->settings, values, ignored);
+        description->setSource(effect, _picture.get(), values);
+    }
+
     UniquePtr<ovGraphics::Texture> _makeTexture(unsigned int width, unsigned int height) {
         auto texture = ovGraphics::Texture::create(&_session.getGraphics());
         texture->setName("picture");

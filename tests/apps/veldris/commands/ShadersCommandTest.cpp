@@ -15,10 +15,17 @@ TEST(ShadersCommandTest, listsEveryProgramOnceWithoutWarnings) {
             names.insert(program["program"].GetString());
             EXPECT_STREQ(program["warnings"].GetString(), "") << program["program"].GetString();
         }
+        // Ids of image environments: 1 cube, 2 map by longitude and latitude, 4 flat.
         // Ids of tone mapping: one bit for the operator, 8 for luminance.
-        const std::set<ovMemory::String> expected = {"ORVANE_TEX_COPY_PROGRAM_0", "ORVANE_TONE_PROGRAM_1",
-                                                     "ORVANE_TONE_PROGRAM_2",     "ORVANE_TONE_PROGRAM_4",
-                                                     "ORVANE_TONE_PROGRAM_9",     "ORVANE_TONE_PROGRAM_10",
+        const std::set<ovMemory::String> expected = {"ORVANE_IMAGE_ENVIRONMENT_PROGRAM_1",
+                                                     "ORVANE_IMAGE_ENVIRONMENT_PROGRAM_2",
+                                                     "ORVANE_IMAGE_ENVIRONMENT_PROGRAM_4",
+                                                     "ORVANE_TEX_COPY_PROGRAM_0",
+                                                     "ORVANE_TONE_PROGRAM_1",
+                                                     "ORVANE_TONE_PROGRAM_2",
+                                                     "ORVANE_TONE_PROGRAM_4",
+                                                     "ORVANE_TONE_PROGRAM_9",
+                                                     "ORVANE_TONE_PROGRAM_10",
                                                      "ORVANE_TONE_PROGRAM_12"};
         EXPECT_EQ(names, expected);
         EXPECT_EQ(report["programs"].Size(), expected.size());

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 #include <ovVeldris/core/System.h>
 #include <ovVeldris/effects/EffectType.h>
+#include <ovVeldris/effects/ImageEnvironmentEffect.h>
 #include <ovVeldris/effects/ToneMappingEffect.h>
 
 namespace {
@@ -30,7 +31,9 @@ TEST(EffectCatalogTest, namesAreTheKindsTextsAndAreFound) {
     }
     ovMemory::String error;
     EXPECT_EQ(veldris::findEffect("tonemapping", error), nullptr);
-    EXPECT_EQ(error, "there is no effect 'tonemapping'; the effects are texture-copy, tone-mapping.");
+    EXPECT_EQ(
+        error,
+        "there is no effect 'tonemapping'; the effects are image-environment, texture-copy, tone-mapping.");
 }
 
 TEST(EffectCatalogTest, defaultsAreValidValues) {
@@ -89,6 +92,42 @@ TEST(EffectCatalogTest, toneMappingSettingsReachTheEffect) {
     const ToneMapping aces({{"operator", "aces"}, {"look-transform", "1,2,3,4,5,6,7,8,9"}});
     EXPECT_TRUE(aces.effect.getAcesUsed());
     EXPECT_EQ(aces.effect.getAcesLookTransform().getRow2(), ovMaths::Vector(7.0f, 8.0f, 9.0f, 0.0f));
+}
+
+TEST(EffectCatalogTest, imageEnvironmentSettingsReachTheEffectOrAreRefused) {
+    using PROJECTION = ovVeldris::IMAGE_ENVIRONMENT_PROJECTION;
+    const struct {
+        ovMemory::Buffer<veldris::SettingText> settings;
+        PROJECTION projection;
+        const char* complaint;
+    } cases[] = {
+        {{}, PROJECTION::AUTO, ""},
+        {{{"source-projection", "flat"}}, PROJECTION::FLAT, ""},
+        {{{"source-projection", "cube"}}, PROJECTION::CUBE, ""},
+        {{{"source-projection", "equirectangular"}, {"field-of-view", "179"}},
+         PROJECTION::EQUIRECTANGULAR,
+         ""},
+        {{{"field-of-view", "0"}},
+         PROJECTION::AUTO,
+         "'field-of-view' is an angle from 1 to 179 degrees, and 0 was given."},
+        {{{"field-of-view", "180"}},
+         PROJECTION::AUTO,
+         "'field-of-view' is an angle from 1 to 179 degrees, and 180 was given."},
+        {{{"direction", "0,0,0"}}, PROJECTION::AUTO, "'direction' has no direction; give one such as 0,0,1."},
+    };
+    ovMemory::String error;
+    const EffectDescription* description = veldris::findEffect("image-environment", error);
+    ASSERT_NE(description, nullptr) << error;
+    for (const auto& test : cases) {
+        ovVeldris::System system;
+        ovVeldris::ImageEnvironmentEffect effect(&system);
+        SettingValues values;
+        ASSERT_TRUE(
+            SettingValues::parse({"image-environment", test.settings}, description->settings, values, error))
+            << error;
+        EXPECT_EQ(description->apply(effect, values), test.complaint);
+        EXPECT_EQ(effect.getSourceProjection(), test.projection);
+    }
 }
 
 TEST(EffectCatalogTest, settingsOfAnotherOperatorAreNotSilentlyDropped) {

@@ -62,6 +62,33 @@ TEST_P(EffectChainTest, effectsFollowEachOther) {
     EXPECT_EQ(result.image->getComponent(0, 0, 3), 0.25f);
 }
 
+TEST_P(EffectChainTest, panoramasAreLookedInto) {
+    // Four columns of different light: the middle of a panorama is +x, a quarter further on +z.
+    Image panorama(4, 2, 4, COMPONENT_TYPE::FLOAT, COLOUR_ENCODING::LINEAR);
+    for (unsigned int y = 0; y < 2; ++y)
+        for (unsigned int x = 0; x < 4; ++x)
+            for (unsigned int channel = 0; channel < 4; ++channel)
+                panorama.setComponent(x, y, channel, static_cast<float>(10 * x + channel));
+    const struct {
+        const char* direction;
+        double light; // half way between two columns
+    } cases[] = {{"1,0,0", 15.0}, {"0,0,1", 25.0}, {"0,0,-1", 5.0}};
+    for (const auto& test : cases) {
+        const ChainResult result =
+            run(panorama,
+                (std::string("image-environment:field-of-view=1,direction=") + test.direction).c_str(), {});
+        ASSERT_TRUE(result) << result.error;
+        EXPECT_EQ(result.content, PICTURE_CONTENT::SCENE_LINEAR);
+        double mean = 0.0; // over the four pixels of a row, which lie evenly around the direction
+        for (unsigned int x = 0; x < 4; ++x)
+            mean += 0.25 * static_cast<double>(result.image->getComponent(x, 0, 0));
+        EXPECT_NEAR(mean, test.light, 0.01) << test.direction;
+    }
+    const ChainResult flat = run(panorama, "image-environment:source-projection=flat", {});
+    ASSERT_TRUE(flat) << flat.error;
+    EXPECT_NEAR(flat.image->getComponent(3, 1, 2), 32.0f, 1e-4f);
+}
+
 TEST_P(EffectChainTest, encodedPicturesStayAsTheyAreUntilSomethingElseIsWanted) {
     Image image(2, 1, 3, COMPONENT_TYPE::UINT8, COLOUR_ENCODING::SRGB);
     image.setComponent(0, 0, 1, 128.0f / 255.0f);
@@ -99,7 +126,7 @@ TEST_P(EffectChainTest, wrongOrdersAreRefusedUnlessRaw) {
 TEST_P(EffectChainTest, wrongEffectsAndSettingsAreNamed) {
     const Image image = onePixel(1.0f, 1.0f, 1.0f, 1.0f);
     EXPECT_EQ(run(image, "sharpen", {}).error,
-              "there is no effect 'sharpen'; the effects are texture-copy, tone-mapping.");
+              "there is no effect 'sharpen'; the effects are image-environment, texture-copy, tone-mapping.");
     EXPECT_EQ(run(image, "texture-copy:strength=1", {}).error,
               "effect 'texture-copy': there is no setting 'strength'; it has none.");
     EXPECT_EQ(
