@@ -27,6 +27,7 @@ namespace {
 using ovMaths::Vector;
 using ovMemory::String;
 
+constexpr const char* BUILT_IN_SKY = "sky";
 constexpr unsigned int SKY_WIDTH = 512;
 constexpr const char* DEFAULT_EFFECTS = "tone-mapping:operator=reinhard,max-white=6,6,6";
 
@@ -38,7 +39,7 @@ struct RenderOptions {
     String light;
     String lightColor;
     String background;
-    String environment = "sky";
+    String environment = BUILT_IN_SKY;
     String size = "1280x720";
     String effects = DEFAULT_EFFECTS;
     unsigned int samples = 4;
@@ -81,6 +82,10 @@ bool readScene(const RenderOptions& options, SceneSettings& scene, String& error
     if (!readSize(options.size, scene, error))
         return false;
     scene.shadows = options.shadows;
+    // A photographed environment has its own sun, unless a light is asked for; the built-in sky is made for
+    // one.
+    scene.lightBesideEnvironment =
+        options.shadows || !options.light.empty() || options.environment == BUILT_IN_SKY;
     scene.samples = options.samples;
     const double side = std::sqrt(options.samples);
     if (side != std::floor(side)) {
@@ -129,7 +134,7 @@ ovMemory::UniquePtr<EnvironmentLight> makeEnvironment(Session& session, const Re
         return nullptr;
     String warning;
     ovMemory::UniquePtr<EnvironmentLight> light;
-    if (options.environment == "sky") {
+    if (options.environment == BUILT_IN_SKY) {
         const ovImages::Image sky = drawSkyPanorama(SKY_WIDTH, -lightDirection.getNormalizedVec3());
         light = EnvironmentLight::create(session, sky.view(), warning, error);
     } else {
@@ -220,9 +225,7 @@ ovMemory::UniquePtr<ovImages::Image> drawModel(Session& session, const RenderOpt
     if (!error.empty())
         return nullptr;
     const auto picture = ScenePicture::create(session, plan.scene, error);
-    if (picture)
-        picture->setEnvironment(environment.get());
-    if (!picture || !addModel(*picture, model) ||
+    if (!picture || !picture->setEnvironment(environment.get()) || !addModel(*picture, model) ||
         !placeCamera(plan.camera, model.getBoundingBox(), &model, picture->getAspect(), picture->getCamera(),
                      error)) {
         error += session.getLogger().take();

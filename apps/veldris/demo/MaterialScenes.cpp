@@ -298,9 +298,8 @@ bool drawScene(Session& session, const Stock& stock, const SceneOfMaterials& sce
     const auto picture = ScenePicture::create(session, settings, error);
     if (!picture)
         return false;
-    picture->setEnvironment(stock.sky.get());
     Set set(session, stock, *picture);
-    if (!scene.build(set, error)) {
+    if (!picture->setEnvironment(stock.sky.get()) || !scene.build(set, error)) {
         error += session.getLogger().take();
         return false;
     }

@@ -11,7 +11,7 @@
 #include <ovVeldris/environment/PbsEnvironmentMapFilter.h>
 #include <ovVeldris/materials/PbsMaterial.h>
 #include <veldris/Session.h>
-#include <veldris/scene/ModelLight.h>
+#include <veldris/scene/EnvironmentCache.h>
 
 namespace veldris {
 
@@ -61,8 +61,20 @@ ovMemory::UniquePtr<EnvironmentLight> EnvironmentLight::create(Session& session,
         return nullptr;
     }
     ovMemory::UniquePtr<EnvironmentLight> light(new EnvironmentLight);
-    return light->_makePanorama(session, image, error) && light->_filter(session, error) ? std::move(light)
-                                                                                         : nullptr;
+    light->_prefiltered = makeTexture(session, "prefiltered environment");
+    light->_irradiance = makeTexture(session, "irradiance");
+    if (!light->_makePanorama(session, image, error))
+        return nullptr;
+    const EnvironmentCache cache(session.getGraphics(), image.view(),
+                                 fmt::format("{} {}", PREFILTERED_SIDE, IRRADIANCE_SIDE));
+    Texture* const filtered[] = {light->_prefiltered.get(), light->_irradiance.get()};
+    if (cache.load(filtered))
+        return light;
+    if (!light->_filter(session, error))
+        return nullptr;
+    const String notKept = cache.store(filtered);
+    warning += (warning.empty() ? "" : " ") + notKept;
+    return light;
 }
 
 bool EnvironmentLight::_makePanorama(Session& session, const ovImages::Image& panorama, String& error) {
@@ -80,12 +92,12 @@ bool EnvironmentLight::_makePanorama(Session& session, const ovImages::Image& pa
 
 bool EnvironmentLight::_filter(Session& session, String& error) {
     ovVeldris::PbsEnvironmentMapFilter& filter = *session.getSystem().getPbsEnvironmentMapFilter();
-    _prefiltered = makeTexture(session, "prefiltered environment");
     filter.requestEnvironmentMapFiltering(_panorama.get(), _prefiltered.get(), PREFILTERED_SIDE);
     const auto cube = makeTexture(session, "small environment");
     filter.requestEnvironmentMapFiltering(_panorama.get(), cube.get(), IRRADIANCE_SIDE);
-    _irradiance = makeTexture(session, "irradiance");
-    if (!_prefiltered->isUnloaded())
+    if (!cube->isUnloaded())
+        filter.requestIrradianceComputing(cube.get(), _irradiance.get());
+    if (!_prefiltered->isUnloaded() && !_irradiance->isUnloaded())
         return true;
     error = session.getLogger().take();
     return false;
@@ -94,7 +106,7 @@ bool EnvironmentLight::_filter(Session& session, String& error) {
 void EnvironmentLight::light(ovVeldris::PbsMaterial& material) const {
     constexpr bool IS_PREFILTERED = true;
     material.setEnvironmentTexture(_prefiltered.get(), ovVeldris::THREE_CHANNEL_PACK::RGB, IS_PREFILTERED);
-    material.setEnvironmentColor(DEFAULT_AMBIENT_COLOR);
+    material.setIrradianceTexture(_irradiance.get(), ovVeldris::THREE_CHANNEL_PACK::RGB);
 }
 
 } // namespace veldris

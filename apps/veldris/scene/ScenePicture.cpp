@@ -150,6 +150,7 @@ void ScenePicture::_appendShadowPasses() {
 
 void ScenePicture::_appendColourPasses() {
     CompositorOperationsBlock* block = _compositor->appendNode()->appendOperationsBlock();
+    _colourBlock = block;
     block->setTarget(0, _colour.get());
     block->setDepthBuffer(_depth.get());
     const Vector& background = _settings.background;
@@ -170,8 +171,25 @@ void ScenePicture::_appendColourPasses() {
     blend.setDestinationFactor(BLEND::INV_SRC_ALPHA, 0);
 }
 
-void ScenePicture::setEnvironment(const EnvironmentLight* environment) {
+bool ScenePicture::setEnvironment(const EnvironmentLight* environment) {
+    constexpr unsigned int AFTER_CLEARING = 1;
     _environment = environment;
+    _colourBlock->removePass(_surroundingsPass);
+    _surroundingsPass = nullptr;
+    _surroundings.reset();
+    if (!environment)
+        return true;
+    _surroundings = ovVeldris::ImageEnvironmentEffect::create(&_session.getSystem());
+    _surroundings->setName("surroundings");
+    _surroundings->setSourceTexture(environment->getPanorama());
+    _surroundings->setSourceCamera(_camera.get());
+    if (!_surroundings->load())
+        return false;
+    auto pass = std::make_unique<PostProcessPass>();
+    pass->setName("surroundings");
+    pass->setShader(_surroundings->getShader());
+    _surroundingsPass = _colourBlock->insertPass(AFTER_CLEARING, std::move(pass));
+    return true;
 }
 
 void ScenePicture::light(ovVeldris::PbsMaterial& material) {
@@ -181,7 +199,7 @@ void ScenePicture::light(ovVeldris::PbsMaterial& material) {
         material.setLightColor(*_settings.lightColor);
     if (_environment)
         _environment->light(material);
-    material.setCombineLightAndEnvironment(_environment != nullptr);
+    material.setCombineLightAndEnvironment(_environment && _settings.lightBesideEnvironment);
     if (_shadowMap)
         material.setShadowMapTexture(_shadowMap.get(), _shadowCamera.get(), ovVeldris::ShadowMapParameters());
     _lightDirection = material.getLightDirection();

@@ -8,6 +8,7 @@
 #include <ovGraphics/scene/DepthShader.h>
 #include <ovGraphics/scene/RenderQueue.h>
 #include <ovImages/Image.h>
+#include <ovVeldris/effects/ImageEnvironmentEffect.h>
 #include <ovVeldris/materials/PbsMaterial.h>
 
 namespace veldris {
@@ -25,6 +26,7 @@ struct SceneSettings {
     std::optional<ovMaths::Vector> lightDirection;
     std::optional<ovMaths::Vector> lightColor; ///< linear; nothing: as the materials say
     bool shadows = false;
+    bool lightBesideEnvironment = true; ///< false: an environment is all the light there is
 };
 
 /// Two queues of entities, a light with its shadow map, and the passes that draw them. What is added is
@@ -43,7 +45,8 @@ public:
 
     /// Light from all around for the materials that are lit from now on, also drawn behind the scene; null
     /// (the default): the materials' own environment colour, and the background of the settings. Borrowed.
-    void setEnvironment(const EnvironmentLight* environment);
+    /// @return false after one log line when it cannot be drawn
+    bool setEnvironment(const EnvironmentLight* environment);
 
     /// Lights a material. It must be loaded afterwards, and only then added to the queues.
     void light(ovVeldris::PbsMaterial& material);
@@ -68,6 +71,9 @@ private:
     SceneSettings _settings;
     ovMaths::Vector _lightDirection;
     const EnvironmentLight* _environment = nullptr;
+    ovMemory::UniquePtr<ovVeldris::ImageEnvironmentEffect> _surroundings;
+    ovGraphics::CompositorOperationsBlock* _colourBlock = nullptr;
+    const ovGraphics::CompositorPass* _surroundingsPass = nullptr;
     unsigned int _scale; ///< samples along a side of a pixel
     ovMemory::UniquePtr<ovGraphics::Texture> _colour;
     ovMemory::UniquePtr<ovGraphics::Texture> _depth;

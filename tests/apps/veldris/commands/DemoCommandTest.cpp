@@ -17,7 +17,8 @@ TEST(DemoCommandTest, drawsAGalleryAndASecondStartCompilesNothing) {
     ASSERT_EQ(first.status, 0) << first.error;
     const auto report = parseJson(first);
     EXPECT_EQ(report["page"].GetString(), folder.getPath("gallery/index.html"));
-    EXPECT_EQ(report["programsCompiled"].GetInt(), 6); // ACES draws two pictures with one program
+    const int compiled = report["programsCompiled"].GetInt();
+    EXPECT_GT(compiled, 6); // those of the effects alone: ACES draws two pictures with one program
 
     std::stringstream page;
     page << std::ifstream(folder.getPath("gallery/index.html")).rdbuf();
@@ -34,11 +35,11 @@ TEST(DemoCommandTest, drawsAGalleryAndASecondStartCompilesNothing) {
         EXPECT_NE(page.str().find(file), ovMemory::String::npos);
         EXPECT_GT(picture["milliseconds"].GetDouble(), 0.0);
     }
-    EXPECT_GE(contents.size(), 7u);
+    EXPECT_GE(contents.size(), 11u);
 
     const auto second = parseJson(runVeldris(arguments));
     EXPECT_EQ(second["programsCompiled"].GetInt(), 0);
-    EXPECT_EQ(second["programsFromCache"].GetInt(), 7); // one for each picture
+    EXPECT_GE(second["programsFromCache"].GetInt(), compiled); // a program is read again after its last user went
 }
 
 TEST(DemoCommandTest, aFolderThatCannotBeMadeFails) {

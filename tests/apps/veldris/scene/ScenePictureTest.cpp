@@ -1,0 +1,188 @@
+#include <veldris/scene/ScenePicture.h>
+
+#include <cmath>
+#include <gtest/gtest.h>
+#include <limits>
+#include <ovGraphics/System.h>
+#include <ovGraphics/device/Device.h>
+#include <ovGraphics/resources/Texture.h>
+#include <ovGraphics/scene/Camera.h>
+#include <ovGraphics/scene/Mesh.h>
+#include <ovGraphics/scene/Node.h>
+#include <veldris/Session.h>
+#include <veldris/demo/Shapes.h>
+
+namespace {
+
+using ovMaths::Vector;
+using ovVeldris::PbsMaterial;
+using veldris::ScenePicture;
+using veldris::SceneSettings;
+
+class ScenePictureTest : public testing::TestWithParam<const char*> {
+protected:
+    void SetUp() override {
+        veldris::DrawingOptions options;
+        options.device = "software";
+        options.language = GetParam();
+        options.noCache = true;
+        ovMemory::String error;
+        ASSERT_TRUE(_session.open(options, error)) << error;
+        _settings.width = 32;
+        _settings.height = 32;
+        _settings.background = {0.25f, 0.5f, 0.75f};
+        _settings.lightDirection = Vector(0.0f, -1.0f, 0.0f);
+        _settings.lightColor = Vector(1.0f, 1.0f, 1.0f);
+        _ground = veldris::makeGround(_session.getGraphics(), 1.0f);
+        _sphere = veldris::makeSphere(_session.getGraphics());
+        _above = ovGraphics::Node::create(&_session.getGraphics());
+        _above->setPosition({0.0f, 1.5f, 0.0f});
+        _above->setScale({0.4f, 0.4f, 0.4f});
+    }
+
+    /// A loaded diffuse material that nothing but the light reaches.
+    ovMemory::UniquePtr<PbsMaterial> makeDiffuse(ScenePicture& picture, const Vector& colour,
+                                                 float alpha = 1.0f) {
+        auto material = PbsMaterial::create(&_session.getSystem());
+        material->setReconstructBinormals(false);
+        material->setAlbedoColor(colour);
+        material->setMetalness(0.0f);
+        material->setRoughnessGlossiness(1.0f);
+        material->setAlpha(alpha);
+        picture.light(*material);
+        EXPECT_TRUE(material->load());
+        return material;
+    }
+    /// Looks down on the ground from above, beside the sphere.
+    ovMemory::UniquePtr<ScenePicture> makePicture() {
+        ovMemory::String error;
+        auto picture = ScenePicture::create(_session, _settings, error);
+        EXPECT_TRUE(picture) << error;
+        picture->getCamera().setPosition({0.0f, 5.0f, 0.0f});
+        picture->getCamera().lookAt({0.0f, -1.0f, 0.0f}, {0.0f, 0.0f, 1.0f});
+        picture->getCamera().setOrthographic(4.0f, 4.0f, 0.5f, 10.0f);
+        return picture;
+    }
+    static ovImages::Image draw(ScenePicture& picture) {
+        ovMemory::String warning;
+        ovMemory::String error;
+        const auto image = picture.draw(warning, error);
+        EXPECT_TRUE(image) << error;
+        EXPECT_EQ(warning, "");
+        return image ? *image : ovImages::Image();
+    }
+    static Vector pixel(const ovImages::Image& image, unsigned int x, unsigned int y) {
+        return {image.getComponent(x, y, 0), image.getComponent(x, y, 1), image.getComponent(x, y, 2),
+                image.getComponent(x, y, 3)};
+    }
+
+    veldris::Session _session;
+    SceneSettings _settings;
+    ovMemory::UniquePtr<ovGraphics::Mesh> _ground;
+    ovMemory::UniquePtr<ovGraphics::Mesh> _sphere;
+    ovMemory::UniquePtr<ovGraphics::Node> _above;
+};
+
+constexpr unsigned int MIDDLE = 16;
+
+} // namespace
+
+INSTANTIATE_TEST_SUITE_P(, ScenePictureTest, testing::Values("glsl", "hlsl"),
+                         [](const auto& test) { return ovMemory::String(test.param); });
+
+TEST_P(ScenePictureTest, showsTheBackgroundAndWhatIsInFrontOfIt) {
+    const auto picture = makePicture();
+    const auto material = makeDiffuse(*picture, {0.5f, 0.25f, 0.125f});
+    picture->getSolid().addEntity(_ground.get(), material->getShader(), nullptr);
+    const ovImages::Image image = draw(*picture);
+    ASSERT_EQ(image.getWidth(), 32u);
+    EXPECT_EQ(image.getEncoding(), ovImages::COLOUR_ENCODING::LINEAR);
+    EXPECT_EQ(pixel(image, 0, 0), Vector(0.25f, 0.5f, 0.75f, 1.0f));
+    // Lit at right angles by white of 1; without metalness the surface reflects nothing head-on.
+    const Vector lit = pixel(image, MIDDLE, MIDDLE);
+    EXPECT_NEAR(lit.x, 0.5f, 1e-3f);
+    EXPECT_NEAR(lit.y, 0.25f, 1e-3f);
+    EXPECT_NEAR(lit.z, 0.125f, 1e-3f);
+    EXPECT_EQ(lit.w, 1.0f);
+}
+
+TEST_P(ScenePictureTest, shadowsFallBelowWhatCastsThem) {
+    for (const bool shadows : {false, true}) {
+        _settings.shadows = shadows;
+        const auto picture = makePicture();
+        const auto material = makeDiffuse(*picture, {0.5f, 0.5f, 0.5f});
+        picture->getSolid().addEntity(_ground.get(), material->getShader(), nullptr);
+        picture->getSolid().addEntity(_sphere.get(), material->getShader(), _above.get());
+        ASSERT_TRUE(picture->castShadow(*material, false));
+        picture->fitShadow(ovGraphics::BoundingBox::newBox({0.0f, 1.0f, 0.0f}, {2.0f, 2.0f, 2.0f}));
+        // From the side, so that the camera sees the ground below the sphere.
+        picture->getCamera().setPosition({0.0f, 5.0f, -5.0f});
+        picture->getCamera().lookAt({0.0f, -1.0f, 1.0f}, {});
+        const ovImages::Image image = draw(*picture);
+        const float below = pixel(image, MIDDLE, MIDDLE).x;
+        EXPECT_NEAR(below, shadows ? 0.0f : 0.5f, 1e-2f);
+        EXPECT_NEAR(pixel(image, MIDDLE - 6, MIDDLE).x, 0.5f, 1e-2f) << "beside the shadow, without acne";
+    }
+}
+
+TEST_P(ScenePictureTest, blendsOverWhatIsSolid) {
+    const auto picture = makePicture();
+    const auto white = makeDiffuse(*picture, {1.0f, 1.0f, 1.0f});
+    const auto glass = makeDiffuse(*picture, {0.0f, 0.0f, 0.0f}, 0.25f);
+    picture->getSolid().addEntity(_ground.get(), white->getShader(), nullptr);
+    _above->setScale({1.0f, 1.0f, 1.0f});
+    picture->getBlended().addEntity(_ground.get(), glass->getShader(), _above.get());
+    const ovImages::Image image = draw(*picture);
+    EXPECT_NEAR(pixel(image, MIDDLE, MIDDLE).x, 0.75f, 1e-3f);
+    EXPECT_EQ(pixel(image, MIDDLE, MIDDLE).w, 1.0f) << "pictures are opaque";
+}
+
+TEST_P(ScenePictureTest, samplesAreAveraged) {
+    _settings.samples = 16;
+    const auto picture = makePicture();
+    picture->getCamera().setOrthographic(4.0f, 4.0f, 0.5f, 10.0f);
+    const auto black = makeDiffuse(*picture, {0.0f, 0.0f, 0.0f});
+    const auto node = ovGraphics::Node::create(&_session.getGraphics());
+    node->setPosition({0.03125f, 0.0f, 0.0f}); // a quarter of a pixel of 0.125
+    picture->getSolid().addEntity(_ground.get(), black->getShader(), node.get());
+    const ovImages::Image image = draw(*picture);
+    ASSERT_EQ(image.getWidth(), 32u);
+    // The ground ends a quarter into pixel 24: three quarters of its samples see the background.
+    EXPECT_NEAR(pixel(image, 24, MIDDLE).x, 0.75f * 0.25f, 1e-3f);
+    EXPECT_NEAR(pixel(image, 23, MIDDLE).x, 0.0f, 1e-3f);
+    EXPECT_NEAR(pixel(image, 25, MIDDLE).x, 0.25f, 1e-6f);
+}
+
+TEST_P(ScenePictureTest, materialsSayHowTheyAreLitWhenTheSettingsDoNot) {
+    _settings.lightDirection.reset();
+    _settings.lightColor.reset();
+    const auto picture = makePicture();
+    auto material = PbsMaterial::create(&_session.getSystem());
+    material->setLightDirection({0.0f, -1.0f, 0.0f});
+    material->setLightColor({2.0f, 0.0f, 0.0f});
+    picture->light(*material);
+    EXPECT_EQ(material->getLightColor(), Vector(2.0f, 0.0f, 0.0f));
+    EXPECT_EQ(material->getLightDirection(), Vector(0.0f, -1.0f, 0.0f));
+    EXPECT_EQ(material->getShadowMapTexture(), nullptr);
+    EXPECT_FALSE(material->getCombineLightAndEnvironment());
+}
+
+TEST_P(ScenePictureTest, whatIsNoNumberIsBlackAndCounted) {
+    const auto picture = makePicture();
+    const auto material = makeDiffuse(*picture, {std::numeric_limits<float>::quiet_NaN(), 0.5f, 0.5f});
+    picture->getSolid().addEntity(_ground.get(), material->getShader(), nullptr);
+    ovMemory::String warning;
+    ovMemory::String error;
+    const auto image = picture->draw(warning, error);
+    ASSERT_TRUE(image) << error;
+    EXPECT_EQ(image->getComponent(MIDDLE, MIDDLE, 0), 0.0f);
+    EXPECT_EQ(warning, "256 components of the picture are not numbers and were made black.");
+}
+
+TEST_P(ScenePictureTest, aSizeBeyondTheDeviceIsRefused) {
+    _settings.width = _session.getGraphics().getDeviceInfo()->maxTextureSize;
+    _settings.samples = 4;
+    ovMemory::String error;
+    EXPECT_EQ(ScenePicture::create(_session, _settings, error), nullptr);
+    EXPECT_NE(error.find("ask for a smaller size or fewer samples."), ovMemory::String::npos) << error;
+}
