@@ -2,6 +2,7 @@
 #include "ovVeldris/content/ContentLoaderBenchmark.h"
 #include "ovVeldris/effects/EffectBenchmark.h"
 #include "ovVeldris/effects/ProgramCacheBenchmark.h"
+#include "ovVeldris/environment/EnvironmentFilterBenchmark.h"
 
 #include <benchmark/benchmark.h>
 #include <string_view>
@@ -11,6 +12,7 @@ int main(int argumentCount, char** arguments) {
         return ovBenchmarks::loadPrograms(arguments[2]);
     ovBenchmarks::registerContentLoader();
     ovBenchmarks::registerEffects();
+    ovBenchmarks::registerEnvironmentFilter();
     ovBenchmarks::registerProgramCache(arguments[0]);
     benchmark::Initialize(&argumentCount, arguments);
     benchmark::RunSpecifiedBenchmarks();
