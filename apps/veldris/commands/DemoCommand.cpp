@@ -11,6 +11,7 @@
 #include <veldris/ImageFiles.h>
 #include <veldris/JsonText.h>
 #include <veldris/demo/DemoScene.h>
+#include <veldris/demo/EnvironmentScenes.h>
 #include <veldris/demo/GalleryPage.h>
 #include <veldris/demo/MaterialScenes.h>
 #include <veldris/effects/EffectChain.h>
@@ -75,13 +76,12 @@ bool drawPicture(Session& session, const ovImages::ImageView& scene, const DemoP
     return writeGalleryPicture(options.folder + "/" + file, result.image->view(), error);
 }
 
-/// Materials are tone mapped as a user would.
-constexpr const char* MATERIAL_EFFECTS = "tone-mapping:operator=reinhard,max-white=6,6,6";
+/// Scenes are tone mapped as a user would.
+constexpr const char* SCENE_EFFECTS = "tone-mapping:operator=reinhard,max-white=6,6,6";
 
-bool drawMaterials(Session& session, const DemoOptions& options, Buffer<GalleryEntry>& entries,
-                   String& error) {
+bool drawScenes(Session& session, const DemoOptions& options, Buffer<GalleryEntry>& entries, String& error) {
     Buffer<EffectSpec> effects;
-    if (!parseEffectList(MATERIAL_EFFECTS, effects, error))
+    if (!parseEffectList(SCENE_EFFECTS, effects, error))
         return false;
     const auto write = [&](const MaterialPicture& picture, String& reason) {
         const ChainResult mapped = runChain(session, picture.image.view(), effects, {});
@@ -90,7 +90,8 @@ bool drawMaterials(Session& session, const DemoOptions& options, Buffer<GalleryE
         entries.push_back({String(picture.caption), "", file, picture.milliseconds});
         return mapped && writeGalleryPicture(options.folder + "/" + file, mapped.image->view(), reason);
     };
-    return drawMaterialPictures(session, options.width, options.height, write, error);
+    return drawMaterialPictures(session, options.width, options.height, write, error) &&
+           drawEnvironmentPictures(session, options.width, options.height, write, error);
 }
 
 bool drawGallery(Session& session, const DemoOptions& options, Buffer<GalleryEntry>& entries, String& error) {
@@ -101,7 +102,7 @@ bool drawGallery(Session& session, const DemoOptions& options, Buffer<GalleryEnt
         if (!drawPicture(session, scene.view(), picture, options, entries, error))
             return false;
     }
-    if (!drawMaterials(session, options, entries, error))
+    if (!drawScenes(session, options, entries, error))
         return false;
     const auto& graphics = session.getGraphics();
     const String page = galleryPage({graphics.getDeviceInfo()->renderer, options.drawing.language,

@@ -4,15 +4,11 @@
 #include <cmath>
 #include <ovGraphics/System.h>
 #include <ovGraphics/resources/Texture.h>
-#include <ovGraphics/scene/Camera.h>
 #include <ovGraphics/scene/Mesh.h>
-#include <ovGraphics/scene/Node.h>
 #include <veldris/Session.h>
 #include <veldris/demo/Shapes.h>
 #include <veldris/scene/BuiltInSky.h>
 #include <veldris/scene/EnvironmentLight.h>
-#include <veldris/scene/SceneCamera.h>
-#include <veldris/scene/ScenePicture.h>
 
 namespace veldris {
 
@@ -60,64 +56,6 @@ ovMemory::UniquePtr<Texture> paint(ovGraphics::System& graphics, unsigned int si
     return texture;
 }
 
-/// Objects under the sky, for one picture.
-class Set {
-public:
-    Set(Session& session, const Stock& stock, ScenePicture& picture)
-        : _session(session)
-        , _stock(stock)
-        , _picture(picture) {}
-
-    ovGraphics::System& getGraphics() { return _session.getGraphics(); }
-    ScenePicture& getPicture() { return _picture; }
-
-    void addSphere(const Vector& position, float radius, const std::function<void(PbsMaterial&)>& configure) {
-        _box.add(ovGraphics::BoundingBox::newCube(position, 2.0f * radius));
-        _add(*_stock.sphere, position, radius, configure);
-    }
-    void addGround(float height, float halfSide, const std::function<void(PbsMaterial&)>& configure) {
-        _add(*_stock.ground, {0.0f, height, 0.0f}, halfSide, configure);
-    }
-    /// A texture that lives as long as the set.
-    Texture* keep(ovMemory::UniquePtr<Texture> texture) {
-        return _textures.emplace_back(std::move(texture)).get();
-    }
-
-    /// Points camera and light at the spheres. @return false with one line in error
-    bool frame(const CameraChoice& camera, String& error) {
-        _picture.fitShadow(_box);
-        return _loaded &&
-               placeCamera(camera, _box, nullptr, _picture.getAspect(), _picture.getCamera(), error);
-    }
-
-private:
-    void _add(Mesh& mesh, const Vector& position, float scale,
-              const std::function<void(PbsMaterial&)>& configure) {
-        auto material = PbsMaterial::create(&_session.getSystem());
-        material->setName("demo material " + std::to_string(_materials.size()));
-        material->setReconstructBinormals(false);
-        _picture.light(*material);
-        configure(*material);
-        _loaded = material->load() && _loaded;
-        auto node = ovGraphics::Node::create(&getGraphics());
-        node->setPosition(position);
-        node->setScale({scale, scale, scale});
-        _picture.getSolid().addEntity(&mesh, material->getShader(), node.get());
-        _loaded = _picture.castShadow(*material, material->getAlphaTexture() != nullptr) && _loaded;
-        _nodes.push_back(std::move(node));
-        _materials.push_back(std::move(material));
-    }
-
-    Session& _session;
-    const Stock& _stock;
-    ScenePicture& _picture;
-    ovGraphics::BoundingBox _box;
-    bool _loaded = true;
-    ovMemory::Buffer<ovMemory::UniquePtr<Texture>> _textures;
-    ovMemory::Buffer<ovMemory::UniquePtr<ovGraphics::Node>> _nodes;
-    ovMemory::Buffer<ovMemory::UniquePtr<PbsMaterial>> _materials;
-};
-
 CameraChoice orbit(float azimuth, float elevation) {
     CameraChoice choice;
     choice.azimuth = azimuth;
@@ -126,36 +64,38 @@ CameraChoice orbit(float azimuth, float elevation) {
 }
 
 /// Spheres in two rows. @param build the material of a place, 0 to 1 across, and of a row, 0 below or 1 above
-void addRows(Set& set, const std::function<void(PbsMaterial&, float across, bool above)>& build) {
+void addRows(DemoSet& set, const Stock& stock,
+             const std::function<void(PbsMaterial&, float across, bool above)>& build) {
     constexpr int COLUMNS = 7;
     for (int row = 0; row < 2; ++row) {
         for (int column = 0; column < COLUMNS; ++column) {
             const float across = static_cast<float>(column) / (COLUMNS - 1);
-            set.addSphere({2.2f * static_cast<float>(column), 2.2f * static_cast<float>(row), 0.0f}, 1.0f,
+            set.addSphere(*stock.sphere,
+                          {2.2f * static_cast<float>(column), 2.2f * static_cast<float>(row), 0.0f}, 1.0f,
                           [&](PbsMaterial& material) { build(material, across, row == 1); });
         }
     }
 }
 
-bool buildMetalness(Set& set, String& error) {
-    addRows(set, [](PbsMaterial& material, float across, bool isMetal) {
+void buildMetalness(DemoSet& set, const Stock& stock, CameraChoice& camera) {
+    addRows(set, stock, [](PbsMaterial& material, float across, bool isMetal) {
         material.setAlbedoColor(isMetal ? Vector() : Vector(0.45f, 0.03f, 0.02f));
         material.setSpecularColor(isMetal ? Vector(1.0f, 0.71f, 0.29f) : WHITE * 0.04f);
         material.setMetalness(1.0f);
         material.setRoughnessGlossiness(0.045f + 0.955f * across);
     });
-    return set.frame(orbit(0.0f, 8.0f), error);
+    camera = orbit(0.0f, 8.0f);
 }
 
-bool buildGlossiness(Set& set, String& error) {
-    addRows(set, [](PbsMaterial& material, float across, bool isMetal) {
+void buildGlossiness(DemoSet& set, const Stock& stock, CameraChoice& camera) {
+    addRows(set, stock, [](PbsMaterial& material, float across, bool isMetal) {
         material.setPbsModel(PBS_MODEL::SPECULAR_GLOSSINESS);
         material.setAlbedoColor(isMetal ? Vector() : Vector(0.03f, 0.10f, 0.45f));
         material.setSpecularColor(isMetal ? Vector(0.95f, 0.64f, 0.54f) : WHITE * 0.04f);
         material.setMetalness(1.0f);
         material.setRoughnessGlossiness(0.955f * across);
     });
-    return set.frame(orbit(0.0f, 8.0f), error);
+    camera = orbit(0.0f, 8.0f);
 }
 
 /// Bricks: height 0 in the joints, 1 on the bricks.
@@ -188,11 +128,11 @@ Vector brickNormal(float u, float v) {
     return {0.5f + 0.5f * normal.x, 0.5f + 0.5f * normal.y, 0.5f + 0.5f * normal.z, 1.0f};
 }
 
-bool buildGround(Set& set, String& error) {
+void buildGround(DemoSet& set, const Stock& stock, CameraChoice& camera) {
     constexpr unsigned int SIDE = 512;
     Texture* colour = set.keep(paint(set.getGraphics(), SIDE, true, brickColour));
     Texture* normals = set.keep(paint(set.getGraphics(), SIDE, false, brickNormal));
-    set.addGround(-1.0f, 14.0f, [&](PbsMaterial& material) {
+    set.addGround(*stock.ground, -1.0f, 14.0f, [&](PbsMaterial& material) {
         material.setAlbedoTexture(colour, THREE_CHANNEL_PACK::RGB);
         material.setNormalMapTexture(normals, THREE_CHANNEL_PACK::RGB);
         material.setSpecularColor(WHITE * 0.04f);
@@ -201,7 +141,8 @@ bool buildGround(Set& set, String& error) {
     });
     const Vector colours[] = {{0.6f, 0.6f, 0.6f}, {0.5f, 0.05f, 0.04f}, {0.05f, 0.25f, 0.08f}};
     for (int i = 0; i < 3; ++i) {
-        set.addSphere({2.6f * static_cast<float>(i - 1), 0.0f, 0.8f * static_cast<float>(i % 2)}, 1.0f,
+        set.addSphere(*stock.sphere,
+                      {2.6f * static_cast<float>(i - 1), 0.0f, 0.8f * static_cast<float>(i % 2)}, 1.0f,
                       [&](PbsMaterial& material) {
                           material.setAlbedoColor(colours[i]);
                           material.setSpecularColor(WHITE * 0.04f);
@@ -209,7 +150,7 @@ bool buildGround(Set& set, String& error) {
                           material.setRoughnessGlossiness(0.15f + 0.3f * static_cast<float>(i));
                       });
     }
-    return set.frame(orbit(20.0f, 28.0f), error);
+    camera = orbit(20.0f, 28.0f);
 }
 
 /// One texture for four properties: metalness in R, roughness in G, occlusion in B, holes in A.
@@ -222,7 +163,7 @@ Vector packedProperties(float u, float v) {
     return {bands, ramp, shade, x * x + y * y < 0.06f ? 0.0f : 1.0f};
 }
 
-bool buildPacking(Set& set, String& error) {
+void buildPacking(DemoSet& set, const Stock& stock, CameraChoice& camera) {
     constexpr unsigned int SIDE = 512;
     Texture* packed = set.keep(paint(set.getGraphics(), SIDE, false, packedProperties));
     using Configure = void (*)(PbsMaterial&, Texture*);
@@ -240,25 +181,26 @@ bool buildPacking(Set& set, String& error) {
                                     material.setAlphaCutoff(0.5f);
                                 }};
     for (int i = 0; i < 5; ++i) {
-        set.addSphere({2.3f * static_cast<float>(i), 0.0f, 0.0f}, 1.0f, [&](PbsMaterial& material) {
-            material.setAlbedoColor({0.35f, 0.33f, 0.30f});
-            material.setSpecularColor({0.95f, 0.80f, 0.55f});
-            material.setMetalness(0.2f);
-            material.setRoughnessGlossiness(0.25f);
-            for (int j = 0; j < 4; ++j) {
-                if (i == 4 || i == j)
-                    single[j](material, packed);
-            }
-        });
+        set.addSphere(*stock.sphere, {2.3f * static_cast<float>(i), 0.0f, 0.0f}, 1.0f,
+                      [&](PbsMaterial& material) {
+                          material.setAlbedoColor({0.35f, 0.33f, 0.30f});
+                          material.setSpecularColor({0.95f, 0.80f, 0.55f});
+                          material.setMetalness(0.2f);
+                          material.setRoughnessGlossiness(0.25f);
+                          for (int j = 0; j < 4; ++j) {
+                              if (i == 4 || i == j)
+                                  single[j](material, packed);
+                          }
+                      });
     }
-    return set.frame(orbit(0.0f, 12.0f), error);
+    camera = orbit(0.0f, 12.0f);
 }
 
 struct SceneOfMaterials {
     ovMemory::StringView name;
     ovMemory::StringView caption;
     bool shadows;
-    bool (*build)(Set& set, String& error);
+    void (*build)(DemoSet& set, const Stock& stock, CameraChoice& camera);
 };
 
 constexpr SceneOfMaterials SCENES[] = {
@@ -285,39 +227,23 @@ bool makeStock(Session& session, Stock& stock, String& error) {
     return false;
 }
 
-double lastFrameMilliseconds(const ovGraphics::System& graphics) {
-    double sum = 0.0;
-    for (const ovGraphics::PassTiming& timing : graphics.getPassTimings())
-        sum += timing.milliseconds;
-    return sum;
-}
-
 bool drawScene(Session& session, const Stock& stock, const SceneOfMaterials& scene, SceneSettings settings,
-               MaterialPicture& result, String& error) {
+               MaterialPicture& picture, String& error) {
     settings.shadows = scene.shadows;
-    const auto picture = ScenePicture::create(session, settings, error);
-    if (!picture)
-        return false;
-    Set set(session, stock, *picture);
-    if (!picture->setEnvironment(stock.sky.get()) || !scene.build(set, error)) {
+    const auto target = ScenePicture::create(session, settings, error);
+    if (!target || !target->setEnvironment(stock.sky.get())) {
         error += session.getLogger().take();
         return false;
     }
-    String warning;
-    const auto image = picture->draw(warning, error);
-    if (!image)
-        return false;
-    result.name = scene.name;
-    result.caption = scene.caption;
-    result.milliseconds = lastFrameMilliseconds(session.getGraphics());
-    result.image = std::move(*image);
-    return true;
+    DemoSet set(session, *target);
+    CameraChoice camera;
+    scene.build(set, stock, camera);
+    return set.draw(camera, picture, error);
 }
 
 } // namespace
 
-bool drawMaterialPictures(Session& session, unsigned int width, unsigned int height,
-                          const std::function<bool(const MaterialPicture&, String& error)>& take,
+bool drawMaterialPictures(Session& session, unsigned int width, unsigned int height, const TakePicture& take,
                           String& error) {
     Stock stock;
     if (!makeStock(session, stock, error))
@@ -329,7 +255,7 @@ bool drawMaterialPictures(Session& session, unsigned int width, unsigned int hei
     settings.lightDirection = LIGHT_DIRECTION;
     settings.lightColor = LIGHT_COLOR;
     for (const SceneOfMaterials& scene : SCENES) {
-        MaterialPicture picture;
+        MaterialPicture picture{scene.name, scene.caption, {}, 0.0};
         if (!drawScene(session, stock, scene, settings, picture, error) || !take(picture, error))
             return false;
     }

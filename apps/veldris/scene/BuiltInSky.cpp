@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
-#include <numbers>
+#include <veldris/scene/Panoramas.h>
 
 namespace veldris {
 
@@ -37,25 +37,7 @@ Vector skyRadiance(const Vector& direction, const Vector& towardsSun) {
 }
 
 ovImages::Image drawSkyPanorama(unsigned int width, const Vector& towardsSun) {
-    const unsigned int height = width / 2;
-    ovImages::Image image(width, height, 4, ovImages::COMPONENT_TYPE::FLOAT,
-                          ovImages::COLOUR_ENCODING::LINEAR);
-    constexpr float PI = std::numbers::pi_v<float>;
-    for (unsigned int row = 0; row < height; ++row) {
-        const float latitude = PI * (0.5f - (static_cast<float>(row) + 0.5f) / static_cast<float>(height));
-        for (unsigned int column = 0; column < width; ++column) {
-            const float longitude =
-                2.0f * PI * ((static_cast<float>(column) + 0.5f) / static_cast<float>(width) - 0.5f);
-            const Vector direction(std::cos(longitude) * std::cos(latitude), std::sin(latitude),
-                                   std::sin(longitude) * std::cos(latitude));
-            const Vector radiance = skyRadiance(direction, towardsSun);
-            image.setComponent(column, row, 0, radiance.x);
-            image.setComponent(column, row, 1, radiance.y);
-            image.setComponent(column, row, 2, radiance.z);
-            image.setComponent(column, row, 3, 1.0f);
-        }
-    }
-    return image;
+    return drawPanorama(width, [&](const Vector& direction) { return skyRadiance(direction, towardsSun); });
 }
 
 } // namespace veldris

@@ -12,7 +12,8 @@ TEST(StandInPictureTest, isAnOpaqueChequerboardOfMagentaAndBlack) {
             const float magenta = (x + y) % 2 == 0 ? 1.0f : 0.0f;
             const float expected[] = {magenta, 0.0f, magenta, 1.0f};
             for (unsigned int channel = 0; channel < 4; ++channel)
-                EXPECT_EQ(image.getComponent(x, y, channel), expected[channel]) << x << ' ' << y << ' ' << channel;
+                EXPECT_EQ(image.getComponent(x, y, channel), expected[channel])
+                    << x << ' ' << y << ' ' << channel;
         }
     }
 }

@@ -28,18 +28,20 @@ TEST(DemoCommandTest, drawsAGalleryAndASecondStartCompilesNothing) {
         const ovImages::DecodeResult read =
             ovImages::CompositeEncoder().decodeFile(folder.getPath("gallery/" + file));
         ASSERT_TRUE(read) << read.error;
-        EXPECT_EQ(read.image->getWidth(), 96u);
+        const bool isStrip = file == "prefiltered-mips.png"; // of texels, not drawn
+        EXPECT_TRUE(read.image->getWidth() == 96u || isStrip) << file;
         const auto bytes = read.image->getBytes();
         EXPECT_TRUE(contents.insert({bytes.begin(), bytes.end()}).second)
             << file << " is the same as another";
         EXPECT_NE(page.str().find(file), ovMemory::String::npos);
-        EXPECT_GT(picture["milliseconds"].GetDouble(), 0.0);
+        EXPECT_TRUE(picture["milliseconds"].GetDouble() > 0.0 || isStrip) << file;
     }
-    EXPECT_GE(contents.size(), 11u);
+    EXPECT_GE(contents.size(), 18u);
 
     const auto second = parseJson(runVeldris(arguments));
     EXPECT_EQ(second["programsCompiled"].GetInt(), 0);
-    EXPECT_GE(second["programsFromCache"].GetInt(), compiled); // a program is read again after its last user went
+    EXPECT_GE(second["programsFromCache"].GetInt(),
+              compiled); // a program is read again after its last user went
 }
 
 TEST(DemoCommandTest, aFolderThatCannotBeMadeFails) {

@@ -1,0 +1,77 @@
+#include <veldris/demo/DemoSet.h>
+
+#include <ovGraphics/System.h>
+#include <ovGraphics/resources/Shader.h>
+#include <ovGraphics/resources/Texture.h>
+#include <ovGraphics/scene/Mesh.h>
+#include <ovGraphics/scene/Node.h>
+#include <veldris/Session.h>
+
+namespace veldris {
+
+using ovMaths::Vector;
+using ovMemory::String;
+using ovVeldris::PbsMaterial;
+
+DemoSet::DemoSet(Session& session, ScenePicture& scene)
+    : _session(session)
+    , _graphics(session.getGraphics())
+    , _scene(scene) {}
+
+DemoSet::~DemoSet() = default;
+
+void DemoSet::addSphere(ovGraphics::Mesh& mesh, const Vector& position, float radius,
+                        const Configure& configure) {
+    _box.add(ovGraphics::BoundingBox::newCube(position, 2.0f * radius));
+    _add(mesh, position, radius, configure);
+}
+
+void DemoSet::addGround(ovGraphics::Mesh& mesh, float height, float halfSide, const Configure& configure) {
+    _add(mesh, {0.0f, height, 0.0f}, halfSide, configure);
+}
+
+ovGraphics::Texture* DemoSet::keep(ovMemory::UniquePtr<ovGraphics::Texture> texture) {
+    return _textures.emplace_back(std::move(texture)).get();
+}
+
+void DemoSet::_add(ovGraphics::Mesh& mesh, const Vector& position, float scale, const Configure& configure) {
+    auto material = PbsMaterial::create(&_session.getSystem());
+    material->setName("demo material " + std::to_string(_materials.size()));
+    material->setReconstructBinormals(false);
+    _scene.light(*material);
+    configure(*material);
+    _loaded = material->load() && _loaded;
+    auto node = ovGraphics::Node::create(&_graphics);
+    node->setPosition(position);
+    node->setScale({scale, scale, scale});
+    _scene.getSolid().addEntity(&mesh, material->getShader(), node.get());
+    _loaded = _scene.castShadow(*material, material->getAlphaTexture() != nullptr) && _loaded;
+    _nodes.push_back(std::move(node));
+    _materials.push_back(std::move(material));
+}
+
+bool DemoSet::draw(const CameraChoice& camera, MaterialPicture& picture, String& error) {
+    _scene.fitShadow(_box);
+    if (!_loaded) {
+        error = _session.getLogger().take();
+        return false;
+    }
+    if (!placeCamera(camera, _box, nullptr, _scene.getAspect(), _scene.getCamera(), error))
+        return false;
+    String warning;
+    const auto image = _scene.draw(warning, error);
+    if (!image)
+        return false;
+    picture.milliseconds = lastFrameMilliseconds(_graphics);
+    picture.image = std::move(*image);
+    return true;
+}
+
+double lastFrameMilliseconds(const ovGraphics::System& graphics) {
+    double sum = 0.0;
+    for (const ovGraphics::PassTiming& timing : graphics.getPassTimings())
+        sum += timing.milliseconds;
+    return sum;
+}
+
+} // namespace veldris

@@ -1,0 +1,65 @@
+// Objects of one picture of the demo.
+#pragma once
+
+#include <functional>
+#include <ovImages/Image.h>
+#include <veldris/scene/SceneCamera.h>
+#include <veldris/scene/ScenePicture.h>
+
+namespace ovGraphics {
+class Mesh;
+class Node;
+} // namespace ovGraphics
+
+namespace veldris {
+
+/// One picture, scene-linear.
+struct MaterialPicture {
+    ovMemory::StringView name;    ///< of its file, without extension
+    ovMemory::StringView caption; ///< what is to be seen
+    ovImages::Image image;
+    double milliseconds = 0.0; ///< of its passes together; 0 when it was not drawn
+};
+
+/// Receives a picture. @return false, with one line in error, to draw no more
+using TakePicture = std::function<bool(const MaterialPicture&, ovMemory::String& error)>;
+
+/// Objects in a scene, each with a material of its own. Meshes and the scene are borrowed.
+class DemoSet {
+public:
+    using Configure = std::function<void(ovVeldris::PbsMaterial&)>;
+
+    DemoSet(Session& session, ScenePicture& scene);
+    ~DemoSet();
+
+    ovGraphics::System& getGraphics() { return _graphics; }
+
+    /// Adds an object that is to be seen whole, with its shadow. @param mesh of radius 1 around the origin
+    void addSphere(ovGraphics::Mesh& mesh, const ovMaths::Vector& position, float radius,
+                   const Configure& configure);
+    /// Adds an object that the picture need not show whole.
+    void addGround(ovGraphics::Mesh& mesh, float height, float halfSide, const Configure& configure);
+    /// A texture that lives as long as the set.
+    ovGraphics::Texture* keep(ovMemory::UniquePtr<ovGraphics::Texture> texture);
+
+    /// Points camera and light at the spheres and draws. @return false with one line in error
+    bool draw(const CameraChoice& camera, MaterialPicture& picture, ovMemory::String& error);
+
+private:
+    void _add(ovGraphics::Mesh& mesh, const ovMaths::Vector& position, float scale,
+              const Configure& configure);
+
+    Session& _session;
+    ovGraphics::System& _graphics;
+    ScenePicture& _scene;
+    ovGraphics::BoundingBox _box;
+    bool _loaded = true;
+    ovMemory::Buffer<ovMemory::UniquePtr<ovGraphics::Texture>> _textures;
+    ovMemory::Buffer<ovMemory::UniquePtr<ovGraphics::Node>> _nodes;
+    ovMemory::Buffer<ovMemory::UniquePtr<ovVeldris::PbsMaterial>> _materials;
+};
+
+/// The time of all passes of the last frame, when the session measures.
+double lastFrameMilliseconds(const ovGraphics::System& graphics);
+
+} // namespace veldris
