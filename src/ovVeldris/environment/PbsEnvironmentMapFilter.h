@@ -47,6 +47,25 @@ public:
     void requestEnvironmentMapFiltering(ovGraphics::Texture* input, ovGraphics::Texture* output,
                                         unsigned int resolution);
 
+    /// Makes a texture that holds, in each direction of its shape, the light that a diffuse surface facing
+    /// there receives, over pi: the input's light by spherical harmonics of bands 0 to 2 (R. Ramamoorthi, P.
+    /// Hanrahan: An Efficient Representation for Irradiance Environment Maps, 2001). IrradianceTransform
+    /// tells how texels are weighed, read and written, and computes without textures. Computed on
+    /// the CPU, about as fast as the texels are read back and uploaded.
+    ///
+    /// The output has the input's shape, size, slices and format, and all its mips; it is gamma-corrected if
+    /// the input is and the format has an sRGB sibling. What was in it is lost. A fourth channel is 1.
+    ///
+    /// @param input loaded cube texture, or 2D texture by longitude and latitude, of any format that is not
+    ///        compressed. A format that is neither R32G32B32(A32) nor R8G8B8A8 is read and written as bytes,
+    ///        after one logged line.
+    /// @param output another texture; not owned
+    ///
+    /// When something is missing or cannot be done, one line is logged with the sender
+    /// "PbsEnvironmentMapFilter". The output is then as it was; only when the device does not hand out the
+    /// input's texels (the sender is "TextureUtils" then), or refuses the output, it is unloaded and changed.
+    void requestIrradianceComputing(ovGraphics::Texture* input, ovGraphics::Texture* output);
+
 private:
     struct FilterData;
 
