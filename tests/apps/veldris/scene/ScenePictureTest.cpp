@@ -11,6 +11,8 @@
 #include <ovGraphics/scene/Node.h>
 #include <veldris/Session.h>
 #include <veldris/demo/Shapes.h>
+#include <veldris/scene/EnvironmentLight.h>
+#include <veldris/scene/Panoramas.h>
 
 namespace {
 
@@ -165,6 +167,58 @@ TEST_P(ScenePictureTest, materialsSayHowTheyAreLitWhenTheSettingsDoNot) {
     EXPECT_EQ(material->getLightDirection(), Vector(0.0f, -1.0f, 0.0f));
     EXPECT_EQ(material->getShadowMapTexture(), nullptr);
     EXPECT_FALSE(material->getCombineLightAndEnvironment());
+}
+
+TEST_P(ScenePictureTest, mirrorsShowTheEnvironmentTheRightWayRound) {
+    // A colour for each axis, told by the largest component of the direction.
+    const auto axisColour = [](const Vector& d) {
+        const float x = std::abs(d.x);
+        const float y = std::abs(d.y);
+        const float z = std::abs(d.z);
+        if (x > y && x > z)
+            return d.x > 0.0f ? Vector(1.0f, 0.0f, 0.0f) : Vector(0.0f, 1.0f, 0.0f);
+        if (y > z)
+            return d.y > 0.0f ? Vector(0.0f, 0.0f, 1.0f) : Vector(1.0f, 1.0f, 0.0f);
+        return d.z > 0.0f ? Vector(1.0f, 0.0f, 1.0f) : Vector(0.0f, 1.0f, 1.0f);
+    };
+    ovMemory::String warning;
+    ovMemory::String error;
+    const auto light = veldris::EnvironmentLight::create(
+        _session, veldris::drawPanorama(128, axisColour).view(), warning, error);
+    ASSERT_TRUE(light) << error;
+    _settings.lightBesideEnvironment = false;
+    const auto picture = makePicture();
+    ASSERT_TRUE(picture->setEnvironment(light.get()));
+    picture->getCamera().setPosition({0.0f, 0.0f, -50.0f});
+    picture->getCamera().lookAt({0.0f, 0.0f, 1.0f}, {});
+    picture->getCamera().setPerspective(0.08f, 1.0f, 40.0f, 60.0f); // 4 m across where the sphere is
+    auto mirror = PbsMaterial::create(&_session.getSystem());
+    mirror->setReconstructBinormals(false);
+    mirror->setSpecularColor({1.0f, 1.0f, 1.0f});
+    mirror->setMetalness(1.0f);
+    mirror->setRoughnessGlossiness(0.0f);
+    picture->light(*mirror);
+    ASSERT_TRUE(mirror->load());
+    picture->getSolid().addEntity(_sphere.get(), mirror->getShader(), nullptr);
+    const ovImages::Image image = draw(*picture);
+
+    // The sphere has a radius of 8 pixels. Where its normal stands at 45 degrees it shows what lies beside
+    // it.
+    struct Case {
+        unsigned int x, y;
+        Vector colour;
+        const char* what;
+    };
+    const Case cases[] = {
+        {MIDDLE, MIDDLE, {0.0f, 1.0f, 1.0f}, "the middle shows what is behind the camera, -z"},
+        {MIDDLE - 6, MIDDLE, {0.0f, 1.0f, 0.0f}, "left is -x"},
+        {MIDDLE + 5, MIDDLE, {1.0f, 0.0f, 0.0f}, "right is +x"},
+        {MIDDLE, MIDDLE - 6, {0.0f, 0.0f, 1.0f}, "above is +y"},
+        {MIDDLE, MIDDLE + 5, {1.0f, 1.0f, 0.0f}, "below is -y"},
+        {1, 1, {1.0f, 0.0f, 1.0f}, "behind the sphere is +z"}};
+    for (const Case& current : cases)
+        EXPECT_LT(Vector::distanceVec3(pixel(image, current.x, current.y), current.colour), 0.1f)
+            << current.what << ": " << pixel(image, current.x, current.y).toString();
 }
 
 TEST_P(ScenePictureTest, whatIsNoNumberIsBlackAndCounted) {
