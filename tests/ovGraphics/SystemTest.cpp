@@ -1,5 +1,4 @@
 #include <gtest/gtest.h>
-#include <ovGraphics/AllocationCounter.h>
 #include <ovGraphics/Canvas.h>
 #include <ovGraphics/device/Device.h>
 #include <ovGraphics/resources/Managers.h>
@@ -8,6 +7,7 @@
 #include <ovGraphics/resources/Viewport.h>
 #include <ovGraphics/scene/Camera.h>
 #include <support/PictureTest.h>
+#include <support/heap/Heap.h>
 
 using namespace ovGraphics;
 using ovMaths::Vector;

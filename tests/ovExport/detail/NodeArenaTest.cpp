@@ -1,7 +1,7 @@
 // What trees take from the heap.
 #include <gtest/gtest.h>
 #include <ovExport/JsonExporter.h>
-#include <ovExport/support/Allocations.h>
+#include <support/heap/Heap.h>
 
 namespace {
 

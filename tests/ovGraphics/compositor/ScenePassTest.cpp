@@ -1,9 +1,9 @@
 #include <cstring>
 #include <gtest/gtest.h>
-#include <ovGraphics/AllocationCounter.h>
 #include <ovGraphics/device/Device.h>
 #include <ovGraphics/scene/SceneTesting.h>
 #include <support/PictureTest.h>
+#include <support/heap/Heap.h>
 
 using namespace ovGraphics;
 using ovMaths::Vector;

@@ -4,10 +4,10 @@
 #include <ovGraphics/resources/TextureUtils.h>
 #include <ovVeldris/environment/EnvironmentFixture.h>
 #include <ovVeldris/environment/PbsEnvironmentMapFilter.h>
-#include <ovVeldris/environment/irradiance/HeapCount.h>
 #include <ovVeldris/environment/irradiance/IrradianceReference.h>
 #include <ovVeldris/environment/irradiance/TextureIrradiance.h>
 #include <set>
+#include <support/heap/Heap.h>
 
 using namespace ovVeldris;
 using ovGraphics::FORMAT;
@@ -281,13 +281,13 @@ TEST_P(PbsEnvironmentMapFilterIrradianceTest, takesLittleMemory) {
             const std::size_t image =
                 TextureUtils::getSliceSize(format, input->getWidth(), height) * (isCube ? 6 : 1);
             output->reset();
-            const HeapCount count;
+            const HeapPeak count;
             compute(input.get(), output.get());
             // The output keeps its texels itself; beyond them the limit is 1.2 times input and output.
-            EXPECT_GE(count.getPeak(), image);
-            EXPECT_LE(count.getPeak() - image, 2 * image * 12 / 10);
+            EXPECT_GE(count.getBytes(), image);
+            EXPECT_LE(count.getBytes() - image, 2 * image * 12 / 10);
             // More exactly: one slice at a time, and the tables of directions, 1/24 to 1/6 of a cube.
             const std::size_t slice = image / (isCube ? 6 : 1);
-            EXPECT_LE(count.getPeak() - image, slice + image / 5 + 65536);
+            EXPECT_LE(count.getBytes() - image, slice + image / 5 + 65536);
         }
 }
