@@ -17,6 +17,7 @@
 #include <veldris/scene/EnvironmentLight.h>
 #include <veldris/scene/MissingTextures.h>
 #include <veldris/scene/ModelLight.h>
+#include <veldris/scene/Panoramas.h>
 #include <veldris/scene/SceneCamera.h>
 #include <veldris/scene/ScenePicture.h>
 
@@ -40,6 +41,7 @@ struct RenderOptions {
     String lightColor;
     String background;
     String environment = BUILT_IN_SKY;
+    float environmentRotation = 0.0f; ///< degrees
     String size = "1280x720";
     String effects = DEFAULT_EFFECTS;
     unsigned int samples = 4;
@@ -142,7 +144,8 @@ ovMemory::UniquePtr<EnvironmentLight> makeEnvironment(Session& session, const Re
         error = decoded.error;
         if (!decoded)
             return nullptr;
-        light = EnvironmentLight::create(session, decoded.image->view(), warning, error);
+        const ovImages::Image panorama = turnedPhotograph(decoded.image->view(), options.environmentRotation);
+        light = EnvironmentLight::create(session, panorama.view(), warning, error);
     }
     warn(warning);
     return light;
@@ -282,6 +285,10 @@ void addRenderCommand(CLI::App& program, Command& command) {
         ->add_option(
             "--environment", options->environment,
             "panorama by longitude and latitude (EXR, HDR, PNG, JPEG), sky for the built-in one, or none")
+        ->capture_default_str();
+    render
+        ->add_option("--environment-rotation", options->environmentRotation,
+                     "degrees by which the environment is turned to the right")
         ->capture_default_str();
     render->add_option("--light", options->light,
                        "X,Y,Z where the light shines to (default: the model's light, or from "

@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 #include <numbers>
+#include <ovImages/Conversion.h>
 
 namespace veldris {
 
@@ -54,6 +56,27 @@ ovImages::Image drawPanorama(unsigned int width,
         }
     }
     return image;
+}
+
+ovImages::Image turnedPhotograph(const ovImages::ImageView& photograph, float degrees) {
+    const ovImages::Image source = ovImages::convertImage(photograph, ovImages::COMPONENT_TYPE::FLOAT, 4,
+                                                          ovImages::COLOUR_ENCODING::LINEAR);
+    ovImages::Image turned = source;
+    if (source.isEmpty())
+        return turned;
+    constexpr std::size_t PIXEL = 4 * sizeof(float);
+    const unsigned int width = source.getWidth();
+    const double turn = static_cast<double>(degrees) / 360.0;
+    const auto shift = static_cast<unsigned int>(std::lround((turn - std::floor(turn)) * width)) % width;
+    for (unsigned int row = 0; row < source.getHeight(); ++row) {
+        const std::size_t start = std::size_t{row} * width;
+        for (unsigned int column = 0; column < width; ++column) {
+            const std::size_t from = start + (2 * std::size_t{width} - 1 - column - shift) % width;
+            std::memcpy(&turned.getBytes()[(start + column) * PIXEL], &source.getBytes()[from * PIXEL],
+                        PIXEL);
+        }
+    }
+    return turned;
 }
 
 Vector studioRadiance(const Vector& direction) {

@@ -25,6 +25,33 @@ TEST(PanoramasTest, putDirectionsWhereFiltersReadThem) {
     }
 }
 
+TEST(PanoramasTest, photographsAreReversedAndTurned) {
+    ovImages::Image photograph(4, 2, 1, ovImages::COMPONENT_TYPE::FLOAT, ovImages::COLOUR_ENCODING::LINEAR);
+    for (unsigned int y = 0; y < 2; ++y)
+        for (unsigned int x = 0; x < 4; ++x)
+            photograph.setComponent(x, y, 0, static_cast<float>(10 * y + x));
+    struct Case {
+        float degrees;
+        float firstRow[4];
+    };
+    const Case cases[] = {{0.0f, {3, 2, 1, 0}},    {90.0f, {2, 1, 0, 3}},  {-90.0f, {0, 3, 2, 1}},
+                          {180.0f, {1, 0, 3, 2}},  {360.0f, {3, 2, 1, 0}}, {40.0f, {3, 2, 1, 0}},
+                          {-630.0f, {2, 1, 0, 3}}, {50.0f, {2, 1, 0, 3}}};
+    for (const Case& current : cases) {
+        const ovImages::Image turned = veldris::turnedPhotograph(photograph.view(), current.degrees);
+        for (unsigned int x = 0; x < 4; ++x) {
+            EXPECT_EQ(turned.getComponent(x, 0, 2), current.firstRow[x]) << current.degrees << ' ' << x;
+            EXPECT_EQ(turned.getComponent(x, 1, 0), current.firstRow[x] + 10.0f)
+                << current.degrees << ' ' << x;
+            EXPECT_EQ(turned.getComponent(x, 1, 3), 1.0f);
+        }
+    }
+    const ovImages::Image once = veldris::turnedPhotograph(photograph.view());
+    const ovImages::Image twice = veldris::turnedPhotograph(once.view());
+    EXPECT_EQ(twice.getComponent(3, 1, 0), photograph.getComponent(3, 1, 0)) << "twice is as before";
+    EXPECT_TRUE(veldris::turnedPhotograph({}).isEmpty());
+}
+
 TEST(PanoramasTest, theStudioHasLampsInADarkRoom) {
     const Vector lamp = veldris::studioRadiance(Vector(-0.8f, 0.35f, -0.5f).getNormalizedVec3());
     EXPECT_GT(lamp.x, 5.0f);
