@@ -3,6 +3,7 @@
 #include "ovVeldris/effects/EffectBenchmark.h"
 #include "ovVeldris/effects/ProgramCacheBenchmark.h"
 #include "ovVeldris/environment/EnvironmentFilterBenchmark.h"
+#include "ovVeldris/environment/IrradianceBenchmark.h"
 
 #include <benchmark/benchmark.h>
 #include <string_view>
@@ -13,6 +14,7 @@ int main(int argumentCount, char** arguments) {
     ovBenchmarks::registerContentLoader();
     ovBenchmarks::registerEffects();
     ovBenchmarks::registerEnvironmentFilter();
+    ovBenchmarks::registerIrradiance();
     ovBenchmarks::registerProgramCache(arguments[0]);
     benchmark::Initialize(&argumentCount, arguments);
     benchmark::RunSpecifiedBenchmarks();

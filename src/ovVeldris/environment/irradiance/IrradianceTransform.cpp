@@ -70,9 +70,12 @@ bool IrradianceTransform::project(unsigned int slice, ovMemory::BufferView<const
         return false;
     const IrradianceDirections& directions = _detail->getDirections(_layout);
     BasisValues sums = {};
-    for (unsigned int row = 0; row < _layout.height; ++row)
-        _detail->kernels.project(bytes.data() + row * rowPitch, _detail->row, directions.getTerms(row),
+    RowLayout layout = _detail->row;
+    for (unsigned int row = 0; row < _layout.height; ++row) {
+        layout.ahead = row + 1 < _layout.height ? rowPitch : 0;
+        _detail->kernels.project(bytes.data() + row * rowPitch, layout, directions.getTerms(row),
                                  directions.getBasis(slice, row), sums);
+    }
     const double scale = _detail->components.scale;
     const double texels = static_cast<double>(_layout.slices) * _layout.height * _layout.width;
     for (std::size_t k = 0; k < sums.size(); ++k)

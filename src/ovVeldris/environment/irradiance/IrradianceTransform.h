@@ -43,8 +43,9 @@ enum class IRRADIANCE_INSTRUCTIONS : unsigned int {
 ///
 /// Every texel weighs the same, whatever solid angle it covers, and stands for its top left corner. A map's
 /// longitude is 0 at +z and rises towards +x, its latitude is 0 at +y: another convention than that of the
-/// library's other maps. A constant environment therefore gives 0.84 of it at the equator of a map's result
-/// and 1.31 at the poles; a cube of 256 texels a side keeps it within 0.43 %.
+/// library's other maps, where its x is -z and its z is -x. Coefficients show that, drawn maps do not, as
+/// they are written like they are read. A constant environment therefore gives 0.84 of it at the equator of a
+/// map's result and 1.31 at the poles; a cube of 256 texels a side keeps it within 0.43 %.
 ///
 /// Texels are read as memory holds them, without decoding sRGB: 32-bit floats and integers and 8-bit integers
 /// where the format is one of R32G32B32(A32) or R8G8B8A8, and bytes for any other format, whatever it means.

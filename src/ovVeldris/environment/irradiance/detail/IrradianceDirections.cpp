@@ -92,7 +92,7 @@ void IrradianceDirections::_fillMap() {
     }
 }
 
-// Rows j and height - j have the same terms.
+// Rows j and height - j have the same terms. Of a square, k of (i, j) is k of (j, i): half as many roots.
 void IrradianceDirections::_fillCube() {
     const std::size_t rows = _height / 2 + 1;
     _terms.resize(rows * _columns);
@@ -104,7 +104,9 @@ void IrradianceDirections::_fillCube() {
         ColumnTerms* const terms = &_terms[row * _columns];
         for (unsigned int column = 0; column < _columns; ++column) {
             const double a = sides[column];
-            const double k = 1.0 / std::sqrt(a * a + b * b + 1.0);
+            const bool isKnown = _width == _height && column < row;
+            const double k =
+                isKnown ? _terms[column * _columns + row].even : 1.0 / std::sqrt(a * a + b * b + 1.0);
             terms[column] = {k, k * a};
         }
     }

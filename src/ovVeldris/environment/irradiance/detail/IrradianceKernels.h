@@ -15,6 +15,7 @@ struct RowLayout {
     unsigned int channels = 0; ///< components read or written, 1 to 4
     std::size_t texelSize = 0; ///< bytes from one texel to the next, room for the channels
     double opaque = 1.0;       ///< what a fourth channel is written as
+    std::size_t ahead = 0;     ///< bytes to the same texel of the next row to be read, 0 when there is none
 };
 
 /// Adds each texel times each basis function to the sums. What is added for channels that the row lacks means
