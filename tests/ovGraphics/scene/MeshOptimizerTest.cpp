@@ -22,15 +22,15 @@ VertexComposition makeComposition(FORMAT position = FORMAT::R32G32B32_FLOAT) {
 }
 
 Bytes pack(const std::vector<Vertex>& vertices) {
-    Bytes bytes(vertices.size() * sizeof(Vertex));
-    std::memcpy(bytes.data(), vertices.data(), bytes.size());
-    return bytes;
+    const auto* begin = reinterpret_cast<const unsigned char*>(vertices.data());
+    return {begin, begin + vertices.size() * sizeof(Vertex)};
 }
 
 // Each triangle begun at its smallest corner, which keeps its sense of rotation; in ascending order.
 std::vector<std::array<Vertex, 3>> trianglesOf(const Bytes& bytes, const Indices& indices) {
     std::vector<Vertex> vertices(bytes.size() / sizeof(Vertex));
-    std::memcpy(vertices.data(), bytes.data(), bytes.size());
+    if (!bytes.empty())
+        std::memcpy(vertices.data(), bytes.data(), bytes.size());
     std::vector<std::array<Vertex, 3>> triangles;
     const std::size_t corners = indices.empty() ? vertices.size() : indices.size();
     const auto corner = [&](std::size_t i) { return vertices[indices.empty() ? i : indices[i]]; };
