@@ -42,6 +42,7 @@ int runProgram(int argumentCount, const char* const* arguments) {
 
     Command command;
     addApplyCommand(program, command);
+    addBakeCommand(program, command);
     addCheckCommand(program, command);
     addDemoCommand(program, command);
     addInfoCommand(program, command);

@@ -16,6 +16,7 @@ using Command = std::function<int()>;
 
 /// Each adds its subcommand to the program; the chosen one stores what it runs in command.
 void addApplyCommand(CLI::App& program, Command& command);
+void addBakeCommand(CLI::App& program, Command& command);
 void addCheckCommand(CLI::App& program, Command& command);
 void addDemoCommand(CLI::App& program, Command& command);
 void addInfoCommand(CLI::App& program, Command& command);

@@ -13,7 +13,7 @@ TEST(CommandsTest, helpAndVersionSucceed) {
         EXPECT_FALSE(outcome.output.empty()) << option;
     }
     const Outcome help = runVeldris({"--help"});
-    for (const char* command : {"apply", "demo", "info", "shaders"})
+    for (const char* command : {"apply", "bake", "demo", "info", "shaders"})
         EXPECT_NE(help.output.find(command), ovMemory::String::npos) << command;
 }
 

@@ -1,0 +1,235 @@
+// veldris bake: environments turned into what materials and other programs read.
+#include <veldris/commands/Commands.h>
+
+#include <CLI/CLI.hpp>
+#include <chrono>
+#include <fmt/format.h>
+#include <optional>
+#include <ovGraphics/System.h>
+#include <ovGraphics/device/Device.h>
+#include <ovResources/Files.h>
+#include <unistd.h>
+#include <veldris/JsonText.h>
+#include <veldris/bake/BakeOutput.h>
+#include <veldris/bake/CubeBaking.h>
+
+namespace veldris {
+
+namespace {
+
+using ovMemory::String;
+using ovMemory::StringView;
+
+enum class BAKE { PREFILTER, IRRADIANCE, CUBEMAP, SPHERICAL };
+
+struct BakeOptions {
+    BAKE bake = BAKE::PREFILTER;
+    const char* name = "";
+    String input = {};
+    String output = {};
+    unsigned int size = 0; ///< 0: the default of spherical
+    String layout = {};
+    String format = "half";
+    String coefficients = {};
+    DrawingOptions drawing = {};
+};
+
+constexpr unsigned int MIN_SIZE = 4; // texels
+constexpr unsigned int MAX_SIZE = 65536;
+constexpr unsigned int DEFAULT_SIZE = 256;
+
+struct BakeResult {
+    CubeMap cube;
+    ovImages::Image panorama;
+    ovVeldris::IrradianceCoefficients coefficients;
+    BakeFiles files;
+};
+
+class Stopwatch {
+public:
+    /// Seconds since the last call, or since this was made.
+    double lap() {
+        const auto now = std::chrono::steady_clock::now();
+        const std::chrono::duration<double> passed = now - std::exchange(_last, now);
+        return passed.count();
+    }
+
+private:
+    std::chrono::steady_clock::time_point _last = std::chrono::steady_clock::now();
+};
+
+/// The names are those of the directions that the functions grow along, y up.
+String coefficientsText(const ovVeldris::IrradianceCoefficients& coefficients) {
+    constexpr const char* BASIS[] = {"1", "x", "y", "z", "zx", "xy", "2y^2-x^2-z^2", "yz", "z^2-x^2"};
+    ovMemory::Buffer<JsonObject> rows;
+    for (std::size_t i = 0; i < coefficients.values.size(); ++i)
+        rows.push_back(JsonObject()
+                           .text("basis", BASIS[i])
+                           .number("factor", ovVeldris::IRRADIANCE_BAND_FACTORS[i])
+                           .number("red", coefficients.values[i][0])
+                           .number("green", coefficients.values[i][1])
+                           .number("blue", coefficients.values[i][2]));
+    return JsonObject().array("coefficients", rows).toText() + "\n";
+}
+
+/// One line on a terminal before long work.
+void tellProgress(const BakeOptions& options, Session& session) {
+    if (!isatty(STDERR_FILENO))
+        return;
+    // What a software rasteriser of two cores needs for 1024 samples of each texel; others need milliseconds.
+    constexpr double SECONDS_OF_256 = 2.0;
+    String estimate;
+    if (options.bake == BAKE::PREFILTER && session.getGraphics().getDeviceInfo()->software)
+        estimate =
+            fmt::format(", about {:.0f} s", 1.0 + SECONDS_OF_256 * options.size * options.size / 65536.0);
+    fmt::print(stderr, "{}: baking '{}'{} ...\n", options.name, options.input, estimate);
+}
+
+bool plan(const BakeOptions& options, BakeOutput& output, String& error) {
+    output.path = options.output;
+    output.components =
+        options.format == "half" ? ovImages::COMPONENT_TYPE::HALF : ovImages::COMPONENT_TYPE::FLOAT;
+    if (options.bake == BAKE::SPHERICAL)
+        return planPanorama(output, error);
+    return planCube(options.layout, options.bake == BAKE::PREFILTER, output, error);
+}
+
+bool bake(const BakeOptions& options, Session& session, const EnvironmentInput& input, BakeResult& result,
+          String& error) {
+    switch (options.bake) {
+    case BAKE::PREFILTER:
+        return bakePrefiltered(session, input, options.size, result.cube, error);
+    case BAKE::IRRADIANCE:
+        return bakeIrradiance(session, input, options.size, result.cube, result.coefficients, error);
+    case BAKE::CUBEMAP:
+        return bakeCube(session, input, options.size, result.cube, error);
+    case BAKE::SPHERICAL:
+        break;
+    }
+    // A map's middle row has four faces, so this keeps the size of the cube's texels.
+    const unsigned int height = options.size > 0 ? options.size : 2 * input.image.getWidth();
+    return bakePanorama(session, input, height, result.panorama, error);
+}
+
+bool write(const BakeOptions& options, const BakeOutput& output, BakeResult& result, String& error) {
+    const bool isWritten = output.form == BAKE_FORM::PANORAMA
+                               ? writePanorama(output, result.panorama.view(), result.files, error)
+                               : writeCube(output, result.cube, result.files, error);
+    if (!isWritten || options.coefficients.empty())
+        return isWritten;
+    const String text = coefficientsText(result.coefficients);
+    if (!ovResources::writeFileAtomically(options.coefficients, ovMemory::BufferView<const char>(text),
+                                          error))
+        return false;
+    result.files.paths.push_back(options.coefficients);
+    return true;
+}
+
+void printReport(const BakeOptions& options, const EnvironmentInput& input, const BakeResult& result,
+                 const JsonObject& seconds) {
+    if (!options.drawing.json) {
+        for (const String& path : result.files.paths)
+            fmt::print("{}\n", path);
+        return;
+    }
+    const bool isPanorama = !result.panorama.isEmpty();
+    JsonObject report;
+    report.text("bake", options.name)
+        .text("input", options.input)
+        .text("inputKind", input.kind)
+        .number("width", isPanorama ? result.panorama.getWidth() : result.cube.getSide())
+        .number("height", isPanorama ? result.panorama.getHeight() : result.cube.getSide())
+        .number("mips", isPanorama ? 1.0 : static_cast<double>(result.cube.mips.size()))
+        .texts("files", result.files.paths);
+    if (options.drawing.timings)
+        report.object("seconds", seconds);
+    fmt::print("{}\n", report.toText());
+}
+
+int runBake(const BakeOptions& options) {
+    BakeOutput output;
+    String error;
+    if (!plan(options, output, error))
+        return fail(error);
+    Stopwatch stopwatch;
+    JsonObject seconds;
+    EnvironmentInput input;
+    if (!readEnvironment(options.input, input, error))
+        return fail(error);
+    if (options.bake == BAKE::SPHERICAL && !input.isCube)
+        return fail(fmt::format("'{}' is a panorama already; spherical unwraps cubes.", options.input));
+    for (const String& warning : input.warnings)
+        warn(warning);
+    seconds.number("read", stopwatch.lap());
+    Session session;
+    if (!session.open(options.drawing, error))
+        return fail(error);
+    tellProgress(options, session);
+    BakeResult result;
+    if (!bake(options, session, input, result, error))
+        return fail(error);
+    warn(session.getLogger().take());
+    seconds.number("bake", stopwatch.lap());
+    if (!write(options, output, result, error))
+        return fail(error);
+    warn(result.files.warning);
+    seconds.number("write", stopwatch.lap());
+    if (options.drawing.timings && !options.drawing.json)
+        fmt::print("seconds: {}\n", seconds.toText());
+    printReport(options, input, result, seconds);
+    return 0;
+}
+
+void addBake(CLI::App& parent, Command& command, const BakeOptions& defaults, const char* help) {
+    auto options = std::make_shared<BakeOptions>(defaults);
+    CLI::App* mode = parent.add_subcommand(options->name, help);
+    mode->add_option(
+            "INPUT", options->input,
+            "panorama or cross (EXR, HDR, PNG, JPEG), a name with {face} for six faces (px, nx, py, ny, "
+            "pz, nz), or a cube (.dds)")
+        ->required();
+    const bool isCube = options->bake != BAKE::SPHERICAL;
+    mode->add_option(
+            "OUTPUT", options->output,
+            isCube ? ".dds for one file with all mips, or a picture with {face}, and {mip} for all mips, "
+                     "in its name"
+                   : "panorama to write; its extension chooses the format")
+        ->required();
+    CLI::Option* size = mode->add_option(
+        "--size", options->size,
+        isCube ? "texels a side of a face" : "rows of the panorama (default: twice the texels of a face)");
+    size->check(CLI::Range(MIN_SIZE, MAX_SIZE));
+    if (isCube) {
+        size->capture_default_str();
+        mode->add_option("--layout", options->layout,
+                         "faces, or cross for one picture of four by three faces (default: faces)")
+            ->check(CLI::IsMember({"faces", "cross"}));
+    }
+    mode->add_option("--format", options->format, "numbers of DDS and EXR files: half or float")
+        ->check(CLI::IsMember({"half", "float"}))
+        ->capture_default_str();
+    if (options->bake == BAKE::IRRADIANCE)
+        mode->add_option("--coefficients", options->coefficients,
+                         "JSON file to write the nine coefficients of spherical harmonics to");
+    addDrawingOptions(*mode, options->drawing);
+    mode->callback([options, &command] { command = [options] { return runBake(*options); }; });
+}
+
+} // namespace
+
+void addBakeCommand(CLI::App& program, Command& command) {
+    CLI::App* bake =
+        program.add_subcommand("bake", "turn environments into maps for materials, or other forms");
+    bake->require_subcommand(1);
+    addBake(*bake, command, {.bake = BAKE::PREFILTER, .name = "prefilter", .size = DEFAULT_SIZE},
+            "a cube whose mips are what surfaces of rising roughness mirror");
+    addBake(*bake, command, {.bake = BAKE::IRRADIANCE, .name = "irradiance", .size = DEFAULT_SIZE},
+            "a cube of the light that diffuse surfaces receive, over pi");
+    addBake(*bake, command, {.bake = BAKE::CUBEMAP, .name = "cubemap", .size = DEFAULT_SIZE},
+            "the environment as a cube");
+    addBake(*bake, command, {.bake = BAKE::SPHERICAL, .name = "spherical"},
+            "a cube as a panorama by longitude and latitude");
+    bake->footer("Example: veldris bake prefilter sky.exr sky.dds --size 256");
+}
+
+} // namespace veldris

@@ -1,0 +1,239 @@
+#include <veldris/bake/CubeBaking.h>
+
+#include "support/TemporaryFolder.h"
+#include "veldris/bake/EnvironmentPictures.h"
+
+#include <algorithm>
+#include <ovGraphics/System.h>
+#include <ovGraphics/device/Device.h>
+#include <veldris/Session.h>
+
+namespace {
+
+using ovImages::Image;
+using ovMemory::String;
+using veldris::CubeMap;
+using veldris::EnvironmentInput;
+
+EnvironmentInput inputOf(Image image, bool isCube) {
+    EnvironmentInput input;
+    input.image = std::move(image);
+    input.isCube = isCube;
+    return input;
+}
+
+/// Six faces of one colour.
+Image uniformFaces(unsigned int side, float red, float green, float blue) {
+    Image image = floatImage(side, 6 * side);
+    for (unsigned int y = 0; y < 6 * side; ++y) {
+        for (unsigned int x = 0; x < side; ++x) {
+            const float colour[] = {red, green, blue, 1.0f};
+            for (unsigned int channel = 0; channel < 4; ++channel)
+                image.setComponent(x, y, channel, colour[channel]);
+        }
+    }
+    return image;
+}
+
+class CubeBakingTest : public testing::Test {
+protected:
+    void SetUp() override {
+        veldris::DrawingOptions options;
+        options.device = "software";
+        options.cache = _folder.getPath("cache");
+        String error;
+        ASSERT_TRUE(_session.open(options, error)) << error;
+    }
+
+    CubeMap cube(const EnvironmentInput& input, unsigned int side) {
+        CubeMap cube;
+        String error;
+        EXPECT_TRUE(veldris::bakeCube(_session, input, side, cube, error)) << error;
+        return cube;
+    }
+
+    CubeMap prefiltered(const EnvironmentInput& input, unsigned int side) {
+        CubeMap cube;
+        String error;
+        EXPECT_TRUE(veldris::bakePrefiltered(_session, input, side, cube, error)) << error;
+        return cube;
+    }
+
+    TemporaryFolder _folder;
+    veldris::Session _session;
+};
+
+TEST_F(CubeBakingTest, texelsOfCubesShowTheirDirection) {
+    const EnvironmentInput panorama = inputOf(directionPanorama(64), false);
+    const EnvironmentInput faces = inputOf(directionFaces(32), true);
+    struct Case {
+        const EnvironmentInput& input;
+        unsigned int side;
+        std::size_t mips;
+        double limit;
+    };
+    // Straight lines between the directions of pixels, the flat caps around the poles of a panorama (half a
+    // row, 1.4 degrees), and the mean over a texel, which is shorter than its middle: 0.02 of one for 8
+    // texels a side.
+    const Case cases[] = {{panorama, 32, 6, 0.013}, {panorama, 30, 5, 0.013}, {panorama, 8, 4, 0.02},
+                          {panorama, 64, 7, 0.013}, {faces, 8, 4, 0.02},      {faces, 48, 6, 0.01}};
+    for (const Case& row : cases) {
+        const CubeMap baked = cube(row.input, row.side);
+        ASSERT_EQ(baked.mips.size(), row.mips);
+        EXPECT_EQ(baked.getSide(), row.side);
+        EXPECT_LT(worstDirectionOfFaces(baked.mips[0]), row.limit) << row.side;
+        EXPECT_EQ(baked.mips.back().getWidth(), 1u);
+    }
+}
+
+TEST_F(CubeBakingTest, aCubeOfTheSameSizeKeepsItsTexels) {
+    const Image faces = directionFaces(5);
+    const CubeMap baked = cube(inputOf(faces, true), 5);
+    EXPECT_TRUE(std::ranges::equal(baked.mips[0].getBytes(), faces.getBytes()));
+}
+
+TEST_F(CubeBakingTest, finePicturesAreAveragedRatherThanSkipped) {
+    Image stripes = floatImage(512, 256); // of one pixel: 0 and 2
+    for (unsigned int y = 0; y < 256; ++y) {
+        for (unsigned int x = 1; x < 512; x += 2)
+            stripes.setComponent(x, y, 0, 2.0f);
+    }
+    const CubeMap baked = cube(inputOf(std::move(stripes), false), 8);
+    for (unsigned int y = 0; y < 6 * 8; ++y) {
+        for (unsigned int x = 0; x < 8; ++x)
+            // Each texel averages 16 x 16 points over some ten stripes.
+            EXPECT_NEAR(baked.mips[0].getComponent(x, y, 0), 1.0f, 0.15f) << x << ", " << y;
+    }
+}
+
+TEST_F(CubeBakingTest, prefilteringKeepsOneColour) {
+    const CubeMap baked = prefiltered(inputOf(uniformFaces(16, 0.25f, 3.0f, 1000.0f), true), 32);
+    ASSERT_EQ(baked.mips.size(), 4u); // 32, 16, 8, 4
+    for (const Image& mip : baked.mips) {
+        for (unsigned int y = 0; y < mip.getHeight(); ++y) {
+            const float expected[] = {0.25f, 3.0f, 1000.0f, 1.0f};
+            for (unsigned int channel = 0; channel < 4; ++channel)
+                // A thousand products summed in 32 bits.
+                EXPECT_NEAR(mip.getComponent(y % mip.getWidth(), y, channel) / expected[channel], 1.0, 1e-4);
+        }
+    }
+}
+
+TEST_F(CubeBakingTest, prefilteredMipsLookTheSameWay) {
+    const CubeMap baked = prefiltered(inputOf(directionPanorama(64), false), 32);
+    EXPECT_LT(worstDirectionOfFaces(baked.mips[0]), 0.013); // as in texelsOfCubesShowTheirDirection
+    for (const Image& mip : baked.mips) {
+        const unsigned int side = mip.getWidth();
+        for (unsigned int y = 0; y < 6 * side; ++y) {
+            for (unsigned int x = 0; x < side; ++x) {
+                // A lobe around a direction shortens the mean and leaves where it points to.
+                const Direction expected = directionOfTexel(y / side, side, x, y % side);
+                double length = 0.0;
+                double along = 0.0;
+                for (unsigned int channel = 0; channel < 3; ++channel) {
+                    const double part = 2.0 * mip.getComponent(x, y, channel) - 1.0;
+                    length += part * part;
+                    along += part * expected[channel];
+                }
+                EXPECT_GT(along / std::sqrt(length), 0.999) << side << ": " << x << ", " << y;
+            }
+        }
+    }
+}
+
+TEST_F(CubeBakingTest, aSmallSunDoesNotSpeckle) {
+    constexpr unsigned int SIDE = 64;
+    Image faces = uniformFaces(SIDE, 0.0f, 0.0f, 0.0f);
+    for (unsigned int i = 0; i < 4; ++i) // in the middle of +X
+        faces.setComponent(SIDE / 2 - i % 2, SIDE / 2 - i / 2, 0, 65504.0f);
+    const CubeMap baked = prefiltered(inputOf(std::move(faces), true), SIDE);
+    ASSERT_EQ(baked.mips.size(), 5u);
+    for (unsigned int mip = 1; mip < 5; ++mip) {
+        const Image& image = baked.mips[mip];
+        const unsigned int side = image.getWidth();
+        double worst = 0.0;
+        for (unsigned int y = 0; y < side / 2; ++y) {
+            for (unsigned int x = 0; x < side / 2; ++x) {
+                const double left = image.getComponent(x, y, 0);
+                const double right = image.getComponent(side - 1 - x, y, 0);
+                EXPECT_GT(left, 0.1);
+                worst = std::max(worst, std::abs(left - right) / (left + right));
+            }
+        }
+        // Mirrored places see the sun alike; samples that hit or miss it do not: 0.3 without softened mips.
+        EXPECT_LT(worst, 0.05) << "mip " << mip;
+    }
+}
+
+TEST_F(CubeBakingTest, irradianceIsTheCosinesMean) {
+    CubeMap baked;
+    ovVeldris::IrradianceCoefficients coefficients;
+    String error;
+    ASSERT_TRUE(veldris::bakeIrradiance(_session, inputOf(directionPanorama(128), false), 64, baked,
+                                        coefficients, error))
+        << error;
+    ASSERT_EQ(baked.mips.size(), 1u);
+    ASSERT_EQ(baked.getSide(), 64u);
+    double worst = 0.0;
+    for (unsigned int y = 0; y < 6 * 64; ++y) {
+        for (unsigned int x = 0; x < 64; ++x) {
+            // The light 0.5 + 0.5 d gives 0.5 + 0.5 d 2/3.
+            Direction expected = directionOfTexel(y / 64, 64, x, y % 64);
+            for (double& part : expected)
+                part *= 2.0 / 3.0;
+            worst = std::max(worst, worstDirection(baked.mips[0], x, y, expected));
+        }
+    }
+    // Texels count from their corners, half of 2 / 64 away from their middles: twice that in a corner of a
+    // face.
+    EXPECT_LT(worst, 0.02);
+    EXPECT_NEAR(coefficients.values[0][0], 1.7725, 0.001); // sqrt(pi), the integral of 0.5 Y
+}
+
+TEST_F(CubeBakingTest, panoramasAndCubesAreTheSameSurroundings) {
+    constexpr unsigned int HEIGHT = 32;
+    Image panorama;
+    String error;
+    ASSERT_TRUE(veldris::bakePanorama(_session, inputOf(directionFaces(32), true), HEIGHT, panorama, error))
+        << error;
+    ASSERT_EQ(panorama.getWidth(), 2 * HEIGHT);
+    ASSERT_EQ(panorama.getHeight(), HEIGHT);
+    double worst = 0.0;
+    for (unsigned int y = 0; y < HEIGHT; ++y) {
+        for (unsigned int x = 0; x < 2 * HEIGHT; ++x)
+            worst =
+                std::max(worst, worstDirection(panorama, x, y, directionOfPixel(2 * HEIGHT, HEIGHT, x, y)));
+    }
+    EXPECT_LT(worst, 0.01); // texels of 2.8 degrees, averaged where several fall into a pixel
+}
+
+TEST_F(CubeBakingTest, theSameInputGivesTheSameBits) {
+    const EnvironmentInput input = inputOf(directionPanorama(16), false);
+    const CubeMap first = prefiltered(input, 16);
+    const CubeMap second = prefiltered(input, 16);
+    ASSERT_EQ(first.mips.size(), second.mips.size());
+    for (std::size_t mip = 0; mip < first.mips.size(); ++mip)
+        EXPECT_TRUE(std::ranges::equal(first.mips[mip].getBytes(), second.mips[mip].getBytes())) << mip;
+}
+
+TEST_F(CubeBakingTest, whatTheDeviceCannotHoldIsOneLine) {
+    const ovGraphics::device::DeviceInfo& device = *_session.getGraphics().getDeviceInfo();
+    const EnvironmentInput small = inputOf(directionFaces(4), true);
+    const EnvironmentInput wide = inputOf(floatImage(device.maxTextureSize + 1, 1), false);
+    CubeMap cube;
+    Image panorama;
+    ovVeldris::IrradianceCoefficients coefficients;
+    String errors[5];
+    EXPECT_FALSE(veldris::bakeCube(_session, small, device.maxCubeSize + 1, cube, errors[0]));
+    EXPECT_FALSE(veldris::bakePrefiltered(_session, small, device.maxCubeSize + 1, cube, errors[1]));
+    EXPECT_FALSE(
+        veldris::bakeIrradiance(_session, small, device.maxCubeSize + 1, cube, coefficients, errors[2]));
+    EXPECT_FALSE(veldris::bakePanorama(_session, small, device.maxTextureSize, panorama, errors[3]));
+    EXPECT_FALSE(veldris::bakeCube(_session, wide, 4, cube, errors[4]));
+    for (const String& error : errors) {
+        EXPECT_NE(error.find("this device holds up to"), String::npos) << error;
+        EXPECT_EQ(error.find('\n'), String::npos) << error;
+    }
+}
+
+} // namespace
