@@ -12,6 +12,7 @@
 #include <veldris/JsonText.h>
 #include <veldris/bake/BakeOutput.h>
 #include <veldris/bake/CubeBaking.h>
+#include <veldris/bake/Mirror.h>
 
 namespace veldris {
 
@@ -31,6 +32,7 @@ struct BakeOptions {
     String layout = {};
     String format = "half";
     String coefficients = {};
+    bool mirror = false;
     DrawingOptions drawing = {};
 };
 
@@ -160,6 +162,8 @@ int runBake(const BakeOptions& options) {
         return fail(fmt::format("'{}' is a panorama already; spherical unwraps cubes.", options.input));
     for (const String& warning : input.warnings)
         warn(warning);
+    if (options.mirror)
+        mirror(input);
     seconds.number("read", stopwatch.lap());
     Session session;
     if (!session.open(options.drawing, error))
@@ -205,6 +209,8 @@ void addBake(CLI::App& parent, Command& command, const BakeOptions& defaults, co
                          "faces, or cross for one picture of four by three faces (default: faces)")
             ->check(CLI::IsMember({"faces", "cross"}));
     }
+    mode->add_flag("--mirror", options->mirror,
+                   "swap +z and -z first: letters of panoramas read right in cubes");
     mode->add_option("--format", options->format, "numbers of DDS and EXR files: half or float")
         ->check(CLI::IsMember({"half", "float"}))
         ->capture_default_str();

@@ -118,6 +118,18 @@ TEST_F(BakeCommandTest, everyFormUnwrapsToTheSamePanorama) {
     }
 }
 
+TEST_F(BakeCommandTest, mirrorsOnRequest) {
+    const Outcome outcome =
+        bake("cubemap", writePanorama(), _folder.getPath("{face}.exr"), {"--size", "16", "--mirror"});
+    ASSERT_EQ(outcome.status, 0) << outcome.error;
+    const Image image = readImage(_folder.getPath("pz.exr"));
+    for (unsigned int i = 0; i < 16 * 16; ++i) {
+        Direction expected = directionOfTexel(4, 16, i % 16, i / 16);
+        expected[2] = -expected[2];
+        EXPECT_LT(worstDirection(image, i % 16, i / 16, expected), 0.026) << i;
+    }
+}
+
 TEST_F(BakeCommandTest, irradianceGivesItsCoefficients) {
     const String json = _folder.getPath("sky.json");
     const Outcome outcome = bake("irradiance", writePanorama(), _folder.getPath("sky.png"),
