@@ -3,10 +3,9 @@
 #include <fmt/format.h>
 #include <ovImages/CompositeEncoder.h>
 #include <ovImages/Conversion.h>
-#include <ovResources/Files.h>
 #include <veldris/ImageFiles.h>
 #include <veldris/bake/CrossLayout.h>
-#include <veldris/bake/DdsFile.h>
+#include <veldris/bake/CubeFile.h>
 
 namespace veldris {
 
@@ -74,7 +73,7 @@ bool writeMip(const BakeOutput& output, const String& path, const Image& mip, Ba
     return true;
 }
 
-bool writeDds(const BakeOutput& output, const CubeMap& cube, BakeFiles& files, String& error) {
+bool writeOneFile(const BakeOutput& output, const CubeMap& cube, BakeFiles& files, String& error) {
     CubeMap converted;
     for (const Image& mip : cube.mips) {
         String warning;
@@ -83,13 +82,7 @@ bool writeDds(const BakeOutput& output, const CubeMap& cube, BakeFiles& files, S
         if (!warning.empty())
             files.warning = warning;
     }
-    const ovMemory::Buffer<unsigned char> bytes = encodeDds(converted);
-    if (bytes.empty()) {
-        error = fmt::format("'{}' cannot be written: memory does not suffice.", output.path);
-        return false;
-    }
-    if (!ovResources::writeFileAtomically(output.path, ovMemory::BufferView<const unsigned char>(bytes),
-                                          error))
+    if (!writeCubeFile(output.path, converted, error))
         return false;
     files.paths.push_back(output.path);
     return true;
@@ -99,14 +92,15 @@ bool writeDds(const BakeOutput& output, const CubeMap& cube, BakeFiles& files, S
 
 bool planCube(StringView layout, bool needsMips, BakeOutput& output, String& error) {
     const bool hasFaces = hasField(output.path, FACE_FIELD);
-    output.form = isDds(output.path)  ? BAKE_FORM::DDS
-                  : layout == "cross" ? BAKE_FORM::CROSS
-                                      : BAKE_FORM::FACES;
-    if (output.form == BAKE_FORM::DDS && (hasFaces || hasField(output.path, MIP_FIELD) || !layout.empty()))
+    output.form = findCubeFormat(output.path) ? BAKE_FORM::CUBE_FILE
+                  : layout == "cross"         ? BAKE_FORM::CROSS
+                                              : BAKE_FORM::FACES;
+    if (output.form == BAKE_FORM::CUBE_FILE &&
+        (hasFaces || hasField(output.path, MIP_FIELD) || !layout.empty()))
         error = fmt::format(
             "'{}' holds all faces and mips in one file; leave {{face}}, {{mip}} and --layout out.",
             output.path);
-    else if (output.form == BAKE_FORM::DDS)
+    else if (output.form == BAKE_FORM::CUBE_FILE)
         return true;
     else if (output.form == BAKE_FORM::CROSS && hasFaces)
         error =
@@ -115,12 +109,12 @@ bool planCube(StringView layout, bool needsMips, BakeOutput& output, String& err
                         output.path);
     else if (output.form == BAKE_FORM::FACES && !hasFaces)
         error = fmt::format("'{}' is one picture, and a cube has six: put {{face}} into its name, or give "
-                            "--layout cross, or write a .dds file.",
+                            "--layout cross, or write a .dds or .ktx file.",
                             output.path);
     else if (needsMips && !hasField(output.path, MIP_FIELD))
         error =
             fmt::format("'{}' has room for one mip, and roughness needs all: put {{mip}} into its name, or "
-                        "write a .dds file.",
+                        "write a .dds or .ktx file.",
                         output.path);
     else
         return checkPictureFormat(output.path, error);
@@ -129,7 +123,7 @@ bool planCube(StringView layout, bool needsMips, BakeOutput& output, String& err
 
 bool planPanorama(BakeOutput& output, String& error) {
     output.form = BAKE_FORM::PANORAMA;
-    if (isDds(output.path))
+    if (findCubeFormat(output.path))
         error = fmt::format("'{}' is for cubes; write a panorama as EXR, HDR or PNG.", output.path);
     else if (hasField(output.path, FACE_FIELD) || hasField(output.path, MIP_FIELD))
         error = fmt::format(
@@ -140,8 +134,8 @@ bool planPanorama(BakeOutput& output, String& error) {
 }
 
 bool writeCube(const BakeOutput& output, const CubeMap& cube, BakeFiles& files, String& error) {
-    if (output.form == BAKE_FORM::DDS)
-        return writeDds(output, cube, files, error);
+    if (output.form == BAKE_FORM::CUBE_FILE)
+        return writeOneFile(output, cube, files, error);
     const std::size_t count = hasField(output.path, MIP_FIELD) ? cube.mips.size() : 1;
     for (std::size_t mip = 0; mip < count; ++mip) {
         if (!writeMip(output, fillField(output.path, MIP_FIELD, std::to_string(mip)), cube.mips[mip], files,

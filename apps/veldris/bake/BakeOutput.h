@@ -10,17 +10,17 @@ inline constexpr ovMemory::StringView MIP_FIELD = "{mip}";
 
 /// How a result is laid out in files.
 enum class BAKE_FORM : unsigned int {
-    FACES = 0,   ///< one file a face: {face} in the path
-    CROSS = 1,   ///< one picture of four by three faces, as CrossLayout tells
-    DDS = 2,     ///< one file with all mips
-    PANORAMA = 3 ///< one picture by longitude and latitude
+    FACES = 0,     ///< one file a face: {face} in the path
+    CROSS = 1,     ///< one picture of four by three faces, as CrossLayout tells
+    CUBE_FILE = 2, ///< one DDS or KTX file with all mips
+    PANORAMA = 3   ///< one picture by longitude and latitude
 };
 
 /// Where and how a result is written.
 struct BakeOutput {
     ovMemory::String path;
-    BAKE_FORM form = BAKE_FORM::DDS;
-    ovImages::COMPONENT_TYPE components = ovImages::COMPONENT_TYPE::HALF; ///< of DDS and EXR files
+    BAKE_FORM form = BAKE_FORM::CUBE_FILE;
+    ovImages::COMPONENT_TYPE components = ovImages::COMPONENT_TYPE::HALF; ///< of DDS, KTX and EXR files
 };
 
 /// What was written.
@@ -38,9 +38,9 @@ bool planCube(ovMemory::StringView layout, bool needsMips, BakeOutput& output, o
 /// The same of a panorama, one picture.
 bool planPanorama(BakeOutput& output, ovMemory::String& error);
 
-/// Writes a cube of linear floats: all mips to a DDS file or where the path has {mip}, otherwise the first.
-/// Each file appears whole or not at all. @return false with one line in error; files before that one were
-/// written
+/// Writes a cube of linear floats: all mips to a DDS or KTX file or where the path has {mip}, otherwise the
+/// first. Each file appears whole or not at all. @return false with one line in error; files before that one
+/// were written
 bool writeCube(const BakeOutput& output, const CubeMap& cube, BakeFiles& files, ovMemory::String& error);
 
 /// Writes a panorama of linear floats.

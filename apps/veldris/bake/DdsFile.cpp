@@ -4,21 +4,17 @@
 #include <veldris/bake/DdsFile.h>
 
 #include <algorithm>
-#include <cstdint>
 #include <fmt/format.h>
+#include <veldris/bake/CubeFileParts.h>
 
 namespace veldris {
 
 using ovImages::COMPONENT_TYPE;
-using ovImages::Image;
 using ovMemory::Buffer;
 using ovMemory::BufferView;
 using ovMemory::String;
 
 namespace {
-
-constexpr unsigned int CHANNELS = 4;
-constexpr std::uint32_t MAX_SIDE = 16384; // what Direct3D allows
 
 /// Places in the file, in words.
 enum WORD : std::size_t {
@@ -57,36 +53,8 @@ constexpr std::uint32_t FORMAT_HALF = 10;        // DXGI_FORMAT_R16G16B16A16_FLO
 constexpr std::uint32_t DIMENSION_2D = 3;
 constexpr std::uint32_t MISC_CUBE = 0x4;
 
-std::uint32_t readWord(BufferView<const unsigned char> bytes, std::size_t word) {
-    const unsigned char* at = bytes.data() + word * 4;
-    return at[0] | std::uint32_t(at[1]) << 8 | std::uint32_t(at[2]) << 16 | std::uint32_t(at[3]) << 24;
-}
-
-void writeWord(BufferView<unsigned char> bytes, std::size_t word, std::uint32_t value) {
-    for (std::size_t i = 0; i < 4; ++i)
-        bytes[word * 4 + i] = static_cast<unsigned char>(value >> 8 * i);
-}
-
-unsigned int fullMipCount(std::uint32_t side) {
-    unsigned int count = 0;
-    for (; side > 0; side >>= 1)
-        ++count;
-    return count;
-}
-
-unsigned int sideOf(std::uint32_t side, unsigned int mip) {
-    return std::max(side >> mip, 1u);
-}
-
-std::uint64_t faceSize(std::uint32_t side, unsigned int mip, COMPONENT_TYPE type) {
-    const std::uint64_t texels = std::uint64_t(sideOf(side, mip)) * sideOf(side, mip);
-    return texels * CHANNELS * ovImages::getComponentSize(type);
-}
-
 struct Header {
-    std::uint32_t side = 0;
-    std::uint32_t mipCount = 0;
-    COMPONENT_TYPE type = COMPONENT_TYPE::HALF;
+    CubeFileHeader cube;
     std::size_t size = PLAIN_WORDS * 4; ///< bytes before the texels
 };
 
@@ -103,7 +71,7 @@ bool readExtension(BufferView<const unsigned char> bytes, Header& header, String
                             "R16G16B16A16_FLOAT ({}) are read.",
                             format, FORMAT_FLOAT, FORMAT_HALF);
     else
-        header.type = format == FORMAT_HALF ? COMPONENT_TYPE::HALF : COMPONENT_TYPE::FLOAT;
+        header.cube.type = format == FORMAT_HALF ? COMPONENT_TYPE::HALF : COMPONENT_TYPE::FLOAT;
     return error.empty();
 }
 
@@ -116,7 +84,7 @@ bool readFormat(BufferView<const unsigned char> bytes, Header& header, String& e
         error = "its texels are not four half floats or floats.";
     else if ((readWord(bytes, CAPS_2) & CAPS_2_CUBE) != CAPS_2_CUBE)
         error = "it holds no cube with six faces.";
-    header.type = code == FOUR_CC_HALF ? COMPONENT_TYPE::HALF : COMPONENT_TYPE::FLOAT;
+    header.cube.type = code == FOUR_CC_HALF ? COMPONENT_TYPE::HALF : COMPONENT_TYPE::FLOAT;
     return error.empty();
 }
 
@@ -129,15 +97,11 @@ bool readHeader(BufferView<const unsigned char> bytes, Header& header, String& e
     }
     if (!readFormat(bytes, header, error))
         return false;
-    header.side = readWord(bytes, WIDTH);
-    header.mipCount = std::max(readWord(bytes, MIP_COUNT), 1u);
-    if (header.side != readWord(bytes, HEIGHT) || header.side == 0 || header.side > MAX_SIDE)
-        error = fmt::format("its faces have {} x {} texels; they must be square, with 1 to {} a side.",
-                            header.side, readWord(bytes, HEIGHT), MAX_SIDE);
-    else if (header.mipCount > fullMipCount(header.side))
-        error = fmt::format("it tells of {} mips, more than the {} of {} texels a side.", header.mipCount,
-                            fullMipCount(header.side), header.side);
-    return error.empty();
+    header.cube.width = readWord(bytes, WIDTH);
+    header.cube.height = readWord(bytes, HEIGHT);
+    header.cube.mipCount =
+        std::max(readWord(bytes, MIP_COUNT), 1u); // some writers leave the count of one out
+    return checkCubeHeader(header.cube, error);
 }
 
 /// Calls visit(mip, face) in the order of the file.
@@ -149,22 +113,6 @@ void visitFaces(unsigned int mipCount, Visit visit) {
     }
 }
 
-bool canEncode(const CubeMap& cube) {
-    if (cube.mips.empty() || cube.mips.size() > fullMipCount(cube.getSide()))
-        return false;
-    const COMPONENT_TYPE type = cube.mips.front().getComponentType();
-    if (type != COMPONENT_TYPE::HALF && type != COMPONENT_TYPE::FLOAT)
-        return false;
-    for (unsigned int mip = 0; mip < cube.mips.size(); ++mip) {
-        const Image& image = cube.mips[mip];
-        const unsigned int side = sideOf(cube.getSide(), mip);
-        if (image.getComponentType() != type || image.getChannels() != CHANNELS || image.getWidth() != side ||
-            image.getHeight() != side * FACE_COUNT)
-            return false;
-    }
-    return true;
-}
-
 } // namespace
 
 bool decodeDds(BufferView<const unsigned char> bytes, CubeMap& cube, String& error) {
@@ -172,25 +120,16 @@ bool decodeDds(BufferView<const unsigned char> bytes, CubeMap& cube, String& err
     Header header;
     if (!readHeader(bytes, header, error))
         return false;
-    std::uint64_t size = header.size;
-    for (unsigned int mip = 0; mip < header.mipCount; ++mip)
-        size += FACE_COUNT * faceSize(header.side, mip, header.type);
+    const std::uint64_t size = header.size + cubeSize(header.cube);
     if (size != bytes.size()) {
         error = fmt::format("it has {} bytes where its header tells of {}.", bytes.size(), size);
         return false;
     }
     CubeMap read;
-    for (unsigned int mip = 0; mip < header.mipCount; ++mip) {
-        const unsigned int side = sideOf(header.side, mip);
-        read.mips.emplace_back(side, side * FACE_COUNT, CHANNELS, header.type,
-                               ovImages::COLOUR_ENCODING::LINEAR);
-        if (read.mips.back().isEmpty()) {
-            error = fmt::format("faces of {} texels a side need more memory than there is.", side);
-            return false;
-        }
-    }
+    if (!allocateCube(header.cube, read, error))
+        return false;
     const unsigned char* at = bytes.data() + header.size;
-    visitFaces(header.mipCount, [&](unsigned int mip, unsigned int face) {
+    visitFaces(header.cube.mipCount, [&](unsigned int mip, unsigned int face) {
         const BufferView<unsigned char> target = faceBytesOf(read.mips[mip], face);
         std::copy_n(at, target.size(), target.data());
         at += target.size();
@@ -200,34 +139,32 @@ bool decodeDds(BufferView<const unsigned char> bytes, CubeMap& cube, String& err
 }
 
 Buffer<unsigned char> encodeDds(const CubeMap& cube) {
-    if (!canEncode(cube))
+    CubeFileHeader header;
+    if (!cubeHeaderOf(cube, header))
         return {};
-    const auto mipCount = static_cast<unsigned int>(cube.mips.size());
-    const COMPONENT_TYPE type = cube.mips.front().getComponentType();
-    const auto pitch =
-        static_cast<std::uint32_t>(cube.getSide() * CHANNELS * ovImages::getComponentSize(type));
-    const std::pair<WORD, std::uint32_t> words[] = {
-        {MAGIC, MAGIC_DDS},
-        {HEADER_SIZE, HEADER_BYTES},
-        {FLAGS, FLAGS_OF_MIPS},
-        {HEIGHT, cube.getSide()},
-        {WIDTH, cube.getSide()},
-        {PITCH, pitch},
-        {MIP_COUNT, mipCount},
-        {PIXEL_FORMAT_SIZE, PIXEL_FORMAT_BYTES},
-        {PIXEL_FORMAT_FLAGS, FLAG_FOUR_CC},
-        {FOUR_CC, FOUR_CC_DX10},
-        {CAPS, CAPS_OF_CUBE},
-        {CAPS_2, CAPS_2_CUBE},
-        {DXGI_FORMAT, type == COMPONENT_TYPE::HALF ? FORMAT_HALF : FORMAT_FLOAT},
-        {DIMENSION, DIMENSION_2D},
-        {MISC_FLAG, MISC_CUBE},
-        {ARRAY_SIZE, 1},
-    };
-    Buffer<unsigned char> bytes(EXTENDED_WORDS * 4);
-    for (const auto& [word, value] : words)
-        writeWord(bytes, word, value);
-    visitFaces(mipCount, [&](unsigned int mip, unsigned int face) {
+    const bool isHalf = header.type == COMPONENT_TYPE::HALF;
+    std::array<std::uint32_t, EXTENDED_WORDS> words = {};
+    words[MAGIC] = MAGIC_DDS;
+    words[HEADER_SIZE] = HEADER_BYTES;
+    words[FLAGS] = FLAGS_OF_MIPS;
+    words[HEIGHT] = header.height;
+    words[WIDTH] = header.width;
+    words[PITCH] = header.width * (isHalf ? 8 : 16);
+    words[MIP_COUNT] = header.mipCount;
+    words[PIXEL_FORMAT_SIZE] = PIXEL_FORMAT_BYTES;
+    words[PIXEL_FORMAT_FLAGS] = FLAG_FOUR_CC;
+    words[FOUR_CC] = FOUR_CC_DX10;
+    words[CAPS] = CAPS_OF_CUBE;
+    words[CAPS_2] = CAPS_2_CUBE;
+    words[DXGI_FORMAT] = isHalf ? FORMAT_HALF : FORMAT_FLOAT;
+    words[DIMENSION] = DIMENSION_2D;
+    words[MISC_FLAG] = MISC_CUBE;
+    words[ARRAY_SIZE] = 1;
+    Buffer<unsigned char> bytes;
+    bytes.reserve(sizeof(words) + cubeSize(header));
+    for (const std::uint32_t word : words)
+        appendWord(bytes, word);
+    visitFaces(header.mipCount, [&](unsigned int mip, unsigned int face) {
         const BufferView<const unsigned char> texels = faceOf(cube.mips[mip], face).bytes;
         bytes.insert(bytes.end(), texels.begin(), texels.end());
     });

@@ -1,13 +1,11 @@
 #include <veldris/bake/EnvironmentInput.h>
 
 #include <algorithm>
-#include <cctype>
 #include <fmt/format.h>
 #include <ovImages/CompositeEncoder.h>
 #include <ovImages/Conversion.h>
-#include <ovResources/Files.h>
 #include <veldris/bake/CrossLayout.h>
-#include <veldris/bake/DdsFile.h>
+#include <veldris/bake/CubeFile.h>
 #include <veldris/scene/EnvironmentLight.h>
 
 namespace veldris {
@@ -70,16 +68,11 @@ bool readFaces(const String& pattern, EnvironmentInput& input, String& error) {
     return true;
 }
 
-bool readDds(const String& path, EnvironmentInput& input, String& error) {
-    input.kind = "dds";
-    ovMemory::Buffer<char> bytes;
-    if (!ovResources::readFile(path, bytes, error))
-        return false;
+bool readCube(const String& path, EnvironmentInput& input, String& error) {
+    input.kind = findCubeFormat(path)->name;
     CubeMap cube;
-    if (!decodeDds({reinterpret_cast<const unsigned char*>(bytes.data()), bytes.size()}, cube, error)) {
-        error = fmt::format("'{}' cannot be read: {}", path, error);
+    if (!readCubeFile(path, cube, error))
         return false;
-    }
     input.image = std::move(cube.mips.front());
     return true;
 }
@@ -116,18 +109,11 @@ String fillField(StringView path, StringView field, StringView value) {
     return filled;
 }
 
-bool isDds(StringView path) {
-    constexpr StringView EXTENSION = ".dds";
-    return path.size() >= EXTENSION.size() &&
-           std::ranges::equal(path.substr(path.size() - EXTENSION.size()), EXTENSION, {},
-                              [](unsigned char letter) { return static_cast<char>(std::tolower(letter)); });
-}
-
 bool readEnvironment(const String& path, EnvironmentInput& input, String& error) {
     input = {};
     error.clear();
     const bool hasFaces = path.find(FACE_FIELD) != String::npos;
-    const auto read = hasFaces ? readFaces : isDds(path) ? readDds : readPicture;
+    const auto read = hasFaces ? readFaces : findCubeFormat(path) ? readCube : readPicture;
     if (!read(path, input, error))
         return false;
     input.isCube = input.kind != StringView("panorama");

@@ -11,20 +11,17 @@ inline constexpr ovMemory::StringView FACE_FIELD = "{face}";
 /// The path with every {face}, or another field, replaced.
 ovMemory::String fillField(ovMemory::StringView path, ovMemory::StringView field, ovMemory::StringView value);
 
-/// Whether a path ends in .dds, in any case of letters.
-bool isDds(ovMemory::StringView path);
-
 /// An environment that was read: linear floats of four channels, without texels that spoil filtering.
 struct EnvironmentInput {
     ovImages::Image image; ///< a panorama by longitude and latitude, or one mip of a cube as CubeMap has it
     bool isCube = false;
-    ovMemory::StringView kind; ///< "panorama", "cross", "faces" or "dds"
+    ovMemory::StringView kind; ///< "panorama", "cross", "faces", "dds" or "ktx"
     ovMemory::Buffer<ovMemory::String> warnings;
 };
 
-/// Reads an environment: a DDS file of a cube, six files when the path has {face} in it, or a picture, which
-/// is a cross if it has the shape of one, and a panorama otherwise. Numbers are clamped as clampedPanorama()
-/// tells.
+/// Reads an environment: a DDS or KTX file of a cube, six files when the path has {face} in it, or a picture,
+/// which is a cross if it has the shape of one, and a panorama otherwise. Numbers are clamped as
+/// clampedPanorama() tells.
 /// @return false with one line in error
 bool readEnvironment(const ovMemory::String& path, EnvironmentInput& input, ovMemory::String& error);
 

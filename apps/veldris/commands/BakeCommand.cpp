@@ -190,14 +190,14 @@ void addBake(CLI::App& parent, Command& command, const BakeOptions& defaults, co
     mode->add_option(
             "INPUT", options->input,
             "panorama or cross (EXR, HDR, PNG, JPEG), a name with {face} for six faces (px, nx, py, ny, "
-            "pz, nz), or a cube (.dds)")
+            "pz, nz), or a cube (.dds, .ktx)")
         ->required();
     const bool isCube = options->bake != BAKE::SPHERICAL;
-    mode->add_option(
-            "OUTPUT", options->output,
-            isCube ? ".dds for one file with all mips, or a picture with {face}, and {mip} for all mips, "
-                     "in its name"
-                   : "panorama to write; its extension chooses the format")
+    mode->add_option("OUTPUT", options->output,
+                     isCube ? ".dds or .ktx for one file with all mips, or a picture with {face}, and {mip} "
+                              "for all mips, "
+                              "in its name"
+                            : "panorama to write; its extension chooses the format")
         ->required();
     CLI::Option* size = mode->add_option(
         "--size", options->size,
@@ -211,7 +211,7 @@ void addBake(CLI::App& parent, Command& command, const BakeOptions& defaults, co
     }
     mode->add_flag("--mirror", options->mirror,
                    "swap +z and -z first: letters of panoramas read right in cubes");
-    mode->add_option("--format", options->format, "numbers of DDS and EXR files: half or float")
+    mode->add_option("--format", options->format, "numbers of DDS, KTX and EXR files: half or float")
         ->check(CLI::IsMember({"half", "float"}))
         ->capture_default_str();
     if (options->bake == BAKE::IRRADIANCE)

@@ -5,9 +5,8 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <ovResources/Files.h>
 #include <veldris/bake/CrossLayout.h>
-#include <veldris/bake/DdsFile.h>
+#include <veldris/bake/CubeFile.h>
 
 namespace {
 
@@ -67,7 +66,7 @@ TEST_F(BakeOutputTest, thePathChoosesTheForm) {
         BAKE_FORM form;
     };
     const Case cases[] = {
-        {"a.dds", "", true, BAKE_FORM::DDS},         {"a.DDS", "", false, BAKE_FORM::DDS},
+        {"a.dds", "", true, BAKE_FORM::CUBE_FILE},   {"a.KTX", "", false, BAKE_FORM::CUBE_FILE},
         {"{face}.png", "", false, BAKE_FORM::FACES}, {"{mip}/{face}.exr", "faces", true, BAKE_FORM::FACES},
         {"a.hdr", "cross", false, BAKE_FORM::CROSS}, {"{mip}.exr", "cross", true, BAKE_FORM::CROSS}};
     for (const Case& row : cases) {
@@ -147,14 +146,10 @@ TEST_F(BakeOutputTest, keepsTheComponentsThatWereAskedFor) {
     for (const COMPONENT_TYPE type : {COMPONENT_TYPE::HALF, COMPONENT_TYPE::FLOAT}) {
         write({.path = _folder.getPath("a.exr"), .form = BAKE_FORM::CROSS, .components = type}, cube);
         EXPECT_EQ(readImage(_folder.getPath("a.exr")).getComponentType(), type);
-        write({.path = _folder.getPath("a.dds"), .form = BAKE_FORM::DDS, .components = type}, cube);
-        ovMemory::Buffer<char> bytes;
-        String error;
-        ASSERT_TRUE(ovResources::readFile(_folder.getPath("a.dds"), bytes, error)) << error;
+        write({.path = _folder.getPath("a.dds"), .form = BAKE_FORM::CUBE_FILE, .components = type}, cube);
         veldris::CubeMap back;
-        ASSERT_TRUE(veldris::decodeDds({reinterpret_cast<const unsigned char*>(bytes.data()), bytes.size()},
-                                       back, error))
-            << error;
+        String error;
+        ASSERT_TRUE(veldris::readCubeFile(_folder.getPath("a.dds"), back, error)) << error;
         ASSERT_EQ(back.mips.size(), 3u);
         EXPECT_EQ(back.mips[0].getComponentType(), type);
         for (unsigned int mip = 0; mip < 3; ++mip)
@@ -180,17 +175,19 @@ TEST_F(BakeOutputTest, displayFormatsGetEncodedColours) {
 TEST_F(BakeOutputTest, halfFloatsClampWithAWarning) {
     veldris::CubeMap cube = smallCube();
     cube.mips[0].setComponent(0, 0, 0, 1e6f);
-    EXPECT_FALSE(write({.path = _folder.getPath("a.dds"), .form = BAKE_FORM::DDS}, cube).warning.empty());
-    EXPECT_TRUE(
-        write({.path = _folder.getPath("a.dds"), .form = BAKE_FORM::DDS, .components = COMPONENT_TYPE::FLOAT},
-              cube)
-            .warning.empty());
+    EXPECT_FALSE(
+        write({.path = _folder.getPath("a.dds"), .form = BAKE_FORM::CUBE_FILE}, cube).warning.empty());
+    EXPECT_TRUE(write({.path = _folder.getPath("a.dds"),
+                       .form = BAKE_FORM::CUBE_FILE,
+                       .components = COMPONENT_TYPE::FLOAT},
+                      cube)
+                    .warning.empty());
 }
 
 TEST_F(BakeOutputTest, whereNothingCanBeWrittenItSaysSo) {
     const veldris::CubeMap cube = smallCube();
     for (const BakeOutput& output :
-         {BakeOutput{.path = _folder.getPath("none/a.dds"), .form = BAKE_FORM::DDS},
+         {BakeOutput{.path = _folder.getPath("none/a.dds"), .form = BAKE_FORM::CUBE_FILE},
           BakeOutput{.path = _folder.getPath("none/{face}.png"), .form = BAKE_FORM::FACES},
           BakeOutput{.path = _folder.getPath("none/a.exr"), .form = BAKE_FORM::CROSS}}) {
         BakeFiles files;

@@ -6,7 +6,7 @@
 #include <fstream>
 #include <limits>
 #include <veldris/bake/CrossLayout.h>
-#include <veldris/bake/DdsFile.h>
+#include <veldris/bake/CubeFile.h>
 
 namespace {
 
@@ -29,12 +29,10 @@ protected:
         return pattern;
     }
 
-    String writeDds(const Image& faces) {
-        const veldris::CubeMap cube{.mips = {faces}};
-        const auto bytes = veldris::encodeDds(cube);
-        const String path = _folder.getPath("cube.DDS");
-        std::ofstream(path, std::ios::binary)
-            .write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+    String writeCube(const Image& faces, const char* name) {
+        const String path = _folder.getPath(name);
+        String error;
+        EXPECT_TRUE(veldris::writeCubeFile(path, {.mips = {faces}}, error)) << error;
         return path;
     }
 
@@ -63,13 +61,6 @@ TEST_F(EnvironmentInputTest, fieldsAreFilledWhereverTheyStand) {
     EXPECT_EQ(veldris::fillField("plain", "{mip}", "1"), "plain");
 }
 
-TEST_F(EnvironmentInputTest, knowsDdsByTheExtension) {
-    for (const char* path : {"a.dds", "a.DDS", ".dds"})
-        EXPECT_TRUE(veldris::isDds(path)) << path;
-    for (const char* path : {"", "dds", "a.dds.png", "a.ddsx"})
-        EXPECT_FALSE(veldris::isDds(path)) << path;
-}
-
 TEST_F(EnvironmentInputTest, readsEveryFormOfACubeAlike) {
     const Image faces = directionFaces(SIDE);
     const String cross = _folder.getPath("cross.exr");
@@ -78,7 +69,10 @@ TEST_F(EnvironmentInputTest, readsEveryFormOfACubeAlike) {
         String path;
         ovMemory::StringView kind;
     };
-    for (const Case& row : {Case{writeFaces(faces), "faces"}, {cross, "cross"}, {writeDds(faces), "dds"}}) {
+    for (const Case& row : {Case{writeFaces(faces), "faces"},
+                            {cross, "cross"},
+                            {writeCube(faces, "cube.DDS"), "dds"},
+                            {writeCube(faces, "cube.ktx"), "ktx"}}) {
         const EnvironmentInput input = read(row.path);
         EXPECT_EQ(input.kind, row.kind);
         EXPECT_TRUE(input.isCube);

@@ -1,0 +1,63 @@
+#include <veldris/bake/CubeFile.h>
+
+#include <algorithm>
+#include <cctype>
+#include <fmt/format.h>
+#include <ovResources/Files.h>
+#include <veldris/bake/DdsFile.h>
+#include <veldris/bake/KtxFile.h>
+
+namespace veldris {
+
+using ovMemory::String;
+using ovMemory::StringView;
+
+namespace {
+
+constexpr CubeFileFormat FORMATS[] = {{"dds", decodeDds, encodeDds}, {"ktx", decodeKtx, encodeKtx}};
+constexpr StringView NO_FORMAT = "its extension is neither .dds nor .ktx.";
+
+bool isSameLetter(unsigned char left, unsigned char right) {
+    return std::tolower(left) == std::tolower(right);
+}
+
+} // namespace
+
+const CubeFileFormat* findCubeFormat(StringView path) {
+    const std::size_t dot = path.rfind('.');
+    if (dot == StringView::npos)
+        return nullptr;
+    for (const CubeFileFormat& format : FORMATS) {
+        if (std::ranges::equal(path.substr(dot + 1), format.name, isSameLetter))
+            return &format;
+    }
+    return nullptr;
+}
+
+bool readCubeFile(const String& path, CubeMap& cube, String& error) {
+    const CubeFileFormat* format = findCubeFormat(path);
+    ovMemory::Buffer<char> bytes;
+    if (format && !ovResources::readFile(path, bytes, error))
+        return false;
+    String problem(NO_FORMAT);
+    if (format &&
+        format->decode({reinterpret_cast<const unsigned char*>(bytes.data()), bytes.size()}, cube, problem))
+        return true;
+    error = fmt::format("'{}' cannot be read: {}", path, problem);
+    return false;
+}
+
+bool writeCubeFile(const String& path, const CubeMap& cube, String& error) {
+    const CubeFileFormat* format = findCubeFormat(path);
+    const ovMemory::Buffer<unsigned char> bytes =
+        format ? format->encode(cube) : ovMemory::Buffer<unsigned char>();
+    if (!bytes.empty())
+        return ovResources::writeFileAtomically(path, ovMemory::BufferView<const unsigned char>(bytes),
+                                                error);
+    error = fmt::format("'{}' cannot be written: {}", path,
+                        format ? "the cube is not of half floats or floats, or memory does not suffice."
+                               : NO_FORMAT);
+    return false;
+}
+
+} // namespace veldris
