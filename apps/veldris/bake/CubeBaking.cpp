@@ -29,6 +29,9 @@ constexpr unsigned int FULL_CHAIN = 0;
 /// Cubes drawn to be averaged are not made larger than this: 400 MiB of floats.
 constexpr unsigned int MAX_FINE_SIDE = 2048;
 
+/// A mip is one picture, and pictures have 2 GiB at most.
+constexpr unsigned int MAX_CUBE_SIDE = 4096;
+
 TexturePointer makeTexture(Session& session, const char* name) {
     TexturePointer texture = Texture::create(&session.getGraphics());
     texture->setName(name);
@@ -44,8 +47,12 @@ bool takeError(Session& session, String& error) {
 
 bool checkSide(unsigned int side, unsigned int limit, ovMemory::StringView what, String& error) {
     if (side > limit)
-        error = fmt::format("{} texels are too many for {}; this device holds up to {}.", side, what, limit);
+        error = fmt::format("{} texels are too many for {}; at most {} can be held here.", side, what, limit);
     return side <= limit;
+}
+
+unsigned int cubeLimit(Session& session) {
+    return std::min(session.getGraphics().getDeviceInfo()->maxCubeSize, MAX_CUBE_SIDE);
 }
 
 bool loadWithMips(Session& session, Texture& texture, String& error) {
@@ -61,7 +68,7 @@ bool loadWithMips(Session& session, Texture& texture, String& error) {
 /// @return null with one line in error
 TexturePointer uploadCube(Session& session, ovMemory::BufferView<const Image> mips, String& error) {
     const unsigned int side = mips.front().getWidth();
-    if (!checkSide(side, session.getGraphics().getDeviceInfo()->maxCubeSize, "a face of a cube", error))
+    if (!checkSide(side, cubeLimit(session), "a face of a cube", error))
         return nullptr;
     TexturePointer texture = makeTexture(session, "environment");
     texture->setTexType(ovGraphics::TEXTURE_TYPE::CUBE);
@@ -174,7 +181,7 @@ bool softenMips(Session& session, CubeMap& cube, String& error) {
 
 bool bakeCube(Session& session, const EnvironmentInput& input, unsigned int side, CubeMap& cube,
               String& error) {
-    const unsigned int limit = session.getGraphics().getDeviceInfo()->maxCubeSize;
+    const unsigned int limit = cubeLimit(session);
     if (!checkSide(side, limit, "a face of a cube", error))
         return false;
     if (input.isCube && input.image.getWidth() == side) { // not drawn anew: its texels stay what they are
