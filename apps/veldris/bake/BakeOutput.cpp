@@ -109,12 +109,12 @@ bool planCube(StringView layout, bool needsMips, BakeOutput& output, String& err
                         output.path);
     else if (output.form == BAKE_FORM::FACES && !hasFaces)
         error = fmt::format("'{}' is one picture, and a cube has six: put {{face}} into its name, or give "
-                            "--layout cross, or write a .dds or .ktx file.",
+                            "--layout cross, or write a .dds or .ktx2 file.",
                             output.path);
     else if (needsMips && !hasField(output.path, MIP_FIELD))
         error =
             fmt::format("'{}' has room for one mip, and roughness needs all: put {{mip}} into its name, or "
-                        "write a .dds or .ktx file.",
+                        "write a .dds or .ktx2 file.",
                         output.path);
     else
         return checkPictureFormat(output.path, error);

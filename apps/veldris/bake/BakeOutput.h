@@ -12,7 +12,7 @@ inline constexpr ovMemory::StringView MIP_FIELD = "{mip}";
 enum class BAKE_FORM : unsigned int {
     FACES = 0,     ///< one file a face: {face} in the path
     CROSS = 1,     ///< one picture of four by three faces, as CrossLayout tells
-    CUBE_FILE = 2, ///< one DDS or KTX file with all mips
+    CUBE_FILE = 2, ///< one DDS or KTX2 file with all mips
     PANORAMA = 3   ///< one picture by longitude and latitude
 };
 
@@ -20,7 +20,7 @@ enum class BAKE_FORM : unsigned int {
 struct BakeOutput {
     ovMemory::String path;
     BAKE_FORM form = BAKE_FORM::CUBE_FILE;
-    ovImages::COMPONENT_TYPE components = ovImages::COMPONENT_TYPE::HALF; ///< of DDS, KTX and EXR files
+    ovImages::COMPONENT_TYPE components = ovImages::COMPONENT_TYPE::HALF; ///< of DDS, KTX2 and EXR files
 };
 
 /// What was written.
@@ -38,7 +38,7 @@ bool planCube(ovMemory::StringView layout, bool needsMips, BakeOutput& output, o
 /// The same of a panorama, one picture.
 bool planPanorama(BakeOutput& output, ovMemory::String& error);
 
-/// Writes a cube of linear floats: all mips to a DDS or KTX file or where the path has {mip}, otherwise the
+/// Writes a cube of linear floats: all mips to a DDS or KTX2 file or where the path has {mip}, otherwise the
 /// first. Each file appears whole or not at all. @return false with one line in error; files before that one
 /// were written
 bool writeCube(const BakeOutput& output, const CubeMap& cube, BakeFiles& files, ovMemory::String& error);

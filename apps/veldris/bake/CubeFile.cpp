@@ -14,8 +14,8 @@ using ovMemory::StringView;
 
 namespace {
 
-constexpr CubeFileFormat FORMATS[] = {{"dds", decodeDds, encodeDds}, {"ktx", decodeKtx, encodeKtx}};
-constexpr StringView NO_FORMAT = "its extension is neither .dds nor .ktx.";
+constexpr CubeFileFormat FORMATS[] = {{"dds", decodeDds, encodeDds}, {"ktx2", decodeKtx, encodeKtx}};
+constexpr StringView NO_FORMAT = "its extension is neither .dds nor .ktx2.";
 
 bool isSameLetter(unsigned char left, unsigned char right) {
     return std::tolower(left) == std::tolower(right);

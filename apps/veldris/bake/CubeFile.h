@@ -7,7 +7,7 @@ namespace veldris {
 
 /// A format that holds a cube with all its mips.
 struct CubeFileFormat {
-    ovMemory::StringView name; ///< "dds" or "ktx", also the extension without its dot
+    ovMemory::StringView name; ///< "dds" or "ktx2", also the extension without its dot
     bool (*decode)(ovMemory::BufferView<const unsigned char> bytes, CubeMap& cube, ovMemory::String& error);
     ovMemory::Buffer<unsigned char> (*encode)(const CubeMap& cube);
 };

@@ -15,11 +15,11 @@ ovMemory::String fillField(ovMemory::StringView path, ovMemory::StringView field
 struct EnvironmentInput {
     ovImages::Image image; ///< a panorama by longitude and latitude, or one mip of a cube as CubeMap has it
     bool isCube = false;
-    ovMemory::StringView kind; ///< "panorama", "cross", "faces", "dds" or "ktx"
+    ovMemory::StringView kind; ///< "panorama", "cross", "faces", "dds" or "ktx2"
     ovMemory::Buffer<ovMemory::String> warnings;
 };
 
-/// Reads an environment: a DDS or KTX file of a cube, six files when the path has {face} in it, or a picture,
+/// Reads an environment: a DDS or KTX2 file of a cube, six files when the path has {face} in it, or a picture,
 /// which is a cross if it has the shape of one, and a panorama otherwise. Numbers are clamped as
 /// clampedPanorama() tells.
 /// @return false with one line in error

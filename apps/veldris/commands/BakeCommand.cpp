@@ -190,11 +190,11 @@ void addBake(CLI::App& parent, Command& command, const BakeOptions& defaults, co
     mode->add_option(
             "INPUT", options->input,
             "panorama or cross (EXR, HDR, PNG, JPEG), a name with {face} for six faces (px, nx, py, ny, "
-            "pz, nz), or a cube (.dds, .ktx)")
+            "pz, nz), or a cube (.dds, .ktx2)")
         ->required();
     const bool isCube = options->bake != BAKE::SPHERICAL;
     mode->add_option("OUTPUT", options->output,
-                     isCube ? ".dds or .ktx for one file with all mips, or a picture with {face}, and {mip} "
+                     isCube ? ".dds or .ktx2 for one file with all mips, or a picture with {face}, and {mip} "
                               "for all mips, "
                               "in its name"
                             : "panorama to write; its extension chooses the format")
@@ -211,7 +211,7 @@ void addBake(CLI::App& parent, Command& command, const BakeOptions& defaults, co
     }
     mode->add_flag("--mirror", options->mirror,
                    "swap +z and -z first: letters of panoramas read right in cubes");
-    mode->add_option("--format", options->format, "numbers of DDS, KTX and EXR files: half or float")
+    mode->add_option("--format", options->format, "numbers of DDS, KTX2 and EXR files: half or float")
         ->check(CLI::IsMember({"half", "float"}))
         ->capture_default_str();
     if (options->bake == BAKE::IRRADIANCE)

@@ -66,7 +66,7 @@ TEST_F(BakeOutputTest, thePathChoosesTheForm) {
         BAKE_FORM form;
     };
     const Case cases[] = {
-        {"a.dds", "", true, BAKE_FORM::CUBE_FILE},   {"a.KTX", "", false, BAKE_FORM::CUBE_FILE},
+        {"a.dds", "", true, BAKE_FORM::CUBE_FILE},   {"a.KTX2", "", false, BAKE_FORM::CUBE_FILE},
         {"{face}.png", "", false, BAKE_FORM::FACES}, {"{mip}/{face}.exr", "faces", true, BAKE_FORM::FACES},
         {"a.hdr", "cross", false, BAKE_FORM::CROSS}, {"{mip}.exr", "cross", true, BAKE_FORM::CROSS}};
     for (const Case& row : cases) {

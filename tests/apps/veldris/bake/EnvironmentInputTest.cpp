@@ -72,7 +72,7 @@ TEST_F(EnvironmentInputTest, readsEveryFormOfACubeAlike) {
     for (const Case& row : {Case{writeFaces(faces), "faces"},
                             {cross, "cross"},
                             {writeCube(faces, "cube.DDS"), "dds"},
-                            {writeCube(faces, "cube.ktx"), "ktx"}}) {
+                            {writeCube(faces, "cube.ktx2"), "ktx2"}}) {
         const EnvironmentInput input = read(row.path);
         EXPECT_EQ(input.kind, row.kind);
         EXPECT_TRUE(input.isCube);

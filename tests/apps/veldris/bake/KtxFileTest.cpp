@@ -11,55 +11,99 @@ using ovMemory::Buffer;
 using ovMemory::String;
 using veldris::CubeMap;
 
+// Offsets in a file of three mips: 80 bytes of header and 24 a mip come before the descriptor.
+constexpr std::size_t PLACES = 80;
+constexpr std::size_t DESCRIPTOR = PLACES + 3 * 24;
+constexpr std::size_t KEYS = DESCRIPTOR + 92;
+
 TEST(KtxFileTest, writesWhatTheFormatsSpecificationAsksFor) {
     struct Case {
         COMPONENT_TYPE type;
-        std::uint32_t glType;
+        std::uint32_t vkFormat;
         std::uint32_t componentSize;
-        std::uint32_t internalFormat;
+        std::uint32_t red; ///< first word of the sample of red: 16 or 32 bits, signed, float
     };
     for (const Case& row :
-         {Case{COMPONENT_TYPE::HALF, 0x140b, 2, 0x881a}, Case{COMPONENT_TYPE::FLOAT, 0x1406, 4, 0x8814}}) {
+         {Case{COMPONENT_TYPE::HALF, 97, 2, 0xc00f0000}, Case{COMPONENT_TYPE::FLOAT, 109, 4, 0xc01f0000}}) {
         const CubeMap cube = countingCube(4, 3, row.type);
         const Buffer<unsigned char> bytes = veldris::encodeKtx(cube);
         const std::uint32_t texelSize = 4 * row.componentSize;
-        ASSERT_EQ(bytes.size(), 64 + 3 * 4 + 6 * (16 + 4 + 1) * texelSize);
-        EXPECT_EQ(String(bytes.begin(), bytes.begin() + 12), "\xabKTX 11\xbb\r\n\x1a\n");
-        // Endianness, type, its size, format, internal and base format, width, height, depth, elements,
-        // faces, mips, key-value data.
-        const std::uint32_t words[] = {
-            0x04030201, row.glType, row.componentSize, 0x1908, row.internalFormat, 0x1908, 4, 4, 0, 0, 6,
-            3,          0};
+        ASSERT_GT(bytes.size(), KEYS + 6 * (16 + 4 + 1) * texelSize);
+        EXPECT_EQ(String(bytes.begin(), bytes.begin() + 12), "\xabKTX 20\xbb\r\n\x1a\n");
+        // 4 + 18 bytes of the orientation with two of padding, and 4 + 23 of the writer with one.
+        constexpr std::uint32_t KEY_BYTES = 24 + 28;
+        // Format, size of components, width, height, depth, layers, faces, mips, supercompression, places of
+        // descriptor and keys, nothing global.
+        const std::uint32_t words[] = {row.vkFormat, row.componentSize, 4, 4, 0, 0, 6, 3, 0, DESCRIPTOR, 92,
+                                       KEYS,         KEY_BYTES,         0, 0, 0, 0};
         for (std::size_t i = 0; i < std::size(words); ++i)
             EXPECT_EQ(word(bytes, 12 + 4 * i), words[i]) << i;
-        std::size_t at = 64;
-        for (const ovImages::Image& mip : cube.mips) {
-            EXPECT_EQ(word(bytes, at), mip.getBytes().size() / 6);
-            EXPECT_TRUE(std::equal(mip.getBytes().begin(), mip.getBytes().end(), bytes.data() + at + 4));
-            at += 4 + mip.getBytes().size();
+        const std::uint32_t descriptor[] = {92, 0, 2 | 88 << 16, 0x00010101, 0, texelSize, 0};
+        for (std::size_t i = 0; i < std::size(descriptor); ++i)
+            EXPECT_EQ(word(bytes, DESCRIPTOR + 4 * i), descriptor[i]) << i;
+        const std::uint32_t channels[] = {0, 1, 2, 15};
+        for (std::uint32_t i = 0; i < 4; ++i) {
+            const std::size_t at = DESCRIPTOR + 28 + 16 * i;
+            EXPECT_EQ(word(bytes, at), row.red + 8 * row.componentSize * i + (channels[i] << 24)) << i;
+            EXPECT_EQ(word(bytes, at + 4), 0u);
+            EXPECT_EQ(word(bytes, at + 8), 0xbf800000u);
+            EXPECT_EQ(word(bytes, at + 12), 0x3f800000u);
         }
+        EXPECT_EQ(
+            String(bytes.begin() + KEYS, bytes.begin() + KEYS + KEY_BYTES),
+            String("\x12\0\0\0KTXorientation\0rd\0\0\0\x17\0\0\0KTXwriter\0veldris bake\0\0", KEY_BYTES));
+        std::size_t at = KEYS + KEY_BYTES;
+        for (; at % texelSize != 0; ++at)
+            EXPECT_EQ(bytes[at], 0);
+        for (const unsigned int mip : {2u, 1u, 0u}) {
+            const auto texels = cube.mips[mip].getBytes();
+            const std::uint64_t place[] = {at, texels.size(), texels.size()};
+            for (std::size_t i = 0; i < std::size(place); ++i) {
+                EXPECT_EQ(word(bytes, PLACES + 24 * mip + 8 * i), place[i]) << mip;
+                EXPECT_EQ(word(bytes, PLACES + 24 * mip + 8 * i + 4), 0u);
+            }
+            EXPECT_TRUE(std::equal(texels.begin(), texels.end(), bytes.data() + at));
+            at += texels.size();
+        }
+        EXPECT_EQ(bytes.size(), at);
     }
     EXPECT_TRUE(veldris::encodeKtx(CubeMap()).empty());
 }
 
-TEST(KtxFileTest, readsWhatItWritesWithKeysAndWithout) {
+TEST(KtxFileTest, readsWhatItWrites) {
     for (const COMPONENT_TYPE type : {COMPONENT_TYPE::HALF, COMPONENT_TYPE::FLOAT}) {
-        for (const std::uint32_t keyBytes : {0u, 12u}) {
-            const CubeMap cube = countingCube(5, 3, type);
+        for (const unsigned int mipCount : {1u, 2u, 3u}) {
+            const CubeMap cube = countingCube(5, mipCount, type);
             Buffer<unsigned char> bytes = veldris::encodeKtx(cube);
-            setWord(bytes, 60, keyBytes);
-            bytes.insert(bytes.begin() + 64, keyBytes, 0x55);
+            if (mipCount == 1)
+                setWord(bytes, 40, 0); // mips are left to the reader
             CubeMap back;
             String error = "old";
             ASSERT_TRUE(veldris::decodeKtx(bytes, back, error)) << error;
             EXPECT_EQ(error, "");
-            ASSERT_EQ(back.mips.size(), 3u);
-            for (unsigned int mip = 0; mip < 3; ++mip) {
+            ASSERT_EQ(back.mips.size(), mipCount);
+            for (unsigned int mip = 0; mip < mipCount; ++mip) {
                 EXPECT_EQ(back.mips[mip].getComponentType(), type);
                 EXPECT_TRUE(std::ranges::equal(back.mips[mip].getBytes(), cube.mips[mip].getBytes()));
             }
         }
     }
+}
+
+TEST(KtxFileTest, readsFilesWithoutKeys) {
+    const CubeMap cube = countingCube(4, 3, COMPONENT_TYPE::HALF);
+    Buffer<unsigned char> bytes = veldris::encodeKtx(cube);
+    // The keys end at 296, where the mips begin; without them these begin at 248, after padding of 4 bytes.
+    bytes.erase(bytes.begin() + KEYS + 4, bytes.begin() + 296);
+    setWord(bytes, KEYS, 0);
+    setWord(bytes, 56, 0);
+    setWord(bytes, 60, 0);
+    for (std::size_t mip = 0; mip < 3; ++mip)
+        setWord(bytes, PLACES + 24 * mip, word(bytes, PLACES + 24 * mip) - 48);
+    CubeMap back;
+    String error;
+    ASSERT_TRUE(veldris::decodeKtx(bytes, back, error)) << error;
+    EXPECT_TRUE(std::ranges::equal(back.mips[0].getBytes(), cube.mips[0].getBytes()));
 }
 
 TEST(KtxFileTest, everyWrongHeaderIsToldAndChangesNothing) {
@@ -70,37 +114,55 @@ TEST(KtxFileTest, everyWrongHeaderIsToldAndChangesNothing) {
     };
     const Case cases[] = {
         {0, 0x20534444, "no KTX file"},
-        {4, 0xbb303220, "no KTX file"}, // version 2
+        {4, 0xbb313120, "no KTX file of version 2"}, // version 1
         {8, 0, "no KTX file"},
-        {12, 0x01020304, "most significant bytes first"},
-        {16, 0x1406, "OpenGL's format 0x881a"},
-        {24, 0x1907, "OpenGL's format"},
-        {28, 0x8058, "OpenGL's format 0x8058"},
-        {36, 5, "faces have 5 x 4 texels"},
-        {40, 0xffffffff, "faces have 4 x 4294967295 texels"},
-        {44, 1, "no cube"},
-        {48, 2, "or several"},
-        {52, 1, "no cube"},
-        {56, 4, "it tells of 4 mips"},
-        {56, 2, "bytes where its header tells of"},
+        {12, 37, "Vulkan's format 37"},
+        {12, 0, "Vulkan's format 0"},
+        {12, 109, "components have 2 bytes where its format has 4"},
+        {16, 1, "components have 1 bytes"},
+        {20, 5, "faces have 5 x 4 texels"},
+        {24, 0xffffffff, "faces have 4 x 4294967295 texels"},
+        {28, 1, "no cube"},
+        {32, 2, "or several"},
+        {36, 1, "no cube"},
+        {40, 4, "it tells of 4 mips"},
+        {40, 0xffffffff, "it tells of 4294967295 mips"},
+        {40, 2, "bytes where its header tells of"},
+        {44, 2, "compressed by scheme 2"},
+        {48, 0, "not where the format puts them"},
+        {52, 0xffffffff, "bytes where its header tells of"},
+        {52, 88, "descriptor has 88 bytes"}, // padding before the mips takes up the rest
+        {56, 0xfffffffc, "not where the format puts them"},
         {60, 0xffffffff, "bytes where its header tells of"},
-        {64, 0xffffffff, "has 4294967295 bytes instead of 128"},
+        {64, 8, "not where the format puts them"},
+        {76, 1, "not where the format puts them"},
+        {PLACES, 0, "mip 0 is not where"},
+        {PLACES + 4, 1, "mip 0 is not where"},
+        {PLACES + 32, 0xffffffff, "mip 1 is not where"},
+        {PLACES + 68, 1, "mip 2 is not where"},
+        {DESCRIPTOR, 88, "other texels"},
+        {DESCRIPTOR + 12, 0x00020101, "other texels"}, // sRGB
+        {DESCRIPTOR + 28, 0x400f0000, "other texels"}, // integers
+        {KEYS, 0xffffffff, "not whole"},
+        {KEYS, 14, "not whole"}, // a key without an end
+        {KEYS, 0, "not whole"},
+        {KEYS + 19, 0x7572, "orientation rd"}, // "ru"
     };
-    const Buffer<unsigned char> good = veldris::encodeKtx(countingCube(4, 3, COMPONENT_TYPE::HALF));
+    Buffer<unsigned char> good = veldris::encodeKtx(countingCube(4, 3, COMPONENT_TYPE::HALF));
     for (const Case& row : cases) {
         Buffer<unsigned char> bytes = good;
         setWord(bytes, row.offset, row.value);
         CubeMap cube;
         String error;
-        EXPECT_FALSE(veldris::decodeKtx(bytes, cube, error)) << row.message;
-        EXPECT_NE(error.find(row.message), String::npos) << error;
+        EXPECT_FALSE(veldris::decodeKtx(bytes, cube, error)) << row.offset << ": " << row.message;
+        EXPECT_NE(error.find(row.message), String::npos) << row.offset << ": " << error;
         EXPECT_TRUE(cube.mips.empty());
     }
 }
 
 TEST(KtxFileTest, anyOtherLengthIsRefused) {
     const Buffer<unsigned char> good = veldris::encodeKtx(countingCube(2, 2, COMPONENT_TYPE::HALF));
-    for (std::size_t length = 0; length < good.size() + 3; ++length) {
+    for (std::size_t length = 0; length < good.size() + 9; ++length) {
         Buffer<unsigned char> bytes = good;
         bytes.resize(length);
         CubeMap cube;

@@ -17,7 +17,7 @@ void expect(bool condition) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     if (size == 0)
         return 0;
-    const veldris::CubeFileFormat& format = *veldris::findCubeFormat(data[0] % 2 == 0 ? ".dds" : ".ktx");
+    const veldris::CubeFileFormat& format = *veldris::findCubeFormat(data[0] % 2 == 0 ? ".dds" : ".ktx2");
     veldris::CubeMap cube;
     ovMemory::String error;
     const bool isRead = format.decode({data + 1, size - 1}, cube, error);
