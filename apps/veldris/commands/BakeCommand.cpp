@@ -12,7 +12,7 @@
 #include <veldris/JsonText.h>
 #include <veldris/bake/BakeOutput.h>
 #include <veldris/bake/CubeBaking.h>
-#include <veldris/bake/Mirror.h>
+#include <veldris/scene/Panoramas.h>
 
 namespace veldris {
 
@@ -32,7 +32,7 @@ struct BakeOptions {
     String layout = {};
     String format = "half";
     String coefficients = {};
-    bool mirror = false;
+    bool libraryLongitudes = false;
     DrawingOptions drawing = {};
 };
 
@@ -96,6 +96,18 @@ bool plan(const BakeOptions& options, BakeOutput& output, String& error) {
     return planCube(options.layout, options.bake == BAKE::PREFILTER, output, error);
 }
 
+/// Photographed panoramas run to the right, the library's longitudes to the left: a panorama that becomes a
+/// cube is turned before, and one made of a cube afterwards, so that letters read right in both.
+bool turnPanorama(const BakeOptions& options, ovImages::Image& panorama, String& error) {
+    if (options.libraryLongitudes)
+        return true;
+    panorama = turnedPhotograph(panorama.view());
+    if (!panorama.isEmpty())
+        return true;
+    error = fmt::format("'{}' cannot be mirrored: it needs more memory than there is.", options.input);
+    return false;
+}
+
 bool bake(const BakeOptions& options, Session& session, const EnvironmentInput& input, BakeResult& result,
           String& error) {
     switch (options.bake) {
@@ -110,7 +122,8 @@ bool bake(const BakeOptions& options, Session& session, const EnvironmentInput& 
     }
     // A map's middle row has four faces, so this keeps the size of the cube's texels.
     const unsigned int height = options.size > 0 ? options.size : 2 * input.image.getWidth();
-    return bakePanorama(session, input, height, result.panorama, error);
+    return bakePanorama(session, input, height, result.panorama, error) &&
+           turnPanorama(options, result.panorama, error);
 }
 
 bool write(const BakeOptions& options, const BakeOutput& output, BakeResult& result, String& error) {
@@ -162,8 +175,8 @@ int runBake(const BakeOptions& options) {
         return fail(fmt::format("'{}' is a panorama already; spherical unwraps cubes.", options.input));
     for (const String& warning : input.warnings)
         warn(warning);
-    if (options.mirror)
-        mirror(input);
+    if (!input.isCube && !turnPanorama(options, input.image, error))
+        return fail(error);
     seconds.number("read", stopwatch.lap());
     Session session;
     if (!session.open(options.drawing, error))
@@ -209,8 +222,8 @@ void addBake(CLI::App& parent, Command& command, const BakeOptions& defaults, co
                          "faces, or cross for one picture of four by three faces (default: faces)")
             ->check(CLI::IsMember({"faces", "cross"}));
     }
-    mode->add_flag("--mirror", options->mirror,
-                   "swap +z and -z first: letters of panoramas read right in cubes");
+    mode->add_flag("--library-longitudes", options->libraryLongitudes,
+                   "panoramas as the library's shaders read them: no mirroring");
     mode->add_option("--format", options->format, "numbers of DDS, KTX2 and EXR files: half or float")
         ->check(CLI::IsMember({"half", "float"}))
         ->capture_default_str();

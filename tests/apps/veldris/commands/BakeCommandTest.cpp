@@ -21,6 +21,9 @@ Buffer<char> readBytes(const String& path) {
     return Buffer<char>(std::istreambuf_iterator<char>(file), {});
 }
 
+/// Panoramas whose colours are their directions have +z on the right, as the library has.
+constexpr const char* LIBRARY = "--library-longitudes";
+
 class BakeCommandTest : public testing::Test {
 protected:
     Outcome bake(const char* what, const String& input, const String& output,
@@ -44,8 +47,8 @@ protected:
 TEST_F(BakeCommandTest, facesShowTheirDirections) {
     const String input = writePanorama();
     for (const char* language : {"glsl", "hlsl"}) {
-        const Outcome outcome =
-            bake("cubemap", input, _folder.getPath("{face}.exr"), {"--size", "16", "--language", language});
+        const Outcome outcome = bake("cubemap", input, _folder.getPath("{face}.exr"),
+                                     {"--size", "16", "--language", language, LIBRARY});
         ASSERT_EQ(outcome.status, 0) << outcome.error;
         EXPECT_EQ(outcome.error, "");
         const char* names[] = {"px", "nx", "py", "ny", "pz", "nz"};
@@ -67,7 +70,7 @@ TEST_F(BakeCommandTest, facesShowTheirDirections) {
 
 TEST_F(BakeCommandTest, oneFileHoldsAllMips) {
     const String output = _folder.getPath("sky.dds");
-    const Outcome outcome = bake("prefilter", writePanorama(), output, {"--size", "16"});
+    const Outcome outcome = bake("prefilter", writePanorama(), output, {"--size", "16", LIBRARY});
     ASSERT_EQ(outcome.status, 0) << outcome.error;
     const Buffer<char> bytes = readBytes(output);
     constexpr std::size_t HEADER = 148;
@@ -103,10 +106,11 @@ TEST_F(BakeCommandTest, everyFormUnwrapsToTheSamePanorama) {
         Buffer<String> more;
     } forms[] = {{"cube.dds", {}}, {"{face}.exr", {}}, {"cross.exr", {"--layout", "cross"}}};
     for (const auto& form : forms) {
-        Buffer<String> more = {"--size", "32", "--format", "float"};
+        Buffer<String> more = {"--size", "32", "--format", "float", LIBRARY};
         more.insert(more.end(), form.more.begin(), form.more.end());
         ASSERT_EQ(bake("cubemap", input, _folder.getPath(form.name), more).status, 0);
-        const Outcome outcome = bake("spherical", _folder.getPath(form.name), _folder.getPath("back.exr"));
+        const Outcome outcome =
+            bake("spherical", _folder.getPath(form.name), _folder.getPath("back.exr"), {LIBRARY});
         ASSERT_EQ(outcome.status, 0) << outcome.error;
         const Image image = readImage(_folder.getPath("back.exr"));
         ASSERT_EQ(image.getWidth(), 128u);
@@ -118,22 +122,53 @@ TEST_F(BakeCommandTest, everyFormUnwrapsToTheSamePanorama) {
     }
 }
 
-TEST_F(BakeCommandTest, mirrorsOnRequest) {
-    const Outcome outcome =
-        bake("cubemap", writePanorama(), _folder.getPath("{face}.exr"), {"--size", "16", "--mirror"});
-    ASSERT_EQ(outcome.status, 0) << outcome.error;
-    const Image image = readImage(_folder.getPath("pz.exr"));
-    for (unsigned int i = 0; i < 16 * 16; ++i) {
-        Direction expected = directionOfTexel(4, 16, i % 16, i / 16);
-        expected[2] = -expected[2];
-        EXPECT_LT(worstDirection(image, i % 16, i / 16, expected), 0.026) << i;
+TEST_F(BakeCommandTest, photographsReadRightInCubesAndBack) {
+    // Red grows to the right, as letters do, from the picture's left edge to its right one.
+    Image photograph = floatImage(64, 32);
+    for (unsigned int i = 0; i < 64 * 32; ++i)
+        photograph.setComponent(i % 64, i / 64, 0, (static_cast<float>(i % 64) + 0.5f) / 64.0f);
+    const String input = _folder.getPath("photograph.exr");
+    writeImage(input, photograph);
+    ASSERT_EQ(bake("cubemap", input, _folder.getPath("{face}.exr"), {"--size", "16"}).status, 0);
+    // The middle of the picture is along +X, its right quarter along -Z and its left one along +Z. Faces are
+    // seen from inside with their rows running to the right.
+    struct Case {
+        const char* face;
+        float middle;
+    };
+    for (const Case& row : {Case{"px", 0.5f}, {"nz", 0.75f}, {"pz", 0.25f}}) {
+        const Image face = readImage(_folder.getPath(String(row.face) + ".exr"));
+        for (unsigned int x = 0; x < 16; ++x) {
+            const double angle = std::atan((2.0 * x + 1.0) / 16.0 - 1.0) / (2.0 * 3.14159265358979);
+            // Colours are read at eight bits of a texel, which is 1 / 64 wide, and kept as half floats.
+            EXPECT_NEAR(face.getComponent(x, 8, 0), row.middle + angle, 0.002) << row.face << ' ' << x;
+        }
+    }
+    ASSERT_EQ(bake("spherical", _folder.getPath("{face}.exr"), _folder.getPath("back.exr"), {"--size", "32"})
+                  .status,
+              0);
+    const Image back = readImage(_folder.getPath("back.exr"));
+    // Where the edges meet, the step spreads over texels of the cube, each as wide as 1.3 columns.
+    for (unsigned int x = 2; x < 62; ++x)
+        EXPECT_NEAR(back.getComponent(x, 16, 0), photograph.getComponent(x, 16, 0), 0.01) << x;
+}
+
+TEST_F(BakeCommandTest, cubesThatStayCubesAreNotMirrored) {
+    const String faces = _folder.getPath("in_{face}.exr");
+    ASSERT_EQ(bake("cubemap", writePanorama(), faces, {"--size", "8", LIBRARY}).status, 0);
+    for (const Buffer<String>& more : {Buffer<String>{"--size", "8"}, {"--size", "8", LIBRARY}}) {
+        ASSERT_EQ(bake("cubemap", faces, _folder.getPath("out_{face}.exr"), more).status, 0);
+        for (const char* name : {"px", "pz"})
+            EXPECT_EQ(readBytes(_folder.getPath(String("in_") + name + ".exr")),
+                      readBytes(_folder.getPath(String("out_") + name + ".exr")))
+                << name;
     }
 }
 
 TEST_F(BakeCommandTest, irradianceGivesItsCoefficients) {
     const String json = _folder.getPath("sky.json");
     const Outcome outcome = bake("irradiance", writePanorama(), _folder.getPath("sky.png"),
-                                 {"--size", "64", "--layout", "cross", "--coefficients", json});
+                                 {"--size", "64", "--layout", "cross", "--coefficients", json, LIBRARY});
     ASSERT_EQ(outcome.status, 0) << outcome.error;
     EXPECT_EQ(outcome.output, _folder.getPath("sky.png") + "\n" + json + "\n");
     const Buffer<char> bytes = readBytes(json);
