@@ -192,21 +192,38 @@ bool addModel(ScenePicture& picture, ovVeldris::Model& model) {
     return true;
 }
 
-void printReport(const RenderOptions& options, const ovImages::Image& image) {
+using Timings = ovMemory::Buffer<ovGraphics::PassTiming>;
+
+/// @param timings of the passes of the scene; those of the effects are the chain's
+void printReport(const RenderOptions& options, const Timings& timings, const ChainResult& result,
+                 Session& session) {
+    const String method(session.getGraphics().getPassTimingMethod());
+    ovMemory::Buffer<JsonObject> passes;
+    const auto addPass = [&](const String& name, double milliseconds) {
+        if (!options.drawing.json)
+            fmt::print("{:10.3f} ms  {} ({})\n", milliseconds, name, method);
+        passes.push_back(JsonObject().text("pass", name).number("milliseconds", milliseconds));
+    };
+    for (const ovGraphics::PassTiming& timing : timings)
+        addPass(timing.name, timing.milliseconds);
+    for (const EffectTiming& timing : result.timings)
+        addPass(timing.effect, timing.milliseconds);
     if (!options.drawing.json) {
         fmt::print("{}\n", options.output);
         return;
     }
-    fmt::print("{}\n", JsonObject()
-                           .text("output", options.output)
-                           .number("width", image.getWidth())
-                           .number("height", image.getHeight())
-                           .toText());
+    JsonObject report;
+    report.text("output", options.output)
+        .number("width", result.image->getWidth())
+        .number("height", result.image->getHeight());
+    if (options.drawing.timings)
+        report.text("timingMethod", method).array("passes", passes);
+    fmt::print("{}\n", report.toText());
 }
 
 /// The model's picture before any effect.
 ovMemory::UniquePtr<ovImages::Image> drawModel(Session& session, const RenderOptions& options,
-                                               const RenderPlan& plan, String& error) {
+                                               const RenderPlan& plan, Timings& timings, String& error) {
     const ovVeldris::ModelLoadResult loaded =
         ovVeldris::ModelLoader(&session.getSystem()).load(options.model);
     error = loaded.error;
@@ -237,6 +254,7 @@ ovMemory::UniquePtr<ovImages::Image> drawModel(Session& session, const RenderOpt
     String warning;
     auto image = picture->draw(warning, error);
     warn(warning);
+    timings = session.getGraphics().getPassTimings(); // the effects' passes come over them
     return image;
 }
 
@@ -248,7 +266,8 @@ int runRender(const RenderOptions& options) {
     Session session;
     if (!session.open(options.drawing, error))
         return fail(error);
-    const auto image = drawModel(session, options, plan, error);
+    Timings timings;
+    const auto image = drawModel(session, options, plan, timings, error);
     if (!image)
         return fail(error);
     const ChainResult result = runChain(session, image->view(), plan.effects, plan.chain);
@@ -259,7 +278,7 @@ int runRender(const RenderOptions& options) {
     if (!writePicture(options.output, result.image->view(), false, warning, error))
         return fail(error);
     warn(warning);
-    printReport(options, *result.image);
+    printReport(options, timings, result, session);
     return 0;
 }
 

@@ -193,6 +193,16 @@ TEST_F(RenderCommandTest, reportsForMachines) {
     const auto report = parseJson(render(writeQuad(_folder), _folder.getPath("o.png"), {"--json"}));
     EXPECT_EQ(report["width"].GetInt(), 40);
     EXPECT_EQ(report["output"].GetString(), _folder.getPath("o.png"));
+    EXPECT_FALSE(report.HasMember("passes"));
+    const auto timed =
+        parseJson(render(writeQuad(_folder), _folder.getPath("o.png"), {"--json", "--timings", "--shadows"}));
+    EXPECT_STREQ(timed["timingMethod"].GetString(), "wall clock");
+    ovMemory::String passes;
+    for (const auto& pass : timed["passes"].GetArray())
+        passes += ovMemory::String(pass["pass"].GetString()) + ";";
+    EXPECT_EQ(
+        passes,
+        "clear;shadow;shadow;clear;scene;blended scene;tone-mapping:operator=reinhard,max-white=6,6,6;");
 }
 
 } // namespace
