@@ -19,8 +19,8 @@ struct EnvironmentInput {
     ovMemory::Buffer<ovMemory::String> warnings;
 };
 
-/// Reads an environment: a DDS or KTX2 file of a cube, six files when the path has {face} in it, or a picture,
-/// which is a cross if it has the shape of one, and a panorama otherwise. Numbers are clamped as
+/// Reads an environment: a DDS or KTX2 file of a cube, six files when the path has {face} in it, or a
+/// picture, which is a cross if it has the shape of one, and a panorama otherwise. Numbers are clamped as
 /// clampedPanorama() tells.
 /// @return false with one line in error
 bool readEnvironment(const ovMemory::String& path, EnvironmentInput& input, ovMemory::String& error);

@@ -63,39 +63,43 @@ CameraChoice orbit(float azimuth, float elevation) {
     return choice;
 }
 
-/// Spheres in two rows. @param build the material of a place, 0 to 1 across, and of a row, 0 below or 1 above
-void addRows(DemoSet& set, const Stock& stock,
-             const std::function<void(PbsMaterial&, float across, bool above)>& build) {
+/// What a base colour looks like as a dielectric, a metal or a mixture: a row of spheres of rising roughness
+/// for each metalness. @param configure sets what the two workflows tell apart
+void addGrid(DemoSet& set, const Stock& stock, const Vector& baseColor,
+             const std::function<void(PbsMaterial&, float roughness)>& configure) {
     constexpr int COLUMNS = 7;
-    for (int row = 0; row < 2; ++row) {
+    constexpr int ROWS = 4;
+    constexpr float SMOOTHEST = 0.045f;
+    constexpr float DISTANCE = 2.2f;
+    for (int row = 0; row < ROWS; ++row) {
+        const float metalness = static_cast<float>(row) / (ROWS - 1);
         for (int column = 0; column < COLUMNS; ++column) {
-            const float across = static_cast<float>(column) / (COLUMNS - 1);
-            set.addSphere(*stock.sphere,
-                          {2.2f * static_cast<float>(column), 2.2f * static_cast<float>(row), 0.0f}, 1.0f,
-                          [&](PbsMaterial& material) { build(material, across, row == 1); });
+            const float roughness =
+                SMOOTHEST + (1.0f - SMOOTHEST) * static_cast<float>(column) / (COLUMNS - 1);
+            const Vector place(DISTANCE * static_cast<float>(column), DISTANCE * static_cast<float>(row),
+                               0.0f);
+            set.addSphere(*stock.sphere, place, 1.0f, [&](PbsMaterial& material) {
+                material.setAlbedoColor(baseColor * (1.0f - metalness));
+                material.setSpecularColor(WHITE * (0.04f * (1.0f - metalness)) + baseColor * metalness);
+                material.setMetalness(1.0f); // the reflectance holds it already
+                configure(material, roughness);
+            });
         }
     }
 }
 
 void buildMetalness(DemoSet& set, const Stock& stock, CameraChoice& camera) {
-    addRows(set, stock, [](PbsMaterial& material, float across, bool isMetal) {
-        material.setAlbedoColor(isMetal ? Vector() : Vector(0.45f, 0.03f, 0.02f));
-        material.setSpecularColor(isMetal ? Vector(1.0f, 0.71f, 0.29f) : WHITE * 0.04f);
-        material.setMetalness(1.0f);
-        material.setRoughnessGlossiness(0.045f + 0.955f * across);
-    });
-    camera = orbit(0.0f, 8.0f);
+    addGrid(set, stock, {1.0f, 0.71f, 0.29f},
+            [](PbsMaterial& material, float roughness) { material.setRoughnessGlossiness(roughness); });
+    camera = orbit(0.0f, 5.0f);
 }
 
 void buildGlossiness(DemoSet& set, const Stock& stock, CameraChoice& camera) {
-    addRows(set, stock, [](PbsMaterial& material, float across, bool isMetal) {
+    addGrid(set, stock, {0.35f, 0.55f, 0.95f}, [](PbsMaterial& material, float roughness) {
         material.setPbsModel(PBS_MODEL::SPECULAR_GLOSSINESS);
-        material.setAlbedoColor(isMetal ? Vector() : Vector(0.03f, 0.10f, 0.45f));
-        material.setSpecularColor(isMetal ? Vector(0.95f, 0.64f, 0.54f) : WHITE * 0.04f);
-        material.setMetalness(1.0f);
-        material.setRoughnessGlossiness(0.955f * across);
+        material.setRoughnessGlossiness(1.0f - roughness);
     });
-    camera = orbit(0.0f, 8.0f);
+    camera = orbit(0.0f, 5.0f);
 }
 
 /// Bricks: height 0 in the joints, 1 on the bricks.
@@ -204,10 +208,11 @@ struct SceneOfMaterials {
 };
 
 constexpr SceneOfMaterials SCENES[] = {
-    {"spheres-metalness", "roughness from left to right; a dielectric below, gold above: metalness workflow",
-     false, buildMetalness},
+    {"spheres-metalness",
+     "metalness workflow: roughness grows to the right, metalness from 0 below to 1 above", false,
+     buildMetalness},
     {"spheres-glossiness",
-     "glossiness from left to right; a dielectric below, copper above: glossiness workflow", false,
+     "glossiness workflow: glossiness falls to the right, metalness from 0 below to 1 above", false,
      buildGlossiness},
     {"ground-shadow", "a textured and normal-mapped ground under a filtered shadow", true, buildGround},
     {"channel-packing",
