@@ -135,48 +135,12 @@ TEST_P(ImageEnvironmentEffectTest, selectsProgramAndDefine) {
 
 TEST_P(ImageEnvironmentEffectTest, setsItsSampler) {
     const auto effect = makeEffect(nullptr, PROJECTION::FLAT, nullptr);
-    ASSERT_NE(defaultSampler(), nullptr);
-    EXPECT_EQ(effect->getShader()->getSampler(0, 0), defaultSampler());
-    defaultSampler()->setFilter(ovGraphics::FILTER::ANISOTROPIC); // put right by the next load
-    defaultSampler()->setBorderColor(1.0f, 1.0f, 1.0f, 1.0f);
-    ASSERT_TRUE(effect->load());
-    const ovGraphics::device::SamplerDesc& desc = defaultSampler()->getDesc();
-    EXPECT_EQ(int(desc.filter), 21);
-    EXPECT_EQ(int(desc.addressU), 3);
-    EXPECT_EQ(int(desc.addressV), 3);
-    EXPECT_EQ(desc.borderColour, (std::array{0.0f, 0.0f, 0.0f, 0.0f}));
-    EXPECT_EQ(desc.minLod, 0.0f);
-    EXPECT_EQ(desc.maxLod, 0.0f);
-    EXPECT_TRUE(defaultSampler()->getHidden());
-    EXPECT_FALSE(defaultSampler()->isUnloaded());
+    expectDefaultSampler(*effect, defaultSampler(), 21);
 }
 
 TEST_P(ImageEnvironmentEffectTest, bindsAtOnceWhenLoaded) {
     ImageEnvironmentEffect effect(getSystem());
-    const auto texture = makeTexture(FloatPicture(1, 1));
-    const auto sampler = ovGraphics::Sampler::create(&getGraphics());
-    effect.setSourceTexture(texture.get());
-    effect.setSourceSampler(sampler.get());
-    EXPECT_EQ(effect.getShader(), nullptr);
-    EXPECT_EQ(effect.getSourceTexture(), texture.get());
-    EXPECT_EQ(effect.getSourceSampler(), sampler.get());
-    ASSERT_TRUE(effect.load());
-    EXPECT_EQ(effect.getShader()->getTexture(0, 0), texture.get());
-    EXPECT_EQ(effect.getShader()->getSampler(0, 0), sampler.get());
-
-    const auto other = makeTexture(FloatPicture(1, 1));
-    effect.setSourceTexture(other.get());
-    effect.setSourceSampler(nullptr);
-    EXPECT_EQ(effect.getShader()->getTexture(0, 0), other.get());
-    EXPECT_EQ(effect.getShader()->getSampler(0, 0), defaultSampler());
-    effect.setSourceTexture(nullptr);
-    EXPECT_EQ(effect.getShader()->getTexture(0, 0), nullptr);
-
-    effect.unload();
-    effect.setSourceTexture(texture.get());
-    effect.setSourceSampler(sampler.get());
-    EXPECT_EQ(effect.getShader()->getTexture(0, 0), nullptr);
-    EXPECT_EQ(effect.getShader()->getSampler(0, 0), nullptr);
+    expectSourcesAreBoundAtOnce(effect, [this] { return defaultSampler(); });
 }
 
 TEST_P(ImageEnvironmentEffectTest, leavesTheShaderOfAFlatImageAloneWhenTheCameraChanges) {
