@@ -29,8 +29,8 @@ public:
     /// kept, see Node::getMemberValue(). The text is not needed afterwards.
     ///
     /// Errors, each of which gives no tree: an empty text, anything against the grammar, content behind the
-    /// first value, bytes that are not UTF-8, a \u escape that is half a surrogate pair, a number beyond the
-    /// largest double, nesting beyond MAX_DEPTH, a text of 4 GiB or more, lack of memory.
+    /// first value, bytes that are not UTF-8, a `\u` escape that is half a surrogate pair, a number beyond
+    /// the largest double, nesting beyond MAX_DEPTH, a text of 4 GiB or more, lack of memory.
     ExporterLoadResult importIntoTree(ovMemory::StringView text) const;
 
     /// Writes a node and all below it; no line feed at the end. Empty for null, and for lack of memory.

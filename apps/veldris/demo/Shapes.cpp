@@ -45,8 +45,9 @@ private:
             for (unsigned int column = 0; column + 1 < columns; ++column) {
                 const uint32_t topLeft = row * columns + column;
                 const uint32_t bottomLeft = topLeft + columns;
-                indices.insert(indices.end(), {topLeft, topLeft + 1, bottomLeft + 1}); // clockwise
-                indices.insert(indices.end(), {topLeft, bottomLeft + 1, bottomLeft});
+                for (const uint32_t index : {topLeft, topLeft + 1, bottomLeft + 1, // clockwise
+                                             topLeft, bottomLeft + 1, bottomLeft})
+                    indices.push_back(index);
             }
         }
         return indices;

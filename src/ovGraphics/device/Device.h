@@ -115,6 +115,7 @@ public:
     virtual double getMilliseconds() = 0;
 };
 
+/// What a buffer of the device is bound as.
 enum class BUFFER_USAGE : unsigned int { CONSTANTS, VERTICES, INDICES };
 
 /// Where an attribute of a vertex stage lies in a vertex or in the data of an instance.
