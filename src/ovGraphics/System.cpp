@@ -80,13 +80,23 @@ System::~System() {
 bool System::initialize(const Configuration& configuration) {
     if (_device)
         return true;
-    _configuration = configuration;
     ovMemory::String error;
-    _device = device::createDevice(requestFor(configuration), error);
-    if (!_device) {
-        log("Could not open a graphics device: " + error, "System");
+    auto device = device::createDevice(requestFor(configuration), error);
+    return _start(configuration, std::move(device), error);
+}
+
+bool System::initialize(const Configuration& configuration, ovMemory::UniquePtr<device::Device> device) {
+    return _device || _start(configuration, std::move(device), "none was given.");
+}
+
+bool System::_start(const Configuration& configuration, ovMemory::UniquePtr<device::Device> device,
+                    ovMemory::StringView error) {
+    _configuration = configuration;
+    if (!device) {
+        log(ovMemory::String("Could not open a graphics device: ").append(error), "System");
         return false;
     }
+    _device = std::move(device);
     _programLibrary = std::make_unique<ProgramLibrary>(*_device, configuration.cacheFolder);
     _startSeconds = nowInSeconds();
     _lastFrameSeconds = 0.0;

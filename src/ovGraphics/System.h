@@ -60,6 +60,10 @@ public:
     /// Opens the device. Does nothing on a system that is initialised.
     /// @return false after one log line when no device can be opened
     bool initialize(const Configuration& configuration);
+    /// The same with a device of the host's own, which this system then owns: one that counts
+    /// (device/CountingDevice.h), one behind another API. The configuration's choice of a device is not
+    /// looked at. @return false after one log line for a null device
+    bool initialize(const Configuration& configuration, ovMemory::UniquePtr<device::Device> device);
     /// Unloads every resource and closes the device; the resources stay and can be loaded after initialize().
     void shutdown();
 
@@ -134,6 +138,8 @@ private:
     friend class Resource;
 
     explicit System(bool);
+    bool _start(const Configuration& configuration, ovMemory::UniquePtr<device::Device> device,
+                ovMemory::StringView error);
     void _registerResource(Resource* resource);
     void _unregisterResource(Resource* resource);
     void _advanceTime();

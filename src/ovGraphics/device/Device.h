@@ -233,6 +233,10 @@ public:
                              GpuTexture& target, unsigned int targetSlice, unsigned int targetMip) = 0;
     virtual void updateBuffer(GpuBuffer&, unsigned int offset,
                               ovMemory::BufferView<const unsigned char> data) = 0;
+    /// Copies bytes between two buffers on the device, after the draws asked for before and ahead of those
+    /// asked for afterwards, so that nobody waits. Offsets and size in bytes.
+    virtual void copyBuffer(GpuBuffer& source, unsigned int sourceOffset, GpuBuffer& target,
+                            unsigned int targetOffset, unsigned int size) = 0;
 
     // Drawing. State that is set again unchanged costs no API call.
     virtual void setTarget(GpuTarget&, const Rectangle& viewport) = 0;

@@ -48,6 +48,21 @@ void GlBuffer::update(unsigned int offset, ovMemory::BufferView<const unsigned c
     ++_core.statistics.bufferUploads;
 }
 
+void GlBuffer::copyTo(unsigned int offset, GlBuffer& target, unsigned int targetOffset, unsigned int size) {
+    const auto fits = [size](const GlBuffer& buffer, unsigned int from) {
+        return from <= buffer.getSize() && size <= buffer.getSize() - from;
+    };
+    if (!fits(*this, offset) || !fits(target, targetOffset)) {
+        _core.report(
+            fmt::format("Nothing was copied between buffers: {} bytes from byte {} of {} to byte {} of {}",
+                        size, offset, getSize(), targetOffset, target.getSize()));
+        return;
+    }
+    if (size > 0)
+        glCopyNamedBufferSubData(_name, target._name, static_cast<GLintptr>(offset),
+                                 static_cast<GLintptr>(targetOffset), static_cast<GLsizeiptr>(size));
+}
+
 GlBuffer::~GlBuffer() {
     _core.makeCurrent();
     _core.pipeline.forgetBuffer(_name);

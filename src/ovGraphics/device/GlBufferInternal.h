@@ -20,6 +20,7 @@ public:
     /// Another number for every buffer that a device makes; OpenGL's names come again.
     uint64_t getSerial() const { return _serial; }
     void update(unsigned int offset, ovMemory::BufferView<const unsigned char> data);
+    void copyTo(unsigned int offset, GlBuffer& target, unsigned int targetOffset, unsigned int size);
 
 private:
     GlBuffer(GlCore& core, unsigned int size);

@@ -209,6 +209,12 @@ void GlDevice::updateBuffer(GpuBuffer& buffer, unsigned int offset,
     static_cast<GlBuffer&>(buffer).update(offset, data);
 }
 
+void GlDevice::copyBuffer(GpuBuffer& source, unsigned int sourceOffset, GpuBuffer& target,
+                          unsigned int targetOffset, unsigned int size) {
+    _core.makeCurrent();
+    static_cast<GlBuffer&>(source).copyTo(sourceOffset, static_cast<GlBuffer&>(target), targetOffset, size);
+}
+
 void GlDevice::setTarget(GpuTarget& target, const Rectangle& viewport) {
     _core.makeCurrent();
     _core.pipeline.setTarget(static_cast<GlTarget&>(target), viewport);

@@ -45,6 +45,8 @@ public:
                      unsigned int targetSlice, unsigned int targetMip) override;
     void updateBuffer(GpuBuffer& buffer, unsigned int offset,
                       ovMemory::BufferView<const unsigned char> data) override;
+    void copyBuffer(GpuBuffer& source, unsigned int sourceOffset, GpuBuffer& target,
+                    unsigned int targetOffset, unsigned int size) override;
 
     void setTarget(GpuTarget& target, const Rectangle& viewport) override;
     void clearColour(unsigned int index, const std::array<float, 4>& colour) override;

@@ -41,6 +41,35 @@ TEST(GlBuffer, shadersReadWhatWasWritten) {
     expectNoDriverErrors(*device);
 }
 
+TEST(GlBuffer, theDeviceCopiesBetweenBuffersInTheOrderOfDraws) {
+    const auto device = openDevice();
+    ASSERT_TRUE(device);
+    ovMemory::String error;
+    const auto source = device->createBuffer(32, BUFFER_USAGE::VERTICES, error);
+    const auto target = device->createBuffer(16, BUFFER_USAGE::CONSTANTS, error);
+    const auto program = makeProgram(
+        *device, pixelText("colour = value;", "layout(std140, binding = 5) uniform B { vec4 value; };"));
+    const auto texture = makeTexture(*device, flat(FORMAT::R32G32B32A32_FLOAT, 1, 1));
+    const auto draw = [&] {
+        device->setConstantBuffer(5, target.get());
+        drawOver(*device, *texture, *program);
+        return texelOf(readFloats(*device, *texture), 1, 0, 0);
+    };
+    device->updateBuffer(*source, 0, bytesOf(ovMemory::Buffer<float>{1, 2, 3, 4, 5, 6, 7, 8}));
+    device->copyBuffer(*source, 8, *target, 0, 16);
+    EXPECT_EQ(draw(), (Colour{3, 4, 5, 6}));
+    device->copyBuffer(*source, 0, *target, 12, 4);
+    EXPECT_EQ(draw(), (Colour{3, 4, 5, 1}));
+    device->copyBuffer(*source, 32, *target, 16, 0); // nothing, at the ends
+    expectNoDriverErrors(*device);
+    device->copyBuffer(*source, 20, *target, 0, 16);
+    device->copyBuffer(*source, 0, *target, 4, 16);
+    EXPECT_EQ(device->takeDebugErrors(),
+              "Nothing was copied between buffers: 16 bytes from byte 20 of 32 to byte 0 of 16\n"
+              "Nothing was copied between buffers: 16 bytes from byte 0 of 32 to byte 4 of 16");
+    EXPECT_EQ(draw(), (Colour{3, 4, 5, 1}));
+}
+
 TEST(GlBuffer, impossibleSizesAreRefused) {
     const auto device = openDevice();
     ASSERT_TRUE(device);
