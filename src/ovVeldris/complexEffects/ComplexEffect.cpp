@@ -2,8 +2,9 @@
 
 namespace ovVeldris {
 
-ComplexEffect::ComplexEffect(COMPLEX_EFFECT_TYPE type)
-    : _type(type) {}
+ComplexEffect::ComplexEffect(COMPLEX_EFFECT_TYPE type, const SettingTable& settings)
+    : Configurable(settings)
+    , _type(type) {}
 
 ComplexEffect::ComplexEffect(const ComplexEffect& other) = default;
 ComplexEffect& ComplexEffect::operator=(const ComplexEffect& other) = default;

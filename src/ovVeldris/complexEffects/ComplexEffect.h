@@ -2,6 +2,7 @@
 #pragma once
 
 #include <ovVeldris/complexEffects/ComplexEffectTypeUtils.h>
+#include <ovVeldris/core/settings/Configurable.h>
 
 namespace ovGraphics {
 class CompositorNode;
@@ -11,9 +12,10 @@ namespace ovVeldris {
 
 /// A screen effect of several passes. It never renders by itself: load() appends its passes to the compositor
 /// node that the application gives, and unload() removes exactly those.
-class OV_API ComplexEffect {
+class OV_API ComplexEffect : public Configurable {
 public:
-    explicit ComplexEffect(COMPLEX_EFFECT_TYPE type);
+    /// @param settings the table of the kind, which its objects share
+    explicit ComplexEffect(COMPLEX_EFFECT_TYPE type, const SettingTable& settings = SettingTable::none());
     /// Copies name, node and type.
     ComplexEffect(const ComplexEffect& other);
     ComplexEffect& operator=(const ComplexEffect& other);

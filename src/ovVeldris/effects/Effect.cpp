@@ -3,8 +3,9 @@
 
 namespace ovVeldris {
 
-Effect::Effect(EFFECT_TYPE type)
-    : _type(type) {}
+Effect::Effect(EFFECT_TYPE type, const SettingTable& settings)
+    : Configurable(settings)
+    , _type(type) {}
 
 Effect::~Effect() = default;
 

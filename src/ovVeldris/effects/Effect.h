@@ -3,6 +3,7 @@
 
 #include <ovCommon/Api.h>
 #include <ovMemory/Memory.h>
+#include <ovVeldris/core/settings/Configurable.h>
 #include <ovVeldris/effects/EffectType.h>
 
 namespace ovGraphics {
@@ -16,7 +17,7 @@ namespace ovVeldris {
 ///
 /// Setters store settings; load() makes them effective. Settings that only change what is bound (a texture, a
 /// number) also reach a loaded shader at once; those that change the shader's text wait for the next load().
-class OV_API Effect {
+class OV_API Effect : public Configurable {
 public:
     Effect(const Effect&) = delete;
     Effect& operator=(const Effect&) = delete;
@@ -42,7 +43,8 @@ public:
     ovGraphics::Shader* getShader() const { return _shader.get(); }
 
 protected:
-    explicit Effect(EFFECT_TYPE type);
+    /// @param settings the table of the kind, which its objects share
+    explicit Effect(EFFECT_TYPE type, const SettingTable& settings = SettingTable::none());
 
     /// Takes over the effect's shader and names it.
     void _setShader(ovMemory::UniquePtr<ovGraphics::Shader> shader);

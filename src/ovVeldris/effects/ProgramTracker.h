@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <ovGraphics/resources/Program.h>
 #include <ovMemory/NameMap.h>
+#include <ovVeldris/effects/ProgramTrackersHolder.h>
 #include <unordered_map>
 
 namespace ovVeldris {
@@ -21,15 +22,12 @@ struct ProgramIdHash {
 /// settings that do not change the text (textures, numbers in constant buffers) take no part in it.
 /// NameGenerator()() is the prefix of the programs' names, which end in the id in decimal.
 template <typename Info, typename IdGenerator, typename NameGenerator>
-class ProgramTracker {
+class ProgramTracker : public ProgramTrackerBase {
 public:
     /// @param graphicsSystem creates the programs; outlives the tracker's use
     explicit ProgramTracker(ovGraphics::System* graphicsSystem)
         : _graphicsSystem(graphicsSystem)
         , _programs(INITIAL_BUCKETS) {}
-    ProgramTracker(const ProgramTracker&) = delete;
-    ProgramTracker& operator=(const ProgramTracker&) = delete;
-    virtual ~ProgramTracker() = default;
 
     /// The program of a record, with one more reference. Never null; a new one is named and unloaded, and the
     /// caller fills and loads it.

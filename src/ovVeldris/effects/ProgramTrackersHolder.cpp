@@ -1,24 +1,22 @@
-#include <ovVeldris/effects/ImageEnvironmentEffect.h>
 #include <ovVeldris/effects/ProgramTrackersHolder.h>
-#include <ovVeldris/effects/TextureCopyEffect.h>
-#include <ovVeldris/effects/ToneMappingEffect.h>
-#include <ovVeldris/materials/PbsProgramTracker.h>
 
 namespace ovVeldris {
 
-namespace {
+ProgramTrackerBase::~ProgramTrackerBase() = default;
 
-template <typename... Trackers>
-void createTrackers(TrackerList<Trackers...>& trackers, ovGraphics::System* graphicsSystem) {
-    ((std::get<ovMemory::UniquePtr<Trackers>>(trackers) = std::make_unique<Trackers>(graphicsSystem)), ...);
+ProgramTrackersHolder::ProgramTrackersHolder(ovGraphics::System* graphicsSystem)
+    : _graphicsSystem(graphicsSystem) {}
+
+ProgramTrackersHolder::~ProgramTrackersHolder() {
+    while (!_trackers.empty())
+        _trackers.pop_back();
 }
 
-} // namespace
-
-ProgramTrackersHolder::ProgramTrackersHolder(ovGraphics::System* graphicsSystem) {
-    createTrackers(_trackers, graphicsSystem);
+ProgramTrackerBase* ProgramTrackersHolder::_find(std::type_index type) const {
+    for (const Entry& entry : _trackers)
+        if (entry.type == type)
+            return entry.tracker.get();
+    return nullptr;
 }
-
-ProgramTrackersHolder::~ProgramTrackersHolder() = default;
 
 } // namespace ovVeldris

@@ -1,9 +1,9 @@
-// Every program tracker of the library, one per kind.
+// Every program tracker of a graphics system, one per kind.
 #pragma once
 
 #include <ovCommon/Api.h>
 #include <ovMemory/Memory.h>
-#include <tuple>
+#include <typeindex>
 
 namespace ovGraphics {
 class System;
@@ -11,35 +11,50 @@ class System;
 
 namespace ovVeldris {
 
-/// Trackers in the order of their creation.
-template <typename... Trackers>
-using TrackerList = std::tuple<ovMemory::UniquePtr<Trackers>...>;
+/// A tracker of any kind, see ProgramTracker.
+class OV_API ProgramTrackerBase {
+public:
+    ProgramTrackerBase() = default;
+    ProgramTrackerBase(const ProgramTrackerBase&) = delete;
+    ProgramTrackerBase& operator=(const ProgramTrackerBase&) = delete;
+    virtual ~ProgramTrackerBase();
+};
 
-/// Every tracker of the library. A new kind is a line here, and an include of its header in the source.
-using ProgramTrackers = TrackerList<      //
-    class ImageEnvironmentProgramTracker, //
-    class PbsProgramTracker,              //
-    class TextureCopyProgramTracker,      //
-    class ToneMappingProgramTracker>;
-
-/// Owns the trackers of one graphics system.
+/// Owns the trackers of one graphics system. It lists no kinds: a tracker is made when it is first asked for,
+/// so that a new kind needs no line here.
 class OV_API ProgramTrackersHolder {
 public:
-    /// Creates every tracker. @param graphicsSystem creates the programs; outlives the holder
+    /// @param graphicsSystem creates the programs; outlives the holder
     explicit ProgramTrackersHolder(ovGraphics::System* graphicsSystem);
     ProgramTrackersHolder(const ProgramTrackersHolder&) = delete;
     ProgramTrackersHolder& operator=(const ProgramTrackersHolder&) = delete;
-    /// Destroys every tracker with the programs that are still held; whoever borrowed one forgets it.
+    /// Destroys the trackers, the last one made first, with the programs that are still held; whoever
+    /// borrowed one forgets it.
     ~ProgramTrackersHolder();
 
-    /// The tracker of a kind. Never null.
+    /// The tracker of a kind, always the same. Never null. @param Tracker derives from ProgramTrackerBase and
+    /// is made from a graphics system
     template <typename Tracker>
     Tracker* get() const {
-        return std::get<ovMemory::UniquePtr<Tracker>>(_trackers).get();
+        const std::type_index type = typeid(Tracker);
+        if (ProgramTrackerBase* existing = _find(type))
+            return static_cast<Tracker*>(existing);
+        auto tracker = std::make_unique<Tracker>(_graphicsSystem);
+        Tracker* made = tracker.get();
+        _trackers.push_back({type, std::move(tracker)});
+        return made;
     }
 
 private:
-    ProgramTrackers _trackers;
+    struct Entry {
+        std::type_index type;
+        ovMemory::UniquePtr<ProgramTrackerBase> tracker;
+    };
+
+    ProgramTrackerBase* _find(std::type_index type) const;
+
+    ovGraphics::System* _graphicsSystem;
+    mutable ovMemory::Buffer<Entry> _trackers; ///< few: about ten kinds
 };
 
 } // namespace ovVeldris

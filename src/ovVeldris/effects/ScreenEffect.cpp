@@ -13,8 +13,8 @@
 namespace ovVeldris {
 
 ScreenEffectBase::ScreenEffectBase(EFFECT_TYPE type, System* system, ovMemory::StringView kindName,
-                                   ovMemory::StringView className)
-    : Effect(type)
+                                   ovMemory::StringView className, const SettingTable& settings)
+    : Effect(type, settings)
     , _system(systemOrSingleton(system))
     , _kindName(kindName)
     , _className(className) {}

@@ -41,8 +41,9 @@ public:
 protected:
     /// @param system not owned and outlives the effect's use; null means the System singleton
     /// @param kindName what messages call the kind ("tone mapping"), className who sends them; both literals
+    /// @param settings the table of the kind
     ScreenEffectBase(EFFECT_TYPE type, System* system, ovMemory::StringView kindName,
-                     ovMemory::StringView className);
+                     ovMemory::StringView className, const SettingTable& settings = SettingTable::none());
 
     /// Gives the pixel text and the defines that the current info selects. The vertex text is the default one
     /// unless it is set here.

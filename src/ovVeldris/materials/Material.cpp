@@ -5,8 +5,9 @@
 
 namespace ovVeldris {
 
-Material::Material(MATERIAL_TYPE type)
-    : _type(type) {}
+Material::Material(MATERIAL_TYPE type, const SettingTable& settings)
+    : Configurable(settings)
+    , _type(type) {}
 
 Material::~Material() = default;
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <ovExport/Exportable.h>
+#include <ovVeldris/core/settings/Configurable.h>
 #include <ovVeldris/materials/MaterialTypeUtils.h>
 
 namespace ovGraphics {
@@ -11,10 +12,10 @@ class Shader;
 namespace ovVeldris {
 
 /// A named object that owns the shader with which meshes are drawn.
-class OV_API Material : public ovExport::Exportable {
+class OV_API Material : public ovExport::Exportable, public Configurable {
 public:
-    /// A material without name and shader.
-    explicit Material(MATERIAL_TYPE type);
+    /// A material without name and shader. @param settings the table of the kind, which its objects share
+    explicit Material(MATERIAL_TYPE type, const SettingTable& settings = SettingTable::none());
     Material(const Material&) = delete;
     Material& operator=(const Material&) = delete;
     ~Material() override;

@@ -78,6 +78,37 @@ TEST_P(ProgramTrackersHolderTest, destroysWhatIsHeld) {
     EXPECT_EQ(program.get(), nullptr);
 }
 
+TEST_P(ProgramTrackersHolderTest, makesOneTrackerOfEachKindOnFirstUse) {
+    const ProgramTrackersHolder holder(&getGraphics());
+    auto* numbers = holder.get<NumberTracker>();
+    ovGraphics::Program* program = numbers->getProgram(3);
+    auto* copies = holder.get<TextureCopyProgramTracker>();
+    EXPECT_NE(static_cast<ProgramTrackerBase*>(numbers), copies);
+    EXPECT_EQ(holder.get<NumberTracker>(), numbers);
+    EXPECT_EQ(holder.get<NumberTracker>()->getProgram(3), program);
+    EXPECT_EQ(holder.get<TextureCopyProgramTracker>(), copies);
+}
+
+TEST_P(ProgramTrackersHolderTest, destroysTheLastTrackerFirst) {
+    struct First : ProgramTrackerBase {
+        explicit First(ovGraphics::System*) {}
+        ~First() override { order->push_back(1); }
+        std::vector<int>* order = nullptr;
+    };
+    struct Second : ProgramTrackerBase {
+        explicit Second(ovGraphics::System*) {}
+        ~Second() override { order->push_back(2); }
+        std::vector<int>* order = nullptr;
+    };
+    std::vector<int> order;
+    {
+        const ProgramTrackersHolder holder(&getGraphics());
+        holder.get<First>()->order = &order;
+        holder.get<Second>()->order = &order;
+    }
+    EXPECT_EQ(order, (std::vector<int>{2, 1}));
+}
+
 TEST_P(ProgramTrackersHolderTest, namesTheProgramsOfEachKind) {
     const ProgramTrackersHolder holder(&getGraphics());
     EXPECT_EQ(holder.get<ImageEnvironmentProgramTracker>()->getProgram({})->getName(),
