@@ -11,35 +11,33 @@
 #include <ovVeldris/materials/PbsParametersTree.h>
 #include <ovVeldris/materials/PbsProgramSources.h>
 #include <ovVeldris/materials/PbsProgramTracker.h>
-#include <ovVeldris/materials/PbsPropertiesInternal.h>
 #include <ovVeldris/materials/PbsShaderBindings.h>
 
 namespace ovVeldris {
 
 namespace {
 
-constexpr std::array UNPACKED_TEXTURES = {
-    &PbsMaterialParameters::environmentTexture,
-    &PbsMaterialParameters::irradianceTexture,
-    &PbsMaterialParameters::shadowMapTexture,
-};
-
 // A program is made for the textures that there are when it is asked for.
-void forgetDestroyedTextures(PbsMaterialParameters& parameters) {
-    for (const PbsTextureProperty* const property : PBS_SURFACE_TEXTURES)
-        (parameters.*property->texture).forgetIfDestroyed();
-    for (const auto texture : UNPACKED_TEXTURES)
-        (parameters.*texture).forgetIfDestroyed();
+void forgetDestroyedTextures(PbsSettings& settings) {
+    for (const PbsProperty& property : pbsProperties())
+        if (property.texture)
+            (settings.*property.texture.field).forgetIfDestroyed();
 }
 
-void recordTextureSlots(PbsMaterialParameters& parameters) {
-    for (const PbsTextureProperty* const property : PBS_SURFACE_TEXTURES) {
-        const ovGraphics::Texture* const texture = (parameters.*property->texture).get();
-        parameters.*property->slot = texture ? static_cast<int>(findPackedUnit(parameters, texture))
-                                             : PbsMaterialParameters::NOT_BOUND;
-    }
-    parameters.environmentTextureUsed = parameters.environmentTexture.isNamed();
-    parameters.irradianceTextureUsed = parameters.irradianceTexture.isNamed();
+/// Gives a texture the next free unit, unless it has one already.
+void packTexture(PbsLoadedTextures& loaded, const PbsTexture& texture) {
+    if (texture.get() && loaded.findPackedUnit(texture.get()) == loaded.packedTextures.size())
+        loaded.packedTextures[loaded.findPackedUnit(nullptr)] = texture;
+}
+
+/// The unit at which a loaded shader reads the texture of a property.
+int findUnit(const PbsMaterialParameters& parameters, const PbsProperty& property) {
+    const ovGraphics::Texture* const texture =
+        property.texture ? (parameters.*property.texture.field).get() : nullptr;
+    if (!texture)
+        return PbsLoadedTextures::NOT_BOUND;
+    return property.texture.isPacked() ? static_cast<int>(parameters.findPackedUnit(texture))
+                                       : property.texture.unit;
 }
 
 } // namespace
@@ -76,7 +74,8 @@ bool PbsMaterial::load() {
         _logLoadFailure("shader");
         return false;
     }
-    recordTextureSlots(_parameters);
+    for (const PbsProperty& property : pbsProperties())
+        _parameters.units[getPbsRow(property)] = findUnit(_parameters, property);
     _loadedParameters = _parameters;
     return true;
 }
@@ -103,107 +102,97 @@ void PbsMaterial::importClassFromTree(ovExport::Node* node) {
 }
 
 void PbsMaterial::setLightDirection(const ovMaths::Vector& direction) {
-    _parameters.lightDirection = direction;
-    _writeIfLoaded(PBS_LIGHT_DIRECTION_CONSTANT, direction);
+    _setVector(&PbsSettings::lightDirection, direction);
 }
-
 void PbsMaterial::setLightColor(const ovMaths::Vector& color) {
-    _parameters.lightColor = color;
-    _writeIfLoaded(PBS_LIGHT_COLOR_CONSTANT, color);
+    _setVector(&PbsSettings::lightColor, color);
 }
-
 void PbsMaterial::setAlbedoColor(const ovMaths::Vector& color) {
-    _setColor(PBS_ALBEDO, color);
+    _setVector(&PbsSettings::albedoColor, color);
 }
 void PbsMaterial::setSpecularColor(const ovMaths::Vector& color) {
-    _setColor(PBS_SPECULAR, color);
+    _setVector(&PbsSettings::specularColor, color);
 }
 void PbsMaterial::setEmissiveColor(const ovMaths::Vector& color) {
-    _setColor(PBS_EMISSIVE, color);
+    _setVector(&PbsSettings::emissiveColor, color);
 }
 void PbsMaterial::setEnvironmentColor(const ovMaths::Vector& color) {
-    _setColor(PBS_ENVIRONMENT, color);
+    _setVector(&PbsSettings::environmentColor, color);
 }
 
 void PbsMaterial::setMetalness(float metalness) {
-    _setFactor(PBS_METALNESS, metalness);
+    _setNumber(&PbsSettings::metalness, metalness);
 }
 void PbsMaterial::setRoughnessGlossiness(float roughnessGlossiness) {
-    _setFactor(PBS_ROUGHNESS_GLOSSINESS, roughnessGlossiness);
+    _setNumber(&PbsSettings::roughnessGlossiness, roughnessGlossiness);
 }
-
 void PbsMaterial::setAlpha(float alpha) {
-    _parameters.alpha = alpha;
-    _writeIfLoaded(_loadedParameters.alphaConstant, toPbsAlphaConstant(_parameters));
+    _setNumber(&PbsSettings::alpha, alpha);
 }
 void PbsMaterial::setAlphaCutoff(float cutoff) {
-    _parameters.alphaCutoff = cutoff;
-    _writeIfLoaded(_loadedParameters.alphaConstant, toPbsAlphaConstant(_parameters));
+    _setNumber(&PbsSettings::alphaCutoff, cutoff);
 }
 
 void PbsMaterial::setAlbedoTexture(ovGraphics::Texture* texture, THREE_CHANNEL_PACK channels) {
-    _setTexture(PBS_ALBEDO_TEXTURE, texture, channels);
+    _parameters.albedoTextureChannels = channels;
+    _setTexture(&PbsSettings::albedoTexture, texture);
 }
 void PbsMaterial::setSpecularTexture(ovGraphics::Texture* texture, THREE_CHANNEL_PACK channels) {
-    _setTexture(PBS_SPECULAR_TEXTURE, texture, channels);
+    _parameters.specularTextureChannels = channels;
+    _setTexture(&PbsSettings::specularTexture, texture);
 }
 void PbsMaterial::setEmissiveTexture(ovGraphics::Texture* texture, THREE_CHANNEL_PACK channels) {
-    _setTexture(PBS_EMISSIVE_TEXTURE, texture, channels);
+    _parameters.emissiveTextureChannels = channels;
+    _setTexture(&PbsSettings::emissiveTexture, texture);
 }
 void PbsMaterial::setMetalnessTexture(ovGraphics::Texture* texture, ONE_CHANNEL_PACK channel) {
-    _setTexture(PBS_METALNESS_TEXTURE, texture, channel);
+    _parameters.metalnessTextureChannel = channel;
+    _setTexture(&PbsSettings::metalnessTexture, texture);
 }
 void PbsMaterial::setRoughnessGlossinessTexture(ovGraphics::Texture* texture, ONE_CHANNEL_PACK channel) {
-    _setTexture(PBS_ROUGHNESS_GLOSSINESS_TEXTURE, texture, channel);
+    _parameters.roughnessGlossinessTextureChannel = channel;
+    _setTexture(&PbsSettings::roughnessGlossinessTexture, texture);
 }
 void PbsMaterial::setAlphaTexture(ovGraphics::Texture* texture, ONE_CHANNEL_PACK channel) {
-    _setTexture(PBS_ALPHA_TEXTURE, texture, channel);
+    _parameters.alphaTextureChannel = channel;
+    _setTexture(&PbsSettings::alphaTexture, texture);
 }
 void PbsMaterial::setOcclusionTexture(ovGraphics::Texture* texture, ONE_CHANNEL_PACK channel) {
-    _setTexture(PBS_OCCLUSION_TEXTURE, texture, channel);
+    _parameters.occlusionTextureChannel = channel;
+    _setTexture(&PbsSettings::occlusionTexture, texture);
 }
 void PbsMaterial::setNormalMapTexture(ovGraphics::Texture* texture, THREE_CHANNEL_PACK channels) {
-    _setTexture(PBS_NORMAL_MAP_TEXTURE, texture, channels);
+    _parameters.normalMapTextureChannels = channels;
+    _setTexture(&PbsSettings::normalMapTexture, texture);
 }
-
+void PbsMaterial::setIrradianceTexture(ovGraphics::Texture* texture, THREE_CHANNEL_PACK channels) {
+    _parameters.irradianceTextureChannels = channels;
+    _setTexture(&PbsSettings::irradianceTexture, texture);
+}
 void PbsMaterial::setEnvironmentTexture(ovGraphics::Texture* texture, THREE_CHANNEL_PACK channels,
                                         bool prefiltered) {
-    _storeTexture(PBS_ENVIRONMENT_TEXTURE, texture, channels);
+    _parameters.environmentTextureChannels = channels;
     _parameters.environmentPrefiltered = prefiltered;
-    if (!_loadedParameters.environmentTextureUsed)
-        return;
-    _bindIfLoaded(texture, PBS_ENVIRONMENT_UNIT);
-    if (auto* const size = _getLoadedConstant(_loadedParameters.environmentTextureSizeConstant))
-        size->setAsTextureSize(texture);
-}
-
-void PbsMaterial::setIrradianceTexture(ovGraphics::Texture* texture, THREE_CHANNEL_PACK channels) {
-    _storeTexture(PBS_IRRADIANCE_TEXTURE, texture, channels);
-    if (_loadedParameters.irradianceTextureUsed)
-        _bindIfLoaded(texture, PBS_IRRADIANCE_UNIT);
+    _setTexture(&PbsSettings::environmentTexture, texture);
 }
 
 void PbsMaterial::setShadowMapTexture(ovGraphics::Texture* texture, ovGraphics::Camera* camera,
                                       const ShadowMapParameters& parameters) {
-    _parameters.shadowMapTexture = texture;
     _parameters.shadowMapCamera = camera;
     _parameters.shadowMapParameters = parameters;
+    _setTexture(&PbsSettings::shadowMapTexture, texture);
     if (!_getLoadedShader() || !_loadedParameters.shadowMapTexture.isNamed())
         return;
-    _bindIfLoaded(texture, PBS_SHADOW_MAP_UNIT);
-    _getLoadedConstant(_loadedParameters.shadowTextureSizeConstant)->setAsTextureSize(texture);
     _getLoadedConstant(_loadedParameters.shadowViewMatrixConstant)->setAsViewMatrix(camera);
     _getLoadedConstant(_loadedParameters.shadowProjectionMatrixConstant)->setAsProjectionMatrix(camera);
 }
 
 bool PbsMaterial::_packTextureSlots() {
     _parameters.packedTextures = {};
-    unsigned int used = 0;
-    for (const PbsTextureProperty* const property : PBS_PACKING_ORDER) {
-        const PbsTexture& texture = _parameters.*property->texture;
-        if (texture.get() && findPackedUnit(_parameters, texture.get()) == _parameters.packedTextures.size())
-            _parameters.packedTextures[used++] = texture;
-    }
+    for (int rank = 0; rank < static_cast<int>(pbsProperties().size()); ++rank)
+        for (const PbsProperty& property : pbsProperties())
+            if (property.texture.packingRank == rank)
+                packTexture(_parameters, _parameters.*property.texture.field);
     return true;
 }
 
@@ -239,50 +228,36 @@ ovGraphics::ShaderPassMemorySlot* PbsMaterial::_getLoadedConstant(unsigned int i
     return shader ? shader->getConstantBuffer(PBS_CONSTANTS, 0)->getPassMemorySlot(index) : nullptr;
 }
 
-void PbsMaterial::_writeIfLoaded(unsigned int index, const ovMaths::Vector& value) const {
-    if (ovGraphics::ShaderPassMemorySlot* const slot = _getLoadedConstant(index))
-        slot->setFromVector(value);
+void PbsMaterial::_setVector(ovMaths::Vector PbsSettings::*field, const ovMaths::Vector& value) {
+    _parameters.*field = value;
+    _writeIfLoaded(getPbsProperty(field));
 }
 
-void PbsMaterial::_bindIfLoaded(ovGraphics::Texture* texture, unsigned int unit) const {
-    if (ovGraphics::Shader* const shader = _getLoadedShader())
-        shader->setTexture(texture, unit, 0);
+void PbsMaterial::_setNumber(float PbsSettings::*field, float value) {
+    _parameters.*field = value;
+    _writeIfLoaded(getPbsProperty(field));
 }
 
-void PbsMaterial::_setColor(const PbsColorProperty& property, const ovMaths::Vector& color) {
-    _parameters.*property.color = color;
-    if (isMixedOrAlone(property, _loadedParameters))
-        _writeIfLoaded(_loadedParameters.*property.constant, color);
-}
-
-void PbsMaterial::_setFactor(const PbsFactorProperty& property, float factor) {
-    _parameters.*property.factor = factor;
-    if (isMixedOrAlone(property, _loadedParameters))
-        _writeIfLoaded(_loadedParameters.*property.constant, toPbsConstant(factor));
-}
-
-void PbsMaterial::_storeTexture(const PbsTextureProperty& property, ovGraphics::Texture* texture,
-                                THREE_CHANNEL_PACK channels) {
-    _parameters.*property.texture = texture;
-    _parameters.*property.vectorChannels = channels;
-}
-
-void PbsMaterial::_storeTexture(const PbsTextureProperty& property, ovGraphics::Texture* texture,
-                                ONE_CHANNEL_PACK channel) {
-    _parameters.*property.texture = texture;
-    _parameters.*property.numberChannel = channel;
-}
-
-template <typename Channels>
-void PbsMaterial::_setTexture(const PbsTextureProperty& property, ovGraphics::Texture* texture,
-                              Channels channels) {
-    _storeTexture(property, texture, channels);
-    const int slot = _loadedParameters.*property.slot;
-    if (slot == PbsMaterialParameters::NOT_BOUND || !_getLoadedShader())
+void PbsMaterial::_writeIfLoaded(const PbsProperty& property) const {
+    if (!property.isValueUsed(_loadedParameters) && !property.second)
         return;
-    const auto unit = static_cast<unsigned int>(slot);
-    _parameters.packedTextures[unit] = texture;
-    _bindIfLoaded(texture, unit);
+    if (auto* const slot = _getLoadedConstant(_loadedParameters.constants[getPbsRow(property)].value))
+        slot->setFromVector(property.getConstant(_parameters));
+}
+
+void PbsMaterial::_setTexture(PbsTexture PbsSettings::*field, ovGraphics::Texture* texture) {
+    _parameters.*field = texture;
+    const PbsProperty& property = getPbsProperty(field);
+    const int bound = _loadedParameters.units[getPbsRow(property)];
+    if (bound == PbsLoadedTextures::NOT_BOUND || !_getLoadedShader())
+        return;
+    const auto unit = static_cast<unsigned int>(bound);
+    if (property.texture.isPacked())
+        _parameters.packedTextures[unit] = texture;
+    _getLoadedShader()->setTexture(texture, unit, 0);
+    if (property.needsSize)
+        _getLoadedConstant(_loadedParameters.constants[getPbsRow(property)].textureSize)
+            ->setAsTextureSize(texture);
 }
 
 void PbsMaterial::_logLoadFailure(ovMemory::StringView what) const {

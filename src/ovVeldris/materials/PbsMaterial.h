@@ -14,9 +14,6 @@ namespace ovVeldris {
 
 class ProgramTrackersHolder;
 class System;
-struct PbsColorProperty;
-struct PbsFactorProperty;
-struct PbsTextureProperty;
 
 /// A surface of microfacets over a diffuse base, lit by one directional light, by an environment, or by both.
 /// docs/materials.md has the equations.
@@ -218,16 +215,10 @@ private:
     ovGraphics::Shader* _getLoadedShader() const;
     /// A slot of the pixel stage's constants of a loaded shader; null when there is none.
     ovGraphics::ShaderPassMemorySlot* _getLoadedConstant(unsigned int index) const;
-    void _writeIfLoaded(unsigned int index, const ovMaths::Vector& value) const;
-    void _bindIfLoaded(ovGraphics::Texture* texture, unsigned int unit) const;
-    void _setColor(const PbsColorProperty& property, const ovMaths::Vector& color);
-    void _setFactor(const PbsFactorProperty& property, float factor);
-    void _storeTexture(const PbsTextureProperty& property, ovGraphics::Texture* texture,
-                       THREE_CHANNEL_PACK channels);
-    void _storeTexture(const PbsTextureProperty& property, ovGraphics::Texture* texture,
-                       ONE_CHANNEL_PACK channel);
-    template <typename Channels>
-    void _setTexture(const PbsTextureProperty& property, ovGraphics::Texture* texture, Channels channels);
+    void _setVector(ovMaths::Vector PbsSettings::*field, const ovMaths::Vector& value);
+    void _setNumber(float PbsSettings::*field, float value);
+    void _writeIfLoaded(const PbsProperty& property) const;
+    void _setTexture(PbsTexture PbsSettings::*field, ovGraphics::Texture* texture);
     void _logLoadFailure(ovMemory::StringView what) const;
 
     System* _system;

@@ -1,134 +1,44 @@
-// Everything that a PBS material is made of.
+// Everything that a PBS material is made of: what was set, and what loading it found.
 #pragma once
 
-#include <array>
-#include <ovGraphics/resources/Borrowed.h>
-#include <ovGraphics/resources/Texture.h>
-#include <ovGraphics/scene/Camera.h>
-#include <ovMaths/Vector.h>
-#include <ovMemory/Memory.h>
-#include <ovVeldris/materials/OneChannelPackUtils.h>
-#include <ovVeldris/materials/ThreeChannelPackUtils.h>
-#include <ovVeldris/shaders/ShadowMapParameters.h>
+#include <ovVeldris/materials/PbsProperties.h>
 
 namespace ovVeldris {
 
-/// How specular reflection is described. The numbers are part of the interface of scripts and files; every
-/// number but 1 means the first.
-enum class PBS_MODEL : uint32_t { SPECULAR_METALNESS_ROUGHNESS = 0, SPECULAR_GLOSSINESS = 1 };
-
-/// A texture that a property reads, owned by others. When it is destroyed it reads as null, but it stays
-/// named: the shader that was made for a texture does not change with it.
-class PbsTexture {
-public:
-    PbsTexture() = default;
-    PbsTexture(ovGraphics::Texture* texture)
-        : _texture(texture)
-        , _named(texture != nullptr) {}
-
-    /// Null when none was given, or when it was destroyed.
-    ovGraphics::Texture* get() const { return _texture.get(); }
-    /// Whether a texture was given, destroyed since or not.
-    bool isNamed() const { return _named; }
-    /// Takes back the name of a texture that was destroyed.
-    void forgetIfDestroyed() { _named = get() != nullptr; }
-
-private:
-    ovGraphics::Borrowed<ovGraphics::Texture> _texture;
-    bool _named = false;
-};
-
-/// The settings of a PbsMaterial, and where its shader holds them. Colours are scene-linear red, green, blue;
-/// w is not used. What the settings mean is with PbsMaterial's setters.
-struct PbsMaterialParameters {
-    /// Textures that the properties can bind together, a unit each.
-    static constexpr unsigned int PACKED_TEXTURE_COUNT = 8;
-    /// Slot of a texture that is not bound.
-    static constexpr int NOT_BOUND = -1;
-
-    ovMaths::Vector lightDirection{1.0f, -1.0f, 1.0f};
-    ovMaths::Vector lightColor{1.0f, 1.0f, 1.0f};
-    ovMaths::Vector albedoColor;
-    ovMaths::Vector specularColor{0.5f, 0.5f, 0.5f};
-    ovMaths::Vector emissiveColor;
-    ovMaths::Vector environmentColor;
-    ShadowMapParameters shadowMapParameters;
-    ovMemory::String positionAttributeName = "POSITION";
-    ovMemory::String texCoordAttributeName = "TEXCOORD";
-    ovMemory::String normalAttributeName = "NORMAL";
-    ovMemory::String tangentAttributeName = "TANGENT";
-    ovMemory::String binormalAttributeName = "BINORMAL";
-
-    // Places of memory slots in the pixel stage's constant buffer, known when the shader is prepared.
-    unsigned int albedoColorConstant = 0;
-    unsigned int specularColorConstant = 0;
-    unsigned int emissiveColorConstant = 0;
-    unsigned int environmentTextureSizeConstant = 0;
-    unsigned int environmentColorConstant = 0;
-
-    float metalness = 0.5f;
-    float roughnessGlossiness = 0.5f;
-    float alpha = 1.0f;
-    float alphaCutoff = 0.00001f;
-
-    unsigned int metalnessConstant = 0;
-    unsigned int roughnessGlossinessConstant = 0;
-    unsigned int alphaConstant = 0; ///< of alpha and its cut-off together
-    unsigned int shadowTextureSizeConstant = 0;
+/// Where the pixel stage's constant buffer holds the properties, in slots; known when the shader is prepared.
+struct PbsShaderLayout {
+    struct Constants {
+        unsigned int value = 0;       ///< the property's own
+        unsigned int textureSize = 0; ///< of a map of the surroundings or of shadows
+    };
+    std::array<Constants, PBS_PROPERTY_COUNT> constants; ///< by row of the table
     unsigned int shadowViewMatrixConstant = 0;
     unsigned int shadowProjectionMatrixConstant = 0;
+};
 
-    PbsTexture albedoTexture;
-    PbsTexture specularTexture;
-    PbsTexture emissiveTexture;
-    PbsTexture environmentTexture;
-    PbsTexture irradianceTexture;
-    PbsTexture metalnessTexture;
-    PbsTexture roughnessGlossinessTexture;
-    PbsTexture alphaTexture;
-    PbsTexture occlusionTexture;
-    PbsTexture normalMapTexture;
-    PbsTexture shadowMapTexture;
+/// The units of the textures, known when the material is loaded.
+struct PbsLoadedTextures {
+    /// Textures that the surface's properties can bind together, a unit each.
+    static constexpr unsigned int PACKED_TEXTURE_COUNT = 8;
+    /// Unit of a texture that is not bound.
+    static constexpr int NOT_BOUND = -1;
+
+    PbsLoadedTextures() { units.fill(NOT_BOUND); }
+
+    /// The unit of a texture among those that are packed, or their number when it is not.
+    unsigned int findPackedUnit(const ovGraphics::Texture* texture) const {
+        unsigned int unit = 0;
+        while (unit < packedTextures.size() && packedTextures[unit].get() != texture)
+            ++unit;
+        return unit;
+    }
+
     /// The distinct textures of the material's surface by unit, without gaps.
     std::array<PbsTexture, PACKED_TEXTURE_COUNT> packedTextures;
-    ovGraphics::Borrowed<ovGraphics::Camera> shadowMapCamera;
-
-    THREE_CHANNEL_PACK albedoTextureChannels = THREE_CHANNEL_PACK::RGB;
-    THREE_CHANNEL_PACK specularTextureChannels = THREE_CHANNEL_PACK::RGB;
-    THREE_CHANNEL_PACK emissiveTextureChannels = THREE_CHANNEL_PACK::RGB;
-    THREE_CHANNEL_PACK environmentTextureChannels = THREE_CHANNEL_PACK::RGB;
-    THREE_CHANNEL_PACK irradianceTextureChannels = THREE_CHANNEL_PACK::RGB;
-    ONE_CHANNEL_PACK metalnessTextureChannel = ONE_CHANNEL_PACK::R;
-    ONE_CHANNEL_PACK roughnessGlossinessTextureChannel = ONE_CHANNEL_PACK::R;
-    ONE_CHANNEL_PACK alphaTextureChannel = ONE_CHANNEL_PACK::R;
-    ONE_CHANNEL_PACK occlusionTextureChannel = ONE_CHANNEL_PACK::R;
-    THREE_CHANNEL_PACK normalMapTextureChannels = THREE_CHANNEL_PACK::RGB;
-    PBS_MODEL pbsModel = PBS_MODEL::SPECULAR_METALNESS_ROUGHNESS;
-
-    // Units among packedTextures, known when the material is loaded.
-    int albedoTextureSlot = NOT_BOUND;
-    int specularTextureSlot = NOT_BOUND;
-    int emissiveTextureSlot = NOT_BOUND;
-    int metalnessTextureSlot = NOT_BOUND;
-    int roughnessGlossinessTextureSlot = NOT_BOUND;
-    int alphaTextureSlot = NOT_BOUND;
-    int occlusionTextureSlot = NOT_BOUND;
-    int normalMapTextureSlot = NOT_BOUND;
-
-    bool environmentTextureUsed = false; ///< set when the material is loaded
-    bool environmentPrefiltered = false;
-    bool irradianceTextureUsed = false; ///< set when the material is loaded
-    bool environmentTextureIsCubeByDefault = true;
-    bool irradianceTextureIsCubeByDefault = true;
-    bool reconstructBinormals = true;
-    bool mixAlbedoColorAndTexture = false;
-    bool mixSpecularColorAndTexture = false;
-    bool mixEmissiveColorAndTexture = false;
-    bool mixMetalnessFactorAndTexture = false;
-    bool mixRoughnessGlossinessFactorAndTexture = false;
-    bool mixEnvironmentColorAndTexture = false;
-    bool mixAlphaFactorAndTexture = false;
-    bool combineLightAndEnvironment = false;
+    std::array<int, PBS_PROPERTY_COUNT> units; ///< of the properties' textures, by row of the table
 };
+
+/// The whole of it. A loaded material keeps one as it was loaded, and one as it is set now.
+struct PbsMaterialParameters : PbsSettings, PbsShaderLayout, PbsLoadedTextures {};
 
 } // namespace ovVeldris

@@ -12,14 +12,14 @@ class TextureManager;
 
 namespace ovVeldris {
 
-struct PbsMaterialParameters;
+struct PbsSettings;
 
 /// Adds the settings that are kept in files to an object node.
-OV_API void exportPbsParameters(const PbsMaterialParameters& parameters, ovExport::Node& node);
+OV_API void exportPbsParameters(const PbsSettings& settings, ovExport::Node& node);
 
 /// Takes over what the members of a node say; absent members and those of another kind change nothing.
 /// @param textures finds the textures by name, and creates the missing ones; null leaves textures alone
-OV_API void importPbsParameters(PbsMaterialParameters& parameters, const ovExport::Node& node,
+OV_API void importPbsParameters(PbsSettings& settings, const ovExport::Node& node,
                                 ovGraphics::TextureManager* textures);
 
 } // namespace ovVeldris

@@ -2,7 +2,7 @@
 
 #include <ovGraphics/resources/ProgramSourcesHolder.h>
 #include <ovVeldris/EmbeddedShaders.h>
-#include <ovVeldris/materials/PbsPropertiesInternal.h>
+#include <ovVeldris/materials/PbsMaterialParameters.h>
 #include <ovVeldris/shaders/ShaderText.h>
 #include <ovVeldris/shaders/ShadowMappingLib.h>
 
@@ -40,10 +40,9 @@ ovMemory::String join(ovMemory::StringView first, ovMemory::StringView second) {
     return ovMemory::String(first).append(second);
 }
 
-void addChannels(Sources& sources, const PbsMaterialParameters& parameters,
-                 const PbsTextureProperty& property) {
-    sources.addDefineMacroPixel(join(property.defineName, property.vectorChannels ? "_CHANNELS" : "_CHANNEL"),
-                                property.getChannelsText(parameters));
+void addChannels(Sources& sources, const PbsSettings& settings, const PbsProperty& property) {
+    const ovMemory::StringView suffix = property.texture.vectorChannels ? "_CHANNELS" : "_CHANNEL";
+    sources.addDefineMacroPixel(join(property.define, suffix), property.texture.getChannelsText(settings));
 }
 
 void addSurfaceTextures(Sources& sources, const PbsMaterialParameters& parameters) {
@@ -51,61 +50,67 @@ void addSurfaceTextures(Sources& sources, const PbsMaterialParameters& parameter
          ++i)
         sources.addDefineMacroPixel("TEXTURE_" + std::to_string(i), "");
     bool any = false;
-    for (const PbsTextureProperty* const property : PBS_SURFACE_TEXTURES) {
-        if (!property->isIn(parameters))
+    for (const PbsProperty& property : pbsProperties()) {
+        if (!property.texture.isPacked() || !property.texture.isIn(parameters))
             continue;
         any = true;
-        const ovMemory::String name = join(property->defineName, "_TEXTURE");
-        const unsigned int unit = findPackedUnit(parameters, (parameters.*property->texture).get());
+        const ovMemory::String name = join(property.define, "_TEXTURE");
+        const unsigned int unit = parameters.findPackedUnit((parameters.*property.texture.field).get());
         sources.addDefineMacroPixel(name, "texture" + std::to_string(unit) + "Data");
-        if (property == &PBS_NORMAL_MAP_TEXTURE)
+        if (property.texture.field == &PbsSettings::normalMapTexture) // it needs a frame in the vertex stage
             sources.addDefineMacroVertex(name, "");
-        addChannels(sources, parameters, *property);
+        addChannels(sources, parameters, property);
     }
     if (any)
         addBoth(sources, "USE_UV");
 }
 
-/// Adds the defines of one of the maps of the surroundings. @return whether it is flat
-bool addMap(Sources& sources, const PbsMaterialParameters& parameters, const PbsTextureProperty& property,
-            unsigned int unit, bool prefiltered, bool cubeByDefault) {
-    if (!property.isIn(parameters))
-        return false;
-    sources.addDefineMacroPixel(join(property.defineName, "_TEXTURE"), "");
-    addChannels(sources, parameters, property);
-    sources.addDefineMacroPixel(join(property.defineName, "_TEX_SLOT"), std::to_string(unit));
-    if (prefiltered)
-        sources.addDefineMacroPixel(join(property.defineName, "_PREFILTERED"), "");
-    const ovGraphics::Texture* const texture = (parameters.*property.texture).get();
-    const bool loaded = texture && !texture->isUnloaded();
-    const bool cube = loaded ? texture->getTexType() == ovGraphics::TEXTURE_TYPE::CUBE : cubeByDefault;
-    if (cube)
-        sources.addDefineMacroPixel(join(property.defineName, "_CUBE_MAP"), "");
-    return !cube;
+/// A map that is loaded tells what it is; one that is not counts as its switch says.
+bool isCube(const PbsSettings& settings, const PbsProperty& property) {
+    const ovGraphics::Texture* const texture = (settings.*property.texture.field).get();
+    if (!texture || texture->isUnloaded())
+        return settings.*property.isCube.field;
+    return texture->getTexType() == ovGraphics::TEXTURE_TYPE::CUBE;
 }
 
-void addMaps(Sources& sources, const PbsMaterialParameters& parameters) {
-    const bool environmentIsFlat =
-        addMap(sources, parameters, PBS_ENVIRONMENT_TEXTURE, PBS_ENVIRONMENT_UNIT,
-               parameters.environmentPrefiltered, parameters.environmentTextureIsCubeByDefault);
-    const bool irradianceIsFlat = addMap(sources, parameters, PBS_IRRADIANCE_TEXTURE, PBS_IRRADIANCE_UNIT,
-                                         false, parameters.irradianceTextureIsCubeByDefault);
-    if (environmentIsFlat || irradianceIsFlat)
+void addMap(Sources& sources, const PbsSettings& settings, const PbsProperty& property) {
+    sources.addDefineMacroPixel(join(property.define, "_TEXTURE"), "");
+    addChannels(sources, settings, property);
+    sources.addDefineMacroPixel(join(property.define, "_TEX_SLOT"), std::to_string(property.texture.unit));
+    if (property.prefiltered && settings.*property.prefiltered.field)
+        sources.addDefineMacroPixel(join(property.define, "_PREFILTERED"), "");
+    if (isCube(settings, property))
+        sources.addDefineMacroPixel(join(property.define, "_CUBE_MAP"), "");
+}
+
+void addMaps(Sources& sources, const PbsSettings& settings) {
+    bool anyIsFlat = false;
+    for (const PbsProperty& property : pbsProperties()) {
+        if (!property.isCube || !property.texture.isIn(settings))
+            continue;
+        addMap(sources, settings, property);
+        anyIsFlat = anyIsFlat || !isCube(settings, property);
+    }
+    if (anyIsFlat)
         sources.addDefineMacroPixel("USE_2D_MAP", "");
+}
+
+void addShadows(Sources& sources) {
+    addBoth(sources, "SHADOW_TEXTURE");
+    const PbsTextureRow& row = getPbsProperty(&PbsSettings::shadowMapTexture).texture;
+    sources.addDefineMacroPixel("SHADOW_TEXTURE_SLOT", std::to_string(row.unit));
 }
 
 } // namespace
 
 void fillPbsProgramSources(const PbsMaterialParameters& parameters, Sources& sources) {
     setTexts(sources);
-    for (const PbsAttribute& attribute : PBS_ATTRIBUTES)
-        sources.addDefineMacroVertex(attribute.define, parameters.*attribute.name);
+    for (const PbsAttribute& attribute : pbsAttributes())
+        sources.addDefineMacroVertex(attribute.define, parameters.*attribute.field);
     addSurfaceTextures(sources, parameters);
     const bool shadows = parameters.shadowMapTexture.isNamed();
-    if (shadows) {
-        addBoth(sources, "SHADOW_TEXTURE");
-        sources.addDefineMacroPixel("SHADOW_TEXTURE_SLOT", std::to_string(PBS_SHADOW_MAP_UNIT));
-    }
+    if (shadows)
+        addShadows(sources);
     addMaps(sources, parameters);
     if (parameters.reconstructBinormals)
         sources.addDefineMacroVertex("RECONSTRUCT_BINORMALS", "");
@@ -113,9 +118,10 @@ void fillPbsProgramSources(const PbsMaterialParameters& parameters, Sources& sou
     sources.addDefineMacroPixel(glossiness ? "SPECULAR_GLOSSINESS" : "SPECULAR_METALNESS_ROUGHNESS", "");
     if (shadows)
         addShadowMapDefines(sources, parameters.shadowMapParameters);
-    for (const PbsSwitch& entry : PBS_SWITCHES)
-        if (parameters.*entry.field)
-            sources.addDefineMacroPixel(entry.define, "");
+    forEachPbsSwitch([&](const PbsSwitch& row) {
+        if (!row.define.empty() && parameters.*row.field)
+            sources.addDefineMacroPixel(row.define, "");
+    });
 }
 
 } // namespace ovVeldris

@@ -6,7 +6,7 @@
 #include <ovGraphics/resources/Shader.h>
 #include <ovGraphics/resources/ShaderInstanceMemorySlot.h>
 #include <ovVeldris/core/GraphicsEngine.h>
-#include <ovVeldris/materials/PbsPropertiesInternal.h>
+#include <ovVeldris/materials/PbsMaterialParameters.h>
 
 namespace ovVeldris {
 
@@ -16,7 +16,7 @@ using ovGraphics::ShaderPassMemorySlot;
 
 constexpr ovMemory::StringView SHADOW_SAMPLER = "ORVANE_DEFAULT_SAMPLER_COMPARISON_SHADOWS";
 
-/// The slots of the pixel stage's constants, in the order of the members of the text's buffer.
+/// Declares the pixel stage's constants, in the order of the members of the text's buffer.
 class ConstantWriter {
 public:
     ConstantWriter(ovGraphics::Shader& shader, PbsMaterialParameters& parameters)
@@ -24,20 +24,12 @@ public:
         , _parameters(parameters) {}
 
     void write() {
-        _buffer->addPassMemorySlot()->setFromVector(_parameters.lightDirection);
-        _buffer->addPassMemorySlot()->setFromVector(_parameters.lightColor);
-        _addColor(PBS_ALBEDO);
-        _addColor(PBS_SPECULAR);
-        _addColor(PBS_EMISSIVE);
-        if (_parameters.environmentTexture.isNamed())
-            _add(_parameters.environmentTextureSizeConstant)
-                ->setAsTextureSize(_parameters.environmentTexture.get());
-        // Without an irradiance texture it is the irradiance.
-        if (isMixedOrAlone(PBS_ENVIRONMENT, _parameters) || !_parameters.irradianceTexture.isNamed())
-            _add(_parameters.environmentColorConstant)->setFromVector(_parameters.environmentColor);
-        _addFactor(PBS_METALNESS);
-        _addFactor(PBS_ROUGHNESS_GLOSSINESS);
-        _add(_parameters.alphaConstant)->setFromVector(toPbsAlphaConstant(_parameters));
+        for (const PbsProperty& property : pbsProperties())
+            if (property.value.vector)
+                _addProperty(property);
+        for (const PbsProperty& property : pbsProperties())
+            if (property.value.number)
+                _addProperty(property);
         if (_parameters.shadowMapTexture.isNamed())
             _addShadowMap();
     }
@@ -48,19 +40,23 @@ private:
         return _buffer->addPassMemorySlot();
     }
 
-    void _addColor(const PbsColorProperty& property) {
-        if (isMixedOrAlone(property, _parameters))
-            _add(_parameters.*property.constant)->setFromVector(_parameters.*property.color);
+    void _addProperty(const PbsProperty& property) {
+        if (property.needsSize && property.texture.isIn(_parameters))
+            _addTextureSize(property);
+        const bool isSubstitute = property.substitute && !(_parameters.*property.substitute).isNamed();
+        if (property.isValueUsed(_parameters) || isSubstitute || property.second)
+            _add(_parameters.constants[getPbsRow(property)].value)
+                ->setFromVector(property.getConstant(_parameters));
     }
 
-    void _addFactor(const PbsFactorProperty& property) {
-        if (isMixedOrAlone(property, _parameters))
-            _add(_parameters.*property.constant)->setFromVector(toPbsConstant(_parameters.*property.factor));
+    void _addTextureSize(const PbsProperty& property) {
+        _add(_parameters.constants[getPbsRow(property)].textureSize)
+            ->setAsTextureSize((_parameters.*property.texture.field).get());
     }
 
     void _addShadowMap() {
         ovGraphics::Camera* const camera = _parameters.shadowMapCamera.get();
-        _add(_parameters.shadowTextureSizeConstant)->setAsTextureSize(_parameters.shadowMapTexture.get());
+        _addTextureSize(getPbsProperty(&PbsSettings::shadowMapTexture));
         _add(_parameters.shadowViewMatrixConstant)->setAsViewMatrix(camera);
         _add(_parameters.shadowProjectionMatrixConstant)->setAsProjectionMatrix(camera);
     }
@@ -96,23 +92,16 @@ void bindTextures(ovGraphics::Shader& shader, const PbsMaterialParameters& param
     for (const PbsTexture& texture : parameters.packedTextures)
         if (texture.isNamed())
             bind(texture, unit++, defaultSampler);
-    if (parameters.shadowMapTexture.isNamed())
-        bind(parameters.shadowMapTexture, PBS_SHADOW_MAP_UNIT, getShadowSampler(samplers));
-    if (parameters.environmentTexture.isNamed())
-        bind(parameters.environmentTexture, PBS_ENVIRONMENT_UNIT, defaultSampler);
-    if (parameters.irradianceTexture.isNamed())
-        bind(parameters.irradianceTexture, PBS_IRRADIANCE_UNIT, defaultSampler);
+    for (const PbsProperty& property : pbsProperties()) {
+        const PbsTextureRow& row = property.texture;
+        const bool isShadowMap = row.field == &PbsSettings::shadowMapTexture;
+        if (row.unit != PBS_NONE && row.isIn(parameters))
+            bind(parameters.*row.field, static_cast<unsigned int>(row.unit),
+                 isShadowMap ? getShadowSampler(samplers) : defaultSampler);
+    }
 }
 
 } // namespace
-
-ovMaths::Vector toPbsConstant(float factor) {
-    return {factor, 0.0f};
-}
-
-ovMaths::Vector toPbsAlphaConstant(const PbsMaterialParameters& parameters) {
-    return {parameters.alpha, parameters.alphaCutoff};
-}
 
 void bindPbsShader(ovGraphics::Shader& shader, PbsMaterialParameters& parameters,
                    ovGraphics::System& graphicsSystem) {

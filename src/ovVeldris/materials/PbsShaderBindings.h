@@ -2,7 +2,6 @@
 #pragma once
 
 #include <ovCommon/Api.h>
-#include <ovMaths/Vector.h>
 
 namespace ovGraphics {
 class Shader;
@@ -13,15 +12,14 @@ namespace ovVeldris {
 
 struct PbsMaterialParameters;
 
+/// Indices of the shader's constant buffers.
+inline constexpr unsigned int PBS_PASS_CONSTANTS = 0;
+inline constexpr unsigned int PBS_CONSTANTS = 1;
+
 /// Declares the constants, instance values, textures and samplers of a shader that has none. The places of
 /// constants that may change while the shader is loaded are written to the parameters.
 /// @param parameters with packedTextures filled
 OV_API void bindPbsShader(ovGraphics::Shader& shader, PbsMaterialParameters& parameters,
                           ovGraphics::System& graphicsSystem);
-
-/// The constant that holds a factor: (factor, 0, 0, 0).
-ovMaths::Vector toPbsConstant(float factor);
-/// The constant that holds alpha and its cut-off.
-ovMaths::Vector toPbsAlphaConstant(const PbsMaterialParameters& parameters);
 
 } // namespace ovVeldris

@@ -12,7 +12,7 @@ using Textures = ovMemory::BufferView<ovGraphics::Texture* const>;
 
 /// Absent; a texture of its own; the texture that all properties of this value share, by other channels.
 template <typename Pack>
-PbsOption textureOption(const char* name, PbsTexture Parameters::*texture, Pack Parameters::*channels,
+PbsOption textureOption(const char* name, PbsTexture PbsSettings::*texture, Pack PbsSettings::*channels,
                         ovGraphics::Texture* own, ovGraphics::Texture* shared, Pack sharedChannels) {
     return {name, 3, [=](Parameters& parameters, unsigned int value) {
                 if (value == 0)

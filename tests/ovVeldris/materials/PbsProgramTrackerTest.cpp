@@ -212,10 +212,9 @@ TEST_F(PbsProgramTrackerTest, NumbersAndKindsOfMapsTakeNoPart) {
     parameters.metalness = parameters.roughnessGlossiness = parameters.alpha = 0.1f;
     parameters.alphaCutoff = 0.7f;
     parameters.environmentTextureIsCubeByDefault = parameters.irradianceTextureIsCubeByDefault = false;
-    parameters.albedoTextureSlot = 3;
+    parameters.units[2] = 3;
     parameters.packedTextures[0] = texture.get();
-    parameters.albedoColorConstant = 9;
-    parameters.environmentTextureUsed = true;
+    parameters.constants[2] = {9, 10};
     EXPECT_EQ(keyOf(parameters), keyOf(Parameters()));
 }
 

@@ -146,18 +146,21 @@ TEST_P(PbsShaderBindingsTest, FillsExactlyTheConstantsThatTheTextDeclares) {
         for (const auto& buffer : compiled.program->constantBuffers)
             EXPECT_EQ(countRegisters(*shader, buffer.slot) * 16, buffer.size) << describe(options, choice);
 
+        const auto constantOf = [&](auto field) {
+            return parameters.constants[getPbsRow(getPbsProperty(field))];
+        };
         const std::map<ovMemory::String, unsigned int> places = {
             {"lightDir", 0},
             {"lightCol", 1},
-            {"albedoCol", parameters.albedoColorConstant},
-            {"specularCol", parameters.specularColorConstant},
-            {"emissiveCol", parameters.emissiveColorConstant},
-            {"envTexInfo", parameters.environmentTextureSizeConstant},
-            {"environmentCol", parameters.environmentColorConstant},
-            {"metalnessVal", parameters.metalnessConstant},
-            {"roughnessVal", parameters.roughnessGlossinessConstant},
-            {"alphaVal", parameters.alphaConstant},
-            {"shadowMapSize", parameters.shadowTextureSizeConstant},
+            {"albedoCol", constantOf(&PbsSettings::albedoColor).value},
+            {"specularCol", constantOf(&PbsSettings::specularColor).value},
+            {"emissiveCol", constantOf(&PbsSettings::emissiveColor).value},
+            {"envTexInfo", constantOf(&PbsSettings::environmentColor).textureSize},
+            {"environmentCol", constantOf(&PbsSettings::environmentColor).value},
+            {"metalnessVal", constantOf(&PbsSettings::metalness).value},
+            {"roughnessVal", constantOf(&PbsSettings::roughnessGlossiness).value},
+            {"alphaVal", constantOf(&PbsSettings::alpha).value},
+            {"shadowMapSize", constantOf(&PbsSettings::shadowMapTexture).textureSize},
             {"shadowLightView", parameters.shadowViewMatrixConstant},
             {"shadowLightProjection", parameters.shadowProjectionMatrixConstant},
         };
