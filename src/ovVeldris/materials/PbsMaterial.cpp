@@ -47,7 +47,7 @@ ovMemory::UniquePtr<PbsMaterial> PbsMaterial::create(System* system) {
 }
 
 PbsMaterial::PbsMaterial(System* system)
-    : Material(MATERIAL_TYPE::PBS)
+    : Material(MATERIAL_TYPE::PBS, settings())
     , _system(systemOrSingleton(system)) {}
 
 PbsMaterial::~PbsMaterial() {

@@ -32,6 +32,10 @@ public:
     explicit PbsMaterial(System* system);
     ~PbsMaterial() override;
 
+    /// What getSettings() gives of every PbsMaterial. Besides what files keep it has the channels of the
+    /// textures and the shadow map.
+    static const SettingTable& settings();
+
     /// Makes a program for the settings, or shares that of another material, and binds everything to the
     /// shader; a loaded material is unloaded first.
     /// @return false after one log line when the program or the shader cannot be loaded. The material is then
@@ -205,6 +209,8 @@ public:
     ovMemory::String getBinormalAttributeName() const { return _parameters.binormalAttributeName; }
 
 private:
+    class SettingWriter;
+
     bool _packTextureSlots();
     bool _prepareProgram();
     bool _prepareShader();

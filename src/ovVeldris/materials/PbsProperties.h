@@ -36,11 +36,12 @@ struct PbsTextureRow {
     PbsTexture PbsSettings::*field = nullptr;
     THREE_CHANNEL_PACK PbsSettings::*vectorChannels = nullptr;
     ONE_CHANNEL_PACK PbsSettings::*numberChannel = nullptr;
-    bool isInTree = true;       ///< the library's own format has it
-    int keyBit = PBS_NONE;      ///< of the program's key: there is such a texture
-    int channelsBit = PBS_NONE; ///< of the key: the first of the code of the channels
-    int packingRank = PBS_NONE; ///< textures of the surface take units in this order
-    int unit = PBS_NONE;        ///< of textures that are not packed
+    ovMemory::StringView channelsSetting = {}; ///< what the channels are called as a setting
+    bool isInTree = true;                      ///< the library's own format has it
+    int keyBit = PBS_NONE;                     ///< of the program's key: there is such a texture
+    int channelsBit = PBS_NONE;                ///< of the key: the first of the code of the channels
+    int packingRank = PBS_NONE;                ///< textures of the surface take units in this order
+    int unit = PBS_NONE;                       ///< of textures that are not packed
 
     explicit operator bool() const { return field != nullptr; }
     /// Whether it is one of the surface, read at the mesh's texture coordinates.
