@@ -4,8 +4,8 @@
 #include "ovVeldris/effects/ProgramCacheBenchmark.h"
 #include "ovVeldris/environment/EnvironmentFilterBenchmark.h"
 #include "ovVeldris/environment/IrradianceBenchmark.h"
+#include "support/Aims.h"
 
-#include <benchmark/benchmark.h>
 #include <string_view>
 
 int main(int argumentCount, char** arguments) {
@@ -16,8 +16,5 @@ int main(int argumentCount, char** arguments) {
     ovBenchmarks::registerEnvironmentFilter();
     ovBenchmarks::registerIrradiance();
     ovBenchmarks::registerProgramCache(arguments[0]);
-    benchmark::Initialize(&argumentCount, arguments);
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
+    return ovBenchmarks::runBenchmarks(argumentCount, arguments);
 }

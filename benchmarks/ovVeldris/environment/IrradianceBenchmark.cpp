@@ -1,5 +1,6 @@
 #include "ovVeldris/environment/IrradianceBenchmark.h"
 
+#include "support/Aims.h"
 #include "support/Pairs.h"
 
 #include <array>
@@ -18,6 +19,7 @@ using ovVeldris::IRRADIANCE_INSTRUCTIONS;
 using ovVeldris::IrradianceCoefficients;
 using ovVeldris::IrradianceMapLayout;
 using ovVeldris::IrradianceTransform;
+using enum ovVeldris::IRRADIANCE_INSTRUCTIONS;
 
 constexpr int ROUNDS = 41;
 
@@ -28,21 +30,19 @@ struct Case {
     const char* name;
     IrradianceMapLayout layout;
     IRRADIANCE_INSTRUCTIONS instructions;
+    double projectionAim = 0.0; ///< the largest ratio of the projection; 0: none
+    double evaluationAim = 0.0; ///< the same of the evaluation
 };
 
 constexpr Case CASES[] = {
-    {"map_4096x2048", {false, FORMAT::R32G32B32A32_FLOAT, 4096, 2048, 1}, IRRADIANCE_INSTRUCTIONS::BEST},
-    {"map_2048x1024", {false, FORMAT::R32G32B32A32_FLOAT, 2048, 1024, 1}, IRRADIANCE_INSTRUCTIONS::BEST},
-    {"map_1024x512", {false, FORMAT::R32G32B32A32_FLOAT, 1024, 512, 1}, IRRADIANCE_INSTRUCTIONS::BEST},
-    {"cube_1024", {true, FORMAT::R32G32B32A32_FLOAT, 1024, 1024, 6}, IRRADIANCE_INSTRUCTIONS::BEST},
-    {"cube_256", {true, FORMAT::R32G32B32A32_FLOAT, 256, 256, 6}, IRRADIANCE_INSTRUCTIONS::BEST},
-    {"map_2048x1024_three_floats",
-     {false, FORMAT::R32G32B32_FLOAT, 2048, 1024, 1},
-     IRRADIANCE_INSTRUCTIONS::BEST},
-    {"map_2048x1024_bytes", {false, FORMAT::R8G8B8A8_UNORM, 2048, 1024, 1}, IRRADIANCE_INSTRUCTIONS::BEST},
-    {"map_2048x1024_plain",
-     {false, FORMAT::R32G32B32A32_FLOAT, 2048, 1024, 1},
-     IRRADIANCE_INSTRUCTIONS::PLAIN},
+    {"map_4096x2048", {false, FORMAT::R32G32B32A32_FLOAT, 4096, 2048, 1}, BEST, 1.5, 3.0},
+    {"map_2048x1024", {false, FORMAT::R32G32B32A32_FLOAT, 2048, 1024, 1}, BEST, 1.5, 3.0},
+    {"map_1024x512", {false, FORMAT::R32G32B32A32_FLOAT, 1024, 512, 1}, BEST, 1.5, 3.0},
+    {"cube_1024", {true, FORMAT::R32G32B32A32_FLOAT, 1024, 1024, 6}, BEST, 1.5, 3.0},
+    {"cube_256", {true, FORMAT::R32G32B32A32_FLOAT, 256, 256, 6}, BEST, 2.5, 3.0},
+    {"map_2048x1024_three_floats", {false, FORMAT::R32G32B32_FLOAT, 2048, 1024, 1}, BEST},
+    {"map_2048x1024_bytes", {false, FORMAT::R8G8B8A8_UNORM, 2048, 1024, 1}, BEST},
+    {"map_2048x1024_plain", {false, FORMAT::R32G32B32A32_FLOAT, 2048, 1024, 1}, PLAIN},
 };
 
 /// One buffer a slice. The values repeat every seven texels; the loops do not depend on them.
@@ -90,6 +90,8 @@ void projectOverRead(benchmark::State& state, const Case& row) {
     const std::vector<std::vector<unsigned char>> slices = makeSlices(row.layout);
     runPair(state, {{}, [&] { readAll(slices); }},
             {{}, [&] { benchmark::DoNotOptimize(project(row, slices)); }}, ROUNDS);
+    if (row.projectionAim > 0.0)
+        aimAtRatio(state, row.projectionAim);
 }
 
 void evaluateOverWrite(benchmark::State& state, const Case& row) {
@@ -101,6 +103,8 @@ void evaluateOverWrite(benchmark::State& state, const Case& row) {
             transform.evaluate(coefficients, slice, slices[slice], 0);
     };
     runPair(state, {{}, [&] { writeAll(slices); }}, {{}, evaluate}, ROUNDS);
+    if (row.evaluationAim > 0.0)
+        aimAtRatio(state, row.evaluationAim);
 }
 
 } // namespace
