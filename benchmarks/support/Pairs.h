@@ -26,7 +26,7 @@ enum class LOAD {
 /// The benchmark's own time is the median of ours. Counters: ours_ms, baseline_ms, ratio (ours over
 /// baseline), spread (the distance between the quartiles of ours over its median), cpu_per_wall (CPU seconds
 /// of this process over wall seconds, of the rounds that count), dropped (rounds). The benchmark fails when
-/// no more than a third of all rounds, three times the number asked for, were fair: the machine is too busy.
+/// there were too few fair rounds for 40 s: the machine is too busy.
 /// @param rounds measurements of each side that count
 void runPair(benchmark::State& state, const Side& baseline, const Side& ours, int rounds,
              LOAD load = LOAD::ONE_CORE);
