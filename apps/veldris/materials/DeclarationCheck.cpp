@@ -20,6 +20,7 @@ using ovExport::Node;
 using ovMemory::Buffer;
 using ovMemory::String;
 using ovMemory::StringView;
+using ovVeldris::SETTING_KIND;
 
 constexpr StringView IGNORED = "it is ignored";
 
@@ -121,24 +122,43 @@ void checkMembers(const Node& object, const Buffer<StringView>& known, const Str
     }
 }
 
-/// Checks the value of one member of an entry, by the kind of the member.
+/// Checks the value of one member of an entry, by the kind of its setting.
 class ValueChecker {
 public:
-    ValueChecker(const Node& entry, StringView name, const Node& value, String subject, ProblemList& problems)
+    ValueChecker(const Node& entry, const MaterialMember& member, const Node& value, String subject,
+                 ProblemList& problems)
         : _entry(entry)
-        , _name(name)
+        , _member(member)
         , _value(value)
         , _subject(std::move(subject))
         , _problems(problems) {}
 
-    void operator()(const IdentityMember&) const {} // checked before, present or not
+    void check() const {
+        if (!_member.setting)
+            return; // "name" and "type" are checked before, present or not
+        switch (_member.setting->kind) {
+        case SETTING_KIND::FLAG:
+            return _checkFlag();
+        case SETTING_KIND::ENUMERATION:
+            return _checkChoice();
+        case SETTING_KIND::TEXTURE:
+            return _checkTexture(_member.property->texture);
+        case SETTING_KIND::VECTOR:
+            return _checkVector();
+        case SETTING_KIND::NUMBER:
+            return _checkNumber();
+        default:
+            return _checkIdentifier();
+        }
+    }
 
-    void operator()(const SwitchMember&) const {
+private:
+    void _checkFlag() const {
         if (!_value.isBool())
             _addWrongNature("true or false");
     }
 
-    void operator()(const AttributeMember&) const {
+    void _checkIdentifier() const {
         if (!_value.isString())
             _addWrongNature("a string");
         else if (!isIdentifier(_value.getValueAsStringView()))
@@ -146,62 +166,63 @@ public:
                  IGNORED);
     }
 
-    void operator()(const ModelMember&) const {
+    void _checkChoice() const {
+        const auto& choices = _member.setting->choices;
         if (!_value.isString())
             _addWrongNature("a string");
-        else if (!findPbsModel(_value.getValueAsStringView()))
-            _add("is {}, neither \"{}\" nor \"{}\"; {}.", _text(),
-                 toText(ovVeldris::PBS_MODEL::SPECULAR_METALNESS_ROUGHNESS),
-                 toText(ovVeldris::PBS_MODEL::SPECULAR_GLOSSINESS), IGNORED);
+        else if (!isChoice(*_member.setting, _value.getValueAsStringView()))
+            _add("is {}, not \"{}\"; {}.", _text(), fmt::join(choices, "\" or \""), IGNORED);
     }
 
-    void operator()(const TextureMember& texture) const {
+    void _checkTexture(const ovVeldris::PbsTextureRow& texture) const {
         if (!_value.isObject())
             return _addWrongNature(R"(an object {"name": ..., "packing": ...})");
-        const String subject = fmt::format("{}\"{}\": ", _subject, _name);
-        const Node* const name = _value.getMemberValue(TEXTURE_NAME);
+        const String subject = fmt::format("{}\"{}\": ", _subject, _member.name);
+        const Node* const name = _value.getMemberValue(ovVeldris::PBS_TEXTURE_NAME);
         if (!name)
             _problems.add(_value, subject + "there is no \"name\" of a texture; none is set.");
-        checkMembers(_value, {TEXTURE_NAME, TEXTURE_PACKING}, subject, _problems,
-                     [&](StringView member, const Node& value) {
+        checkMembers(_value, {ovVeldris::PBS_TEXTURE_NAME, ovVeldris::PBS_TEXTURE_PACKING}, subject,
+                     _problems, [&](StringView member, const Node& value) {
                          if (!value.isString())
                              _problems.add(value, fmt::format("{}\"{}\" is {}, not a string; {}.", subject,
                                                               member, natureOf(value), IGNORED));
-                         else if (member == TEXTURE_NAME && value.getValueAsStringView().empty())
+                         else if (member == ovVeldris::PBS_TEXTURE_NAME &&
+                                  value.getValueAsStringView().empty())
                              _problems.add(value, subject + "the name is empty.");
-                         else if (member == TEXTURE_PACKING)
+                         else if (member == ovVeldris::PBS_TEXTURE_PACKING)
                              _checkPacking(texture, value, subject);
                      });
     }
 
-    void operator()(const VectorMember& vector) const {
+    void _checkVector() const {
         ovMaths::Vector read;
         if (!_value.isString())
             return _addWrongNature("a string as \"Vec(0.5, 0.5, 0.5, 0)\"");
         if (!read.fromString(_value.getValueAsStringView()))
             return _add("is {}, not four finite numbers as \"Vec(0.5, 0.5, 0.5, 0)\"; {}.", _text(), IGNORED);
-        if (vector.isDirection && read.x == 0.0f && read.y == 0.0f && read.z == 0.0f)
+        const ovVeldris::SettingRange& range = _member.setting->range;
+        if (_member.property->value.isDirection && read.x == 0.0f && read.y == 0.0f && read.z == 0.0f)
             _add("has no length; a direction has.");
-        if (!vector.isDirection && (read.x < 0.0f || read.y < 0.0f || read.z < 0.0f))
+        if (!range.holds(read.x) || !range.holds(read.y) || !range.holds(read.z))
             _add("is {}: light and reflectance are not negative.", _text());
-        _checkReplacement(vector.replacement);
+        _checkReplacement();
     }
 
-    void operator()(const FactorMember& factor) const {
+    void _checkNumber() const {
         if (!_value.isValueTypeNumber())
             return _addWrongNature("a number");
         const double number = _value.getValueAsDouble();
-        if (!(number >= 0.0 && number <= 1.0))
-            _add("is {}, not between 0 and 1.", number);
-        _checkReplacement(factor.replacement);
+        const ovVeldris::SettingRange& range = _member.setting->range;
+        if (!range.holds(number))
+            _add("is {}, not between {} and {}.", number, range.minimum, range.maximum);
+        _checkReplacement();
     }
 
-private:
     String _text() const { return quoted(_value.getValueAsStringView()); }
 
     template <typename... Arguments>
     void _add(fmt::format_string<Arguments...> format, Arguments&&... arguments) const {
-        _problems.add(_value, fmt::format("{}\"{}\" ", _subject, _name) +
+        _problems.add(_value, fmt::format("{}\"{}\" ", _subject, _member.name) +
                                   fmt::format(format, std::forward<Arguments>(arguments)...));
     }
 
@@ -209,33 +230,25 @@ private:
         _add("is {}, not {}; {}.", natureOf(_value), expected, IGNORED);
     }
 
-    void _checkReplacement(const Replacement& replacement) const {
-        if (isReplaced(_entry, replacement))
+    void _checkReplacement() const {
+        if (_member.property && isReplaced(_entry, *_member.property))
             _add("is not used: \"{}\" replaces it; remove one, or multiply both with \"{}\": true.",
-                 replacement.texture, replacement.mix);
+                 _member.property->texture.name.member, _member.property->mix.name.member);
     }
 
-    static void _explainPacking(const TextureMember& texture, StringView text, StringView& readAs,
-                                StringView& expected) {
-        using namespace ovVeldris;
-        readAs =
-            texture.isVector
-                ? ThreeChannelPackUtils::enumToStringLower(ThreeChannelPackUtils::stringLowerToEnum(text))
-                : OneChannelPackUtils::enumToStringLower(OneChannelPackUtils::stringLowerToEnum(text));
-        expected = texture.isVector ? "three different letters of r, g, b and a" : "r, g, b or a";
-    }
-
-    void _checkPacking(const TextureMember& texture, const Node& packing, const String& subject) const {
-        StringView readAs;
-        StringView expected;
-        _explainPacking(texture, packing.getValueAsStringView(), readAs, expected);
-        if (readAs != packing.getValueAsStringView())
+    void _checkPacking(const ovVeldris::PbsTextureRow& texture, const Node& packing,
+                       const String& subject) const {
+        const StringView text = packing.getValueAsStringView();
+        const StringView readAs = readPacking(texture, text);
+        const StringView expected =
+            texture.vectorChannels ? "three different letters of r, g, b and a" : "r, g, b or a";
+        if (readAs != text)
             _problems.add(packing, fmt::format("{}the packing {} is not {}; it is read as \"{}\".", subject,
-                                               quoted(packing.getValueAsStringView()), expected, readAs));
+                                               quoted(text), expected, readAs));
     }
 
     const Node& _entry;
-    StringView _name;
+    const MaterialMember& _member;
     const Node& _value;
     String _subject;
     ProblemList& _problems;
@@ -296,8 +309,7 @@ private:
             _addMissing(entry, "name", name, subject);
         _checkType(entry, subject);
         checkMembers(entry, _memberNames, subject, problems, [&](StringView member, const Node& value) {
-            std::visit(ValueChecker(entry, member, value, subject, problems),
-                       findMaterialMember(member)->kind);
+            ValueChecker(entry, *findMaterialMember(member), value, subject, problems).check();
         });
     }
 

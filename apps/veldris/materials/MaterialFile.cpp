@@ -16,126 +16,95 @@ namespace {
 
 using ovExport::Node;
 using ovMemory::Buffer;
+using ovMemory::String;
 using ovMemory::StringView;
-using ovVeldris::OneChannelPackUtils;
 using ovVeldris::PbsMaterial;
+using ovVeldris::SETTING_KIND;
+using ovVeldris::SettingValue;
+
+/// Whether a colour or a number is used and still missing: the library leaves it out beside its texture, also
+/// where the material multiplies both.
+bool isMissing(const Node& entry, const MaterialMember& member) {
+    return !entry.getMemberValue(member.name) && !(member.property && isReplaced(entry, *member.property));
+}
+
+void writeTexture(const PbsMaterial& material, const MaterialMember& member, Node& entry) {
+    const auto* const texture = std::get<ovGraphics::Texture*>(member.setting->get(material));
+    if (!texture)
+        return;
+    Node* const object = entry.addMember(member.name);
+    object->addMember(ovVeldris::PBS_TEXTURE_NAME)->setAsString(texture->getName());
+    object->addMember(ovVeldris::PBS_TEXTURE_PACKING)
+        ->setAsString(material.getSettingAsText(member.property->texture.channelsSetting));
+}
 
 /// Adds a member to an entry that has what the library itself writes.
-class MemberWriter {
-public:
-    MemberWriter(const PbsMaterial& material, Node& entry, StringView name)
-        : _material(material)
-        , _entry(entry)
-        , _name(name) {}
-
-    void operator()(const IdentityMember&) const {} // the library writes both
-
-    void operator()(const SwitchMember& member) const {
-        if (!member.isInTree)
-            _entry.addMember(_name)->setAsBool(member.get(_material));
+void writeMember(const PbsMaterial& material, const MaterialMember& member, Node& entry) {
+    if (!member.setting || member.isInTree)
+        return;
+    const SettingValue value = member.setting->get(material);
+    switch (member.setting->kind) {
+    case SETTING_KIND::TEXTURE:
+        return writeTexture(material, member, entry);
+    case SETTING_KIND::FLAG:
+        return entry.addMember(member.name)->setAsBool(std::get<bool>(value));
+    case SETTING_KIND::VECTOR:
+        if (isMissing(entry, member))
+            entry.addMember(member.name)->setAsString(std::get<ovMaths::Vector>(value).toString());
+        return;
+    case SETTING_KIND::NUMBER:
+        if (isMissing(entry, member))
+            entry.addMember(member.name)->setAsFloat(std::get<float>(value));
+        return;
+    default:
+        return entry.addMember(member.name)->setAsString(std::get<String>(value));
     }
+}
 
-    void operator()(const AttributeMember& member) const {
-        _entry.addMember(_name)->setAsString((_material.*member.get)());
-    }
+void readTexture(PbsMaterial& material, const MaterialMember& member, const Node& value,
+                 ovGraphics::TextureManager& textures) {
+    if (!value.isObject())
+        return;
+    const Node* const name = value.getMemberValue(ovVeldris::PBS_TEXTURE_NAME);
+    const Node* const packing = value.getMemberValue(ovVeldris::PBS_TEXTURE_PACKING);
+    const ovVeldris::PbsTextureRow& row = member.property->texture;
+    if (name && name->isString())
+        member.setting->set(material, textures.createOrRetrieve(name->getValueAsStringView()));
+    if (packing && packing->isString())
+        PbsMaterial::settings()
+            .find(row.channelsSetting)
+            ->set(material, String(readPacking(row, packing->getValueAsStringView())));
+}
 
-    void operator()(const ModelMember&) const {
-        _entry.addMember(_name)->setAsString(toText(_material.getPbsModel()));
-    }
-
-    void operator()(const TextureMember& member) const {
-        const ovGraphics::Texture* const texture = member.get ? (_material.*member.get)() : nullptr;
-        if (!texture)
-            return;
-        Node* const object = _entry.addMember(_name);
-        object->addMember(TEXTURE_NAME)->setAsString(texture->getName());
-        object->addMember(TEXTURE_PACKING)
-            ->setAsString(OneChannelPackUtils::enumToStringLower((_material.*member.getChannel)()));
-    }
-
-    void operator()(const VectorMember& member) const {
-        if (_isMissing(member.replacement))
-            _entry.addMember(_name)->setAsString((_material.*member.get)().toString());
-    }
-
-    void operator()(const FactorMember& member) const {
-        if (_isMissing(member.replacement))
-            _entry.addMember(_name)->setAsFloat((_material.*member.get)());
-    }
-
-private:
-    /// The library leaves out colours and numbers beside their texture, also where the material uses both.
-    bool _isMissing(const Replacement& replacement) const {
-        return !_entry.getMemberValue(_name) && !isReplaced(_entry, replacement);
-    }
-
-    const PbsMaterial& _material;
-    Node& _entry;
-    StringView _name;
-};
-
-/// Takes over one member of an entry where the library does not. What is of another kind changes nothing.
-class MemberReader {
-public:
-    MemberReader(PbsMaterial& material, const Node& value, ovGraphics::TextureManager& textures)
-        : _material(material)
-        , _value(value)
-        , _textures(textures) {}
-
-    void operator()(const IdentityMember&) const {}
-
-    void operator()(const SwitchMember& member) const {
-        if (!member.isInTree && _value.isBool())
-            member.set(_material, _value.getValueAsBool());
-    }
-
-    void operator()(const AttributeMember& member) const {
-        if (isIdentifier(_value.getValueAsStringView()))
-            (_material.*member.set)(_value.getValueAsStringView());
-    }
-
-    void operator()(const ModelMember&) const {
-        if (const ovVeldris::PBS_MODEL* const model = findPbsModel(_value.getValueAsStringView()))
-            _material.setPbsModel(*model);
-    }
-
-    void operator()(const TextureMember& member) const {
-        if (!member.set || !_value.isObject())
-            return;
-        const Node* const name = _value.getMemberValue(TEXTURE_NAME);
-        const Node* const packing = _value.getMemberValue(TEXTURE_PACKING);
-        ovGraphics::Texture* const texture = name && name->isString()
-                                                 ? _textures.createOrRetrieve(name->getValueAsStringView())
-                                                 : (_material.*member.get)();
-        (_material.*member.set)(texture,
-                                packing && packing->isString()
-                                    ? OneChannelPackUtils::stringLowerToEnum(packing->getValueAsStringView())
-                                    : (_material.*member.getChannel)());
-    }
-
-    void operator()(const VectorMember& member) const {
-        ovMaths::Vector vector;
-        if (vector.fromString(_value.getValueAsStringView()))
-            (_material.*member.set)(vector);
-    }
-
-    void operator()(const FactorMember& member) const {
-        if (_value.isValueTypeNumber())
-            (_material.*member.set)(_value.getValueAsFloat());
-    }
-
-private:
-    PbsMaterial& _material;
-    const Node& _value;
-    ovGraphics::TextureManager& _textures;
-};
+/// Takes over one member of an entry where the library does not. What is of another kind changes nothing;
+/// what is out of range is taken, as the library takes it.
+void readMember(PbsMaterial& material, const MaterialMember& member, const Node& value,
+                ovGraphics::TextureManager& textures) {
+    if (!member.setting || member.isInTree)
+        return;
+    const ovVeldris::Setting& setting = *member.setting;
+    const StringView text = value.getValueAsStringView();
+    ovMaths::Vector vector;
+    if (setting.kind == SETTING_KIND::TEXTURE)
+        readTexture(material, member, value, textures);
+    else if (setting.kind == SETTING_KIND::FLAG && value.isBool())
+        setting.set(material, value.getValueAsBool());
+    else if (setting.kind == SETTING_KIND::TEXT && isIdentifier(text))
+        setting.set(material, String(text));
+    else if (setting.kind == SETTING_KIND::ENUMERATION && isChoice(setting, text))
+        setting.set(material, String(text));
+    else if (setting.kind == SETTING_KIND::VECTOR && vector.fromString(text))
+        setting.set(material, vector);
+    else if (setting.kind == SETTING_KIND::NUMBER && value.isValueTypeNumber())
+        setting.set(material, value.getValueAsFloat());
+}
 
 void readMembers(PbsMaterial& material, const Node& entry, ovVeldris::System& system) {
     ovGraphics::TextureManager& textures =
         *system.getGraphicsEngine()->getGraphicsSystem()->getTextureManager();
     for (const MaterialMember& member : materialMembers())
         if (const Node* const value = entry.getMemberValue(member.name))
-            std::visit(MemberReader(material, *value, textures), member.kind);
+            readMember(material, member, *value, textures);
 }
 
 /// Whether an entry has all that the library asks for before it asks its manager.
@@ -171,7 +140,7 @@ ovMemory::String writeMaterialFile(ovMemory::BufferView<PbsMaterial* const> mate
         Node* const entry = root->addElement();
         material->exportClassToTree(entry);
         for (const MaterialMember& member : materialMembers())
-            std::visit(MemberWriter(*material, *entry, member.name), member.kind);
+            writeMember(*material, member, *entry);
     }
     return ovExport::JsonExporter().exportTreeIntoString(root.get()) + "\n";
 }

@@ -1,9 +1,7 @@
 #include <veldris/materials/MaterialMembers.h>
 
 #include <algorithm>
-#include <array>
 #include <ovExport/Node.h>
-#include <utility>
 
 namespace veldris {
 
@@ -11,130 +9,40 @@ namespace {
 
 using ovExport::Node;
 using ovMemory::StringView;
-using ovVeldris::PBS_MODEL;
 using ovVeldris::PbsMaterial;
+using ovVeldris::PbsProperty;
 
-template <auto GET, auto SET>
-constexpr SwitchMember switchOf(bool isInTree = false) {
-    return {[](const PbsMaterial& material) { return (material.*GET)(); },
-            [](PbsMaterial& material, bool value) { (material.*SET)(value); }, isInTree};
+const ovVeldris::Setting* settingOf(const ovVeldris::PbsName& name) {
+    return PbsMaterial::settings().find(name.setting);
 }
 
-void setEnvironmentPrefiltered(PbsMaterial& material, bool prefiltered) {
-    material.setEnvironmentTexture(material.getEnvironmentTexture(), material.getEnvironmentTextureChannels(),
-                                   prefiltered);
+MaterialMember memberOf(const ovVeldris::PbsName& name, bool isInTree = false) {
+    return {name.member, settingOf(name), nullptr, isInTree};
 }
 
-constexpr TextureMember NUMBER_TEXTURE = {.isVector = false};
-constexpr TextureMember VECTOR_TEXTURE = {.isVector = true};
+ovMemory::Buffer<MaterialMember> listMembers() {
+    ovMemory::Buffer<MaterialMember> members = {{.name = "name"}, {.name = "type"}};
+    members.push_back(memberOf(ovVeldris::PBS_MODEL_NAME));
+    for (const PbsProperty& property : ovVeldris::pbsProperties()) {
+        const ovVeldris::PbsName& name = property.texture.name;
+        if (!name.member.empty())
+            members.push_back({name.member, settingOf(name), &property, property.texture.isInTree});
+    }
+    ovVeldris::forEachPbsSwitch(
+        [&](const ovVeldris::PbsSwitch& row) { members.push_back(memberOf(row.name, row.isInTree)); });
+    for (const ovVeldris::PbsAttribute& row : ovVeldris::pbsAttributes())
+        members.push_back(memberOf(row.name));
+    for (const PbsProperty& property : ovVeldris::pbsProperties()) {
+        if (property.value)
+            members.push_back({property.value.name.member, settingOf(property.value.name), &property});
+        if (property.second)
+            members.push_back(memberOf(property.second.name));
+    }
+    return members;
+}
 
-constexpr std::array MEMBERS = {
-    MaterialMember{"name", IdentityMember{}},
-    MaterialMember{"type", IdentityMember{}},
-    MaterialMember{"pbsModel", ModelMember{}},
-
-    MaterialMember{"albedoTexture", VECTOR_TEXTURE},
-    MaterialMember{"specularTexture", VECTOR_TEXTURE},
-    MaterialMember{"emissiveTexture", VECTOR_TEXTURE},
-    MaterialMember{"environmentTexture", VECTOR_TEXTURE},
-    MaterialMember{"irradianceTexture", VECTOR_TEXTURE},
-    MaterialMember{"normalMap", VECTOR_TEXTURE},
-    MaterialMember{"metalnessTexture", NUMBER_TEXTURE},
-    MaterialMember{"roughnessGlossinessTexture", NUMBER_TEXTURE},
-    MaterialMember{"alphaTexture", NUMBER_TEXTURE},
-    MaterialMember{"occlusionTexture", TextureMember{.isVector = false,
-                                                     .get = &PbsMaterial::getOcclusionTexture,
-                                                     .getChannel = &PbsMaterial::getOcclusionTextureChannels,
-                                                     .set = &PbsMaterial::setOcclusionTexture}},
-
-    MaterialMember{"environmentTextureIsCubeByDefault",
-                   switchOf<&PbsMaterial::getEnvironmentTextureIsCubeByDefault,
-                            &PbsMaterial::setEnvironmentTextureIsCubeByDefault>(true)},
-    MaterialMember{"irradianceTextureIsCubeByDefault",
-                   switchOf<&PbsMaterial::getIrradianceTextureIsCubeByDefault,
-                            &PbsMaterial::setIrradianceTextureIsCubeByDefault>(true)},
-    MaterialMember{"environmentPrefiltered", SwitchMember{[](const PbsMaterial& material) {
-                                                              return material.getEnvironmentPrefiltered();
-                                                          },
-                                                          &setEnvironmentPrefiltered}},
-    MaterialMember{"reconstructBinormals",
-                   switchOf<&PbsMaterial::getReconstructBinormals, &PbsMaterial::setReconstructBinormals>()},
-    MaterialMember{
-        "mixAlbedoColorAndTexture",
-        switchOf<&PbsMaterial::getMixAlbedoColorAndTexture, &PbsMaterial::setMixAlbedoColorAndTexture>()},
-    MaterialMember{
-        "mixSpecularColorAndTexture",
-        switchOf<&PbsMaterial::getMixSpecularColorAndTexture, &PbsMaterial::setMixSpecularColorAndTexture>()},
-    MaterialMember{
-        "mixEmissiveColorAndTexture",
-        switchOf<&PbsMaterial::getMixEmissiveColorAndTexture, &PbsMaterial::setMixEmissiveColorAndTexture>()},
-    MaterialMember{"mixMetalnessFactorAndTexture", switchOf<&PbsMaterial::getMixMetalnessFactorAndTexture,
-                                                            &PbsMaterial::setMixMetalnessFactorAndTexture>()},
-    MaterialMember{"mixRoughnessGlossinessFactorAndTexture",
-                   switchOf<&PbsMaterial::getMixRoughnessGlossinessFactorAndTexture,
-                            &PbsMaterial::setMixRoughnessGlossinessFactorAndTexture>()},
-    MaterialMember{"mixEnvironmentColorAndTexture",
-                   switchOf<&PbsMaterial::getMixEnvironmentColorAndTexture,
-                            &PbsMaterial::setMixEnvironmentColorAndTexture>()},
-    MaterialMember{
-        "mixAlphaFactorAndTexture",
-        switchOf<&PbsMaterial::getMixAlphaFactorAndTexture, &PbsMaterial::setMixAlphaFactorAndTexture>()},
-    MaterialMember{
-        "combineLightAndEnvironment",
-        switchOf<&PbsMaterial::getCombineLightAndEnvironment, &PbsMaterial::setCombineLightAndEnvironment>()},
-
-    MaterialMember{"positionAttributeName", AttributeMember{&PbsMaterial::getPositionAttributeName,
-                                                            &PbsMaterial::setPositionAttributeName}},
-    MaterialMember{"texCoordAttributeName", AttributeMember{&PbsMaterial::getTexCoordAttributeName,
-                                                            &PbsMaterial::setTexCoordAttributeName}},
-    MaterialMember{"normalAttributeName", AttributeMember{&PbsMaterial::getNormalAttributeName,
-                                                          &PbsMaterial::setNormalAttributeName}},
-    MaterialMember{"tangentAttributeName", AttributeMember{&PbsMaterial::getTangentAttributeName,
-                                                           &PbsMaterial::setTangentAttributeName}},
-    MaterialMember{"binormalAttributeName", AttributeMember{&PbsMaterial::getBinormalAttributeName,
-                                                            &PbsMaterial::setBinormalAttributeName}},
-
-    MaterialMember{"lightDirection",
-                   VectorMember{&PbsMaterial::getLightDirection, &PbsMaterial::setLightDirection, true}},
-    MaterialMember{"lightColor", VectorMember{&PbsMaterial::getLightColor, &PbsMaterial::setLightColor}},
-    MaterialMember{"albedoColor", VectorMember{&PbsMaterial::getAlbedoColor,
-                                               &PbsMaterial::setAlbedoColor,
-                                               false,
-                                               {"albedoTexture", "mixAlbedoColorAndTexture", ""}}},
-    MaterialMember{"specularColor", VectorMember{&PbsMaterial::getSpecularColor,
-                                                 &PbsMaterial::setSpecularColor,
-                                                 false,
-                                                 {"specularTexture", "mixSpecularColorAndTexture", ""}}},
-    MaterialMember{"emissiveColor", VectorMember{&PbsMaterial::getEmissiveColor,
-                                                 &PbsMaterial::setEmissiveColor,
-                                                 false,
-                                                 {"emissiveTexture", "mixEmissiveColorAndTexture", ""}}},
-    // Without an irradiance texture the colour is the irradiance.
-    MaterialMember{"environmentColor", VectorMember{&PbsMaterial::getEnvironmentColor,
-                                                    &PbsMaterial::setEnvironmentColor,
-                                                    false,
-                                                    {"environmentTexture", "mixEnvironmentColorAndTexture",
-                                                     "irradianceTexture"}}},
-    MaterialMember{"metalnessValue", FactorMember{&PbsMaterial::getMetalness,
-                                                  &PbsMaterial::setMetalness,
-                                                  {"metalnessTexture", "mixMetalnessFactorAndTexture", ""}}},
-    MaterialMember{"roughnessGlossinessValue", FactorMember{&PbsMaterial::getRoughnessGlossiness,
-                                                            &PbsMaterial::setRoughnessGlossiness,
-                                                            {"roughnessGlossinessTexture",
-                                                             "mixRoughnessGlossinessFactorAndTexture", ""}}},
-    MaterialMember{"alphaValue", FactorMember{&PbsMaterial::getAlpha,
-                                              &PbsMaterial::setAlpha,
-                                              {"alphaTexture", "mixAlphaFactorAndTexture", ""}}},
-    MaterialMember{"alphaCutoff", FactorMember{&PbsMaterial::getAlphaCutoff, &PbsMaterial::setAlphaCutoff}},
-};
-
-constexpr std::array<std::pair<StringView, PBS_MODEL>, 2> MODELS = {{
-    {"metalness-roughness", PBS_MODEL::SPECULAR_METALNESS_ROUGHNESS},
-    {"specular-glossiness", PBS_MODEL::SPECULAR_GLOSSINESS},
-}};
-
-bool hasObject(const Node& entry, StringView name) {
-    const Node* const member = entry.getMemberValue(name);
+bool hasObject(const Node& entry, const ovVeldris::PbsTextureRow& texture) {
+    const Node* const member = texture ? entry.getMemberValue(texture.name.member) : nullptr;
     return member && member->isObject();
 }
 
@@ -146,32 +54,36 @@ bool isLetter(char character) {
 } // namespace
 
 ovMemory::BufferView<const MaterialMember> materialMembers() {
+    static const ovMemory::Buffer<MaterialMember> MEMBERS = listMembers();
     return MEMBERS;
 }
 
 const MaterialMember* findMaterialMember(StringView name) {
-    const auto member = std::find_if(MEMBERS.begin(), MEMBERS.end(),
+    const auto members = materialMembers();
+    const auto member = std::find_if(members.begin(), members.end(),
                                      [&](const MaterialMember& row) { return row.name == name; });
-    return member == MEMBERS.end() ? nullptr : &*member;
+    return member == members.end() ? nullptr : &*member;
 }
 
-bool isReplaced(const Node& entry, const Replacement& replacement) {
-    if (replacement.texture.empty() || !hasObject(entry, replacement.texture))
+bool isReplaced(const Node& entry, const PbsProperty& property) {
+    if (!hasObject(entry, property.texture))
         return false;
-    const Node* const mix = entry.getMemberValue(replacement.mix);
+    const Node* const mix = entry.getMemberValue(property.mix.name.member);
     if (mix && mix->isBool() && mix->getValueAsBool())
         return false;
-    return replacement.unless.empty() || hasObject(entry, replacement.unless);
+    return !property.substitute || hasObject(entry, ovVeldris::getPbsProperty(property.substitute).texture);
 }
 
-const PBS_MODEL* findPbsModel(StringView text) {
-    const auto model =
-        std::find_if(MODELS.begin(), MODELS.end(), [&](const auto& row) { return row.first == text; });
-    return model == MODELS.end() ? nullptr : &model->second;
+StringView readPacking(const ovVeldris::PbsTextureRow& texture, StringView text) {
+    using namespace ovVeldris;
+    return texture.vectorChannels
+               ? ThreeChannelPackUtils::enumToStringLower(ThreeChannelPackUtils::stringLowerToEnum(text))
+               : OneChannelPackUtils::enumToStringLower(OneChannelPackUtils::stringLowerToEnum(text));
 }
 
-StringView toText(PBS_MODEL model) {
-    return MODELS[model == PBS_MODEL::SPECULAR_GLOSSINESS ? 1 : 0].first;
+bool isChoice(const ovVeldris::Setting& enumeration, StringView text) {
+    const auto& choices = enumeration.choices;
+    return std::find(choices.begin(), choices.end(), text) != choices.end();
 }
 
 bool isIdentifier(StringView text) {

@@ -144,7 +144,7 @@ TEST(DeclarationCheckTest, checksMembers) {
          {"\"environmentTextureIsCubeByDefault\" is a string, not true or false; it is ignored."}},
         {R"("pbsModel": true)", {"\"pbsModel\" is a bool, not a string; it is ignored."}},
         {R"("pbsModel": "glossiness")",
-         {"\"pbsModel\" is \"glossiness\", neither \"metalness-roughness\" nor \"specular-glossiness\"; it "
+         {"\"pbsModel\" is \"glossiness\", not \"metalness-roughness\" or \"specular-glossiness\"; it "
           "is "
           "ignored."}},
         {R"("normalAttributeName": null)", {"\"normalAttributeName\" is null, not a string; it is ignored."}},

@@ -55,41 +55,58 @@ TEST(MaterialMembersTest, hasEverythingThatTheLibraryWrites) {
     expectKnownMembers(material);
 }
 
+TEST(MaterialMembersTest, hasASettingForEverythingButNames) {
+    for (const MaterialMember& member : materialMembers())
+        EXPECT_EQ(member.setting == nullptr, member.name == "name" || member.name == "type") << member.name;
+    EXPECT_EQ(findMaterialMember("metalnessValue")->setting->name, "metalness");
+    EXPECT_EQ(findMaterialMember("normalMap")->setting->name, "normal-map-texture");
+    EXPECT_EQ(findMaterialMember("pbsModel")->setting->choices.size(), 2u);
+}
+
 TEST(MaterialMembersTest, tellsWhatATextureReplaces) {
-    const Replacement plain = {"t", "mix", ""};
-    const Replacement conditional = {"t", "mix", "u"};
     struct Case {
         const char* entry;
-        bool plain;
-        bool conditional;
+        bool albedo;      ///< whether its colour is replaced
+        bool environment; ///< whose colour is used as long as there is no irradiance
     };
     const Case cases[] = {
         {"{}", false, false},
-        {R"({"t": {}})", true, false},
-        {R"({"t": {}, "u": {}})", true, true},
-        {R"({"t": "x", "u": {}})", false, false},
-        {R"({"t": {}, "u": {}, "mix": false})", true, true},
-        {R"({"t": {}, "u": {}, "mix": true})", false, false},
-        {R"({"t": {}, "u": {}, "mix": "true"})", true, true},
-        {R"({"t": {}, "u": 1})", true, false},
+        {R"({"albedoTexture": {}, "environmentTexture": {}})", true, false},
+        {R"({"albedoTexture": {}, "environmentTexture": {}, "irradianceTexture": {}})", true, true},
+        {R"({"albedoTexture": "x", "environmentTexture": [], "irradianceTexture": {}})", false, false},
+        {R"({"environmentTexture": {}, "irradianceTexture": {}, "mixEnvironmentColorAndTexture": false})",
+         false, true},
+        {R"({"environmentTexture": {}, "irradianceTexture": {}, "mixEnvironmentColorAndTexture": true})",
+         false, false},
+        {R"({"environmentTexture": {}, "irradianceTexture": 1})", false, false},
+        {R"({"albedoTexture": {}, "mixAlbedoColorAndTexture": true})", false, false},
+        {R"({"albedoTexture": {}, "mixAlbedoColorAndTexture": "true"})", true, false},
+        {R"({"albedoTexture": {}, "mixSpecularColorAndTexture": true})", true, false},
     };
+    using ovVeldris::getPbsProperty;
+    using ovVeldris::PbsSettings;
     for (const Case& row : cases) {
         const auto entry = ovExport::JsonExporter().importIntoTree(row.entry)._tree;
-        EXPECT_EQ(isReplaced(*entry, plain), row.plain) << row.entry;
-        EXPECT_EQ(isReplaced(*entry, conditional), row.conditional) << row.entry;
-        EXPECT_FALSE(isReplaced(*entry, {}));
+        EXPECT_EQ(isReplaced(*entry, getPbsProperty(&PbsSettings::albedoColor)), row.albedo) << row.entry;
+        EXPECT_EQ(isReplaced(*entry, getPbsProperty(&PbsSettings::environmentColor)), row.environment)
+            << row.entry;
+        EXPECT_FALSE(isReplaced(*entry, getPbsProperty(&PbsSettings::lightColor)));
     }
+    EXPECT_EQ(findMaterialMember("alphaCutoff")->property, nullptr) << "no texture replaces it";
 }
 
-TEST(MaterialMembersTest, namesModels) {
-    using ovVeldris::PBS_MODEL;
-    for (const PBS_MODEL model : {PBS_MODEL::SPECULAR_METALNESS_ROUGHNESS, PBS_MODEL::SPECULAR_GLOSSINESS})
-        EXPECT_EQ(*findPbsModel(toText(model)), model);
-    EXPECT_EQ(toText(PBS_MODEL::SPECULAR_METALNESS_ROUGHNESS), "metalness-roughness");
-    EXPECT_EQ(toText(PBS_MODEL::SPECULAR_GLOSSINESS), "specular-glossiness");
-    EXPECT_EQ(toText(static_cast<PBS_MODEL>(7)), "metalness-roughness") << "as the material reads it";
-    EXPECT_EQ(findPbsModel("glossiness"), nullptr);
-    EXPECT_EQ(findPbsModel(""), nullptr);
+TEST(MaterialMembersTest, knowsPackingsAndChoices) {
+    const auto& vector = findMaterialMember("normalMap")->property->texture;
+    const auto& number = findMaterialMember("alphaTexture")->property->texture;
+    EXPECT_EQ(readPacking(vector, "bga"), "bga");
+    EXPECT_EQ(readPacking(vector, "r"), "rgb");
+    EXPECT_EQ(readPacking(number, "g"), "g");
+    EXPECT_EQ(readPacking(number, "rgb"), "a");
+    const ovVeldris::Setting& model = *findMaterialMember("pbsModel")->setting;
+    EXPECT_TRUE(isChoice(model, "metalness-roughness"));
+    EXPECT_TRUE(isChoice(model, "specular-glossiness"));
+    EXPECT_FALSE(isChoice(model, "glossiness"));
+    EXPECT_FALSE(isChoice(model, ""));
 }
 
 TEST(MaterialMembersTest, knowsIdentifiers) {
