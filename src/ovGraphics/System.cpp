@@ -128,8 +128,8 @@ bool System::frame(RenderContext* context) {
     _renderContexts->setActiveRenderContext(context);
 
     // Passes may run the application's code, which may erase what is drawn here.
-    const Borrowed<RenderContext> running = context;
-    const Borrowed<Compositor> compositor = context->getCompositor();
+    const ovMemory::Borrowed<RenderContext> running = context;
+    const ovMemory::Borrowed<Compositor> compositor = context->getCompositor();
     for (unsigned int i = 0; running && compositor && i < compositor->getNodeCount(); ++i) {
         for (unsigned int j = 0; running && compositor; ++j) {
             const CompositorNode* node = compositor->getNode(i);

@@ -3,6 +3,7 @@
 
 #include <ovCommon/MaybeSingletonClass.h>
 #include <ovGraphics/Configuration.h>
+#include <ovMemory/Borrowed.h>
 #include <ovMemory/Memory.h>
 
 namespace ovGraphics {
@@ -50,7 +51,7 @@ struct FrameTime {
 };
 
 /// A graphics device with its managers. Any number may exist; each belongs to the thread that initialised it.
-class OV_API System : public ovCommon::MaybeSingletonClass<System> {
+class OV_API System : public ovCommon::MaybeSingletonClass<System>, public ovMemory::Borrowable {
 public:
     /// A system of its own, not initialised.
     System();

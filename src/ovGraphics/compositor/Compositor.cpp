@@ -25,8 +25,7 @@ CompositorOperationsBlock* CompositorNode::appendOperationsBlock() {
 
 CompositorOperationsBlock* CompositorNode::insertOperationsBlock(unsigned int position) {
     const unsigned int place = std::min(position, getOperationsBlockCount());
-    return _blocks.insert(_blocks.begin() + place, std::make_unique<CompositorOperationsBlock>(_system))
-        ->get();
+    return _blocks.insert(_blocks.begin() + place, std::make_unique<CompositorOperationsBlock>())->get();
 }
 
 CompositorOperationsBlock* CompositorNode::getOperationsBlock(unsigned int position) const {
@@ -52,7 +51,7 @@ Compositor::Compositor(System* system)
 Compositor::~Compositor() = default;
 
 CompositorNode* Compositor::appendNode() {
-    return _nodes.emplace_back(std::make_unique<CompositorNode>(getSystem())).get();
+    return _nodes.emplace_back(std::make_unique<CompositorNode>()).get();
 }
 
 CompositorNode* Compositor::getNode(unsigned int position) const {

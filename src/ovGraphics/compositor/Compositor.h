@@ -8,11 +8,8 @@ namespace ovGraphics {
 
 /// An ordered list of operations blocks that is drawn or skipped as a whole. Owned by its compositor. Effects
 /// add their blocks to nodes that belong to others, and take exactly those away again.
-class OV_API CompositorNode {
+class OV_API CompositorNode : public ovMemory::Borrowable {
 public:
-    explicit CompositorNode(System* system)
-        : _system(system) {}
-
     bool getActive() const { return _active; }
     /// An inactive node draws nothing. Default active.
     void setActive(bool active) { _active = active; }
@@ -30,7 +27,6 @@ public:
     void unload();
 
 private:
-    System* _system;
     bool _active = true;
     ovMemory::Buffer<ovMemory::UniquePtr<CompositorOperationsBlock>> _blocks;
 };

@@ -39,9 +39,7 @@ bool isDrawable(const System& system, Texture& texture, unsigned int slice, unsi
 
 } // namespace
 
-CompositorOperationsBlock::CompositorOperationsBlock(System* system)
-    : _system(system) {}
-
+CompositorOperationsBlock::CompositorOperationsBlock() = default;
 CompositorOperationsBlock::~CompositorOperationsBlock() = default;
 
 void CompositorOperationsBlock::setTarget(unsigned int index, Texture* texture, unsigned int slice,
@@ -117,18 +115,19 @@ bool CompositorOperationsBlock::removePass(const CompositorPass* pass) {
 bool CompositorOperationsBlock::execute(RenderContext& context) {
     if (!_prepareTarget(context))
         return false;
-    device::Device& device = *_system->getDevice();
+    System& system = *context.getSystem();
+    device::Device& device = *system.getDevice();
     const Viewport* viewport = _viewport.get();
     const device::Rectangle area = viewport ? device::Rectangle{viewport->getX(), viewport->getY(),
                                                                 viewport->getWidth(), viewport->getHeight()}
                                             : device::Rectangle{0, 0, _width, _height};
     Camera* camera = context.getCamera();
-    const PassExecution execution{_system, &device, _drawsIntoBackBuffer() ? 1u : _targetCount, _depth.set,
-                                  camera ? camera : _system->getCameraManager()->getActiveRenderCamera()};
+    const PassExecution execution{&system, &device, _drawsIntoBackBuffer() ? 1u : _targetCount, _depth.set,
+                                  camera ? camera : system.getCameraManager()->getActiveRenderCamera()};
     for (const auto& pass : _passes) {
         device.setTarget(*_gpuTarget, area); // again, for a pass may have drawn another context
-        _system->getViewportManager()->setActiveViewport(_viewport.get());
-        _system->runPass(*pass, execution);
+        system.getViewportManager()->setActiveViewport(_viewport.get());
+        system.runPass(*pass, execution);
     }
     return true;
 }
@@ -144,15 +143,15 @@ bool CompositorOperationsBlock::_prepareTarget(RenderContext& context) {
     if (_gpuTarget && _targetIsCurrent(backBuffer))
         return true;
     ovMemory::String error;
-    _gpuTarget = _createTarget(backBuffer, error);
+    _gpuTarget = _createTarget(*context.getSystem(), backBuffer, error);
     if (_gpuTarget) {
         _failureLogged = false;
         return true;
     }
     if (!_failureLogged) // once, not once a frame
-        _system->log("Could not draw an operations block of render context '" +
-                         ovMemory::String(context.getName()) + "': " + error,
-                     "CompositorOperationsBlock");
+        context.getSystem()->log("Could not draw an operations block of render context '" +
+                                     ovMemory::String(context.getName()) + "': " + error,
+                                 "CompositorOperationsBlock");
     _failureLogged = true;
     return false;
 }
@@ -174,14 +173,14 @@ bool CompositorOperationsBlock::_targetIsCurrent(Texture* backBuffer) const {
            backBuffer->getLoadCount() == _backBufferLoadCount;
 }
 
-ovMemory::UniquePtr<device::GpuTarget> CompositorOperationsBlock::_createTarget(Texture* backBuffer,
-                                                                                ovMemory::String& error) {
+ovMemory::UniquePtr<device::GpuTarget>
+CompositorOperationsBlock::_createTarget(System& system, Texture* backBuffer, ovMemory::String& error) {
     device::TargetDesc target;
     const auto attach = [&](Texture* texture, unsigned int slice,
                             unsigned int mip) -> device::TargetAttachment {
         if (!texture)
             error = "a target texture was destroyed; set the block's targets again.";
-        if (!texture || !isDrawable(*_system, *texture, slice, mip, error))
+        if (!texture || !isDrawable(system, *texture, slice, mip, error))
             return {};
         const device::TextureDesc& desc = texture->getGpuTexture()->getDesc();
         _width = mipSize(desc.width, mip);
@@ -207,7 +206,7 @@ ovMemory::UniquePtr<device::GpuTarget> CompositorOperationsBlock::_createTarget(
         target.depth = attachTarget(_depth);
     for (unsigned int i = 0; i < _targetCount; ++i)
         target.colours.push_back(_targets[i].set ? attachTarget(_targets[i]) : device::TargetAttachment());
-    return error.empty() ? _system->getDevice()->createTarget(target, error) : nullptr;
+    return error.empty() ? system.getDevice()->createTarget(target, error) : nullptr;
 }
 
 } // namespace ovGraphics

@@ -15,9 +15,9 @@ class GpuTarget;
 }
 
 /// Targets, a depth buffer, a viewport, and the passes that draw there in order. Owned by its node.
-class OV_API CompositorOperationsBlock {
+class OV_API CompositorOperationsBlock : public ovMemory::Borrowable {
 public:
-    explicit CompositorOperationsBlock(System* system);
+    CompositorOperationsBlock();
     ~CompositorOperationsBlock();
 
     /// Draws into one mip of one slice (or cube face) of a loaded, render-target texture. @param index of the
@@ -44,8 +44,8 @@ public:
     /// Destroys a pass. @return false when it is not of this block
     bool removePass(const CompositorPass* pass);
 
-    /// Draws the passes in order. @return false after one log line when a target is unusable; nothing is
-    /// drawn then
+    /// Draws the passes in order, on the context's system. @return false after one log line when a target is
+    /// unusable; nothing is drawn then
     bool execute(RenderContext& context);
 
     /// Frees what drawing made on the device; the next frame makes it again.
@@ -53,7 +53,7 @@ public:
 
 private:
     struct Target {
-        Borrowed<Texture> texture;
+        ovMemory::Borrowed<Texture> texture;
         unsigned int slice = 0;
         unsigned int mip = 0;
         unsigned int loadCount = 0; ///< load of the texture that _gpuTarget was made with
@@ -65,16 +65,16 @@ private:
     bool _drawsIntoBackBuffer() const { return _targetCount == 0 && !_depth.set; }
     bool _prepareTarget(RenderContext& context);
     bool _targetIsCurrent(Texture* backBuffer) const;
-    ovMemory::UniquePtr<device::GpuTarget> _createTarget(Texture* backBuffer, ovMemory::String& error);
+    ovMemory::UniquePtr<device::GpuTarget> _createTarget(System& system, Texture* backBuffer,
+                                                         ovMemory::String& error);
 
-    System* _system;
     std::array<Target, device::MAX_COLOUR_TARGETS> _targets;
     unsigned int _targetCount = 0;
     Target _depth;
-    Borrowed<Viewport> _viewport;
+    ovMemory::Borrowed<Viewport> _viewport;
     ovMemory::Buffer<ovMemory::UniquePtr<CompositorPass>> _passes;
     ovMemory::UniquePtr<device::GpuTarget> _gpuTarget;
-    Borrowed<Texture> _gpuTargetBackBuffer;
+    ovMemory::Borrowed<Texture> _gpuTargetBackBuffer;
     unsigned int _backBufferLoadCount = 0;
     unsigned int _width = 0;  ///< of the targets, texels
     unsigned int _height = 0; ///< of the targets, texels

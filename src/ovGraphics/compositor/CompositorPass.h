@@ -2,10 +2,11 @@
 #pragma once
 
 #include <array>
+#include <ovCommon/Api.h>
 #include <ovGraphics/resources/BlendState.h>
-#include <ovGraphics/resources/Borrowed.h>
 #include <ovGraphics/resources/DepthStencilState.h>
 #include <ovGraphics/resources/RasterState.h>
+#include <ovMemory/Borrowed.h>
 #include <ovMemory/Memory.h>
 
 namespace ovGraphics {
@@ -29,7 +30,7 @@ struct PassExecution {
 };
 
 /// One step of an operations block, owned by it.
-class OV_API CompositorPass {
+class OV_API CompositorPass : public ovMemory::Borrowable {
 public:
     virtual ~CompositorPass();
 
@@ -105,8 +106,8 @@ public:
     ovMemory::StringView getRequirement() const override;
 
 private:
-    Borrowed<Shader> _shader;
-    Borrowed<Camera> _camera;
+    ovMemory::Borrowed<Shader> _shader;
+    ovMemory::Borrowed<Camera> _camera;
     BlendState _blendState;
     RasterState _rasterState;
     DepthStencilState _depthStencilState;
@@ -122,7 +123,7 @@ public:
     ovMemory::StringView getRequirement() const override;
 
 private:
-    Borrowed<Texture> _texture;
+    ovMemory::Borrowed<Texture> _texture;
 };
 
 } // namespace ovGraphics

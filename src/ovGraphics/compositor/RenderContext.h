@@ -45,10 +45,10 @@ public:
 
 private:
     bool _window = false;
-    Borrowed<Texture> _texture;
+    ovMemory::Borrowed<Texture> _texture;
     ovMemory::UniquePtr<Texture> _windowBuffer;
-    Borrowed<Compositor> _compositor;
-    Borrowed<Camera> _camera;
+    ovMemory::Borrowed<Compositor> _compositor;
+    ovMemory::Borrowed<Camera> _camera;
 };
 
 } // namespace ovGraphics

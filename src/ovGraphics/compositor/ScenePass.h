@@ -48,8 +48,8 @@ private:
     bool _draw(const PassExecution& execution, const PassEnvironment& environment);
     void _setRasterState(const PassExecution& execution, const DrawList::Batch& batch) const;
 
-    Borrowed<RenderQueue> _queue;
-    Borrowed<Camera> _camera;
+    ovMemory::Borrowed<RenderQueue> _queue;
+    ovMemory::Borrowed<Camera> _camera;
     DrawListSettings _settings;
     DrawList _drawList;
     BlendState _blendState;

@@ -12,7 +12,7 @@ class GpuBuffer;
 } // namespace device
 
 /// The constants of one buffer index of a shader: slots laid out one after another in registers.
-class OV_API ConstantBuffer {
+class OV_API ConstantBuffer : public ovMemory::Borrowable {
 public:
     ConstantBuffer(unsigned int index, unsigned int stage);
     ~ConstantBuffer();

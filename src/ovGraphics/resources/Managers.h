@@ -1,8 +1,8 @@
 // The managers of a graphics system, one per kind of resource.
 #pragma once
 
-#include <ovGraphics/resources/Borrowed.h>
 #include <ovGraphics/resources/ResourceManager.h>
+#include <ovMemory/Borrowed.h>
 
 namespace ovGraphics {
 
@@ -73,7 +73,7 @@ public:
     void setActiveRenderCamera(Camera* camera);
 
 private:
-    Borrowed<Camera> _activeRenderCamera;
+    ovMemory::Borrowed<Camera> _activeRenderCamera;
 };
 
 class OV_API ViewportManager : public ResourceManager<Viewport> {
@@ -86,7 +86,7 @@ public:
     void setActiveViewport(Viewport* viewport);
 
 private:
-    Borrowed<Viewport> _activeViewport;
+    ovMemory::Borrowed<Viewport> _activeViewport;
 };
 
 class OV_API CompositorManager : public ResourceManager<Compositor> {
@@ -109,7 +109,7 @@ public:
     void setActiveRenderContext(RenderContext* context);
 
 private:
-    Borrowed<RenderContext> _activeRenderContext;
+    ovMemory::Borrowed<RenderContext> _activeRenderContext;
 };
 
 } // namespace ovGraphics

@@ -28,8 +28,7 @@ Resource::Resource(System* system, ovMemory::StringView kind)
 }
 
 Resource::~Resource() {
-    for (BorrowedBase* borrower = _borrowers; borrower; borrower = borrower->_next)
-        borrower->_resource = nullptr;
+    _forgetBorrowers(); // before the system is told: what it does then must not reach a resource half gone
     if (_system)
         _system->_unregisterResource(this);
 }

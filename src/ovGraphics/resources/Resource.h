@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <ovCommon/Api.h>
 #include <ovGraphics/Enums.h>
-#include <ovGraphics/resources/Borrowed.h>
+#include <ovMemory/Borrowed.h>
 #include <ovMemory/Memory.h>
 
 namespace ovGraphics {
@@ -20,7 +20,7 @@ class System;
 /// Settings are stored by setters and take effect on the device at load(). A resource outlives neither of two
 /// things silently: when its system shuts down it is unloaded, and when it is destroyed whoever borrowed it
 /// forgets it.
-class OV_API Resource {
+class OV_API Resource : public ovMemory::Borrowable {
 public:
     Resource(const Resource&) = delete;
     Resource& operator=(const Resource&) = delete;
@@ -79,7 +79,6 @@ protected:
 
 private:
     friend class System;
-    friend class BorrowedBase;
 
     System* _system;
     ovMemory::StringView _kind;
@@ -89,8 +88,7 @@ private:
     bool _hidden = false;
     bool _gpuUploadCanBeDeferred = false;
     bool _changedSinceLoad = true;
-    std::size_t _registryIndex = 0;     ///< place in the system's list of resources
-    BorrowedBase* _borrowers = nullptr; ///< list of the pointers that become null with this object
+    std::size_t _registryIndex = 0; ///< place in the system's list of resources
 };
 
 /// The system to create a resource on: the given one, or the singleton when it is null.

@@ -66,11 +66,11 @@ ConstantBuffer* Shader::getConstantBuffer(unsigned int index, unsigned int stage
 
 ShaderInstanceMemorySlot* Shader::addInstanceMemorySlot() {
     _settingChanged();
-    return &_instanceSlots.emplace_back();
+    return _instanceSlots.emplace_back(std::make_unique<ShaderInstanceMemorySlot>()).get();
 }
 
-ShaderInstanceMemorySlot* Shader::getInstanceMemorySlot(unsigned int index) {
-    return index < _instanceSlots.size() ? &_instanceSlots[index] : nullptr;
+ShaderInstanceMemorySlot* Shader::getInstanceMemorySlot(unsigned int index) const {
+    return index < _instanceSlots.size() ? _instanceSlots[index].get() : nullptr;
 }
 
 void Shader::setTexture(Texture* texture, unsigned int unit, unsigned int stage) {

@@ -34,13 +34,11 @@ public:
     ConstantBuffer* getConstantBuffer(unsigned int index, unsigned int stage) const;
 
     /// Appends a slot to the data of each instance that a scene pass draws; at most one for each value is of
-    /// use. Valid until the next call or reset().
+    /// use. Owned by the shader and never moved.
     ShaderInstanceMemorySlot* addInstanceMemorySlot();
     /// The slot at a position, or null.
-    ShaderInstanceMemorySlot* getInstanceMemorySlot(unsigned int index);
-    ovMemory::BufferView<const ShaderInstanceMemorySlot> getInstanceMemorySlots() const {
-        return _instanceSlots;
-    }
+    ShaderInstanceMemorySlot* getInstanceMemorySlot(unsigned int index) const;
+    InstanceSlots getInstanceMemorySlots() const { return _instanceSlots; }
 
     /// Binds a texture of the same system; null, an unloaded one and one of another system read as opaque
     /// black. add and set do the same: the unit is added when missing.
@@ -74,12 +72,12 @@ private:
     struct TextureBinding {
         unsigned int unit;
         unsigned int stage;
-        Borrowed<Texture> texture;
+        ovMemory::Borrowed<Texture> texture;
     };
     struct SamplerBinding {
         unsigned int unit;
         unsigned int stage;
-        Borrowed<Sampler> sampler;
+        ovMemory::Borrowed<Sampler> sampler;
     };
 
     bool _load(ovMemory::String& error) override;
@@ -87,9 +85,9 @@ private:
     void _bindConstants(const LoadedProgram& program, const PassEnvironment& environment);
     void _bindTextures(const LoadedProgram& program);
 
-    Borrowed<Program> _program;
+    ovMemory::Borrowed<Program> _program;
     ovMemory::Buffer<ovMemory::UniquePtr<ConstantBuffer>> _constantBuffers;
-    ovMemory::Buffer<ShaderInstanceMemorySlot> _instanceSlots;
+    ovMemory::Buffer<ovMemory::UniquePtr<ShaderInstanceMemorySlot>> _instanceSlots;
     ovMemory::Buffer<TextureBinding> _textures;
     ovMemory::Buffer<SamplerBinding> _samplers;
 };

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <ovCommon/Api.h>
+#include <ovMemory/Borrowed.h>
 #include <ovMemory/Memory.h>
 
 namespace ovGraphics {
@@ -14,7 +15,7 @@ enum class INSTANCE_VALUE : unsigned int {
 
 /// One slot of a shader's instance data. Vertex texts read it as a matrix attribute of the name that belongs
 /// to its value; its rows are the rows of the matrix. A new slot holds the world matrix.
-class OV_API ShaderInstanceMemorySlot {
+class OV_API ShaderInstanceMemorySlot : public ovMemory::Borrowable {
 public:
     static constexpr unsigned int VALUE_COUNT = 2;
     static constexpr unsigned int ROW_COUNT = 4; ///< registers of four floats that a slot fills
@@ -31,5 +32,8 @@ public:
 private:
     INSTANCE_VALUE _value = INSTANCE_VALUE::WORLD_MATRIX;
 };
+
+/// The slots of a shader in order.
+using InstanceSlots = ovMemory::BufferView<const ovMemory::UniquePtr<ShaderInstanceMemorySlot>>;
 
 } // namespace ovGraphics

@@ -2,9 +2,10 @@
 #pragma once
 
 #include <array>
-#include <ovGraphics/resources/Borrowed.h>
+#include <ovCommon/Api.h>
 #include <ovMaths/Matrix.h>
 #include <ovMaths/Vector.h>
+#include <ovMemory/Borrowed.h>
 
 namespace ovGraphics {
 
@@ -20,7 +21,7 @@ struct PassEnvironment {
 
 /// One slot of a constant buffer: it says what it holds, and the value is taken when a pass runs. Every slot
 /// fills whole registers of four 32-bit values. A new slot holds the zero vector.
-class OV_API ShaderPassMemorySlot {
+class OV_API ShaderPassMemorySlot : public ovMemory::Borrowable {
 public:
     /// A fixed vector: one register.
     void setFromVector(const ovMaths::Vector& vector);
@@ -73,8 +74,8 @@ private:
 
     CONTENT _content = CONTENT::VECTOR;
     std::array<float, 16> _value{}; ///< four rows; a vector is the first
-    Borrowed<Camera> _camera;
-    Borrowed<Texture> _texture;
+    ovMemory::Borrowed<Camera> _camera;
+    ovMemory::Borrowed<Texture> _texture;
     bool _ownCamera = false; ///< false: the camera that renders
 };
 

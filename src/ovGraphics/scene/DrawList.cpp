@@ -157,8 +157,8 @@ void DrawList::_addBatch(Batch batch, const Item* const* items) {
         _instances.resize((first + batch.instanceCount) * stride);
         unsigned char* out = _instances.data() + first * stride;
         for (unsigned int i = 0; i < batch.instanceCount; ++i) {
-            for (const ShaderInstanceMemorySlot& slot : batch.shader->getInstanceMemorySlots()) {
-                std::memcpy(out, valueOf(items[i]->node, slot.getValue()).m, SLOT_SIZE);
+            for (const auto& slot : batch.shader->getInstanceMemorySlots()) {
+                std::memcpy(out, valueOf(items[i]->node, slot->getValue()).m, SLOT_SIZE);
                 out += SLOT_SIZE;
             }
         }

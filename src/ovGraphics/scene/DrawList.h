@@ -2,9 +2,9 @@
 // equal ones together.
 #pragma once
 
-#include <ovGraphics/resources/Borrowed.h>
 #include <ovGraphics/scene/BoundingBox.h>
 #include <ovMaths/Matrix.h>
+#include <ovMemory/Borrowed.h>
 #include <ovMemory/Memory.h>
 
 namespace ovGraphics {

@@ -2,7 +2,8 @@
 #pragma once
 
 #include <array>
-#include <ovGraphics/resources/Borrowed.h>
+#include <ovCommon/Api.h>
+#include <ovMemory/Borrowed.h>
 
 namespace ovGraphics {
 
@@ -13,7 +14,7 @@ class Shader;
 
 /// A mesh drawn at a node's place. Everything is borrowed; an entity that lacks its mesh or shader is not
 /// drawn. Owned by its render queue.
-class OV_API Entity {
+class OV_API Entity : public ovMemory::Borrowable {
 public:
     /// Shaders that an entity may have, of which a scene pass chooses one: 0 for colours, others as the
     /// application likes (1 for depth alone, ...).
@@ -21,6 +22,8 @@ public:
 
     /// Made by RenderQueue::addEntity.
     explicit Entity(RenderQueue* queue);
+    Entity(const Entity&) = delete;
+    Entity& operator=(const Entity&) = delete;
 
     void setMesh(Mesh* mesh);
     Mesh* getMesh() const;
@@ -43,9 +46,9 @@ private:
     void _changed() const;
 
     RenderQueue* _queue;
-    Borrowed<Mesh> _mesh;
-    Borrowed<Node> _node;
-    std::array<Borrowed<Shader>, VARIANT_COUNT> _shaders;
+    ovMemory::Borrowed<Mesh> _mesh;
+    ovMemory::Borrowed<Node> _node;
+    std::array<ovMemory::Borrowed<Shader>, VARIANT_COUNT> _shaders;
     bool _visible = true;
     bool _doubleSided = false;
 };

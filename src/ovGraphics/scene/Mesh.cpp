@@ -44,19 +44,18 @@ ovMemory::UniquePtr<device::GpuBuffer> uploaded(device::Device& device, device::
 }
 
 /// Two bits for each slot; the first slot is marked by its place.
-uint64_t keyOf(const LoadedProgram& program, ovMemory::BufferView<const ShaderInstanceMemorySlot> slots) {
+uint64_t keyOf(const LoadedProgram& program, InstanceSlots slots) {
     uint64_t order = 1;
-    for (const ShaderInstanceMemorySlot& slot : slots)
-        order = order << 2 | static_cast<uint64_t>(slot.getValue());
+    for (const auto& slot : slots)
+        order = order << 2 | static_cast<uint64_t>(slot->getValue());
     return order << 32 | program.inputLayout;
 }
 
 /// The place of the attribute of an instance in the data that the slots describe; nothing for other names.
-std::optional<unsigned int> instanceOffset(ovMemory::StringView attribute,
-                                           ovMemory::BufferView<const ShaderInstanceMemorySlot> slots) {
+std::optional<unsigned int> instanceOffset(ovMemory::StringView attribute, InstanceSlots slots) {
     for (unsigned int slot = 0; slot < slots.size(); ++slot) {
         for (unsigned int row = 0; row < ShaderInstanceMemorySlot::ROW_COUNT; ++row) {
-            if (attribute == ShaderInstanceMemorySlot::getAttributeName(slots[slot].getValue(), row))
+            if (attribute == ShaderInstanceMemorySlot::getAttributeName(slots[slot]->getValue(), row))
                 return (slot * ShaderInstanceMemorySlot::ROW_COUNT + row) * ROW_SIZE;
         }
     }
@@ -207,8 +206,7 @@ void Mesh::_unload() {
     _indexBuffer.reset();
 }
 
-device::GpuGeometry* Mesh::getGeometry(const LoadedProgram& program,
-                                       ovMemory::BufferView<const ShaderInstanceMemorySlot> slots) {
+device::GpuGeometry* Mesh::getGeometry(const LoadedProgram& program, InstanceSlots slots) {
     if (!_vertexBuffer)
         return nullptr;
     const uint64_t key = keyOf(program, slots);
@@ -219,9 +217,8 @@ device::GpuGeometry* Mesh::getGeometry(const LoadedProgram& program,
     return _geometries.emplace_back(Geometry{key, _createGeometry(program, slots)}).gpuGeometry.get();
 }
 
-ovMemory::UniquePtr<device::GpuGeometry>
-Mesh::_createGeometry(const LoadedProgram& program,
-                      ovMemory::BufferView<const ShaderInstanceMemorySlot> slots) const {
+ovMemory::UniquePtr<device::GpuGeometry> Mesh::_createGeometry(const LoadedProgram& program,
+                                                               InstanceSlots slots) const {
     device::GeometryDesc desc{
         _vertexBuffer.get(), _composition.getStride(), {}, _indexBuffer.get(), _shortIndices, {}};
     for (const shading::AttributeInfo& wanted : program.compiled.attributes) {

@@ -62,8 +62,7 @@ public:
 
     /// The mesh as a program reads it, with instance data laid out as the slots say.
     /// @return null when the mesh is unloaded or the device refuses, after one log line for the latter
-    device::GpuGeometry* getGeometry(const LoadedProgram& program,
-                                     ovMemory::BufferView<const ShaderInstanceMemorySlot> slots);
+    device::GpuGeometry* getGeometry(const LoadedProgram& program, InstanceSlots slots);
     /// Indices of a draw; vertices when there are none.
     unsigned int getDrawCount() const { return _indices.empty() ? getVertexCount() : getIndexCount(); }
 
@@ -79,9 +78,8 @@ private:
     bool _check(ovMemory::String& error) const;
     bool _upload(device::Device& device, ovMemory::String& error);
     void _computeBoundingBox();
-    ovMemory::UniquePtr<device::GpuGeometry>
-    _createGeometry(const LoadedProgram& program,
-                    ovMemory::BufferView<const ShaderInstanceMemorySlot> slots) const;
+    ovMemory::UniquePtr<device::GpuGeometry> _createGeometry(const LoadedProgram& program,
+                                                             InstanceSlots slots) const;
 
     VertexComposition _composition;
     PRIMITIVE_TOPOLOGY _topology = PRIMITIVE_TOPOLOGY::TRIANGLELIST;

@@ -1,8 +1,9 @@
 // A model as it is drawn: meshes, nodes, textures and materials on one system.
 #pragma once
 
+#include <ovCommon/Api.h>
 #include <ovGraphics/gltf/GltfScene.h>
-#include <ovGraphics/resources/Borrowed.h>
+#include <ovMemory/Borrowed.h>
 #include <ovMemory/Memory.h>
 
 namespace ovGraphics {
@@ -68,8 +69,8 @@ private:
     friend class ModelBuilder;
 
     struct SampledTexture {
-        ovGraphics::Borrowed<ovGraphics::Texture> texture;
-        ovGraphics::Borrowed<ovGraphics::Sampler> sampler;
+        ovMemory::Borrowed<ovGraphics::Texture> texture;
+        ovMemory::Borrowed<ovGraphics::Sampler> sampler;
     };
 
     void _giveSamplers(const PbsMaterial& material) const;

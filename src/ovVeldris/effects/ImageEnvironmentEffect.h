@@ -20,9 +20,9 @@ enum class IMAGE_ENVIRONMENT_PROJECTION : unsigned int {
 
 /// Settings of an ImageEnvironmentEffect. What is borrowed becomes null when it is destroyed.
 struct ImageEnvironmentEffectInfo {
-    ovGraphics::Borrowed<ovGraphics::Texture> sourceTexture;
-    ovGraphics::Borrowed<ovGraphics::Sampler> sourceSampler; ///< null: the effect's own
-    ovGraphics::Borrowed<ovGraphics::Camera> sourceCamera;   ///< null: the camera that renders
+    ovMemory::Borrowed<ovGraphics::Texture> sourceTexture;
+    ovMemory::Borrowed<ovGraphics::Sampler> sourceSampler; ///< null: the effect's own
+    ovMemory::Borrowed<ovGraphics::Camera> sourceCamera;   ///< null: the camera that renders
     IMAGE_ENVIRONMENT_PROJECTION sourceProjection = IMAGE_ENVIRONMENT_PROJECTION::AUTO;
 };
 

@@ -4,7 +4,7 @@
 #include <array>
 #include <optional>
 #include <ovGraphics/Enums.h>
-#include <ovGraphics/resources/Borrowed.h>
+#include <ovMemory/Borrowed.h>
 #include <ovVeldris/effects/Effect.h>
 #include <ovVeldris/effects/ProgramTrackersHolder.h>
 
@@ -81,7 +81,7 @@ private:
     System* _system;
     ovMemory::StringView _kindName;
     ovMemory::StringView _className;
-    ovGraphics::Borrowed<ovGraphics::Program> _program; ///< of the tracker; null when unloaded
+    ovMemory::Borrowed<ovGraphics::Program> _program; ///< of the tracker; null when unloaded
 };
 
 /// An effect whose program comes from a Tracker by an Info record. A concrete effect derives from this,

@@ -8,8 +8,8 @@ namespace ovVeldris {
 
 /// Settings of a TextureCopyEffect. What is borrowed becomes null when it is destroyed.
 struct TextureCopyEffectInfo {
-    ovGraphics::Borrowed<ovGraphics::Texture> sourceTexture;
-    ovGraphics::Borrowed<ovGraphics::Sampler> sourceSampler; ///< null: the effect's own
+    ovMemory::Borrowed<ovGraphics::Texture> sourceTexture;
+    ovMemory::Borrowed<ovGraphics::Sampler> sourceSampler; ///< null: the effect's own
 };
 
 /// No setting changes the shader text: every texture copy effect shares the program 0.

@@ -11,7 +11,7 @@ namespace ovVeldris {
 
 /// Settings of a ToneMappingEffect that select its shader, and its source. One operator is used at a time.
 struct ToneMappingEffectInfo {
-    ovGraphics::Borrowed<ovGraphics::Texture> sourceTexture; ///< becomes null when it is destroyed
+    ovMemory::Borrowed<ovGraphics::Texture> sourceTexture; ///< becomes null when it is destroyed
     bool useLuminance = true;
     bool reinhardUsed = true;
     bool hablesUsed = false;

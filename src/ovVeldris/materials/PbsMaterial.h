@@ -228,9 +228,9 @@ private:
     void _logLoadFailure(ovMemory::StringView what) const;
 
     System* _system;
-    ovGraphics::Borrowed<ovGraphics::Program> _program; ///< of the tracker; null when unloaded
-    PbsMaterialParameters _loadedParameters;            ///< as of the last load()
-    PbsMaterialParameters _parameters;                  ///< as set now
+    ovMemory::Borrowed<ovGraphics::Program> _program; ///< of the tracker; null when unloaded
+    PbsMaterialParameters _loadedParameters;          ///< as of the last load()
+    PbsMaterialParameters _parameters;                ///< as set now
 };
 
 } // namespace ovVeldris

@@ -29,8 +29,8 @@ TEST(CompositorTest, nodesInOrder) {
 
 TEST(CompositorTest, blocksAreInsertedAndRemovedOneByOne) {
     System system;
-    CompositorNode node(&system);
-    CompositorNode other(&system);
+    CompositorNode node;
+    CompositorNode other;
     CompositorOperationsBlock* last = node.appendOperationsBlock();
     CompositorOperationsBlock* first = node.insertOperationsBlock(0);
     CompositorOperationsBlock* middle = node.insertOperationsBlock(1);
@@ -48,7 +48,7 @@ TEST(CompositorTest, blocksAreInsertedAndRemovedOneByOne) {
 
 TEST(CompositorTest, passesAreInsertedAndRemovedOneByOne) {
     System system;
-    CompositorOperationsBlock block(&system);
+    CompositorOperationsBlock block;
     const CompositorPass* clear = block.appendClearPass();
     const CompositorPass* draw = block.appendPostProcessPass();
     const CompositorPass* inserted = block.insertPass(1, std::make_unique<MipGenerationPass>());

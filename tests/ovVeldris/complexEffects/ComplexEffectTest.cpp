@@ -15,7 +15,7 @@ TEST(ComplexEffectTest, StartsWithItsTypeAlone) {
 
 TEST(ComplexEffectTest, KeepsNameAndNode) {
     TestComplexEffect effect(COMPLEX_EFFECT_TYPE::BLUR);
-    ovGraphics::CompositorNode node(nullptr);
+    ovGraphics::CompositorNode node;
     effect.setName("a name");
     effect.setCompositorNode(&node);
     EXPECT_EQ(effect.getName(), "a name");
@@ -27,7 +27,7 @@ TEST(ComplexEffectTest, KeepsNameAndNode) {
 
 TEST(ComplexEffectTest, CopiesNameNodeAndType) {
     TestComplexEffect effect(COMPLEX_EFFECT_TYPE::BLUR);
-    ovGraphics::CompositorNode node(nullptr);
+    ovGraphics::CompositorNode node;
     effect.setName("original");
     effect.setCompositorNode(&node);
 

@@ -2,10 +2,10 @@
 #pragma once
 
 #include <ovGraphics/device/Device.h>
-#include <ovGraphics/resources/Borrowed.h>
 #include <ovGraphics/resources/Sampler.h>
 #include <ovGraphics/resources/Shader.h>
 #include <ovGraphics/resources/Texture.h>
+#include <ovMemory/Borrowed.h>
 #include <ovVeldris/core/GraphicsEngine.h>
 #include <ovVeldris/core/LogManager.h>
 #include <ovVeldris/core/System.h>

@@ -28,7 +28,7 @@ protected:
         return manager().createOrRetrieve(name, EFFECT_TYPE::TONE_MAPPING);
     }
     /// The shader of an effect, null once it is destroyed.
-    static ovGraphics::Borrowed<ovGraphics::Shader> watch(Effect* effect) {
+    static ovMemory::Borrowed<ovGraphics::Shader> watch(Effect* effect) {
         EXPECT_TRUE(effect->load());
         return effect->getShader();
     }
@@ -216,7 +216,7 @@ TEST_P(EffectManagerTest, destroysItsEffectsAtShutdown) {
     System own;
     ASSERT_TRUE(initializeOwn(own)) << getLog().getText();
     const auto shader = watch(own.getEffectManager()->createOrRetrieve("a", EFFECT_TYPE::TEXTURE_COPY));
-    const ovGraphics::Borrowed<ovGraphics::Program> program = shader->getProgram();
+    const ovMemory::Borrowed<ovGraphics::Program> program = shader->getProgram();
     ASSERT_NE(program.get(), nullptr);
     own.shutdown();
     EXPECT_EQ(own.getEffectManager(), nullptr);

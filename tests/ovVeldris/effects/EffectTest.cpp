@@ -46,7 +46,7 @@ TEST_P(EffectTest, renamesItsShader) {
 TEST_P(EffectTest, keepsItsShaderAcrossLoads) {
     TextureCopyEffect effect(getSystem());
     ASSERT_TRUE(effect.load());
-    const ovGraphics::Borrowed<ovGraphics::Shader> shader = effect.getShader();
+    const ovMemory::Borrowed<ovGraphics::Shader> shader = effect.getShader();
     ASSERT_TRUE(effect.load());
     EXPECT_EQ(effect.getShader(), shader.get());
     effect.unload();
@@ -58,7 +58,7 @@ TEST_P(EffectTest, keepsItsShaderAcrossLoads) {
 TEST_P(EffectTest, destroysItsShader) {
     auto effect = TextureCopyEffect::create(getSystem());
     ASSERT_TRUE(effect->load());
-    const ovGraphics::Borrowed<ovGraphics::Shader> shader = effect->getShader();
+    const ovMemory::Borrowed<ovGraphics::Shader> shader = effect->getShader();
     effect.reset();
     EXPECT_EQ(shader.get(), nullptr);
 }

@@ -284,8 +284,8 @@ TEST_P(ImageEnvironmentEffectTest, releasesTheProgramThatItAcquired) {
     auto texture = makeTexture(FloatPicture(2, 1));
     const auto first = makeEffect(texture.get(), PROJECTION::AUTO, nullptr);
     const auto second = makeEffect(nullptr, PROJECTION::CUBE, nullptr);
-    const ovGraphics::Borrowed<ovGraphics::Program> map = first->getShader()->getProgram();
-    const ovGraphics::Borrowed<ovGraphics::Program> cube = second->getShader()->getProgram();
+    const ovMemory::Borrowed<ovGraphics::Program> map = first->getShader()->getProgram();
+    const ovMemory::Borrowed<ovGraphics::Program> cube = second->getShader()->getProgram();
     texture.reset();
     first->unload();
     EXPECT_EQ(map.get(), nullptr);

@@ -46,7 +46,7 @@ TEST_P(ProgramTrackersHolderTest, namesUnloadedProgramsByTheirIds) {
 
 TEST_P(ProgramTrackersHolderTest, countsReferences) {
     NumberTracker tracker(&getGraphics());
-    const ovGraphics::Borrowed<ovGraphics::Program> program = tracker.getProgram(3);
+    const ovMemory::Borrowed<ovGraphics::Program> program = tracker.getProgram(3);
     EXPECT_EQ(tracker.getProgram(3), program.get());
     EXPECT_NE(tracker.getProgram(4), program.get());
     tracker.releaseProgram(5);
@@ -71,7 +71,7 @@ TEST_P(ProgramTrackersHolderTest, keepsManyPrograms) {
 
 TEST_P(ProgramTrackersHolderTest, destroysWhatIsHeld) {
     auto holder = std::make_unique<ProgramTrackersHolder>(&getGraphics());
-    const ovGraphics::Borrowed<ovGraphics::Program> program =
+    const ovMemory::Borrowed<ovGraphics::Program> program =
         holder->get<TextureCopyProgramTracker>()->getProgram({});
     ASSERT_NE(program.get(), nullptr);
     holder.reset();

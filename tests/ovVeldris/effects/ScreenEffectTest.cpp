@@ -9,7 +9,6 @@
 #include <ovVeldris/effects/ToneMappingEffect.h>
 
 using namespace ovVeldris;
-using ovGraphics::Borrowed;
 using ovGraphics::Program;
 
 namespace {
@@ -60,7 +59,7 @@ TEST_P(ScreenEffectTest, sharesOneProgram) {
     BreakableEffect first(getSystem());
     BreakableEffect second(getSystem());
     ASSERT_TRUE(first.load() && second.load());
-    const Borrowed<Program> program = first.getShader()->getProgram();
+    const ovMemory::Borrowed<Program> program = first.getShader()->getProgram();
     EXPECT_EQ(second.getShader()->getProgram(), program.get());
     EXPECT_NE(first.getShader(), second.getShader());
     first.unload();
@@ -81,7 +80,7 @@ TEST_P(ScreenEffectTest, preparesALoadedProgramOnlyOnce) {
 
 TEST_P(ScreenEffectTest, holdsOneReferenceHoweverOftenItIsLoaded) {
     BreakableEffect effect(getSystem());
-    const Borrowed<Program> program = tracker().getProgram({});
+    const ovMemory::Borrowed<Program> program = tracker().getProgram({});
     for (int i = 0; i < 3; ++i)
         ASSERT_TRUE(effect.load());
     EXPECT_EQ(effect.getShader()->getProgram(), program.get());
@@ -95,10 +94,10 @@ TEST_P(ScreenEffectTest, holdsOneReferenceHoweverOftenItIsLoaded) {
 TEST_P(ScreenEffectTest, releasesTheProgramThatItLoaded) {
     auto effect = std::make_unique<BreakableEffect>(getSystem());
     ASSERT_TRUE(effect->load());
-    const Borrowed<Program> program = effect->getShader()->getProgram();
+    const ovMemory::Borrowed<Program> program = effect->getShader()->getProgram();
     ToneMappingEffectInfo other;
     other.useLuminance = false;
-    const Borrowed<Program> otherProgram = tracker().getProgram(other);
+    const ovMemory::Borrowed<Program> otherProgram = tracker().getProgram(other);
     effect->info() = other;
     effect.reset();
     EXPECT_EQ(program.get(), nullptr);
@@ -131,7 +130,7 @@ TEST_P(ScreenEffectTest, failsWithoutAProgram) {
     EXPECT_TRUE(getGraphicsLogger().contains("Breakable.pixel.ovsl:1:")) << getGraphicsLogger().getText();
 
     // The program that the failed effect still holds is prepared anew by whoever comes next.
-    const Borrowed<Program> program = tracker().getProgram({});
+    const ovMemory::Borrowed<Program> program = tracker().getProgram({});
     EXPECT_TRUE(program->isUnloaded());
     BreakableEffect sound(getSystem());
     EXPECT_TRUE(sound.load());
@@ -154,7 +153,7 @@ TEST_P(ScreenEffectTest, releasesTheProgramOfAFailedLoad) {
     const ToneMappingEffectInfo failed = effect.info();
     effect.breakProgram = true;
     EXPECT_FALSE(effect.load());
-    const Borrowed<Program> program = tracker().getProgram(failed);
+    const ovMemory::Borrowed<Program> program = tracker().getProgram(failed);
     tracker().releaseProgram(failed);
     ASSERT_NE(program.get(), nullptr); // the effect's reference
     effect.info().useLuminance = true;
@@ -271,7 +270,7 @@ TEST_P(ScreenEffectTest, takesNoReferenceFromAnothersTracker) {
     ASSERT_TRUE(initializeOwn(own));
     TextureCopyEffect current(&own);
     ASSERT_TRUE(current.load());
-    const Borrowed<Program> program = current.getShader()->getProgram();
+    const ovMemory::Borrowed<Program> program = current.getShader()->getProgram();
     old.unload();
     EXPECT_NE(program.get(), nullptr);
     EXPECT_TRUE(old.load());

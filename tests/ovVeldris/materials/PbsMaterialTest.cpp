@@ -107,7 +107,7 @@ TEST_P(PbsMaterialTest, LoadsASharedProgramAndAShaderOfItsOwn) {
     load();
     EXPECT_EQ(shader().getName(), "first");
     EXPECT_FALSE(shader().isUnloaded());
-    const ovGraphics::Borrowed<Program> program = shader().getProgram();
+    const ovMemory::Borrowed<Program> program = shader().getProgram();
     EXPECT_EQ(program->getName(),
               "ORVANE_PBS_PROGRAM_" + std::to_string(PbsIdGenerator()(PbsMaterialParameters())));
     EXPECT_TRUE(program->getActivateCrossCompilerDefines());
@@ -132,7 +132,7 @@ TEST_P(PbsMaterialTest, LoadsASharedProgramAndAShaderOfItsOwn) {
 TEST_P(PbsMaterialTest, LoadsAgainWithTheSameShader) {
     load();
     const ovGraphics::Shader* const before = material().getShader();
-    const ovGraphics::Borrowed<Program> program = shader().getProgram();
+    const ovMemory::Borrowed<Program> program = shader().getProgram();
     material().setReconstructBinormals(false);
     load();
     EXPECT_EQ(material().getShader(), before);
@@ -144,7 +144,7 @@ TEST_P(PbsMaterialTest, LoadsAgainWithTheSameShader) {
 }
 
 TEST_P(PbsMaterialTest, ReleasesItsProgramWhenItIsDestroyed) {
-    ovGraphics::Borrowed<Program> program;
+    ovMemory::Borrowed<Program> program;
     {
         PbsMaterial shortLived(getSystem());
         ASSERT_TRUE(shortLived.load());
@@ -158,7 +158,7 @@ TEST_P(PbsMaterialTest, ReleasesItsProgramAfterItsTexturesWereDestroyed) {
     auto lent = makeTexture(FloatPicture(1, 1));
     material().setAlbedoTexture(lent.get(), THREE_CHANNEL_PACK::RGB);
     load();
-    const ovGraphics::Borrowed<Program> program = shader().getProgram();
+    const ovMemory::Borrowed<Program> program = shader().getProgram();
     lent.reset();
     EXPECT_EQ(material().getAlbedoTexture(), nullptr);
     load(); // without a texture: a program of another key
@@ -179,7 +179,7 @@ TEST_P(PbsMaterialTest, SaysThatItsProgramCannotBeLoadedAndRecovers) {
     PbsMaterialParameters failed;
     failed.normalAttributeName = "no name";
     auto* const tracker = getTrackers().get<PbsProgramTracker>();
-    const ovGraphics::Borrowed<Program> program = tracker->getProgram(failed);
+    const ovMemory::Borrowed<Program> program = tracker->getProgram(failed);
     tracker->releaseProgram(failed);
     EXPECT_NE(program.get(), nullptr);
 

@@ -220,7 +220,7 @@ TEST_F(PbsProgramTrackerTest, NumbersAndKindsOfMapsTakeNoPart) {
 
 TEST_F(PbsProgramTrackerTest, NamesProgramsByTheirKeys) {
     PbsProgramTracker tracker(&graphics);
-    const ovGraphics::Borrowed<ovGraphics::Program> program = tracker.getProgram(parameters);
+    const ovMemory::Borrowed<ovGraphics::Program> program = tracker.getProgram(parameters);
     EXPECT_EQ(program->getName(), "ORVANE_PBS_PROGRAM_" + std::to_string(keyOf(parameters)));
     EXPECT_TRUE(program->isUnloaded());
     parameters.albedoTextureChannels = THREE_CHANNEL_PACK::GRB; // without a code
