@@ -31,6 +31,10 @@ Node::~Node() {
         delete _record.arena;
 }
 
+ovMemory::Borrowable& Node::getTree() const {
+    return *_record.arena;
+}
+
 unsigned int Node::getArraySize() const {
     return isArray() ? _record.size : 0;
 }

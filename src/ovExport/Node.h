@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <ovCommon/Api.h>
+#include <ovMemory/Borrowed.h>
 #include <ovMemory/Memory.h>
 
 namespace ovExport {
@@ -64,6 +65,9 @@ public:
     ~Node();
     Node(const Node&) = delete;
     Node& operator=(const Node&) = delete;
+
+    /// What is destroyed together with the whole tree; BorrowedNode hangs on it.
+    ovMemory::Borrowable& getTree() const;
 
     NODE_NATURE getNodeNature() const { return _record.nature; }
     /// UNKNOWN unless the nature is VALUE.

@@ -30,7 +30,7 @@ void giveModelLight(const ovVeldris::Model& model) {
 ovMemory::Buffer<ovVeldris::PbsMaterial*> materialsOf(const ovVeldris::Model& model) {
     ovMemory::Buffer<ovVeldris::PbsMaterial*> materials;
     for (const ovVeldris::ModelMaterial& own : model.getMaterials())
-        materials.push_back(own.material);
+        materials.push_back(own.material.get());
     return materials;
 }
 

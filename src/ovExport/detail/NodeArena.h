@@ -6,7 +6,7 @@
 namespace ovExport::detail {
 
 /// Memory that is handed out piece by piece and freed as a whole.
-class NodeArena {
+class NodeArena : public ovMemory::Borrowable {
 public:
     NodeArena() = default;
     ~NodeArena();

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <ovCommon/Api.h>
+#include <ovMemory/Borrowed.h>
 #include <ovMemory/NameMap.h>
 
 namespace ovGraphics {
@@ -11,7 +12,7 @@ class System;
 /// Owns the resources of one kind of one system by name. T has `static UniquePtr<T> create(System*)`.
 /// The resources are destroyed with the manager; the system unloads them at shutdown().
 template <typename T>
-class ResourceManager {
+class ResourceManager : public ovMemory::Borrowable {
 public:
     explicit ResourceManager(System* system)
         : _system(system) {}

@@ -1,6 +1,7 @@
 // The base of effects of several passes.
 #pragma once
 
+#include <ovMemory/Borrowed.h>
 #include <ovVeldris/complexEffects/ComplexEffectTypeUtils.h>
 #include <ovVeldris/core/settings/Configurable.h>
 
@@ -34,15 +35,15 @@ public:
 
     COMPLEX_EFFECT_TYPE getType() const { return _type; }
 
-    /// The node to fill, borrowed; takes effect at the next load(). None at first.
-    void setCompositorNode(ovGraphics::CompositorNode* node) { _compositorNode = node; }
+    /// The node to fill, borrowed; takes effect at the next load(). None at first, and when it was destroyed.
+    void setCompositorNode(ovGraphics::CompositorNode* node);
 
 protected:
-    ovGraphics::CompositorNode* _getCompositorNode() const { return _compositorNode; }
+    ovGraphics::CompositorNode* _getCompositorNode() const;
 
 private:
     ovMemory::String _name;
-    ovGraphics::CompositorNode* _compositorNode = nullptr;
+    ovMemory::Borrowed<ovGraphics::CompositorNode> _compositorNode;
     COMPLEX_EFFECT_TYPE _type;
 };
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <ovCommon/MaybeSingletonClass.h>
+#include <ovMemory/Borrowed.h>
 #include <ovVeldris/complexEffects/ComplexEffect.h>
 #include <ovVeldris/core/NamedObjects.h>
 
@@ -17,7 +18,8 @@ class System;
 
 /// Owns the complex effects of one System by name. Names are compared byte for byte. The manager never loads
 /// or unloads an effect.
-class OV_API ComplexEffectManager : public ovCommon::MaybeSingletonClass<ComplexEffectManager> {
+class OV_API ComplexEffectManager : public ovCommon::MaybeSingletonClass<ComplexEffectManager>,
+                                    public ovMemory::Borrowable {
 public:
     /// The effect of that name, created unloaded for the manager's System when there is none.
     /// @return null after one log line when the type is unknown or the name belongs to an effect of another

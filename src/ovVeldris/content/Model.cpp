@@ -9,6 +9,7 @@
 #include <ovGraphics/scene/Node.h>
 #include <ovGraphics/scene/RenderQueue.h>
 #include <ovVeldris/core/GraphicsEngine.h>
+#include <ovVeldris/core/LogManager.h>
 #include <ovVeldris/core/System.h>
 #include <ovVeldris/materials/MaterialManager.h>
 #include <ovVeldris/materials/PbsMaterial.h>
@@ -19,10 +20,11 @@ namespace {
 
 constexpr unsigned int EVERY_STAGE = 0;
 
-template <typename Manager, typename Resource>
-void eraseFrom(Manager& manager, const Resource* resource) {
-    if (resource && manager.get(resource->getName()) == resource)
-        manager.erase(ovMemory::String(resource->getName()));
+/// Destroys an object if it still belongs to the manager, under its present name.
+template <typename Manager, typename Object>
+void eraseFrom(Manager& manager, const Object* object) {
+    if (object && manager.get(object->getName()) == object)
+        manager.erase(ovMemory::String(object->getName()));
 }
 
 } // namespace
@@ -31,13 +33,11 @@ Model::Model(System* system)
     : _system(system) {}
 
 Model::~Model() {
-    if (MaterialManager* materials = _system->getMaterialManager()) {
-        for (const ModelMaterial& own : _materials) {
-            if (materials->get(own.name) == own.material)
-                materials->erase(own.name);
-        }
+    if (MaterialManager* materials = _system ? _system->getMaterialManager() : nullptr) {
+        for (const ModelMaterial& own : _materials)
+            eraseFrom(*materials, own.material.get());
     }
-    ovGraphics::System* graphics = _system->getGraphicsEngine()->getGraphicsSystem();
+    ovGraphics::System* graphics = graphicsSystemOf(_system.get());
     if (!graphics)
         return;
     for (const SampledTexture& own : _textures) {
@@ -60,10 +60,15 @@ ovGraphics::Sampler* Model::getSampler(const ovGraphics::Texture* texture) const
 bool Model::loadMaterials() {
     bool loaded = true;
     for (const ModelMaterial& own : _materials) {
-        if (own.material->load())
+        if (!own.material)
+            logMessage(_system.get(),
+                       "Could not load the material '" + own.name +
+                           "' of a model: it was destroyed; load the model anew.",
+                       "Model");
+        const bool ownLoaded = own.material && own.material->load();
+        if (ownLoaded)
             _giveSamplers(*own.material);
-        else
-            loaded = false;
+        loaded = loaded && ownLoaded;
     }
     return loaded;
 }
@@ -80,6 +85,8 @@ void Model::_giveSamplers(const PbsMaterial& material) const {
 void Model::addTo(ovGraphics::RenderQueue& solid, ovGraphics::RenderQueue& blended) const {
     for (const ModelPart& part : _parts) {
         const ModelMaterial& own = _materials[part.material];
+        if (!own.material)
+            continue;
         const bool blends = own.alphaMode == ovGraphics::GLTF_ALPHA_MODE::BLEND;
         (blends ? blended : solid).addEntity(part.mesh, own.material->getShader(), part.node);
     }

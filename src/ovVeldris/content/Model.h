@@ -26,16 +26,17 @@ struct ModelPart {
     unsigned int material = 0; ///< of Model::getMaterials()
 };
 
-/// A material of a model, owned by the material manager under its name.
+/// A material of a model, owned by the material manager, which may rename and destroy it.
 struct ModelMaterial {
-    ovMemory::String name;
-    PbsMaterial* material = nullptr;
+    ovMemory::String name;                    ///< that it was made under
+    ovMemory::Borrowed<PbsMaterial> material; ///< null when it was destroyed
     ovGraphics::GLTF_ALPHA_MODE alphaMode = ovGraphics::GLTF_ALPHA_MODE::OPAQUE;
 };
 
 /// What ModelLoader makes of a file. Owns meshes and nodes. Textures, samplers and materials are in the
-/// managers, where declarations find them by name, and leave them with the model.
-class OV_API Model {
+/// managers, where declarations find them by name, and leave them with the model, under whatever names they
+/// have then.
+class OV_API Model : public ovMemory::Borrowable {
 public:
     explicit Model(System* system);
     ~Model();
@@ -58,11 +59,11 @@ public:
     ovGraphics::Sampler* getSampler(const ovGraphics::Texture* texture) const;
 
     /// Loads every material with its present settings, and gives the units of its shader the samplers of the
-    /// file. @return false after log lines when one cannot be loaded; the others are
+    /// file. @return false after log lines when one cannot be loaded or was destroyed; the others are
     bool loadMaterials();
 
     /// Adds an entity for every part to the queue for its material: blended ones to `blended`, all others to
-    /// `solid`. Materials must be loaded.
+    /// `solid`. Materials must be loaded; parts whose material was destroyed are left out.
     void addTo(ovGraphics::RenderQueue& solid, ovGraphics::RenderQueue& blended) const;
 
 private:
@@ -75,7 +76,7 @@ private:
 
     void _giveSamplers(const PbsMaterial& material) const;
 
-    System* _system;
+    ovMemory::Borrowed<System> _system;
     ovMemory::Buffer<ovMemory::UniquePtr<ovGraphics::Mesh>> _meshes;
     ovMemory::Buffer<ovMemory::UniquePtr<ovGraphics::Node>> _nodes;
     ovMemory::Buffer<ModelPart> _parts;

@@ -140,6 +140,11 @@ private:
     String _error;
 };
 
+ModelLoader::ModelLoader(System* system)
+    : _system(system) {}
+
+ModelLoader::~ModelLoader() = default;
+
 ModelLoadResult ModelLoader::load(ovMemory::StringView path) const {
     const ovGraphics::GltfDecodeResult decoded = ovGraphics::GltfEncoder().decodeFile(path);
     if (!decoded)
@@ -151,7 +156,7 @@ ModelLoadResult ModelLoader::load(ovMemory::StringView path) const {
 }
 
 ModelLoadResult ModelLoader::create(const GltfScene& scene) const {
-    ovGraphics::System* graphics = _system->getGraphicsEngine()->getGraphicsSystem();
+    ovGraphics::System* graphics = graphicsSystemOf(_system.get());
     if (!graphics || !graphics->getIsInitialized() || !_system->getMaterialManager())
         return {nullptr, "the system is not initialised; call System::initialize first."};
     return ModelBuilder(*_system, *graphics, scene).build();

@@ -23,9 +23,9 @@ struct ModelLoadResult {
 /// so that both sides are lit from where they look.
 class OV_API ModelLoader {
 public:
-    /// @param system outlives the models
-    explicit ModelLoader(System* system)
-        : _system(system) {}
+    /// @param system not owned; models made without it, or after it is gone, fail
+    explicit ModelLoader(System* system);
+    ~ModelLoader();
 
     /// Reads a .glb or .gltf file. Materials are not loaded yet.
     ModelLoadResult load(ovMemory::StringView path) const;
@@ -33,7 +33,7 @@ public:
     ModelLoadResult create(const ovGraphics::GltfScene& scene) const;
 
 private:
-    System* _system;
+    ovMemory::Borrowed<System> _system;
 };
 
 } // namespace ovVeldris

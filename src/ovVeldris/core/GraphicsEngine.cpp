@@ -2,6 +2,7 @@
 
 #include <ovGraphics/resources/Managers.h>
 #include <ovGraphics/resources/Sampler.h>
+#include <ovVeldris/core/System.h>
 #include <ovVeldris/effects/ProgramTrackersHolder.h>
 
 namespace ovVeldris {
@@ -24,6 +25,7 @@ bool GraphicsEngine::initialize(const Configuration& configuration) {
         return false;
     _prepareDefaultSampler(*graphicsSystem->getSamplerManager());
     _programTrackers = std::make_unique<ProgramTrackersHolder>(graphicsSystem);
+    _trackedSystem = graphicsSystem;
     return true;
 }
 
@@ -32,6 +34,12 @@ void GraphicsEngine::shutdown() {
     if (ovGraphics::System* const graphicsSystem = getGraphicsSystem())
         graphicsSystem->shutdown();
     _graphicsSystem.forgetUnlessOwned();
+}
+
+// Anyone may kill the graphics singleton, and the next look-up makes another, which knows none of the
+// programs.
+ProgramTrackersHolder* GraphicsEngine::getProgramTrackersHolder() const {
+    return _trackedSystem && _trackedSystem.get() == getGraphicsSystem() ? _programTrackers.get() : nullptr;
 }
 
 void GraphicsEngine::_prepareDefaultSampler(ovGraphics::SamplerManager& samplers) {
@@ -53,6 +61,16 @@ void GraphicsEngine::_takeGraphicsSystem(ovGraphics::System* hostSystem) {
         _graphicsSystem.borrow(hostSystem);
     else
         _graphicsSystem.own(new ovGraphics::System());
+}
+
+ovGraphics::System* graphicsSystemOf(const System* system) {
+    const GraphicsEngine* const engine = system ? system->getGraphicsEngine() : nullptr;
+    return engine ? engine->getGraphicsSystem() : nullptr;
+}
+
+ProgramTrackersHolder* programTrackersOf(const System* system) {
+    const GraphicsEngine* const engine = system ? system->getGraphicsEngine() : nullptr;
+    return engine ? engine->getProgramTrackersHolder() : nullptr;
 }
 
 } // namespace ovVeldris

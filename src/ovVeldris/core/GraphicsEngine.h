@@ -35,8 +35,9 @@ public:
 
     /// Null before initialize(), and after shutdown() unless the engine made it.
     ovGraphics::System* getGraphicsSystem() const { return _graphicsSystem.get(); }
-    /// Null before initialize() and after shutdown().
-    ProgramTrackersHolder* getProgramTrackersHolder() const { return _programTrackers.get(); }
+    /// Null before initialize() and after shutdown(), and when the graphics system that they were made for is
+    /// gone or was replaced by another instance.
+    ProgramTrackersHolder* getProgramTrackersHolder() const;
 
 private:
     static void _prepareDefaultSampler(ovGraphics::SamplerManager& samplers);
@@ -45,6 +46,15 @@ private:
     bool _useSingletons;
     InstanceHolder<ovGraphics::System> _graphicsSystem;
     ovMemory::UniquePtr<ProgramTrackersHolder> _programTrackers; // before the system that its programs are on
+    ovMemory::Borrowed<ovGraphics::System> _trackedSystem;       // that the trackers were made for
 };
+
+class System;
+
+// How the library reaches the device: whoever holds a System asks here, and gets null for one that is gone.
+/// The graphics system of a system; null when there is no system, or none of graphics (any more).
+OV_API ovGraphics::System* graphicsSystemOf(const System* system);
+/// The program trackers of a system; null when there is no system, or no trackers (any more).
+OV_API ProgramTrackersHolder* programTrackersOf(const System* system);
 
 } // namespace ovVeldris

@@ -2,13 +2,16 @@
 #pragma once
 
 #include <ovCommon/MaybeSingletonClass.h>
+#include <ovMemory/Borrowed.h>
 
 namespace ovVeldris {
 
-/// Holds an object of a class T that derives from ovCommon::MaybeSingletonClass<T>, in one of three ways.
+/// Holds an object of a class T that derives from ovCommon::MaybeSingletonClass<T> and ovMemory::Borrowable,
+/// in one of three ways.
 ///
-/// The instance is looked up each time, never kept as a pointer: anyone may kill it, and the holder then
-/// holds nothing instead of a dangling pointer. T may be incomplete where only the holder itself is declared.
+/// The instance is looked up each time, since anyone may kill it and make another; the other two are borrowed
+/// pointers, so that an object that somebody else destroys leaves the holder empty. T may be incomplete where
+/// only the holder itself is declared.
 template <typename T>
 class InstanceHolder {
 public:
@@ -24,7 +27,7 @@ public:
     void own(T* object) { _replace(HOLD::OWNED, object); }
     /// Refers to an object of somebody else. Does nothing when it is the one that is owned.
     void borrow(T* object) {
-        if (_hold != HOLD::OWNED || _object != object)
+        if (_hold != HOLD::OWNED || _object.get() != object)
             _replace(HOLD::BORROWED, object);
     }
     /// Refers to the instance of T, created when missing.
@@ -34,7 +37,7 @@ public:
     }
 
     /// The object, or null when there is none (any more).
-    T* get() const { return _hold == HOLD::INSTANCE ? T::getInstanceIfExisting() : _object; }
+    T* get() const { return _hold == HOLD::INSTANCE ? T::getInstanceIfExisting() : _object.get(); }
 
     /// Lets go of a borrowed object or the instance, which live on; keeps an owned object.
     void forgetUnlessOwned() {
@@ -54,14 +57,14 @@ private:
     void _replace(HOLD hold, T* object) {
         // Through the base: T may keep its destructor private. The object is still held while it is
         // destroyed.
-        if (_hold == HOLD::OWNED && _object != object)
-            delete static_cast<ovCommon::MaybeSingletonClass<T>*>(_object);
+        if (_hold == HOLD::OWNED && _object.get() != object)
+            delete static_cast<ovCommon::MaybeSingletonClass<T>*>(_object.get());
         _hold = hold;
         _object = object;
     }
 
     HOLD _hold = HOLD::NOTHING;
-    T* _object = nullptr;
+    ovMemory::Borrowed<T> _object;
 };
 
 } // namespace ovVeldris

@@ -3,6 +3,7 @@
 
 #include <ovCommon/MaybeSingletonClass.h>
 #include <ovLog/Logger.h>
+#include <ovMemory/Borrowed.h>
 #include <ovMemory/Memory.h>
 
 namespace ovVeldris {
@@ -19,7 +20,7 @@ class System;
 /// level or line end is added. Without a receiver messages are dropped.
 ///
 /// Not locked: a receiver that several threads reach protects itself.
-class OV_API LogManager : public ovCommon::MaybeSingletonClass<LogManager> {
+class OV_API LogManager : public ovCommon::MaybeSingletonClass<LogManager>, public ovMemory::Borrowable {
 public:
     /// A log manager without a receiver.
     LogManager();

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <ovCommon/MaybeSingletonClass.h>
+#include <ovMemory/Borrowed.h>
 #include <ovMemory/Memory.h>
 #include <ovVeldris/core/Configuration.h>
 #include <ovVeldris/core/InstanceHolder.h>
@@ -34,7 +35,7 @@ class ScriptsEngine;
 /// EffectManager::getInstance() and System::getInstance()->getEffectManager() are the same object.
 ///
 /// Belongs to the thread that drives rendering.
-class OV_API System : public ovCommon::MaybeSingletonClass<System> {
+class OV_API System : public ovCommon::MaybeSingletonClass<System>, public ovMemory::Borrowable {
 public:
     /// An ordinary system, not initialised. Cannot fail and logs nothing.
     System();

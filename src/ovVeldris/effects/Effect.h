@@ -2,6 +2,7 @@
 #pragma once
 
 #include <ovCommon/Api.h>
+#include <ovMemory/Borrowed.h>
 #include <ovMemory/Memory.h>
 #include <ovVeldris/core/settings/Configurable.h>
 #include <ovVeldris/effects/EffectType.h>

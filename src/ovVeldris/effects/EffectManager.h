@@ -2,6 +2,7 @@
 #pragma once
 
 #include <ovCommon/MaybeSingletonClass.h>
+#include <ovMemory/Borrowed.h>
 #include <ovMemory/NameMap.h>
 #include <ovVeldris/effects/Effect.h>
 
@@ -19,7 +20,8 @@ class System;
 /// the graphics system still runs; getInstance() is the manager of the System singleton.
 ///
 /// Names are compared byte for byte. Names passed in may be those of the effects concerned.
-class OV_API EffectManager : public ovCommon::MaybeSingletonClass<EffectManager> {
+class OV_API EffectManager : public ovCommon::MaybeSingletonClass<EffectManager>,
+                             public ovMemory::Borrowable {
 public:
     /// The effect of that name and type, created unloaded when there is none of that name.
     /// @return null after one log line when the name belongs to an effect of another type, which stays, or

@@ -21,7 +21,7 @@ ScreenEffectBase::ScreenEffectBase(EFFECT_TYPE type, System* system, ovMemory::S
 
 bool ScreenEffectBase::load() {
     unload();
-    const ProgramTrackersHolder* trackers = _getTrackers();
+    const ProgramTrackersHolder* trackers = programTrackersOf(_system.get());
     if (trackers)
         _program = _acquireProgram(*trackers);
     if (!trackers || !_prepareProgram()) {
@@ -41,7 +41,7 @@ bool ScreenEffectBase::load() {
 void ScreenEffectBase::unload() {
     // A program that went with its tracker is not held any more: another tracker may count the same id.
     if (_program)
-        if (const ProgramTrackersHolder* trackers = _getTrackers())
+        if (const ProgramTrackersHolder* trackers = programTrackersOf(_system.get()))
             _releaseProgram(*trackers);
     _program = nullptr;
     if (getShader())
@@ -65,14 +65,12 @@ bool ScreenEffectBase::_prepareShader() {
     return getShader()->load();
 }
 
-ovGraphics::System* ScreenEffectBase::_getGraphicsSystem() const {
-    const GraphicsEngine* engine = _system->getGraphicsEngine();
-    return engine ? engine->getGraphicsSystem() : nullptr;
+System* ScreenEffectBase::_getSystem() const {
+    return _system.get();
 }
 
-ProgramTrackersHolder* ScreenEffectBase::_getTrackers() const {
-    const GraphicsEngine* engine = _system->getGraphicsEngine();
-    return engine ? engine->getProgramTrackersHolder() : nullptr;
+ovGraphics::System* ScreenEffectBase::_getGraphicsSystem() const {
+    return graphicsSystemOf(_system.get());
 }
 
 ovGraphics::Shader* ScreenEffectBase::_getLoadedShader() const {
@@ -123,7 +121,7 @@ void ScreenEffectBase::_logLoadFailure(ovMemory::StringView what) const {
     ovMemory::String message = "Could not load the ";
     message.append(_kindName).append(" effect ").append(what).append(" for '").append(getName());
     message += "'. Effect will be unusable as-is, this needs to be addressed within the effect creation.";
-    logMessage(_system, message, _className);
+    logMessage(_system.get(), message, _className);
 }
 
 } // namespace ovVeldris

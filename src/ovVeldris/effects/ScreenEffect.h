@@ -39,7 +39,7 @@ public:
     void unload() override;
 
 protected:
-    /// @param system not owned and outlives the effect's use; null means the System singleton
+    /// @param system not owned; null means the System singleton. Without it, load() fails
     /// @param kindName what messages call the kind ("tone mapping"), className who sends them; both literals
     /// @param settings the table of the kind
     ScreenEffectBase(EFFECT_TYPE type, System* system, ovMemory::StringView kindName,
@@ -51,8 +51,9 @@ protected:
     /// Binds constants, textures and samplers to a shader that has none.
     virtual void _bindResources(ovGraphics::Shader& shader) = 0;
 
-    System* _getSystem() const { return _system; }
-    /// The graphics system; null before the system is initialised.
+    /// Null when the system is gone.
+    System* _getSystem() const;
+    /// The graphics system; null before the system is initialised and when either is gone.
     ovGraphics::System* _getGraphicsSystem() const;
     /// The shader when it is loaded, so that settings can reach it at once; otherwise null.
     ovGraphics::Shader* _getLoadedShader() const;
@@ -73,12 +74,11 @@ private:
     virtual ovGraphics::Program* _acquireProgram(const ProgramTrackersHolder& trackers) = 0;
     virtual void _releaseProgram(const ProgramTrackersHolder& trackers) = 0;
 
-    ProgramTrackersHolder* _getTrackers() const;
     bool _prepareProgram() const;
     bool _prepareShader();
     void _logLoadFailure(ovMemory::StringView what) const;
 
-    System* _system;
+    ovMemory::Borrowed<System> _system;
     ovMemory::StringView _kindName;
     ovMemory::StringView _className;
     ovMemory::Borrowed<ovGraphics::Program> _program; ///< of the tracker; null when unloaded

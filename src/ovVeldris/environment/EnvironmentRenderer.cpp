@@ -124,9 +124,12 @@ void EnvironmentRenderer::cubemapToSphericalMap(ovGraphics::Texture* output, ovG
     drawWithMips(*compositor, *output);
 }
 
+System* EnvironmentRenderer::getSystem() const {
+    return _system.get();
+}
+
 ovGraphics::System* EnvironmentRenderer::_getGraphicsSystem() const {
-    const GraphicsEngine* engine = _system ? _system->getGraphicsEngine() : nullptr;
-    return engine ? engine->getGraphicsSystem() : nullptr;
+    return graphicsSystemOf(_system.get());
 }
 
 bool EnvironmentRenderer::_checkCubemapRequest(const ovGraphics::Texture* output,
@@ -191,7 +194,7 @@ bool EnvironmentRenderer::_setupData() {
 }
 
 void EnvironmentRenderer::_log(ovMemory::StringView message) const {
-    logMessage(_system, message, "EnvironmentRenderer");
+    logMessage(_system.get(), message, "EnvironmentRenderer");
 }
 
 } // namespace ovVeldris

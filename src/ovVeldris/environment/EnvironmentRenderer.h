@@ -3,6 +3,7 @@
 
 #include <ovCommon/Api.h>
 #include <ovGraphics/resources/Format.h>
+#include <ovMemory/Borrowed.h>
 #include <ovMemory/Memory.h>
 
 namespace ovGraphics {
@@ -23,13 +24,14 @@ class System;
 /// the output is as it was; only when the device refuses it, it is unloaded with its new settings.
 class OV_API EnvironmentRenderer {
 public:
-    /// @param system not owned, outlives this object
+    /// @param system not owned; without it nothing is drawn
     explicit EnvironmentRenderer(System* system);
     EnvironmentRenderer(const EnvironmentRenderer&) = delete;
     EnvironmentRenderer& operator=(const EnvironmentRenderer&) = delete;
     ~EnvironmentRenderer();
 
-    System* getSystem() const { return _system; }
+    /// Null when the system is gone.
+    System* getSystem() const;
 
     /// Draws a shader over each face of a cube and fills the cube's mips from that.
     ///
@@ -61,7 +63,7 @@ private:
     bool _setupData();
     void _log(ovMemory::StringView message) const;
 
-    System* _system;
+    ovMemory::Borrowed<System> _system;
     ovMemory::UniquePtr<SphericalData> _sphericalData; ///< made by the first cubemapToSphericalMap()
 };
 

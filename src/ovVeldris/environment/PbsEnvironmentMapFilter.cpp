@@ -148,9 +148,12 @@ void PbsEnvironmentMapFilter::requestEnvironmentMapFiltering(ovGraphics::Texture
     input->setGpuUploadCanBeDeferred(deferred);
 }
 
+System* PbsEnvironmentMapFilter::getSystem() const {
+    return _system.get();
+}
+
 ovGraphics::System* PbsEnvironmentMapFilter::_getGraphicsSystem() const {
-    const GraphicsEngine* engine = _system ? _system->getGraphicsEngine() : nullptr;
-    return engine ? engine->getGraphicsSystem() : nullptr;
+    return graphicsSystemOf(_system.get());
 }
 
 bool PbsEnvironmentMapFilter::_checkTextures(const ovGraphics::Texture* input,
@@ -226,7 +229,7 @@ void PbsEnvironmentMapFilter::_draw(ovGraphics::Texture& input, ovGraphics::Text
 }
 
 void PbsEnvironmentMapFilter::_log(ovMemory::StringView message) const {
-    logMessage(_system, message, "PbsEnvironmentMapFilter");
+    logMessage(_system.get(), message, "PbsEnvironmentMapFilter");
 }
 
 } // namespace ovVeldris

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <ovCommon/Api.h>
+#include <ovMemory/Borrowed.h>
 #include <ovMemory/Memory.h>
 
 namespace ovGraphics {
@@ -17,13 +18,14 @@ class System;
 /// that drives rendering.
 class OV_API PbsEnvironmentMapFilter {
 public:
-    /// @param system not owned, outlives this object
+    /// @param system not owned; without it nothing is drawn
     explicit PbsEnvironmentMapFilter(System* system);
     PbsEnvironmentMapFilter(const PbsEnvironmentMapFilter&) = delete;
     PbsEnvironmentMapFilter& operator=(const PbsEnvironmentMapFilter&) = delete;
     ~PbsEnvironmentMapFilter();
 
-    System* getSystem() const { return _system; }
+    /// Null when the system is gone.
+    System* getSystem() const;
 
     /// Makes a cube texture whose mips hold the environment as surfaces of rising roughness mirror it: mip i
     /// of M is convolved with the GGX lobe of roughness i / (M - 1), so that a material reads mip
@@ -75,7 +77,7 @@ private:
     void _draw(ovGraphics::Texture& input, ovGraphics::Texture& output) const;
     void _log(ovMemory::StringView message) const;
 
-    System* _system;
+    ovMemory::Borrowed<System> _system;
     ovMemory::UniquePtr<FilterData> _filterData; ///< made by the first filtering
 };
 

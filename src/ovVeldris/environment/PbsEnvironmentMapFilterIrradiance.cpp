@@ -2,6 +2,7 @@
 #include <ovGraphics/resources/Texture.h>
 #include <ovGraphics/resources/TextureUtils.h>
 #include <ovVeldris/core/LogManager.h>
+#include <ovVeldris/core/System.h>
 #include <ovVeldris/environment/PbsEnvironmentMapFilter.h>
 #include <ovVeldris/environment/irradiance/TextureIrradiance.h>
 
@@ -62,7 +63,7 @@ void PbsEnvironmentMapFilter::requestIrradianceComputing(ovGraphics::Texture* in
     prepareOutput(*output, *input, layout);
     IrradianceCoefficients coefficients;
     if (computeIrradianceCoefficients(*input, coefficients) != IRRADIANCE_FAILURE::NONE)
-        return logMessage(_system,
+        return logMessage(_system.get(),
                           "Could not map texture '" + ovMemory::String(input->getName()) +
                               "' for SH irradiance computing. Aborting.",
                           "TextureUtils");

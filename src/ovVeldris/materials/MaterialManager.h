@@ -2,6 +2,7 @@
 #pragma once
 
 #include <ovCommon/MaybeSingletonClass.h>
+#include <ovMemory/Borrowed.h>
 #include <ovVeldris/core/NamedObjects.h>
 #include <ovVeldris/materials/Material.h>
 
@@ -17,7 +18,8 @@ class System;
 
 /// Owns the materials of one System by name. Names are compared byte for byte. The manager never loads or
 /// unloads a material.
-class OV_API MaterialManager : public ovCommon::MaybeSingletonClass<MaterialManager> {
+class OV_API MaterialManager : public ovCommon::MaybeSingletonClass<MaterialManager>,
+                               public ovMemory::Borrowable {
 public:
     /// The material of that name, created unloaded for the manager's System when there is none.
     /// @return null after one log line when the type is unknown or the name belongs to a material of another

@@ -58,7 +58,7 @@ bool PbsMaterial::load() {
     unload();
     forgetDestroyedTextures(_parameters);
     _packTextureSlots();
-    if (const ProgramTrackersHolder* trackers = _getTrackers()) {
+    if (const ProgramTrackersHolder* trackers = programTrackersOf(_system.get())) {
         // Kept at once: also a program that cannot be prepared is given back under the key it was got with.
         _loadedParameters = _parameters;
         _program = trackers->get<PbsProgramTracker>()->getProgram(_loadedParameters);
@@ -83,7 +83,7 @@ bool PbsMaterial::load() {
 void PbsMaterial::unload() {
     // A program that went with its tracker is not held any more: another tracker may count the same key.
     if (_program)
-        if (const ProgramTrackersHolder* trackers = _getTrackers())
+        if (const ProgramTrackersHolder* trackers = programTrackersOf(_system.get()))
             trackers->get<PbsProgramTracker>()->releaseProgram(_loadedParameters);
     _program = nullptr;
     if (getShader())
@@ -211,11 +211,7 @@ bool PbsMaterial::_prepareShader() {
 }
 
 ovGraphics::System* PbsMaterial::_getGraphicsSystem() const {
-    return _system->getGraphicsEngine()->getGraphicsSystem();
-}
-
-ProgramTrackersHolder* PbsMaterial::_getTrackers() const {
-    return _system->getGraphicsEngine()->getProgramTrackersHolder();
+    return graphicsSystemOf(_system.get());
 }
 
 ovGraphics::Shader* PbsMaterial::_getLoadedShader() const {
@@ -264,7 +260,7 @@ void PbsMaterial::_logLoadFailure(ovMemory::StringView what) const {
     ovMemory::String message = "Could not load the pbs material ";
     message.append(what).append(" for '").append(getName());
     message += "'. Material will be unusable as-is, this needs to be addressed within the material creation.";
-    logMessage(_system, message, "PbsMaterial");
+    logMessage(_system.get(), message, "PbsMaterial");
 }
 
 } // namespace ovVeldris

@@ -216,7 +216,6 @@ private:
     bool _prepareShader();
 
     ovGraphics::System* _getGraphicsSystem() const;
-    ProgramTrackersHolder* _getTrackers() const;
     /// The shader when it is loaded, so that settings can reach it at once; otherwise null.
     ovGraphics::Shader* _getLoadedShader() const;
     /// A slot of the pixel stage's constants of a loaded shader; null when there is none.
@@ -227,7 +226,7 @@ private:
     void _setTexture(PbsTexture PbsSettings::*field, ovGraphics::Texture* texture);
     void _logLoadFailure(ovMemory::StringView what) const;
 
-    System* _system;
+    ovMemory::Borrowed<System> _system;
     ovMemory::Borrowed<ovGraphics::Program> _program; ///< of the tracker; null when unloaded
     PbsMaterialParameters _loadedParameters;          ///< as of the last load()
     PbsMaterialParameters _parameters;                ///< as set now

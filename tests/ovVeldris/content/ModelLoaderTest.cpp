@@ -50,7 +50,7 @@ TEST_P(ModelLoaderTest, twoModelsKeepTheirMaterialsAndTexturesApart) {
     EXPECT_EQ(first->getMaterials()[0].name, "paint");
     EXPECT_EQ(second->getMaterials()[0].name, "paint (2)");
     EXPECT_EQ(second->getMaterials()[0].material->getAlbedoTexture()->getName(), "picture (2)");
-    EXPECT_EQ(getSystem()->getMaterialManager()->get("paint"), first->getMaterials()[0].material);
+    EXPECT_EQ(getSystem()->getMaterialManager()->get("paint"), first->getMaterials()[0].material.get());
     first.reset();
     EXPECT_EQ(getSystem()->getMaterialManager()->get("paint"), nullptr);
     EXPECT_EQ(getGraphics().getTextureManager()->get("picture"), nullptr);

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <optional>
+#include <ovMemory/Borrowed.h>
 #include <ovVeldris/core/settings/SettingTable.h>
 
 namespace ovGraphics {
@@ -12,7 +13,9 @@ namespace ovVeldris {
 
 /// Settings by name, for whoever learns of them at run time: command lines, files, scripts, panels. Setting
 /// by name checks the ranges of the table; the setters of the class take everything, as they say.
-class OV_API Configurable {
+///
+/// All of them can hold such an object, so it tells its borrowers when it goes.
+class OV_API Configurable : public ovMemory::Borrowable {
 public:
     /// The table of the object's class.
     const SettingTable& getSettings() const { return *_settings; }

@@ -42,7 +42,7 @@ TEST_F(ModelLightTest, aModelWithoutLightGetsTheDefault) {
     const auto model = lit();
     const auto materials = veldris::materialsOf(*model);
     ASSERT_EQ(materials.size(), 1u);
-    EXPECT_EQ(materials[0], model->getMaterials()[0].material);
+    EXPECT_EQ(materials[0], model->getMaterials()[0].material.get());
     EXPECT_EQ(materials[0]->getLightDirection(), veldris::DEFAULT_LIGHT_DIRECTION);
     EXPECT_EQ(materials[0]->getLightColor(), veldris::DEFAULT_LIGHT_COLOR);
     EXPECT_EQ(materials[0]->getEnvironmentColor(), veldris::DEFAULT_AMBIENT_COLOR);
