@@ -41,6 +41,12 @@ for file in "${sources[@]}"; do
     [ "$lines" -le 600 ] || complain "$file has $lines lines; 600 are the limit"
 done
 
+# Includes run down the floors of the house, and every enumeration has its table.
+mapfile -t library < <(list 'src/*.cpp' 'src/*.h')
+while read -r line; do complain "$line"; done < <(awk -f cmake/layers.awk cmake/layers.txt "${library[@]}")
+mapfile -t headers < <(list 'src/*.h' | grep -vE '/detail/|Internal\.h$')
+while read -r line; do complain "$line"; done < <(awk -f cmake/enumerations.awk "${headers[@]}")
+
 # Links between the documents lead somewhere.
 while read -r document; do
     while read -r link; do

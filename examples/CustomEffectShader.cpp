@@ -6,11 +6,11 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <ovGraphics/Managers.h>
 #include <ovGraphics/System.h>
 #include <ovGraphics/compositor/Compositor.h>
 #include <ovGraphics/compositor/CompositorPass.h>
 #include <ovGraphics/compositor/RenderContext.h>
-#include <ovGraphics/resources/Managers.h>
 #include <ovGraphics/resources/Program.h>
 #include <ovGraphics/resources/Shader.h>
 #include <ovGraphics/resources/Texture.h>

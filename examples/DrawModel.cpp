@@ -3,21 +3,21 @@
 //
 //     DrawModel OUTPUT.png [MODEL.glb]
 #include <cstdio>
+#include <ovGraphics/Managers.h>
 #include <ovGraphics/compositor/Compositor.h>
 #include <ovGraphics/compositor/RenderContext.h>
 #include <ovGraphics/compositor/ScenePass.h>
-#include <ovGraphics/resources/Managers.h>
+#include <ovGraphics/resources/Camera.h>
 #include <ovGraphics/resources/Shader.h>
 #include <ovGraphics/resources/Texture.h>
-#include <ovGraphics/scene/Camera.h>
 #include <ovGraphics/scene/Mesh.h>
 #include <ovGraphics/scene/RenderQueue.h>
 #include <ovImages/CompositeEncoder.h>
 #include <ovLog/ConsoleLogger.h>
+#include <ovVeldris/System.h>
 #include <ovVeldris/content/ModelLoader.h>
 #include <ovVeldris/core/GraphicsEngine.h>
 #include <ovVeldris/core/LogManager.h>
-#include <ovVeldris/core/System.h>
 #include <ovVeldris/materials/MaterialManager.h>
 #include <ovVeldris/materials/PbsMaterial.h>
 

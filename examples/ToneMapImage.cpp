@@ -4,18 +4,18 @@
 //     ToneMapImage OUTPUT.png [INPUT.exr|INPUT.hdr]      without an input: a gradient over twelve stops
 #include <cmath>
 #include <cstdio>
+#include <ovGraphics/Managers.h>
 #include <ovGraphics/System.h>
 #include <ovGraphics/compositor/Compositor.h>
 #include <ovGraphics/compositor/CompositorPass.h>
 #include <ovGraphics/compositor/RenderContext.h>
-#include <ovGraphics/resources/Managers.h>
 #include <ovGraphics/resources/Texture.h>
 #include <ovImages/CompositeEncoder.h>
 #include <ovImages/Conversion.h>
 #include <ovLog/ConsoleLogger.h>
+#include <ovVeldris/System.h>
 #include <ovVeldris/core/GraphicsEngine.h>
 #include <ovVeldris/core/LogManager.h>
-#include <ovVeldris/core/System.h>
 #include <ovVeldris/effects/ToneMappingEffect.h>
 
 namespace {

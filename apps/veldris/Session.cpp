@@ -4,9 +4,9 @@
 #include <cstdlib>
 #include <fmt/format.h>
 #include <ovGraphics/System.h>
+#include <ovVeldris/System.h>
 #include <ovVeldris/core/GraphicsEngine.h>
 #include <ovVeldris/core/LogManager.h>
-#include <ovVeldris/core/System.h>
 #include <utility>
 
 namespace veldris {

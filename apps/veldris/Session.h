@@ -3,7 +3,7 @@
 
 #include <ovLog/Logger.h>
 #include <ovMemory/Memory.h>
-#include <ovVeldris/core/Configuration.h>
+#include <ovVeldris/Configuration.h>
 
 namespace ovGraphics {
 class System;

@@ -18,11 +18,11 @@
 #include <ovGraphics/compositor/RenderContext.h>
 #include <ovGraphics/compositor/ScenePass.h>
 #include <ovGraphics/device/Device.h>
+#include <ovGraphics/resources/Camera.h>
 #include <ovGraphics/resources/Program.h>
 #include <ovGraphics/resources/Sampler.h>
 #include <ovGraphics/resources/Shader.h>
 #include <ovGraphics/resources/Texture.h>
-#include <ovGraphics/scene/Camera.h>
 #include <ovGraphics/scene/Mesh.h>
 #include <ovGraphics/scene/Node.h>
 #include <ovGraphics/scene/RenderQueue.h>

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <ovCommon/Api.h>
 #include <ovMemory/Borrowed.h>
+#include <ovMemory/Enumeration.h>
 #include <ovMemory/Memory.h>
 
 namespace ovExport {
@@ -23,6 +24,16 @@ enum class NODE_NATURE : unsigned int {
     ARRAY = 3    ///< elements, in order
 };
 
+inline constexpr ovMemory::EnumEntry<NODE_NATURE> NODE_NATURE_ENTRIES[] = {
+    {NODE_NATURE::UNKNOWN, "UNKNOWN"},
+    {NODE_NATURE::VALUE, "VALUE"},
+    {NODE_NATURE::OBJECT, "OBJECT"},
+    {NODE_NATURE::ARRAY, "ARRAY"},
+};
+constexpr ovMemory::EnumTable<NODE_NATURE> enumTable(NODE_NATURE) {
+    return {"NODE_NATURE", NODE_NATURE_ENTRIES};
+}
+
 /// What a node of the nature VALUE holds. The numbers are fixed: scripts see them.
 ///
 /// Reading a text gives a whole number the first of INT, UINT, INT64, UINT64 that holds it; a number that is
@@ -38,6 +49,17 @@ enum class NODE_VALUE_TYPE : unsigned int {
     FLOAT = 7,  ///< never read from a text, only set
     DOUBLE = 8
 };
+
+inline constexpr ovMemory::EnumEntry<NODE_VALUE_TYPE> NODE_VALUE_TYPE_ENTRIES[] = {
+    {NODE_VALUE_TYPE::UNKNOWN, "UNKNOWN"}, {NODE_VALUE_TYPE::BOOL, "BOOL"},
+    {NODE_VALUE_TYPE::STRING, "STRING"},   {NODE_VALUE_TYPE::INT, "INT"},
+    {NODE_VALUE_TYPE::UINT, "UINT"},       {NODE_VALUE_TYPE::INT64, "INT64"},
+    {NODE_VALUE_TYPE::UINT64, "UINT64"},   {NODE_VALUE_TYPE::FLOAT, "FLOAT"},
+    {NODE_VALUE_TYPE::DOUBLE, "DOUBLE"},
+};
+constexpr ovMemory::EnumTable<NODE_VALUE_TYPE> enumTable(NODE_VALUE_TYPE) {
+    return {"NODE_VALUE_TYPE", NODE_VALUE_TYPE_ENTRIES};
+}
 
 /// One node of a tree: a value, an object of named members or an array of elements.
 ///

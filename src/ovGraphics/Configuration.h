@@ -2,7 +2,7 @@
 #pragma once
 
 #include <optional>
-#include <ovGraphics/Enums.h>
+#include <ovGraphics/formats/Enums.h>
 #include <ovMemory/Memory.h>
 
 namespace ovLog {

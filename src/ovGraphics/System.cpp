@@ -1,17 +1,17 @@
 #include <ovGraphics/System.h>
 
 #include <chrono>
+#include <ovGraphics/Managers.h>
 #include <ovGraphics/compositor/Compositor.h>
 #include <ovGraphics/compositor/RenderContext.h>
 #include <ovGraphics/device/Device.h>
-#include <ovGraphics/resources/Managers.h>
+#include <ovGraphics/resources/Camera.h>
 #include <ovGraphics/resources/Program.h>
 #include <ovGraphics/resources/ProgramLibrary.h>
 #include <ovGraphics/resources/Sampler.h>
 #include <ovGraphics/resources/Shader.h>
 #include <ovGraphics/resources/Texture.h>
 #include <ovGraphics/resources/Viewport.h>
-#include <ovGraphics/scene/Camera.h>
 #include <ovGraphics/scene/Mesh.h>
 #include <ovGraphics/scene/Node.h>
 #include <ovGraphics/scene/RenderQueue.h>

@@ -5,6 +5,7 @@
 #include <ovMemory/Memory.h>
 
 #include <cstddef>
+#include <ovMemory/Enumeration.h>
 
 namespace ovImages {
 
@@ -16,11 +17,29 @@ enum class COMPONENT_TYPE : unsigned int {
     FLOAT   ///< IEEE 754 binary32
 };
 
+inline constexpr ovMemory::EnumEntry<COMPONENT_TYPE> COMPONENT_TYPE_ENTRIES[] = {
+    {COMPONENT_TYPE::UINT8, "UINT8"},
+    {COMPONENT_TYPE::UINT16, "UINT16"},
+    {COMPONENT_TYPE::HALF, "HALF"},
+    {COMPONENT_TYPE::FLOAT, "FLOAT"},
+};
+constexpr ovMemory::EnumTable<COMPONENT_TYPE> enumTable(COMPONENT_TYPE) {
+    return {"COMPONENT_TYPE", COMPONENT_TYPE_ENTRIES};
+}
+
 /// What the numbers of the colour components mean. Alpha is always linear coverage.
 enum class COLOUR_ENCODING : unsigned int {
     LINEAR, ///< proportional to light
     SRGB    ///< encoded with the transfer function of IEC 61966-2-1
 };
+
+inline constexpr ovMemory::EnumEntry<COLOUR_ENCODING> COLOUR_ENCODING_ENTRIES[] = {
+    {COLOUR_ENCODING::LINEAR, "LINEAR"},
+    {COLOUR_ENCODING::SRGB, "SRGB"},
+};
+constexpr ovMemory::EnumTable<COLOUR_ENCODING> enumTable(COLOUR_ENCODING) {
+    return {"COLOUR_ENCODING", COLOUR_ENCODING_ENTRIES};
+}
 
 /// The longest side that an Image, a decoder or an encoder takes, in pixels.
 inline constexpr unsigned MAX_IMAGE_SIDE = 1u << 20;

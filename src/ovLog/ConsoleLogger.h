@@ -2,6 +2,7 @@
 #pragma once
 
 #include <ovLog/Logger.h>
+#include <ovMemory/Enumeration.h>
 
 namespace ovLog {
 
@@ -10,6 +11,14 @@ enum class CONSOLE_STREAM {
     STANDARD_ERROR,
     STANDARD_OUTPUT,
 };
+
+inline constexpr ovMemory::EnumEntry<CONSOLE_STREAM> CONSOLE_STREAM_ENTRIES[] = {
+    {CONSOLE_STREAM::STANDARD_ERROR, "STANDARD_ERROR"},
+    {CONSOLE_STREAM::STANDARD_OUTPUT, "STANDARD_OUTPUT"},
+};
+constexpr ovMemory::EnumTable<CONSOLE_STREAM> enumTable(CONSOLE_STREAM) {
+    return {"CONSOLE_STREAM", CONSOLE_STREAM_ENTRIES};
+}
 
 /// Prints each message as one line, "[sender] message", and flushes it at once. Further lines of a message
 /// that has line breaks are indented by four spaces, so that a "[" in the first column always begins a

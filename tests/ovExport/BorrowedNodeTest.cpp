@@ -34,8 +34,7 @@ TEST(BorrowedNodeTest, outlivesItsPlaceInTheTreeButNotTheTree) {
 TEST(BorrowedNodeTest, guardsTreesThatWereRead) {
     ExporterLoadResult result = JsonExporter().importIntoTree("[1, [2, {\"three\": 3}]]");
     ASSERT_TRUE(result._tree);
-    const BorrowedNode three =
-        result._tree->getArrayElement(1)->getArrayElement(1)->getMemberValue("three");
+    const BorrowedNode three = result._tree->getArrayElement(1)->getArrayElement(1)->getMemberValue("three");
     EXPECT_EQ(three->getValueAsInt(), 3);
     result._tree.reset();
     EXPECT_FALSE(three);

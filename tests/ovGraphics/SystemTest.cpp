@@ -1,11 +1,11 @@
 #include <gtest/gtest.h>
 #include <ovGraphics/Canvas.h>
+#include <ovGraphics/Managers.h>
 #include <ovGraphics/device/Device.h>
-#include <ovGraphics/resources/Managers.h>
+#include <ovGraphics/resources/Camera.h>
 #include <ovGraphics/resources/ProgramLibrary.h>
 #include <ovGraphics/resources/Sampler.h>
 #include <ovGraphics/resources/Viewport.h>
-#include <ovGraphics/scene/Camera.h>
 #include <support/PictureTest.h>
 #include <support/heap/Heap.h>
 

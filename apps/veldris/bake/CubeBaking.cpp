@@ -6,7 +6,7 @@
 #include <ovGraphics/device/Device.h>
 #include <ovGraphics/resources/Sampler.h>
 #include <ovGraphics/resources/Texture.h>
-#include <ovVeldris/core/System.h>
+#include <ovVeldris/System.h>
 #include <ovVeldris/effects/ImageEnvironmentEffect.h>
 #include <ovVeldris/environment/EnvironmentRenderer.h>
 #include <ovVeldris/environment/PbsEnvironmentMapFilter.h>

@@ -4,9 +4,9 @@
 #include <ovGraphics/System.h>
 #include <ovGraphics/compositor/Compositor.h>
 #include <ovGraphics/compositor/RenderContext.h>
+#include <ovGraphics/resources/Camera.h>
 #include <ovGraphics/resources/Shader.h>
 #include <ovGraphics/resources/Texture.h>
-#include <ovGraphics/scene/Camera.h>
 #include <ovGraphics/scene/Mesh.h>
 #include <ovVeldris/effects/ImageEnvironmentEffect.h>
 #include <veldris/Session.h>

@@ -2,10 +2,10 @@
 
 #include <fmt/format.h>
 #include <numbers>
+#include <ovGraphics/Managers.h>
 #include <ovGraphics/System.h>
-#include <ovGraphics/resources/Managers.h>
+#include <ovGraphics/resources/Camera.h>
 #include <ovGraphics/resources/Texture.h>
-#include <ovGraphics/scene/Camera.h>
 #include <ovVeldris/effects/ImageEnvironmentEffect.h>
 #include <ovVeldris/effects/TextureCopyEffect.h>
 #include <ovVeldris/effects/ToneMappingEffect.h>

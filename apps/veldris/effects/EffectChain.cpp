@@ -1,14 +1,14 @@
 #include <veldris/effects/EffectChain.h>
 
 #include <fmt/format.h>
+#include <ovGraphics/Managers.h>
 #include <ovGraphics/System.h>
 #include <ovGraphics/compositor/Compositor.h>
 #include <ovGraphics/compositor/RenderContext.h>
-#include <ovGraphics/resources/Managers.h>
 #include <ovGraphics/resources/Shader.h>
 #include <ovGraphics/resources/Texture.h>
 #include <ovImages/Conversion.h>
-#include <ovVeldris/core/System.h>
+#include <ovVeldris/System.h>
 #include <ovVeldris/effects/EffectManager.h>
 #include <veldris/Session.h>
 

@@ -2,11 +2,11 @@
 
 #include <algorithm>
 #include <ovExport/JsonExporter.h>
+#include <ovGraphics/Managers.h>
 #include <ovGraphics/System.h>
-#include <ovGraphics/resources/Managers.h>
+#include <ovVeldris/System.h>
 #include <ovVeldris/content/ContentLoader.h>
 #include <ovVeldris/core/GraphicsEngine.h>
-#include <ovVeldris/core/System.h>
 #include <unordered_set>
 #include <veldris/materials/MaterialMembers.h>
 

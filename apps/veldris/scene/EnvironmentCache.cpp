@@ -6,8 +6,8 @@
 #include <fmt/format.h>
 #include <ovGraphics/System.h>
 #include <ovGraphics/device/Device.h>
+#include <ovGraphics/formats/TextureUtils.h>
 #include <ovGraphics/resources/Texture.h>
-#include <ovGraphics/resources/TextureUtils.h>
 #include <ovMemory/NameMap.h>
 #include <ovResources/Files.h>
 

@@ -7,7 +7,7 @@
 #include <ovGraphics/resources/Texture.h>
 #include <ovImages/Conversion.h>
 #include <ovImages/Half.h>
-#include <ovVeldris/core/System.h>
+#include <ovVeldris/System.h>
 #include <ovVeldris/environment/PbsEnvironmentMapFilter.h>
 #include <ovVeldris/materials/PbsMaterial.h>
 #include <veldris/Session.h>

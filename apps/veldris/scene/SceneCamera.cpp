@@ -4,7 +4,7 @@
 #include <charconv>
 #include <cmath>
 #include <numbers>
-#include <ovGraphics/scene/Camera.h>
+#include <ovGraphics/resources/Camera.h>
 #include <ovGraphics/scene/Node.h>
 #include <ovVeldris/content/Model.h>
 

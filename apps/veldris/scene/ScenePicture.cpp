@@ -3,14 +3,14 @@
 #include <cmath>
 #include <cstring>
 #include <fmt/format.h>
+#include <ovGraphics/Managers.h>
 #include <ovGraphics/System.h>
 #include <ovGraphics/compositor/ScenePass.h>
 #include <ovGraphics/device/Device.h>
-#include <ovGraphics/resources/Managers.h>
+#include <ovGraphics/resources/Camera.h>
 #include <ovGraphics/resources/Sampler.h>
 #include <ovGraphics/resources/Shader.h>
 #include <ovGraphics/resources/Texture.h>
-#include <ovGraphics/scene/Camera.h>
 #include <ovVeldris/core/GraphicsEngine.h>
 #include <veldris/Session.h>
 #include <veldris/scene/EnvironmentLight.h>

@@ -7,9 +7,9 @@
 #include <ovExport/JsonExporter.h>
 #include <ovGraphics/System.h>
 #include <ovGraphics/resources/ProgramLibrary.h>
+#include <ovVeldris/System.h>
 #include <ovVeldris/content/ContentLoader.h>
 #include <ovVeldris/core/GraphicsEngine.h>
-#include <ovVeldris/core/System.h>
 #include <ovVeldris/materials/MaterialManager.h>
 #include <ovVeldris/materials/PbsMaterial.h>
 #include <string>

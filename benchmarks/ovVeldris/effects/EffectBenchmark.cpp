@@ -18,8 +18,8 @@
 #include <ovGraphics/device/Device.h>
 #include <ovGraphics/resources/Texture.h>
 #include <ovImages/Half.h>
+#include <ovVeldris/System.h>
 #include <ovVeldris/core/GraphicsEngine.h>
-#include <ovVeldris/core/System.h>
 #include <ovVeldris/effects/TextureCopyEffect.h>
 #include <ovVeldris/effects/ToneMappingEffect.h>
 #include <ovVeldris/effects/ToneMappingHablesCurve.h>

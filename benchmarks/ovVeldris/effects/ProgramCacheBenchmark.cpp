@@ -9,8 +9,8 @@
 #include <filesystem>
 #include <ovGraphics/System.h>
 #include <ovGraphics/resources/ProgramLibrary.h>
+#include <ovVeldris/System.h>
 #include <ovVeldris/core/GraphicsEngine.h>
-#include <ovVeldris/core/System.h>
 #include <ovVeldris/effects/TextureCopyEffect.h>
 #include <ovVeldris/effects/ToneMappingEffect.h>
 #include <string>

@@ -21,8 +21,8 @@
 #include <numbers>
 #include <ovGraphics/resources/Texture.h>
 #include <ovImages/CompositeEncoder.h>
+#include <ovVeldris/System.h>
 #include <ovVeldris/core/GraphicsEngine.h>
-#include <ovVeldris/core/System.h>
 #include <ovVeldris/environment/PbsEnvironmentMapFilter.h>
 #include <string>
 #include <unistd.h>

@@ -1,15 +1,15 @@
 #include <ovGraphics/compositor/CompositorOperationsBlock.h>
 
 #include <algorithm>
+#include <ovGraphics/Managers.h>
 #include <ovGraphics/System.h>
 #include <ovGraphics/compositor/Compositor.h>
 #include <ovGraphics/compositor/RenderContext.h>
 #include <ovGraphics/compositor/ScenePass.h>
 #include <ovGraphics/device/Device.h>
-#include <ovGraphics/resources/Managers.h>
+#include <ovGraphics/resources/Camera.h>
 #include <ovGraphics/resources/Texture.h>
 #include <ovGraphics/resources/Viewport.h>
-#include <ovGraphics/scene/Camera.h>
 
 namespace ovGraphics {
 

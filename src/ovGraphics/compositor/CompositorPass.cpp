@@ -1,9 +1,9 @@
 #include <ovGraphics/compositor/CompositorPass.h>
 
 #include <ovGraphics/device/Device.h>
+#include <ovGraphics/resources/Camera.h>
 #include <ovGraphics/resources/Shader.h>
 #include <ovGraphics/resources/Texture.h>
-#include <ovGraphics/scene/Camera.h>
 
 namespace ovGraphics {
 

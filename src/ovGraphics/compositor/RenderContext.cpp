@@ -3,8 +3,8 @@
 #include <ovGraphics/System.h>
 #include <ovGraphics/compositor/Compositor.h>
 #include <ovGraphics/device/Device.h>
+#include <ovGraphics/resources/Camera.h>
 #include <ovGraphics/resources/Texture.h>
-#include <ovGraphics/scene/Camera.h>
 
 namespace ovGraphics {
 

@@ -2,10 +2,10 @@
 
 #include <ovGraphics/System.h>
 #include <ovGraphics/device/Device.h>
+#include <ovGraphics/resources/Camera.h>
 #include <ovGraphics/resources/ProgramLibrary.h>
 #include <ovGraphics/resources/Shader.h>
 #include <ovGraphics/resources/ShaderPassMemorySlot.h>
-#include <ovGraphics/scene/Camera.h>
 #include <ovGraphics/scene/Mesh.h>
 #include <ovGraphics/scene/RenderQueue.h>
 

@@ -5,10 +5,11 @@
 #include <array>
 #include <cstdint>
 #include <ovCommon/Api.h>
-#include <ovGraphics/Enums.h>
 #include <ovGraphics/device/PipelineState.h>
-#include <ovGraphics/resources/Format.h>
+#include <ovGraphics/formats/Enums.h>
+#include <ovGraphics/formats/Format.h>
 #include <ovGraphics/shading/CompiledProgram.h>
+#include <ovMemory/Enumeration.h>
 #include <ovMemory/Memory.h>
 
 namespace ovGraphics::device {
@@ -117,6 +118,15 @@ public:
 
 /// What a buffer of the device is bound as.
 enum class BUFFER_USAGE : unsigned int { CONSTANTS, VERTICES, INDICES };
+
+inline constexpr ovMemory::EnumEntry<BUFFER_USAGE> BUFFER_USAGE_ENTRIES[] = {
+    {BUFFER_USAGE::CONSTANTS, "CONSTANTS"},
+    {BUFFER_USAGE::VERTICES, "VERTICES"},
+    {BUFFER_USAGE::INDICES, "INDICES"},
+};
+constexpr ovMemory::EnumTable<BUFFER_USAGE> enumTable(BUFFER_USAGE) {
+    return {"BUFFER_USAGE", BUFFER_USAGE_ENTRIES};
+}
 
 /// Where an attribute of a vertex stage lies in a vertex or in the data of an instance.
 struct GeometryAttribute {

@@ -5,7 +5,7 @@
 #include <bit>
 #include <cstdint>
 #include <cstring>
-#include <ovGraphics/resources/TextureUtils.h>
+#include <ovGraphics/formats/TextureUtils.h>
 
 namespace ovGraphics::device {
 

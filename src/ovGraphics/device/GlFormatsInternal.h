@@ -2,7 +2,7 @@
 #pragma once
 
 #include <epoxy/gl.h>
-#include <ovGraphics/resources/Format.h>
+#include <ovGraphics/formats/Format.h>
 #include <ovMemory/Memory.h>
 
 namespace ovGraphics::device {

@@ -1,6 +1,6 @@
 #include <ovGraphics/device/GlFramebufferInternal.h>
 
-#include <ovGraphics/resources/TextureUtils.h>
+#include <ovGraphics/formats/TextureUtils.h>
 
 namespace ovGraphics::device {
 

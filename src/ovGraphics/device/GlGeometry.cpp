@@ -3,7 +3,7 @@
 #include <fmt/format.h>
 #include <ovGraphics/device/GlCoreInternal.h>
 #include <ovGraphics/device/GlFormatsInternal.h>
-#include <ovGraphics/resources/TextureUtils.h>
+#include <ovGraphics/formats/TextureUtils.h>
 
 namespace ovGraphics::device {
 

@@ -3,7 +3,7 @@
 
 #include <epoxy/gl.h>
 #include <optional>
-#include <ovGraphics/Enums.h>
+#include <ovGraphics/formats/Enums.h>
 
 namespace ovGraphics::device {
 

@@ -4,7 +4,7 @@
 #include <fmt/format.h>
 #include <ovGraphics/device/GlCoreInternal.h>
 #include <ovGraphics/device/GlFramebufferInternal.h>
-#include <ovGraphics/resources/TextureUtils.h>
+#include <ovGraphics/formats/TextureUtils.h>
 
 namespace ovGraphics::device {
 

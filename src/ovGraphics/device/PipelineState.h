@@ -2,7 +2,7 @@
 #pragma once
 
 #include <array>
-#include <ovGraphics/Enums.h>
+#include <ovGraphics/formats/Enums.h>
 
 namespace ovGraphics::device {
 

@@ -4,13 +4,14 @@
 #include <cstdint>
 #include <optional>
 #include <ovCommon/Api.h>
-#include <ovGraphics/Enums.h>
+#include <ovGraphics/formats/Enums.h>
 #include <ovGraphics/scene/BoundingBox.h>
 #include <ovGraphics/scene/VertexComposition.h>
 #include <ovImages/Encoder.h>
 #include <ovMaths/Matrix.h>
 #include <ovMaths/Quaternion.h>
 #include <ovMaths/Vector.h>
+#include <ovMemory/Enumeration.h>
 #include <ovMemory/Memory.h>
 
 namespace ovGraphics {
@@ -83,12 +84,29 @@ struct GltfImage {
 /// Which of its values a material is described by.
 enum class GLTF_WORKFLOW : unsigned int { METALLIC_ROUGHNESS = 0, SPECULAR_GLOSSINESS = 1 };
 
+inline constexpr ovMemory::EnumEntry<GLTF_WORKFLOW> GLTF_WORKFLOW_ENTRIES[] = {
+    {GLTF_WORKFLOW::METALLIC_ROUGHNESS, "METALLIC_ROUGHNESS"},
+    {GLTF_WORKFLOW::SPECULAR_GLOSSINESS, "SPECULAR_GLOSSINESS"},
+};
+constexpr ovMemory::EnumTable<GLTF_WORKFLOW> enumTable(GLTF_WORKFLOW) {
+    return {"GLTF_WORKFLOW", GLTF_WORKFLOW_ENTRIES};
+}
+
 /// What the alpha of a material means.
 enum class GLTF_ALPHA_MODE : unsigned int {
     OPAQUE = 0, ///< nothing
     MASK = 1,   ///< drawn where alpha is at least the cutoff
     BLEND = 2   ///< coverage, laid over what is behind
 };
+
+inline constexpr ovMemory::EnumEntry<GLTF_ALPHA_MODE> GLTF_ALPHA_MODE_ENTRIES[] = {
+    {GLTF_ALPHA_MODE::OPAQUE, "OPAQUE"},
+    {GLTF_ALPHA_MODE::MASK, "MASK"},
+    {GLTF_ALPHA_MODE::BLEND, "BLEND"},
+};
+constexpr ovMemory::EnumTable<GLTF_ALPHA_MODE> enumTable(GLTF_ALPHA_MODE) {
+    return {"GLTF_ALPHA_MODE", GLTF_ALPHA_MODE_ENTRIES};
+}
 
 /// A surface. Colours are linear. Textures are indices of GltfScene::textures, -1 for none; a colour or
 /// number beside a texture multiplies what is read.

@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <ovCommon/Api.h>
-#include <ovGraphics/Enums.h>
+#include <ovGraphics/formats/Enums.h>
 #include <ovMemory/Borrowed.h>
 #include <ovMemory/Memory.h>
 

@@ -3,6 +3,7 @@
 
 #include <ovCommon/Api.h>
 #include <ovMemory/Borrowed.h>
+#include <ovMemory/Enumeration.h>
 #include <ovMemory/Memory.h>
 
 namespace ovGraphics {
@@ -12,6 +13,14 @@ enum class INSTANCE_VALUE : unsigned int {
     WORLD_MATRIX = 0,              ///< "INSTANCE_WORLD_MATRIX", four rows
     WORLD_MATRIX_INV_TRANSPOSE = 1 ///< "INSTANCE_WORLD_MATRIX_INV_TRANSPOSE", four rows
 };
+
+inline constexpr ovMemory::EnumEntry<INSTANCE_VALUE> INSTANCE_VALUE_ENTRIES[] = {
+    {INSTANCE_VALUE::WORLD_MATRIX, "WORLD_MATRIX"},
+    {INSTANCE_VALUE::WORLD_MATRIX_INV_TRANSPOSE, "WORLD_MATRIX_INV_TRANSPOSE"},
+};
+constexpr ovMemory::EnumTable<INSTANCE_VALUE> enumTable(INSTANCE_VALUE) {
+    return {"INSTANCE_VALUE", INSTANCE_VALUE_ENTRIES};
+}
 
 /// One slot of a shader's instance data. Vertex texts read it as a matrix attribute of the name that belongs
 /// to its value; its rows are the rows of the matrix. A new slot holds the world matrix.

@@ -3,8 +3,8 @@
 #include <cmath>
 #include <cstring>
 #include <ovGraphics/System.h>
+#include <ovGraphics/resources/Camera.h>
 #include <ovGraphics/resources/Texture.h>
-#include <ovGraphics/scene/Camera.h>
 
 namespace ovGraphics {
 

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <ovGraphics/System.h>
 #include <ovGraphics/device/Device.h>
+#include <ovGraphics/formats/TextureUtils.h>
 #include <ovGraphics/resources/TextureImages.h>
-#include <ovGraphics/resources/TextureUtils.h>
 
 namespace ovGraphics {
 

@@ -2,7 +2,7 @@
 #pragma once
 
 #include <optional>
-#include <ovGraphics/resources/Format.h>
+#include <ovGraphics/formats/Format.h>
 #include <ovGraphics/resources/Resource.h>
 #include <ovImages/Image.h>
 

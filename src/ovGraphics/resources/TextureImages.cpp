@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <array>
-#include <ovGraphics/resources/TextureUtils.h>
+#include <ovGraphics/formats/TextureUtils.h>
 #include <ovImages/Conversion.h>
 #include <utility>
 

@@ -4,9 +4,9 @@
 #include <cstring>
 #include <ovGraphics/System.h>
 #include <ovGraphics/device/Device.h>
+#include <ovGraphics/resources/Camera.h>
 #include <ovGraphics/resources/Program.h>
 #include <ovGraphics/resources/Shader.h>
-#include <ovGraphics/scene/Camera.h>
 #include <ovGraphics/scene/Frustum.h>
 #include <ovGraphics/scene/Mesh.h>
 #include <ovGraphics/scene/Node.h>

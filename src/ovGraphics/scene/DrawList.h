@@ -5,6 +5,7 @@
 #include <ovGraphics/scene/BoundingBox.h>
 #include <ovMaths/Matrix.h>
 #include <ovMemory/Borrowed.h>
+#include <ovMemory/Enumeration.h>
 #include <ovMemory/Memory.h>
 
 namespace ovGraphics {
@@ -27,6 +28,14 @@ enum class SCENE_ORDER : unsigned int {
     BY_STATE = 0,     ///< by program, shader and mesh: the fewest changes, the most instances
     BACK_TO_FRONT = 1 ///< by the depth of the boxes' centres, as blending wants
 };
+
+inline constexpr ovMemory::EnumEntry<SCENE_ORDER> SCENE_ORDER_ENTRIES[] = {
+    {SCENE_ORDER::BY_STATE, "BY_STATE"},
+    {SCENE_ORDER::BACK_TO_FRONT, "BACK_TO_FRONT"},
+};
+constexpr ovMemory::EnumTable<SCENE_ORDER> enumTable(SCENE_ORDER) {
+    return {"SCENE_ORDER", SCENE_ORDER_ENTRIES};
+}
 
 /// What decides the content of a list.
 struct DrawListSettings {

@@ -6,8 +6,8 @@
 #include <optional>
 #include <ovGraphics/System.h>
 #include <ovGraphics/device/Device.h>
+#include <ovGraphics/formats/TextureUtils.h>
 #include <ovGraphics/resources/ProgramLibrary.h>
-#include <ovGraphics/resources/TextureUtils.h>
 #include <ovGraphics/scene/VertexPacking.h>
 #include <utility>
 

@@ -1,7 +1,7 @@
 #include <ovGraphics/scene/VertexComposition.h>
 
 #include <algorithm>
-#include <ovGraphics/resources/TextureUtils.h>
+#include <ovGraphics/formats/TextureUtils.h>
 
 namespace ovGraphics {
 

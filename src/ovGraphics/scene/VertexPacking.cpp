@@ -5,7 +5,7 @@
 #include <bit>
 #include <cmath>
 #include <cstring>
-#include <ovGraphics/resources/TextureUtils.h>
+#include <ovGraphics/formats/TextureUtils.h>
 #include <ovImages/Half.h>
 
 namespace ovGraphics {

@@ -1,13 +1,22 @@
 // What the cross compiler makes of a program's text: the device's text and the interface of both stages.
 #pragma once
 
-#include <ovGraphics/Enums.h>
+#include <ovGraphics/formats/Enums.h>
+#include <ovMemory/Enumeration.h>
 #include <ovMemory/Memory.h>
 
 namespace ovGraphics::shading {
 
 /// Stages of a program. Masks of stages are sums of 1 << stage.
 enum class STAGE : unsigned int { VERTEX = 0, PIXEL = 1 };
+
+inline constexpr ovMemory::EnumEntry<STAGE> STAGE_ENTRIES[] = {
+    {STAGE::VERTEX, "VERTEX"},
+    {STAGE::PIXEL, "PIXEL"},
+};
+constexpr ovMemory::EnumTable<STAGE> enumTable(STAGE) {
+    return {"STAGE", STAGE_ENTRIES};
+}
 
 /// A preprocessor define put before the author's text: `#define name value`.
 struct Define {

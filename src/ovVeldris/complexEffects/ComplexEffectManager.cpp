@@ -1,8 +1,8 @@
 #include <ovVeldris/complexEffects/ComplexEffectManager.h>
 
 #include <array>
+#include <ovVeldris/System.h>
 #include <ovVeldris/core/LogManager.h>
-#include <ovVeldris/core/System.h>
 
 template class ovCommon::MaybeSingletonClass<ovVeldris::ComplexEffectManager>;
 

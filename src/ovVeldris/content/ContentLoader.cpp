@@ -3,8 +3,8 @@
 #include <fstream>
 #include <ovExport/JsonExporter.h>
 #include <ovResources/ResourceManager.h>
+#include <ovVeldris/System.h>
 #include <ovVeldris/core/LogManager.h>
-#include <ovVeldris/core/System.h>
 #include <ovVeldris/materials/MaterialManager.h>
 
 namespace ovVeldris {

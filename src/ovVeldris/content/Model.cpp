@@ -1,16 +1,16 @@
 #include <ovVeldris/content/Model.h>
 
 #include <algorithm>
-#include <ovGraphics/resources/Managers.h>
+#include <ovGraphics/Managers.h>
 #include <ovGraphics/resources/Sampler.h>
 #include <ovGraphics/resources/Shader.h>
 #include <ovGraphics/resources/Texture.h>
 #include <ovGraphics/scene/Mesh.h>
 #include <ovGraphics/scene/Node.h>
 #include <ovGraphics/scene/RenderQueue.h>
+#include <ovVeldris/System.h>
 #include <ovVeldris/core/GraphicsEngine.h>
 #include <ovVeldris/core/LogManager.h>
-#include <ovVeldris/core/System.h>
 #include <ovVeldris/materials/MaterialManager.h>
 #include <ovVeldris/materials/PbsMaterial.h>
 

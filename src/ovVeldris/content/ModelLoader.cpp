@@ -1,16 +1,16 @@
 #include <ovVeldris/content/ModelLoader.h>
 
+#include <ovGraphics/Managers.h>
 #include <ovGraphics/gltf/GltfEncoder.h>
-#include <ovGraphics/resources/Managers.h>
 #include <ovGraphics/resources/Sampler.h>
 #include <ovGraphics/resources/Texture.h>
 #include <ovGraphics/scene/Mesh.h>
 #include <ovGraphics/scene/Node.h>
+#include <ovVeldris/System.h>
 #include <ovVeldris/content/detail/ModelMaterials.h>
 #include <ovVeldris/content/detail/ModelMeshes.h>
 #include <ovVeldris/content/detail/ModelTextures.h>
 #include <ovVeldris/core/GraphicsEngine.h>
-#include <ovVeldris/core/System.h>
 #include <ovVeldris/materials/MaterialManager.h>
 #include <ovVeldris/materials/PbsMaterial.h>
 

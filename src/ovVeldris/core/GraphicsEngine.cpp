@@ -1,9 +1,9 @@
 #include <ovVeldris/core/GraphicsEngine.h>
 
-#include <ovGraphics/resources/Managers.h>
+#include <ovGraphics/Managers.h>
 #include <ovGraphics/resources/Sampler.h>
-#include <ovVeldris/core/System.h>
-#include <ovVeldris/effects/ProgramTrackersHolder.h>
+#include <ovVeldris/System.h>
+#include <ovVeldris/core/ProgramTrackersHolder.h>
 
 namespace ovVeldris {
 

@@ -2,8 +2,8 @@
 #pragma once
 
 #include <ovGraphics/System.h>
-#include <ovVeldris/core/Configuration.h>
-#include <ovVeldris/core/InstanceHolder.h>
+#include <ovMemory/InstanceHolder.h>
+#include <ovVeldris/Configuration.h>
 
 namespace ovVeldris {
 
@@ -44,7 +44,7 @@ private:
     void _takeGraphicsSystem(ovGraphics::System* hostSystem);
 
     bool _useSingletons;
-    InstanceHolder<ovGraphics::System> _graphicsSystem;
+    ovMemory::InstanceHolder<ovGraphics::System> _graphicsSystem;
     ovMemory::UniquePtr<ProgramTrackersHolder> _programTrackers; // before the system that its programs are on
     ovMemory::Borrowed<ovGraphics::System> _trackedSystem;       // that the trackers were made for
 };

@@ -1,6 +1,6 @@
 #include <ovVeldris/core/LogManager.h>
 
-#include <ovVeldris/core/System.h>
+#include <ovVeldris/System.h>
 
 template class ovCommon::MaybeSingletonClass<ovVeldris::LogManager>;
 

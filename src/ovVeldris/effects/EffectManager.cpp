@@ -1,7 +1,7 @@
 #include <array>
+#include <ovVeldris/System.h>
 #include <ovVeldris/core/LogManager.h>
 #include <ovVeldris/core/NamedObjects.h>
-#include <ovVeldris/core/System.h>
 #include <ovVeldris/effects/EffectManager.h>
 #include <ovVeldris/effects/ImageEnvironmentEffect.h>
 #include <ovVeldris/effects/TextureCopyEffect.h>

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <ovCommon/Api.h>
+#include <ovMemory/Enumeration.h>
 #include <ovMemory/Memory.h>
 
 namespace ovVeldris {
@@ -17,6 +18,20 @@ enum class EFFECT_TYPE : unsigned int {
     TEXTURE_COPY = 6,
     TONE_MAPPING = 7
 };
+
+inline constexpr ovMemory::EnumEntry<EFFECT_TYPE> EFFECT_TYPE_ENTRIES[] = {
+    {EFFECT_TYPE::UNKNOWN, "UNKNOWN"},
+    {EFFECT_TYPE::ATMOSPHERE, "ATMOSPHERE"},
+    {EFFECT_TYPE::FILM_GRAIN, "FILM_GRAIN"},
+    {EFFECT_TYPE::FXAA, "FXAA"},
+    {EFFECT_TYPE::IMAGE_ENVIRONMENT, "IMAGE_ENVIRONMENT"},
+    {EFFECT_TYPE::SSAO, "SSAO"},
+    {EFFECT_TYPE::TEXTURE_COPY, "TEXTURE_COPY"},
+    {EFFECT_TYPE::TONE_MAPPING, "TONE_MAPPING"},
+};
+constexpr ovMemory::EnumTable<EFFECT_TYPE> enumTable(EFFECT_TYPE) {
+    return {"EFFECT_TYPE", EFFECT_TYPE_ENTRIES};
+}
 
 /// EFFECT_TYPE to and from text. The text of a value is its enumerator's name.
 class OV_API EffectTypeUtils {

@@ -1,9 +1,9 @@
 #include <ovVeldris/effects/ImageEnvironmentEffect.h>
 
+#include <ovGraphics/resources/Camera.h>
 #include <ovGraphics/resources/Sampler.h>
 #include <ovGraphics/resources/Shader.h>
 #include <ovGraphics/resources/Texture.h>
-#include <ovGraphics/scene/Camera.h>
 #include <ovVeldris/EmbeddedShaders.h>
 #include <ovVeldris/shaders/ShaderText.h>
 

@@ -1,7 +1,8 @@
 // The effect that draws surroundings behind a scene.
 #pragma once
 
-#include <ovVeldris/effects/ProgramTracker.h>
+#include <ovMemory/Enumeration.h>
+#include <ovVeldris/core/ProgramTracker.h>
 #include <ovVeldris/effects/ScreenEffect.h>
 
 namespace ovGraphics {
@@ -17,6 +18,16 @@ enum class IMAGE_ENVIRONMENT_PROJECTION : unsigned int {
     CUBE = 2,           ///< a cube texture, along the camera's directions
     EQUIRECTANGULAR = 3 ///< a map by longitude and latitude, along the camera's directions
 };
+
+inline constexpr ovMemory::EnumEntry<IMAGE_ENVIRONMENT_PROJECTION> IMAGE_ENVIRONMENT_PROJECTION_ENTRIES[] = {
+    {IMAGE_ENVIRONMENT_PROJECTION::AUTO, "AUTO"},
+    {IMAGE_ENVIRONMENT_PROJECTION::FLAT, "FLAT"},
+    {IMAGE_ENVIRONMENT_PROJECTION::CUBE, "CUBE"},
+    {IMAGE_ENVIRONMENT_PROJECTION::EQUIRECTANGULAR, "EQUIRECTANGULAR"},
+};
+constexpr ovMemory::EnumTable<IMAGE_ENVIRONMENT_PROJECTION> enumTable(IMAGE_ENVIRONMENT_PROJECTION) {
+    return {"IMAGE_ENVIRONMENT_PROJECTION", IMAGE_ENVIRONMENT_PROJECTION_ENTRIES};
+}
 
 /// Settings of an ImageEnvironmentEffect. What is borrowed becomes null when it is destroyed.
 struct ImageEnvironmentEffectInfo {

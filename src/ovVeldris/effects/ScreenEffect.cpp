@@ -1,12 +1,12 @@
+#include <ovGraphics/Managers.h>
 #include <ovGraphics/System.h>
-#include <ovGraphics/resources/Managers.h>
 #include <ovGraphics/resources/Program.h>
 #include <ovGraphics/resources/Sampler.h>
 #include <ovGraphics/resources/Shader.h>
 #include <ovGraphics/resources/Texture.h>
+#include <ovVeldris/System.h>
 #include <ovVeldris/core/GraphicsEngine.h>
 #include <ovVeldris/core/LogManager.h>
-#include <ovVeldris/core/System.h>
 #include <ovVeldris/effects/ScreenEffect.h>
 #include <ovVeldris/shaders/PostProcessingLib.h>
 

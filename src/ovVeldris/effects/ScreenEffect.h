@@ -3,10 +3,10 @@
 
 #include <array>
 #include <optional>
-#include <ovGraphics/Enums.h>
+#include <ovGraphics/formats/Enums.h>
 #include <ovMemory/Borrowed.h>
+#include <ovVeldris/core/ProgramTrackersHolder.h>
 #include <ovVeldris/effects/Effect.h>
-#include <ovVeldris/effects/ProgramTrackersHolder.h>
 
 namespace ovGraphics {
 class Program;

@@ -1,7 +1,7 @@
 // The effect that draws a texture as it is.
 #pragma once
 
-#include <ovVeldris/effects/ProgramTracker.h>
+#include <ovVeldris/core/ProgramTracker.h>
 #include <ovVeldris/effects/ScreenEffect.h>
 
 namespace ovVeldris {

@@ -3,7 +3,7 @@
 
 #include <ovMaths/Matrix.h>
 #include <ovMaths/Vector.h>
-#include <ovVeldris/effects/ProgramTracker.h>
+#include <ovVeldris/core/ProgramTracker.h>
 #include <ovVeldris/effects/ScreenEffect.h>
 #include <ovVeldris/effects/ToneMappingHablesCurve.h>
 

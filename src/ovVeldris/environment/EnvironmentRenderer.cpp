@@ -2,16 +2,16 @@
 
 #include <ovGraphics/System.h>
 #include <ovGraphics/compositor/Compositor.h>
+#include <ovGraphics/formats/TextureUtils.h>
+#include <ovGraphics/resources/Camera.h>
 #include <ovGraphics/resources/Program.h>
 #include <ovGraphics/resources/Sampler.h>
 #include <ovGraphics/resources/Shader.h>
 #include <ovGraphics/resources/Texture.h>
-#include <ovGraphics/resources/TextureUtils.h>
-#include <ovGraphics/scene/Camera.h>
 #include <ovVeldris/EmbeddedShaders.h>
+#include <ovVeldris/System.h>
 #include <ovVeldris/core/GraphicsEngine.h>
 #include <ovVeldris/core/LogManager.h>
-#include <ovVeldris/core/System.h>
 #include <ovVeldris/environment/detail/CubeFaces.h>
 #include <ovVeldris/environment/detail/OneShotFrame.h>
 #include <ovVeldris/environment/detail/ToolTarget.h>

@@ -2,7 +2,7 @@
 #pragma once
 
 #include <ovCommon/Api.h>
-#include <ovGraphics/resources/Format.h>
+#include <ovGraphics/formats/Format.h>
 #include <ovMemory/Borrowed.h>
 #include <ovMemory/Memory.h>
 

@@ -1,8 +1,8 @@
 #include <ovGraphics/device/Device.h>
+#include <ovGraphics/formats/TextureUtils.h>
 #include <ovGraphics/resources/Texture.h>
-#include <ovGraphics/resources/TextureUtils.h>
+#include <ovVeldris/System.h>
 #include <ovVeldris/core/LogManager.h>
-#include <ovVeldris/core/System.h>
 #include <ovVeldris/environment/PbsEnvironmentMapFilter.h>
 #include <ovVeldris/environment/irradiance/TextureIrradiance.h>
 

@@ -1,8 +1,8 @@
 #include <ovVeldris/materials/MaterialManager.h>
 
 #include <array>
+#include <ovVeldris/System.h>
 #include <ovVeldris/core/LogManager.h>
-#include <ovVeldris/core/System.h>
 #include <ovVeldris/materials/PbsMaterial.h>
 
 template class ovCommon::MaybeSingletonClass<ovVeldris::MaterialManager>;

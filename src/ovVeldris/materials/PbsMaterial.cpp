@@ -1,13 +1,13 @@
 #include <ovVeldris/materials/PbsMaterial.h>
 
+#include <ovGraphics/Managers.h>
 #include <ovGraphics/System.h>
-#include <ovGraphics/resources/Managers.h>
 #include <ovGraphics/resources/Program.h>
 #include <ovGraphics/resources/Shader.h>
+#include <ovVeldris/System.h>
 #include <ovVeldris/core/GraphicsEngine.h>
 #include <ovVeldris/core/LogManager.h>
-#include <ovVeldris/core/System.h>
-#include <ovVeldris/effects/ProgramTrackersHolder.h>
+#include <ovVeldris/core/ProgramTrackersHolder.h>
 #include <ovVeldris/materials/PbsParametersTree.h>
 #include <ovVeldris/materials/PbsProgramSources.h>
 #include <ovVeldris/materials/PbsProgramTracker.h>

@@ -1,7 +1,7 @@
 #include <ovVeldris/materials/PbsParametersTree.h>
 
 #include <ovExport/Node.h>
-#include <ovGraphics/resources/Managers.h>
+#include <ovGraphics/Managers.h>
 #include <ovVeldris/materials/PbsProperties.h>
 
 namespace ovVeldris {

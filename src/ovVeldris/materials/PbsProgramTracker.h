@@ -1,7 +1,7 @@
 // Programs of PBS materials, shared by key.
 #pragma once
 
-#include <ovVeldris/effects/ProgramTracker.h>
+#include <ovVeldris/core/ProgramTracker.h>
 #include <ovVeldris/materials/PbsMaterialParameters.h>
 
 namespace ovVeldris {

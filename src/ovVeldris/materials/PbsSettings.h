@@ -1,10 +1,11 @@
 // What a user may set of a PBS material.
 #pragma once
 
-#include <ovGraphics/resources/Borrowed.h>
+#include <ovGraphics/resources/Camera.h>
 #include <ovGraphics/resources/Texture.h>
-#include <ovGraphics/scene/Camera.h>
 #include <ovMaths/Vector.h>
+#include <ovMemory/Borrowed.h>
+#include <ovMemory/Enumeration.h>
 #include <ovMemory/Memory.h>
 #include <ovVeldris/materials/OneChannelPackUtils.h>
 #include <ovVeldris/materials/ThreeChannelPackUtils.h>
@@ -15,6 +16,14 @@ namespace ovVeldris {
 /// How specular reflection is described. The numbers are part of the interface of scripts and files; every
 /// number but 1 means the first.
 enum class PBS_MODEL : uint32_t { SPECULAR_METALNESS_ROUGHNESS = 0, SPECULAR_GLOSSINESS = 1 };
+
+inline constexpr ovMemory::EnumEntry<PBS_MODEL> PBS_MODEL_ENTRIES[] = {
+    {PBS_MODEL::SPECULAR_METALNESS_ROUGHNESS, "SPECULAR_METALNESS_ROUGHNESS"},
+    {PBS_MODEL::SPECULAR_GLOSSINESS, "SPECULAR_GLOSSINESS"},
+};
+constexpr ovMemory::EnumTable<PBS_MODEL> enumTable(PBS_MODEL) {
+    return {"PBS_MODEL", PBS_MODEL_ENTRIES};
+}
 
 /// A texture that a property reads, owned by others. When it is destroyed it reads as null, but it stays
 /// named: the shader that was made for a texture does not change with it.
@@ -33,7 +42,7 @@ public:
     void forgetIfDestroyed() { _named = get() != nullptr; }
 
 private:
-    ovGraphics::Borrowed<ovGraphics::Texture> _texture;
+    ovMemory::Borrowed<ovGraphics::Texture> _texture;
     bool _named = false;
 };
 
@@ -70,7 +79,7 @@ struct PbsSettings {
     PbsTexture occlusionTexture;
     PbsTexture normalMapTexture;
     PbsTexture shadowMapTexture;
-    ovGraphics::Borrowed<ovGraphics::Camera> shadowMapCamera;
+    ovMemory::Borrowed<ovGraphics::Camera> shadowMapCamera;
 
     THREE_CHANNEL_PACK albedoTextureChannels = THREE_CHANNEL_PACK::RGB;
     THREE_CHANNEL_PACK specularTextureChannels = THREE_CHANNEL_PACK::RGB;

@@ -1,7 +1,7 @@
 #include <ovVeldris/materials/PbsShaderBindings.h>
 
+#include <ovGraphics/Managers.h>
 #include <ovGraphics/System.h>
-#include <ovGraphics/resources/Managers.h>
 #include <ovGraphics/resources/Sampler.h>
 #include <ovGraphics/resources/Shader.h>
 #include <ovGraphics/resources/ShaderInstanceMemorySlot.h>

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <ovCommon/Api.h>
+#include <ovMemory/Enumeration.h>
 #include <ovMemory/Memory.h>
 
 namespace ovVeldris {
@@ -35,6 +36,20 @@ enum class THREE_CHANNEL_PACK : uint32_t {
     ARB = 22,
     ABR = 23
 };
+
+inline constexpr ovMemory::EnumEntry<THREE_CHANNEL_PACK> THREE_CHANNEL_PACK_ENTRIES[] = {
+    {THREE_CHANNEL_PACK::RGB, "rgb"}, {THREE_CHANNEL_PACK::RBG, "rbg"}, {THREE_CHANNEL_PACK::RGA, "rga"},
+    {THREE_CHANNEL_PACK::RAG, "rag"}, {THREE_CHANNEL_PACK::RBA, "rba"}, {THREE_CHANNEL_PACK::RAB, "rab"},
+    {THREE_CHANNEL_PACK::GRB, "grb"}, {THREE_CHANNEL_PACK::GBR, "gbr"}, {THREE_CHANNEL_PACK::GRA, "gra"},
+    {THREE_CHANNEL_PACK::GAR, "gar"}, {THREE_CHANNEL_PACK::GBA, "gba"}, {THREE_CHANNEL_PACK::GAB, "gab"},
+    {THREE_CHANNEL_PACK::BRG, "brg"}, {THREE_CHANNEL_PACK::BGR, "bgr"}, {THREE_CHANNEL_PACK::BRA, "bra"},
+    {THREE_CHANNEL_PACK::BAR, "bar"}, {THREE_CHANNEL_PACK::BGA, "bga"}, {THREE_CHANNEL_PACK::BAG, "bag"},
+    {THREE_CHANNEL_PACK::ARG, "arg"}, {THREE_CHANNEL_PACK::AGR, "agr"}, {THREE_CHANNEL_PACK::AGB, "agb"},
+    {THREE_CHANNEL_PACK::ABG, "abg"}, {THREE_CHANNEL_PACK::ARB, "arb"}, {THREE_CHANNEL_PACK::ABR, "abr"},
+};
+constexpr ovMemory::EnumTable<THREE_CHANNEL_PACK> enumTable(THREE_CHANNEL_PACK) {
+    return {"THREE_CHANNEL_PACK", THREE_CHANNEL_PACK_ENTRIES};
+}
 
 /// Text of THREE_CHANNEL_PACK: the names of its values in lower case.
 class OV_API ThreeChannelPackUtils {

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <ovCommon/Api.h>
+#include <ovMemory/Enumeration.h>
 
 namespace ovGraphics {
 class ProgramSourcesHolder;
@@ -13,6 +14,16 @@ namespace ovVeldris {
 /// Kernel of a shadow map's percentage-closer filtering. The numbers are part of the interface of scripts and
 /// files.
 enum class SHADOW_MAP_PCF : uint32_t { NONE = 0, PCF_4_TAP = 1, PCF_9_TAP = 2, PCF_16_TAP = 3 };
+
+inline constexpr ovMemory::EnumEntry<SHADOW_MAP_PCF> SHADOW_MAP_PCF_ENTRIES[] = {
+    {SHADOW_MAP_PCF::NONE, "NONE"},
+    {SHADOW_MAP_PCF::PCF_4_TAP, "PCF_4_TAP"},
+    {SHADOW_MAP_PCF::PCF_9_TAP, "PCF_9_TAP"},
+    {SHADOW_MAP_PCF::PCF_16_TAP, "PCF_16_TAP"},
+};
+constexpr ovMemory::EnumTable<SHADOW_MAP_PCF> enumTable(SHADOW_MAP_PCF) {
+    return {"SHADOW_MAP_PCF", SHADOW_MAP_PCF_ENTRIES};
+}
 
 /// How a shadow map is read.
 struct ShadowMapParameters {

@@ -1,7 +1,7 @@
 #include <cstring>
 #include <gtest/gtest.h>
 #include <ovGraphics/Canvas.h>
-#include <ovGraphics/resources/Managers.h>
+#include <ovGraphics/Managers.h>
 #include <ovGraphics/resources/Viewport.h>
 #include <support/PictureTest.h>
 

@@ -3,8 +3,8 @@
 #include <gtest/gtest.h>
 #include <numbers>
 #include <ovGraphics/Canvas.h>
-#include <ovGraphics/resources/Managers.h>
-#include <ovGraphics/scene/Camera.h>
+#include <ovGraphics/Managers.h>
+#include <ovGraphics/resources/Camera.h>
 #include <support/PictureTest.h>
 
 using namespace ovGraphics;

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 #include <ovGraphics/Canvas.h>
-#include <ovGraphics/resources/Managers.h>
-#include <ovGraphics/scene/Camera.h>
+#include <ovGraphics/Managers.h>
+#include <ovGraphics/resources/Camera.h>
 #include <support/PictureTest.h>
 
 using namespace ovGraphics;

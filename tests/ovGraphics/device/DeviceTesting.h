@@ -4,7 +4,7 @@
 #include <cstring>
 #include <gtest/gtest.h>
 #include <ovGraphics/device/Device.h>
-#include <ovGraphics/resources/TextureUtils.h>
+#include <ovGraphics/formats/TextureUtils.h>
 
 namespace ovGraphics::device::testing {
 

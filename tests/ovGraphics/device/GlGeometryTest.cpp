@@ -108,7 +108,7 @@ TEST_F(GlGeometryTest, whatIsNotThereIsNotDrawn) {
     EXPECT_EQ(draw(*geometry, {TRIANGLES, 3, nullptr, 16, 0, 1}), nothing);
     EXPECT_EQ(device->takeDebugErrors(),
               "Nothing was drawn: 1 instances of 16 bytes from instance 0 on are not in their buffer");
-    EXPECT_EQ(draw(*geometry, {PRIMITIVE_TOPOLOGY::PATCHLIST_1_CONTROL_POINT, 3, instances.get(), 16, 0, 1}),
+    EXPECT_EQ(draw(*geometry, {PRIMITIVE_TOPOLOGY::CONTROL_POINT_PATCHLIST_1, 3, instances.get(), 16, 0, 1}),
               nothing);
     EXPECT_EQ(device->takeDebugErrors(), "Nothing was drawn: topology 33 is not offered");
     ovMemory::String error;

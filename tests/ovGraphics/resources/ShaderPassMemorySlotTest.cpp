@@ -3,9 +3,9 @@
 #include <gtest/gtest.h>
 #include <numbers>
 #include <ovGraphics/System.h>
+#include <ovGraphics/resources/Camera.h>
 #include <ovGraphics/resources/ShaderPassMemorySlot.h>
 #include <ovGraphics/resources/Texture.h>
-#include <ovGraphics/scene/Camera.h>
 
 using namespace ovGraphics;
 using ovMaths::Matrix;

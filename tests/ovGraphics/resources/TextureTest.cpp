@@ -2,8 +2,8 @@
 #include <functional>
 #include <gtest/gtest.h>
 #include <ovGraphics/device/Device.h>
+#include <ovGraphics/formats/TextureUtils.h>
 #include <ovGraphics/resources/Texture.h>
-#include <ovGraphics/resources/TextureUtils.h>
 #include <support/PictureTest.h>
 
 using namespace ovGraphics;

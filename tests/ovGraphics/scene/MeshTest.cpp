@@ -77,7 +77,7 @@ TEST_P(MeshTest, refusesWhatCannotBeDrawn) {
          "index 1 names vertex 4294967295 of 3."},
         {[](Mesh& mesh) {
              mesh.setNewVertexArray(zeros(3));
-             mesh.setTopology(PRIMITIVE_TOPOLOGY::PATCHLIST_1_CONTROL_POINT);
+             mesh.setTopology(PRIMITIVE_TOPOLOGY::CONTROL_POINT_PATCHLIST_1);
          },
          "its topology 33 is not offered; points, lines, triangles and their strips are."},
     };

@@ -4,7 +4,7 @@
 
 #include <ovGraphics/Canvas.h>
 #include <ovGraphics/compositor/ScenePass.h>
-#include <ovGraphics/scene/Camera.h>
+#include <ovGraphics/resources/Camera.h>
 #include <ovGraphics/scene/Mesh.h>
 #include <ovGraphics/scene/Node.h>
 #include <ovGraphics/scene/RenderQueue.h>

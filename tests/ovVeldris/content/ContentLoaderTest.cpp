@@ -2,7 +2,7 @@
 
 #include <fstream>
 #include <ovExport/JsonExporter.h>
-#include <ovGraphics/resources/Managers.h>
+#include <ovGraphics/Managers.h>
 #include <ovGraphics/resources/Shader.h>
 #include <ovResources/ResourceManager.h>
 #include <ovVeldris/effects/EffectFixture.h>

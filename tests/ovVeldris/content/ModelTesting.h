@@ -3,8 +3,8 @@
 
 #include <cstring>
 #include <initializer_list>
+#include <ovGraphics/Managers.h>
 #include <ovGraphics/gltf/GltfScene.h>
-#include <ovGraphics/resources/Managers.h>
 #include <ovGraphics/resources/Sampler.h>
 #include <ovGraphics/resources/Texture.h>
 #include <ovGraphics/scene/Mesh.h>

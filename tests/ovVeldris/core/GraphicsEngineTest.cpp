@@ -1,7 +1,7 @@
 #include <ovVeldris/core/GraphicsEngine.h>
 
+#include <ovGraphics/Managers.h>
 #include <ovGraphics/device/Device.h>
-#include <ovGraphics/resources/Managers.h>
 #include <ovGraphics/resources/Sampler.h>
 #include <ovVeldris/core/SingletonTest.h>
 #include <ovVeldris/core/TestGraphics.h>

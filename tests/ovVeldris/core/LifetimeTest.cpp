@@ -1,5 +1,5 @@
+#include <ovGraphics/Managers.h>
 #include <ovGraphics/compositor/Compositor.h>
-#include <ovGraphics/resources/Managers.h>
 #include <ovVeldris/complexEffects/ComplexEffectManager.h>
 #include <ovVeldris/complexEffects/TestComplexEffect.h>
 #include <ovVeldris/content/ModelTesting.h>

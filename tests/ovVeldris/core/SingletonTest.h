@@ -3,9 +3,9 @@
 
 #include <gtest/gtest.h>
 #include <ovGraphics/System.h>
+#include <ovVeldris/System.h>
 #include <ovVeldris/complexEffects/ComplexEffectManager.h>
 #include <ovVeldris/core/LogManager.h>
-#include <ovVeldris/core/System.h>
 #include <ovVeldris/effects/EffectManager.h>
 #include <ovVeldris/materials/MaterialManager.h>
 

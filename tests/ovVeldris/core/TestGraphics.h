@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 #include <ovGraphics/System.h>
-#include <ovVeldris/core/Configuration.h>
+#include <ovVeldris/Configuration.h>
 #include <support/HeadlessSystem.h>
 
 /// A graphics system of a host, which tells whether it was deleted.

@@ -6,11 +6,11 @@
 #include <ovGraphics/resources/Shader.h>
 #include <ovGraphics/resources/Texture.h>
 #include <ovMemory/Borrowed.h>
+#include <ovVeldris/System.h>
 #include <ovVeldris/core/GraphicsEngine.h>
 #include <ovVeldris/core/LogManager.h>
-#include <ovVeldris/core/System.h>
+#include <ovVeldris/core/ProgramTrackersHolder.h>
 #include <ovVeldris/effects/EffectManager.h>
-#include <ovVeldris/effects/ProgramTrackersHolder.h>
 #include <support/PictureCompare.h>
 #include <support/PictureTest.h>
 

@@ -1,11 +1,11 @@
 #include <cmath>
 #include <limits>
+#include <ovGraphics/Managers.h>
 #include <ovGraphics/device/Device.h>
-#include <ovGraphics/resources/Managers.h>
+#include <ovGraphics/resources/Camera.h>
 #include <ovGraphics/resources/Program.h>
 #include <ovGraphics/resources/Sampler.h>
 #include <ovGraphics/resources/Shader.h>
-#include <ovGraphics/scene/Camera.h>
 #include <ovVeldris/effects/ImageEnvironmentEffect.h>
 #include <ovVeldris/environment/EnvironmentFixture.h>
 

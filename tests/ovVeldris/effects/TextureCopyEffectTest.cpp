@@ -1,7 +1,7 @@
 #include <cmath>
 #include <limits>
+#include <ovGraphics/Managers.h>
 #include <ovGraphics/device/Device.h>
-#include <ovGraphics/resources/Managers.h>
 #include <ovGraphics/resources/Program.h>
 #include <ovGraphics/resources/Sampler.h>
 #include <ovGraphics/resources/Shader.h>

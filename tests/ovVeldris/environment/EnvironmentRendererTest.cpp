@@ -1,11 +1,11 @@
 #include <limits>
+#include <ovGraphics/Managers.h>
 #include <ovGraphics/compositor/RenderContext.h>
 #include <ovGraphics/device/Device.h>
-#include <ovGraphics/resources/Managers.h>
+#include <ovGraphics/formats/TextureUtils.h>
+#include <ovGraphics/resources/Camera.h>
 #include <ovGraphics/resources/Program.h>
 #include <ovGraphics/resources/Shader.h>
-#include <ovGraphics/resources/TextureUtils.h>
-#include <ovGraphics/scene/Camera.h>
 #include <ovVeldris/environment/EnvironmentFixture.h>
 #include <ovVeldris/environment/EnvironmentRenderer.h>
 

@@ -1,7 +1,7 @@
 #include <epoxy/gl.h>
 #include <ovGraphics/System.h>
 #include <ovGraphics/device/Device.h>
-#include <ovGraphics/resources/TextureUtils.h>
+#include <ovGraphics/formats/TextureUtils.h>
 #include <ovVeldris/environment/EnvironmentFixture.h>
 #include <ovVeldris/environment/PbsEnvironmentMapFilter.h>
 #include <ovVeldris/environment/irradiance/IrradianceReference.h>

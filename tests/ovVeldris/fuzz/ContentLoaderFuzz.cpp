@@ -2,12 +2,12 @@
 // themselves makes the same materials again.
 #include <cstdlib>
 #include <ovExport/JsonExporter.h>
+#include <ovGraphics/Managers.h>
 #include <ovGraphics/System.h>
-#include <ovGraphics/resources/Managers.h>
 #include <ovGraphics/resources/Texture.h>
+#include <ovVeldris/System.h>
 #include <ovVeldris/content/ContentLoader.h>
 #include <ovVeldris/core/GraphicsEngine.h>
-#include <ovVeldris/core/System.h>
 #include <ovVeldris/materials/MaterialManager.h>
 
 namespace {

@@ -2,8 +2,8 @@
 #pragma once
 
 #include <cstring>
+#include <ovGraphics/resources/Camera.h>
 #include <ovGraphics/resources/Shader.h>
-#include <ovGraphics/scene/Camera.h>
 #include <ovVeldris/effects/EffectFixture.h>
 #include <ovVeldris/materials/PbsMaterial.h>
 

@@ -2,10 +2,10 @@
 
 #include <bit>
 #include <ovExport/Node.h>
-#include <ovGraphics/resources/Managers.h>
+#include <ovGraphics/Managers.h>
+#include <ovGraphics/resources/Camera.h>
 #include <ovGraphics/resources/Program.h>
 #include <ovGraphics/resources/Shader.h>
-#include <ovGraphics/scene/Camera.h>
 #include <ovVeldris/core/SingletonTest.h>
 #include <ovVeldris/materials/PbsMaterialFixture.h>
 #include <ovVeldris/materials/PbsProgramTracker.h>

@@ -2,8 +2,8 @@
 
 #include <gtest/gtest.h>
 #include <ovExport/JsonExporter.h>
+#include <ovGraphics/Managers.h>
 #include <ovGraphics/System.h>
-#include <ovGraphics/resources/Managers.h>
 #include <ovVeldris/materials/PbsMaterialParameters.h>
 
 using namespace ovVeldris;

@@ -1,7 +1,7 @@
 // The base of tests that draw physically based materials: what to draw, and what it should look like.
 #pragma once
 
-#include <ovGraphics/scene/Camera.h>
+#include <ovGraphics/resources/Camera.h>
 #include <ovMaths/Matrix.h>
 #include <ovVeldris/effects/EffectFixture.h>
 #include <ovVeldris/materials/PbsMaterial.h>

@@ -1,8 +1,8 @@
 #include <ovVeldris/materials/PbsShaderBindings.h>
 
 #include <map>
+#include <ovGraphics/Managers.h>
 #include <ovGraphics/device/Device.h>
-#include <ovGraphics/resources/Managers.h>
 #include <ovGraphics/resources/Program.h>
 #include <ovGraphics/resources/Sampler.h>
 #include <ovGraphics/resources/Shader.h>

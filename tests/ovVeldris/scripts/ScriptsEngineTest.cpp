@@ -1,7 +1,7 @@
 #include <ovVeldris/scripts/ScriptsEngine.h>
 
 #include <gtest/gtest.h>
-#include <ovVeldris/core/System.h>
+#include <ovVeldris/System.h>
 
 TEST(ScriptsEngineTest, RunsBetweenInitializeAndShutdown) {
     ovVeldris::System system;

@@ -3,16 +3,16 @@
 #include <cmath>
 #include <cstdio>
 #include <cstring>
+#include <ovGraphics/Managers.h>
 #include <ovGraphics/System.h>
 #include <ovGraphics/compositor/Compositor.h>
 #include <ovGraphics/compositor/CompositorPass.h>
 #include <ovGraphics/compositor/RenderContext.h>
-#include <ovGraphics/resources/Managers.h>
 #include <ovGraphics/resources/Texture.h>
 #include <ovLog/ConsoleLogger.h>
+#include <ovVeldris/System.h>
 #include <ovVeldris/core/GraphicsEngine.h>
 #include <ovVeldris/core/LogManager.h>
-#include <ovVeldris/core/System.h>
 #include <ovVeldris/effects/ToneMappingEffect.h>
 #include <vector>
 

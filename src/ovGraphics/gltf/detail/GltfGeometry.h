@@ -3,7 +3,7 @@
 
 #include <cstdint>
 #include <ovCommon/Api.h>
-#include <ovGraphics/Enums.h>
+#include <ovGraphics/formats/Enums.h>
 #include <ovGraphics/gltf/GltfScene.h>
 #include <ovMaths/Vector.h>
 #include <ovMemory/Memory.h>

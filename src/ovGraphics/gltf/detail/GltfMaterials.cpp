@@ -126,11 +126,9 @@ private:
 
     void _readAlpha(GltfMaterial& material) {
         const StringView mode = _source.readString("alphaMode");
-        if (mode == "MASK")
-            material.alphaMode = GLTF_ALPHA_MODE::MASK;
-        else if (mode == "BLEND")
-            material.alphaMode = GLTF_ALPHA_MODE::BLEND;
-        else if (!mode.empty() && mode != "OPAQUE")
+        const auto known = ovMemory::enumFromText<GLTF_ALPHA_MODE>(mode);
+        material.alphaMode = known.value_or(GLTF_ALPHA_MODE::OPAQUE);
+        if (!mode.empty() && !known)
             _source.warn(fmt::format("its 'alphaMode' is {}; it is drawn opaque", quoteGltf(mode)));
         material.alphaCutoff = _source.readFloat("alphaCutoff", 0.5f, 0.0f, HUGE_NUMBER);
         material.doubleSided = _source.readBool("doubleSided");

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <ovGraphics/Managers.h>
 #include <ovGraphics/System.h>
-#include <ovGraphics/resources/Managers.h>
 #include <ovGraphics/resources/Sampler.h>
 #include <ovGraphics/resources/Texture.h>
 #include <ovImages/Conversion.h>

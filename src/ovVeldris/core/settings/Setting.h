@@ -6,6 +6,7 @@
 #include <ovCommon/Api.h>
 #include <ovMaths/Matrix.h>
 #include <ovMaths/Vector.h>
+#include <ovMemory/Enumeration.h>
 #include <ovMemory/Memory.h>
 #include <variant>
 
@@ -34,6 +35,18 @@ enum class SETTING_KIND : unsigned int {
     CAMERA,
     NODE
 };
+
+inline constexpr ovMemory::EnumEntry<SETTING_KIND> SETTING_KIND_ENTRIES[] = {
+    {SETTING_KIND::FLAG, "FLAG"},       {SETTING_KIND::INTEGER, "INTEGER"},
+    {SETTING_KIND::NUMBER, "NUMBER"},   {SETTING_KIND::VECTOR, "VECTOR"},
+    {SETTING_KIND::MATRIX, "MATRIX"},   {SETTING_KIND::ENUMERATION, "ENUMERATION"},
+    {SETTING_KIND::TEXT, "TEXT"},       {SETTING_KIND::TEXTURE, "TEXTURE"},
+    {SETTING_KIND::SAMPLER, "SAMPLER"}, {SETTING_KIND::CAMERA, "CAMERA"},
+    {SETTING_KIND::NODE, "NODE"},
+};
+constexpr ovMemory::EnumTable<SETTING_KIND> enumTable(SETTING_KIND) {
+    return {"SETTING_KIND", SETTING_KIND_ENTRIES};
+}
 
 /// Whether a kind holds an object of the graphics system.
 constexpr bool isResource(SETTING_KIND kind) {

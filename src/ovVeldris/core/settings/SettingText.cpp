@@ -3,11 +3,11 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <ovGraphics/Managers.h>
 #include <ovGraphics/System.h>
-#include <ovGraphics/resources/Managers.h>
+#include <ovGraphics/resources/Camera.h>
 #include <ovGraphics/resources/Sampler.h>
 #include <ovGraphics/resources/Texture.h>
-#include <ovGraphics/scene/Camera.h>
 #include <ovGraphics/scene/Node.h>
 
 namespace ovVeldris {

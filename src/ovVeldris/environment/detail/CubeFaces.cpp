@@ -1,7 +1,7 @@
 #include <ovVeldris/environment/detail/CubeFaces.h>
 
 #include <ovGraphics/compositor/Compositor.h>
-#include <ovGraphics/scene/Camera.h>
+#include <ovGraphics/resources/Camera.h>
 
 namespace ovVeldris {
 

@@ -1,12 +1,12 @@
 #include <ovVeldris/environment/detail/OneShotFrame.h>
 
+#include <ovGraphics/Managers.h>
 #include <ovGraphics/System.h>
 #include <ovGraphics/compositor/Compositor.h>
 #include <ovGraphics/compositor/RenderContext.h>
-#include <ovGraphics/resources/Managers.h>
+#include <ovGraphics/resources/Camera.h>
 #include <ovGraphics/resources/Texture.h>
 #include <ovGraphics/resources/Viewport.h>
-#include <ovGraphics/scene/Camera.h>
 
 namespace ovVeldris {
 

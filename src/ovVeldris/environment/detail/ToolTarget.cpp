@@ -1,7 +1,7 @@
 #include <ovVeldris/environment/detail/ToolTarget.h>
 
+#include <ovGraphics/formats/TextureUtils.h>
 #include <ovGraphics/resources/Texture.h>
-#include <ovGraphics/resources/TextureUtils.h>
 
 namespace ovVeldris {
 

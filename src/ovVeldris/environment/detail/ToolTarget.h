@@ -2,8 +2,8 @@
 #pragma once
 
 #include <ovCommon/Api.h>
-#include <ovGraphics/Enums.h>
-#include <ovGraphics/resources/Format.h>
+#include <ovGraphics/formats/Enums.h>
+#include <ovGraphics/formats/Format.h>
 
 namespace ovGraphics {
 class Texture;

@@ -1,7 +1,7 @@
 #include <ovVeldris/environment/irradiance/IrradianceTransform.h>
 
 #include <optional>
-#include <ovGraphics/resources/TextureUtils.h>
+#include <ovGraphics/formats/TextureUtils.h>
 #include <ovVeldris/environment/irradiance/detail/IrradianceKernels.h>
 
 namespace ovVeldris {

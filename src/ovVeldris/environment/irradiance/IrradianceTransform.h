@@ -4,7 +4,8 @@
 #include <array>
 #include <cstddef>
 #include <ovCommon/Api.h>
-#include <ovGraphics/resources/Format.h>
+#include <ovGraphics/formats/Format.h>
+#include <ovMemory/Enumeration.h>
 #include <ovMemory/Memory.h>
 
 namespace ovVeldris {
@@ -38,6 +39,14 @@ enum class IRRADIANCE_INSTRUCTIONS : unsigned int {
     BEST = 0, ///< AVX2 and FMA where the processor has them
     PLAIN = 1 ///< those that every processor of the architecture has
 };
+
+inline constexpr ovMemory::EnumEntry<IRRADIANCE_INSTRUCTIONS> IRRADIANCE_INSTRUCTIONS_ENTRIES[] = {
+    {IRRADIANCE_INSTRUCTIONS::BEST, "BEST"},
+    {IRRADIANCE_INSTRUCTIONS::PLAIN, "PLAIN"},
+};
+constexpr ovMemory::EnumTable<IRRADIANCE_INSTRUCTIONS> enumTable(IRRADIANCE_INSTRUCTIONS) {
+    return {"IRRADIANCE_INSTRUCTIONS", IRRADIANCE_INSTRUCTIONS_ENTRIES};
+}
 
 /// Computes with the texels of one layout, on the CPU, on the thread that calls, in 64-bit floats.
 ///

@@ -1,8 +1,8 @@
 #include <ovVeldris/environment/irradiance/TextureIrradiance.h>
 
 #include <ovGraphics/device/Device.h>
+#include <ovGraphics/formats/TextureUtils.h>
 #include <ovGraphics/resources/Texture.h>
-#include <ovGraphics/resources/TextureUtils.h>
 
 namespace ovVeldris {
 

@@ -1,6 +1,7 @@
 // The coefficients of environments that are textures.
 #pragma once
 
+#include <ovMemory/Enumeration.h>
 #include <ovVeldris/environment/irradiance/IrradianceTransform.h>
 
 namespace ovGraphics {
@@ -16,6 +17,16 @@ enum class IRRADIANCE_FAILURE : unsigned int {
     COMPRESSED = 2, ///< its format is compressed
     UNREADABLE = 3  ///< the device did not hand out its texels
 };
+
+inline constexpr ovMemory::EnumEntry<IRRADIANCE_FAILURE> IRRADIANCE_FAILURE_ENTRIES[] = {
+    {IRRADIANCE_FAILURE::NONE, "NONE"},
+    {IRRADIANCE_FAILURE::UNLOADED, "UNLOADED"},
+    {IRRADIANCE_FAILURE::COMPRESSED, "COMPRESSED"},
+    {IRRADIANCE_FAILURE::UNREADABLE, "UNREADABLE"},
+};
+constexpr ovMemory::EnumTable<IRRADIANCE_FAILURE> enumTable(IRRADIANCE_FAILURE) {
+    return {"IRRADIANCE_FAILURE", IRRADIANCE_FAILURE_ENTRIES};
+}
 
 /// What the device holds in mip 0 of a texture: settings changed since it was loaded are not in it. All zeros
 /// for an unloaded one. Uploads what the texture's loading deferred.

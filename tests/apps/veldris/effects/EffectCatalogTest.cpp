@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cctype>
 #include <gtest/gtest.h>
-#include <ovVeldris/core/System.h>
+#include <ovVeldris/System.h>
 #include <ovVeldris/effects/EffectType.h>
 #include <ovVeldris/effects/ImageEnvironmentEffect.h>
 #include <ovVeldris/effects/ToneMappingEffect.h>

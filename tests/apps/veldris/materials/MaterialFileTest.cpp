@@ -5,9 +5,9 @@
 #include <fmt/format.h>
 #include <fstream>
 #include <gtest/gtest.h>
+#include <ovGraphics/Managers.h>
 #include <ovGraphics/System.h>
-#include <ovGraphics/resources/Managers.h>
-#include <ovVeldris/core/System.h>
+#include <ovVeldris/System.h>
 #include <ovVeldris/materials/MaterialManager.h>
 #include <random>
 #include <support/TemporaryFolder.h>

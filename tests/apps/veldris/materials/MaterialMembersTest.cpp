@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 #include <ovExport/JsonExporter.h>
 #include <ovGraphics/System.h>
-#include <ovVeldris/core/System.h>
+#include <ovVeldris/System.h>
 #include <set>
 
 using namespace veldris;

@@ -1,8 +1,8 @@
 #include <veldris/scene/MissingTextures.h>
 
 #include <gtest/gtest.h>
+#include <ovGraphics/Managers.h>
 #include <ovGraphics/System.h>
-#include <ovGraphics/resources/Managers.h>
 #include <ovGraphics/resources/Texture.h>
 #include <ovImages/CompositeEncoder.h>
 #include <ovVeldris/materials/PbsMaterial.h>

@@ -1,8 +1,8 @@
 #include <veldris/scene/ModelLight.h>
 
 #include <gtest/gtest.h>
+#include <ovVeldris/System.h>
 #include <ovVeldris/content/ModelLoader.h>
-#include <ovVeldris/core/System.h>
 #include <ovVeldris/materials/PbsMaterial.h>
 #include <veldris/Session.h>
 

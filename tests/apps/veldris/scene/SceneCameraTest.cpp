@@ -3,7 +3,7 @@
 #include <cmath>
 #include <gtest/gtest.h>
 #include <ovGraphics/System.h>
-#include <ovGraphics/scene/Camera.h>
+#include <ovGraphics/resources/Camera.h>
 
 namespace {
 

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
+#include <ovGraphics/Managers.h>
 #include <ovGraphics/System.h>
-#include <ovGraphics/resources/Managers.h>
-#include <ovGraphics/scene/Camera.h>
+#include <ovGraphics/resources/Camera.h>
 #include <ovVeldris/core/settings/SettingSample.h>
 #include <ovVeldris/core/settings/SettingText.h>
 

@@ -1,6 +1,6 @@
 #include <ovGraphics/compositor/Compositor.h>
+#include <ovGraphics/resources/Camera.h>
 #include <ovGraphics/resources/Shader.h>
-#include <ovGraphics/scene/Camera.h>
 #include <ovVeldris/environment/EnvironmentFixture.h>
 #include <ovVeldris/environment/detail/CubeFaces.h>
 

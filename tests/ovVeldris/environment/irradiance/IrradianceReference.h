@@ -4,7 +4,7 @@
 
 #include <array>
 #include <cstring>
-#include <ovGraphics/resources/Format.h>
+#include <ovGraphics/formats/Format.h>
 #include <ovMemory/Memory.h>
 #include <ovVeldris/environment/irradiance/IrradianceTransform.h>
 #include <random>

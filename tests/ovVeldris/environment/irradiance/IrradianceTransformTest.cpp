@@ -1,7 +1,7 @@
 #include <cmath>
 #include <gtest/gtest.h>
 #include <limits>
-#include <ovGraphics/resources/TextureUtils.h>
+#include <ovGraphics/formats/TextureUtils.h>
 #include <ovVeldris/environment/irradiance/IrradianceReference.h>
 
 using namespace ovVeldris;

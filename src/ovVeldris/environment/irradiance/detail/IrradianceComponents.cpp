@@ -1,7 +1,7 @@
 #include <ovVeldris/environment/irradiance/detail/IrradianceComponents.h>
 
 #include <algorithm>
-#include <ovGraphics/resources/TextureUtils.h>
+#include <ovGraphics/formats/TextureUtils.h>
 
 namespace ovVeldris {
 

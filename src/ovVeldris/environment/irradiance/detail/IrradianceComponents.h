@@ -3,7 +3,7 @@
 
 #include <cstddef>
 #include <ovCommon/Api.h>
-#include <ovGraphics/resources/Format.h>
+#include <ovGraphics/formats/Format.h>
 
 namespace ovVeldris {
 

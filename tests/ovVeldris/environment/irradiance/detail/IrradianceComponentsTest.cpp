@@ -1,5 +1,5 @@
 #include <gtest/gtest.h>
-#include <ovGraphics/resources/TextureUtils.h>
+#include <ovGraphics/formats/TextureUtils.h>
 #include <ovVeldris/environment/irradiance/detail/IrradianceComponents.h>
 
 using namespace ovVeldris;

@@ -1,18 +1,18 @@
-#include <ovVeldris/core/InstanceHolder.h>
+#include <ovMemory/InstanceHolder.h>
 
 #include <gtest/gtest.h>
 #include <memory>
 
 namespace {
 
-class OV_API Held : public ovCommon::MaybeSingletonClass<Held> {
+class OV_API Held : public ovCommon::MaybeSingletonClass<Held>, public ovMemory::Borrowable {
 public:
     static inline int alive = 0;
     explicit Held(bool = false) { ++alive; }
     ~Held() override { --alive; }
 };
 
-using Holder = ovVeldris::InstanceHolder<Held>;
+using Holder = ovMemory::InstanceHolder<Held>;
 
 class InstanceHolderTest : public testing::Test {
 protected:
@@ -95,4 +95,17 @@ TEST_F(InstanceHolderTest, FollowsTheInstance) {
     holder.destroy();
     EXPECT_EQ(holder.get(), nullptr);
     EXPECT_EQ(Held::getInstanceIfExisting(), nullptr);
+}
+
+TEST_F(InstanceHolderTest, HoldsNothingWhenSomebodyElseDestroysTheObject) {
+    Holder owner;
+    Holder borrower;
+    auto* const held = new Held();
+    owner.own(held);
+    borrower.borrow(held);
+    delete held;
+    EXPECT_EQ(owner.get(), nullptr);
+    EXPECT_EQ(borrower.get(), nullptr);
+    owner.destroy();
+    EXPECT_EQ(Held::alive, 0);
 }

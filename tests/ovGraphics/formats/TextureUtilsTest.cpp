@@ -1,4 +1,4 @@
-#include <ovGraphics/resources/TextureUtils.h>
+#include <ovGraphics/formats/TextureUtils.h>
 
 #include <cctype>
 #include <gtest/gtest.h>

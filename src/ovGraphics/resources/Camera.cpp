@@ -1,4 +1,4 @@
-#include <ovGraphics/scene/Camera.h>
+#include <ovGraphics/resources/Camera.h>
 
 #include <cmath>
 #include <numbers>

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <ovGraphics/resources/Program.h>
 #include <ovMemory/NameMap.h>
-#include <ovVeldris/effects/ProgramTrackersHolder.h>
+#include <ovVeldris/core/ProgramTrackersHolder.h>
 #include <unordered_map>
 
 namespace ovVeldris {

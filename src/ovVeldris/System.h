@@ -3,9 +3,9 @@
 
 #include <ovCommon/MaybeSingletonClass.h>
 #include <ovMemory/Borrowed.h>
+#include <ovMemory/InstanceHolder.h>
 #include <ovMemory/Memory.h>
-#include <ovVeldris/core/Configuration.h>
-#include <ovVeldris/core/InstanceHolder.h>
+#include <ovVeldris/Configuration.h>
 
 namespace ovVeldris {
 class System;
@@ -82,10 +82,10 @@ private:
     ovMemory::UniquePtr<ProjectLoader> _projectLoader;
     ovMemory::UniquePtr<PbsEnvironmentMapFilter> _pbsEnvironmentMapFilter;
     ovMemory::UniquePtr<EnvironmentRenderer> _environmentRenderer;
-    InstanceHolder<ComplexEffectManager> _complexEffectManager;
-    InstanceHolder<EffectManager> _effectManager;
-    InstanceHolder<LogManager> _logManager;
-    InstanceHolder<MaterialManager> _materialManager;
+    ovMemory::InstanceHolder<ComplexEffectManager> _complexEffectManager;
+    ovMemory::InstanceHolder<EffectManager> _effectManager;
+    ovMemory::InstanceHolder<LogManager> _logManager;
+    ovMemory::InstanceHolder<MaterialManager> _materialManager;
 };
 
 /// The system that an object is created for: the given one, or the singleton (created when missing) when it

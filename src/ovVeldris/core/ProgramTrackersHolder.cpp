@@ -1,4 +1,4 @@
-#include <ovVeldris/effects/ProgramTrackersHolder.h>
+#include <ovVeldris/core/ProgramTrackersHolder.h>
 
 namespace ovVeldris {
 

@@ -5,7 +5,7 @@
 #include <limits>
 #include <numbers>
 #include <ovGraphics/System.h>
-#include <ovGraphics/scene/Camera.h>
+#include <ovGraphics/resources/Camera.h>
 #include <support/RecordingLogger.h>
 
 using namespace ovGraphics;

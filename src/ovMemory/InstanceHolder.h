@@ -4,9 +4,9 @@
 #include <ovCommon/MaybeSingletonClass.h>
 #include <ovMemory/Borrowed.h>
 
-namespace ovVeldris {
+namespace ovMemory {
 
-/// Holds an object of a class T that derives from ovCommon::MaybeSingletonClass<T> and ovMemory::Borrowable,
+/// Holds an object of a class T that derives from ovCommon::MaybeSingletonClass<T> and Borrowable,
 /// in one of three ways.
 ///
 /// The instance is looked up each time, since anyone may kill it and make another; the other two are borrowed
@@ -64,7 +64,7 @@ private:
     }
 
     HOLD _hold = HOLD::NOTHING;
-    ovMemory::Borrowed<T> _object;
+    Borrowed<T> _object;
 };
 
-} // namespace ovVeldris
+} // namespace ovMemory

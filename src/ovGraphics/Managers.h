@@ -1,7 +1,7 @@
 // The managers of a graphics system, one per kind of resource.
 #pragma once
 
-#include <ovGraphics/resources/ResourceManager.h>
+#include <ovGraphics/ResourceManager.h>
 #include <ovMemory/Borrowed.h>
 
 namespace ovGraphics {

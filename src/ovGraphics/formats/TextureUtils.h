@@ -3,7 +3,8 @@
 
 #include <cstddef>
 #include <ovCommon/Api.h>
-#include <ovGraphics/resources/Format.h>
+#include <ovGraphics/formats/Format.h>
+#include <ovMemory/Enumeration.h>
 #include <ovMemory/Memory.h>
 
 namespace ovGraphics {
@@ -11,6 +12,14 @@ namespace ovGraphics {
 /// How the components of a format are read. A typeless format answers as the device reads it: 8-bit, 10-bit
 /// and block-compressed components as UNORM, wider ones (and BC6H) as FLOAT.
 enum class FORMAT_COMPONENT : unsigned int { NONE = 0, UNORM = 1, SNORM = 2, UINT = 3, SINT = 4, FLOAT = 5 };
+
+inline constexpr ovMemory::EnumEntry<FORMAT_COMPONENT> FORMAT_COMPONENT_ENTRIES[] = {
+    {FORMAT_COMPONENT::NONE, "NONE"}, {FORMAT_COMPONENT::UNORM, "UNORM"}, {FORMAT_COMPONENT::SNORM, "SNORM"},
+    {FORMAT_COMPONENT::UINT, "UINT"}, {FORMAT_COMPONENT::SINT, "SINT"},   {FORMAT_COMPONENT::FLOAT, "FLOAT"},
+};
+constexpr ovMemory::EnumTable<FORMAT_COMPONENT> enumTable(FORMAT_COMPONENT) {
+    return {"FORMAT_COMPONENT", FORMAT_COMPONENT_ENTRIES};
+}
 
 /// Facts of formats, for any value of FORMAT: a value outside the list answers as UNKNOWN does.
 class OV_API TextureUtils {

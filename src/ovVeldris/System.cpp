@@ -1,4 +1,4 @@
-#include <ovVeldris/core/System.h>
+#include <ovVeldris/System.h>
 
 #include <ovVeldris/complexEffects/ComplexEffectManager.h>
 #include <ovVeldris/content/ContentLoader.h>

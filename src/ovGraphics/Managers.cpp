@@ -1,9 +1,9 @@
-#include <ovGraphics/resources/Managers.h>
+#include <ovGraphics/Managers.h>
 
 #include <ovGraphics/System.h>
 #include <ovGraphics/compositor/RenderContext.h>
+#include <ovGraphics/resources/Camera.h>
 #include <ovGraphics/resources/Viewport.h>
-#include <ovGraphics/scene/Camera.h>
 #include <ovGraphics/scene/Mesh.h>
 #include <ovGraphics/scene/Node.h>
 #include <ovGraphics/scene/RenderQueue.h>
