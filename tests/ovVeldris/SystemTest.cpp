@@ -191,7 +191,7 @@ TEST_F(SystemTest, EndingTheSingletonByAnyRouteLeavesNoSingleton) {
             LogManager::kill();
             ovGraphics::System::kill();
             EXPECT_EQ(getExisting(), "System");
-            EXPECT_EQ(getParts(*System::getInstance()), "tools scripts trackers");
+            EXPECT_EQ(getParts(*System::getInstance()), "tools scripts");
             System::kill();
         },
     };
