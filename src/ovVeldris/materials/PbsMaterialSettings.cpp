@@ -1,5 +1,4 @@
 // The settings of PBS materials, made of the table of properties.
-#include <ovVeldris/core/EnumTexts.h>
 #include <ovVeldris/core/settings/SettingRows.h>
 #include <ovVeldris/materials/PbsMaterial.h>
 
@@ -11,33 +10,6 @@ using ovMaths::Vector;
 using Rows = SettingRows<PbsMaterial>;
 
 constexpr unsigned int COLOR_COMPONENTS = 3;
-
-constexpr EnumText<PBS_MODEL> MODELS[] = {
-    {PBS_MODEL::SPECULAR_METALNESS_ROUGHNESS, "metalness-roughness"},
-    {PBS_MODEL::SPECULAR_GLOSSINESS, "specular-glossiness"},
-};
-constexpr EnumText<ONE_CHANNEL_PACK> ONE_CHANNEL_PACKS[] = {
-    {ONE_CHANNEL_PACK::R, "r"},
-    {ONE_CHANNEL_PACK::G, "g"},
-    {ONE_CHANNEL_PACK::B, "b"},
-    {ONE_CHANNEL_PACK::A, "a"},
-};
-constexpr EnumText<SHADOW_MAP_PCF> PCF_METHODS[] = {
-    {SHADOW_MAP_PCF::NONE, "none"},
-    {SHADOW_MAP_PCF::PCF_4_TAP, "pcf-4-tap"},
-    {SHADOW_MAP_PCF::PCF_9_TAP, "pcf-9-tap"},
-    {SHADOW_MAP_PCF::PCF_16_TAP, "pcf-16-tap"},
-};
-
-/// Every order of three channels.
-ovMemory::Buffer<EnumText<THREE_CHANNEL_PACK>> listThreeChannelPacks() {
-    ovMemory::Buffer<EnumText<THREE_CHANNEL_PACK>> packs;
-    for (uint32_t number = 0; number <= static_cast<uint32_t>(THREE_CHANNEL_PACK::ABR); ++number) {
-        const auto pack = static_cast<THREE_CHANNEL_PACK>(number);
-        packs.push_back({pack, ThreeChannelPackUtils::enumToStringLower(pack)});
-    }
-    return packs;
-}
 
 /// Changes one of the parameters of the shadow map.
 template <typename Value>
@@ -121,13 +93,14 @@ private:
             },
             row.name.help));
         if (row.vectorChannels)
-            _rows.push_back(Rows::enumeration(row.channelsSetting, listThreeChannelPacks(),
+            _rows.push_back(Rows::enumeration(row.channelsSetting,
+                                              ovMemory::enumTableOf<THREE_CHANNEL_PACK>(),
                                               _getter(row.vectorChannels), _storer(row.vectorChannels),
                                               _default.*row.vectorChannels,
                                               "the channels of the texture that hold x, y and z")
                                 .atLoad());
         if (row.numberChannel)
-            _rows.push_back(Rows::enumeration(row.channelsSetting, ONE_CHANNEL_PACKS,
+            _rows.push_back(Rows::enumeration(row.channelsSetting, ovMemory::enumTableOf<ONE_CHANNEL_PACK>(),
                                               _getter(row.numberChannel), _storer(row.numberChannel),
                                               _default.*row.numberChannel,
                                               "the channel of the texture that holds the number")
@@ -143,7 +116,7 @@ private:
                                              material.getShadowMapParameters());
             },
             "the camera of the light, which the shadow map was drawn with"));
-        _rows.push_back(Rows::enumeration("shadow-map-pcf-method", PCF_METHODS,
+        _rows.push_back(Rows::enumeration("shadow-map-pcf-method", ovMemory::enumTableOf<SHADOW_MAP_PCF>(),
                                           shadowGetter(&ShadowMapParameters::pcfMethod),
                                           shadowSetter(&ShadowMapParameters::pcfMethod), byDefault.pcfMethod,
                                           "how many texels of the shadow map are compared and averaged")
@@ -167,8 +140,8 @@ private:
                        ? PBS_MODEL::SPECULAR_GLOSSINESS
                        : PBS_MODEL::SPECULAR_METALNESS_ROUGHNESS;
         };
-        _rows.push_back(Rows::enumeration(PBS_MODEL_NAME.setting, MODELS, get, &PbsMaterial::setPbsModel,
-                                          _default.pbsModel, PBS_MODEL_NAME.help)
+        _rows.push_back(Rows::enumeration(PBS_MODEL_NAME.setting, ovMemory::enumTableOf<PBS_MODEL>(), get,
+                                          &PbsMaterial::setPbsModel, _default.pbsModel, PBS_MODEL_NAME.help)
                             .atLoad());
     }
 
