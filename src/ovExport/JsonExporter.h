@@ -10,7 +10,7 @@ namespace ovExport {
 ///
 /// Texts are UTF-8. A byte order mark at the start is skipped, never written. Nothing else beyond the RFC is
 /// accepted: no comments, no trailing commas, no NaN. Neither direction recurses, throws or depends on the
-/// locale. Objects hold nothing but the settings: several threads may share one while nobody sets it.
+/// locale. An object holds only its settings, so several threads may share one while nobody changes them.
 class OV_API JsonExporter {
 public:
     /// Arrays and objects that may stand inside each other in a text that is read. Deeper ones are an error.

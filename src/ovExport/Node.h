@@ -106,35 +106,35 @@ public:
     /// findTextPosition() makes a line and a column of it.
     std::uint32_t getSourceIndex() const { return _record.sourceIndex; }
 
-    /// Number of elements; 0 if this is no array.
+    /// Number of elements; 0 if this is not an array.
     unsigned int getArraySize() const;
-    /// An element, or null if this is no array or has no such element. Takes logarithmic time in the number
-    /// of elements that were added by hand, constant time in those that were read.
+    /// An element, or null if this is not an array or has no such element. Takes logarithmic time in the
+    /// number of elements that were added by hand, constant time in those that were read.
     Node* getArrayElement(unsigned int index);
     const Node* getArrayElement(unsigned int index) const;
 
-    /// Number of members, those with equal names included; 0 if this is no object.
+    /// Number of members, those with equal names included; 0 if this is not an object.
     unsigned int getMemberCount() const;
-    /// Name of a member; empty if this is no object or has no such member. Valid as long as the tree.
+    /// Name of a member; empty if this is not an object or has no such member. Valid as long as the tree.
     ovMemory::StringView getMemberKey(unsigned int index) const;
-    /// A member by its name, compared byte for byte; null if this is no object or has none of that name. Of
+    /// A member by its name, compared byte for byte; null if this is not an object or lacks the name. Of
     /// several with one name, as a text may have them, the first. Takes linear time in the number of members.
     Node* getMemberValue(ovMemory::StringView name);
     const Node* getMemberValue(ovMemory::StringView name) const;
-    /// A member by its place in the order; null if this is no object or has no such member.
+    /// A member by its place in the order; null if this is not an object or has no such member.
     Node* getMemberValueIndex(unsigned int index);
     const Node* getMemberValueIndex(unsigned int index) const;
 
     /// The value as text: a string as it is, a bool as "true" or "false", a number as a JSON text would have
-    /// it (NaN and infinities as "NaN", "Infinity" and "-Infinity"). Empty if this is no value.
+    /// it (NaN and infinities as "NaN", "Infinity" and "-Infinity"). Empty if this is not a value.
     ovMemory::String getValueAsString() const;
     /// The characters of a string without a copy, valid until this node is changed; empty if this is none.
     ovMemory::StringView getValueAsStringView() const;
 
     /// The value as a number: a fraction is cut off towards zero; what lies beyond the type's range becomes
     /// the nearest number of it; NaN becomes 0. Bools are 0 or 1. A string counts as the number that its
-    /// whole text is, written as in JSON, or as NaN, Infinity or -Infinity; any other string, and what is no
-    /// value, is 0.
+    /// whole text is, written as in JSON, or as NaN, Infinity or -Infinity; any other string is 0, and so is
+    /// a node that is not a value.
     int getValueAsInt() const;
     unsigned int getValueAsUint() const;
     std::int64_t getValueAsInt64() const;
@@ -147,11 +147,11 @@ public:
     /// 0 and NaN.
     bool getValueAsBool() const;
 
-    /// Appends an empty element; makes this an array first if it is none. The pointer belongs to the tree.
+    /// Appends an empty element; makes this an array first if it is not one. The pointer belongs to the tree.
     Node* addElement();
     /// The member of that name as it stands if there is one (so that a derived class may set again what its
-    /// base has set), or else a new empty one at the end; makes this an object first if it is none. The name
-    /// is copied. The pointer belongs to the tree.
+    /// base has set), or else a new empty one at the end; makes this an object first if it is not one. The
+    /// name is copied. The pointer belongs to the tree.
     Node* addMember(ovMemory::StringView name);
 
     /// Copies the text, which may hold any bytes, NUL included. As in names, what lies beyond 4 GiB is cut

@@ -7,7 +7,7 @@
 
 namespace veldris {
 
-/// What a file's header tells of its cube.
+/// The cube as the header of a file describes it.
 struct CubeFileHeader {
     std::uint32_t width = 0;
     std::uint32_t height = 0;

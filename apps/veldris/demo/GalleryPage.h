@@ -22,7 +22,7 @@ struct GalleryHeader {
     unsigned int height = 0;
 };
 
-/// A page of HTML, whole in itself but for the pictures.
+/// A page of HTML that needs no other file except the pictures.
 ovMemory::String galleryPage(const GalleryHeader& header, const ovMemory::Buffer<GalleryEntry>& entries);
 
 } // namespace veldris

@@ -23,14 +23,14 @@ struct DeclaredEntry {
 
 /// A file with everything that is wrong with it.
 struct DeclarationFile {
-    ovMemory::UniquePtr<ovExport::Node> tree; ///< null when the text is no JSON
+    ovMemory::UniquePtr<ovExport::Node> tree; ///< null when the text is not JSON
     /// Those of the root: itself, its elements, or those of its member "materials". Empty for another root.
     ovMemory::Buffer<DeclaredEntry> entries;
     ovMemory::Buffer<DeclarationProblem> problems; ///< by line
 };
 
 /// Reads and checks a text. It may be one entry, an array of entries, or an object with the array
-/// "materials". What the library would read in silence is told as well: names of members that mean nothing,
+/// "materials". It also reports what the library reads without a word: names of members that mean nothing,
 /// values of the wrong kind or out of range, packings that fall back to another, and colours that a texture
 /// replaces.
 DeclarationFile checkDeclarations(ovMemory::StringView text);

@@ -25,8 +25,7 @@ ovMemory::String writeMaterialFile(ovMemory::BufferView<ovVeldris::PbsMaterial* 
 /// @param problems receives everything that checkDeclarations() finds, and each material that the manager
 ///        refuses. One of line 0 when the file cannot be read
 /// @return the materials in the order of the file, each once; those whose entries cannot be used are left
-/// out.
-///         They belong to the system's manager
+///         out. They belong to the system's manager
 ovMemory::Buffer<ovVeldris::PbsMaterial*> readMaterialFile(ovMemory::StringView path,
                                                            ovVeldris::System& system,
                                                            ovMemory::Buffer<DeclarationProblem>& problems);

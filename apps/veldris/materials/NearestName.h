@@ -1,13 +1,13 @@
-// What somebody may have meant by a name that there is not.
+// What somebody may have meant by a name that does not exist.
 #pragma once
 
 #include <ovMemory/Memory.h>
 
 namespace veldris {
 
-/// The known name that a name can be told from by the fewest edits (a character put in, taken out or
-/// replaced): three at most and no more than half of its characters, unless one of the two contains the other
-/// and is of four characters or more. Of equally near ones the first.
+/// The known name that the fewest edits make of a name (a character put in, taken out or replaced). At most
+/// three edits count, and at most half as many as the name has characters, unless one name contains the other
+/// and the shorter has four characters or more. Of equally near names the first is taken.
 /// @return empty when no name is near
 ovMemory::StringView findNearestName(ovMemory::StringView name,
                                      const ovMemory::Buffer<ovMemory::StringView>& known);

@@ -19,9 +19,10 @@ class Session;
 class EnvironmentLight {
 public:
     /// @param panorama by longitude and latitude, scene-linear: the top row looks up, the middle along +x.
-    /// Texels that are no number become black, and those beyond the range of half floats its largest number:
-    /// one such texel would spoil whole mips. @param warning gets one line when there were such.
-    /// What is filtered is kept in the session's cache folder (EnvironmentCache)
+    /// Texels that are NaN become black, and texels beyond the range of half floats become its largest
+    /// number, because one such texel would spoil whole mips. What is filtered is kept in the session's
+    /// cache folder (EnvironmentCache).
+    /// @param warning gets one line when there were such texels
     /// @return null with one line in error when the device cannot hold it
     static ovMemory::UniquePtr<EnvironmentLight> create(Session& session, const ovImages::ImageView& panorama,
                                                         ovMemory::String& warning, ovMemory::String& error);

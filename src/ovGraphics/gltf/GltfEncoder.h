@@ -7,7 +7,7 @@
 
 namespace ovGraphics {
 
-/// How to read.
+/// How a glTF file is read.
 struct GltfDecodeOptions {
     /// The folder that outside buffers and images of a text file are looked for in, absolute or relative to
     /// the process' current folder. Empty: none are read.

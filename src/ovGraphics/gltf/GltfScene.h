@@ -81,7 +81,7 @@ struct GltfImage {
                                          std::size_t maxBytes = ovImages::MAX_IMAGE_BYTES) const;
 };
 
-/// Which of its values a material is described by.
+/// Which set of values describes a material.
 enum class GLTF_WORKFLOW : unsigned int { METALLIC_ROUGHNESS = 0, SPECULAR_GLOSSINESS = 1 };
 
 inline constexpr ovMemory::EnumEntry<GLTF_WORKFLOW> GLTF_WORKFLOW_ENTRIES[] = {

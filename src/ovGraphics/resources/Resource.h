@@ -17,9 +17,9 @@ class System;
 
 /// A named object of a graphics system: a texture, a shader, a camera, a compositor, ...
 ///
-/// Settings are stored by setters and take effect on the device at load(). A resource outlives neither of two
-/// things silently: when its system shuts down it is unloaded, and when it is destroyed whoever borrowed it
-/// forgets it.
+/// Settings are stored by setters and take effect on the device at load().
+/// When the system shuts down, its resources are unloaded.
+/// When a resource is destroyed, whoever borrowed it forgets it.
 class OV_API Resource : public ovMemory::Borrowable {
 public:
     Resource(const Resource&) = delete;

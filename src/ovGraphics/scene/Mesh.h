@@ -20,8 +20,8 @@ class GpuGeometry;
 ///
 /// Vertices and indices are given as the *new* arrays. load() uploads them and makes them the *current* ones;
 /// the new ones are then empty. load() without new arrays uploads the current ones again. It fails for
-/// vertices that are no whole number of the composition's stride, for indices of vertices that are not there,
-/// and for no vertices at all.
+/// vertices whose bytes are not a whole number of strides, for an index of a vertex that is not there, and
+/// without any vertex.
 class OV_API Mesh : public Resource {
 public:
     /// A new, unloaded mesh: a triangle list without vertices; a null system means the singleton.
@@ -48,20 +48,20 @@ public:
     /// Packs the new vertex array from one vector for each attribute of each vertex: all attributes of the
     /// first vertex in the order of the composition, then those of the second. Fractions are clamped to the
     /// range of their format and rounded, whole numbers likewise.
-    /// @return false, changing nothing, when the values are no whole number of vertices
+    /// @return false, changing nothing, when the values are not a whole number of vertices
     bool fillPackedFromUnpacked(ovMemory::BufferView<const ovMaths::Vector> values);
 
     /// Of the current arrays.
     unsigned int getVertexCount() const;
     unsigned int getIndexCount() const { return static_cast<unsigned int>(_indices.size()); }
-    /// Of the current vertices' attribute "POSITION", those that are finite; empty when the mesh was never
-    /// loaded or has no such attribute of three or four floats.
+    /// The box around the finite positions of the current vertices, by the attribute "POSITION". Empty when
+    /// the mesh was never loaded or has no such attribute of three or four floats.
     const BoundingBox& getBoundingBox() const { return _boundingBox; }
 
     void reset() override;
 
     /// The mesh as a program reads it, with instance data laid out as the slots say.
-    /// @return null when the mesh is unloaded or the device refuses, after one log line for the latter
+    /// @return null when the mesh is unloaded; null after one log line when the device refuses
     device::GpuGeometry* getGeometry(const LoadedProgram& program, InstanceSlots slots);
     /// Indices of a draw; vertices when there are none.
     unsigned int getDrawCount() const { return _indices.empty() ? getVertexCount() : getIndexCount(); }

@@ -14,15 +14,15 @@ class OV_API Node : public Resource {
 public:
     static ovMemory::UniquePtr<Node> create(System* system);
     explicit Node(System* system);
-    /// Children stay where they are relative to what is then their parent: none.
+    /// The children become roots and keep their place relative to the parent that they lose.
     ~Node() override;
 
     // Relative to the parent: scaled, then rotated, then moved.
     void setPosition(const ovMaths::Vector& position);
     void setOrientation(const ovMaths::Quaternion& orientation);
     void setScale(const ovMaths::Vector& scale);
-    /// All three at once, and what they cannot say: shear. The components are then those of
-    /// Matrix::getDecomposed, and setting one of them drops the shear.
+    /// Position, orientation and scale at once, and also shear, which they cannot express. The components are
+    /// then what Matrix::getDecomposed gives, and setting one of them drops the shear.
     void setLocalMatrix(const ovMaths::Matrix& matrix);
     const ovMaths::Vector& getPosition() const { return _position; }
     const ovMaths::Quaternion& getOrientation() const { return _orientation; }
@@ -41,8 +41,8 @@ public:
 
     /// Node to world.
     const ovMaths::Matrix& getWorldMatrix() const;
-    /// The transposed inverse of the world matrix; of a world matrix without an inverse the transposed
-    /// adjugate, which still turns normals to where they then point.
+    /// The transposed inverse of the world matrix. A world matrix without an inverse gives the transposed
+    /// adjugate, which still turns normals in the right direction.
     const ovMaths::Matrix& getWorldMatrixInvTranspose() const;
     /// Whether the world matrix turns left into right, so that front faces run the other way.
     bool isMirrored() const;

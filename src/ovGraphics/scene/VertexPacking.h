@@ -6,8 +6,8 @@
 
 namespace ovGraphics {
 
-/// Packs one vector for each attribute of each vertex, as Mesh::fillPackedFromUnpacked tells. A number that
-/// is not one becomes 0 in whole numbers and fractions.
+/// Packs one vector for each attribute of each vertex, as Mesh::fillPackedFromUnpacked tells. NaN becomes 0
+/// in formats of whole numbers and fractions.
 /// @param values a whole number of vertices
 OV_API ovMemory::Buffer<unsigned char> packVertices(const VertexComposition& composition,
                                                     ovMemory::BufferView<const ovMaths::Vector> values);

@@ -28,9 +28,8 @@ public:
 
     /// Takes over an effect that was made elsewhere, under a name that need not be its own.
     /// @return the effect passed in. When the name was taken, one log line says so, the registered effect
-    /// stays, and
-    ///         the one passed in is destroyed: the pointer must not be used then. Null, after one log line,
-    ///         when no effect is passed in
+    ///         stays, and the one passed in is destroyed: the pointer must not be used then. Null, after one
+    ///         log line, when no effect is passed in
     ComplexEffect* record(ovMemory::StringView name, ovMemory::UniquePtr<ComplexEffect> effect);
 
     /// The effect of a name, or null.

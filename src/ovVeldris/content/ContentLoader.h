@@ -38,8 +38,8 @@ public:
     ovMemory::String inputDataStr(ovMemory::StringView path) const;
 
     /// The tree of a JSON text.
-    /// @return empty for what is not JSON, after six log lines: what is wrong and the whole story, each after
-    ///         a head, with empty lines (of sender "-") around them
+    /// @return empty when the text is not JSON, after six log lines: an empty one (of sender "-"), a head,
+    ///         what is wrong, an empty one, the full message with line and column, an empty one
     ovExport::ExporterLoadResult inputDataSources(ovMemory::StringView text) const;
 
     /// Writes a file, whole or not at all; an existing one is replaced.
@@ -57,15 +57,14 @@ public:
 
     /// Makes the materials of a file. They are loaded, too, whatever the flag says: it is kept for its
     /// callers.
-    /// @return as processMaterialSources(); a file that is missing counts as an empty text, which is no JSON
+    /// @return as processMaterialSources(); a missing file counts as an empty text, which is not JSON
     Materials loadMaterialDeclaration(ovMemory::StringView path, bool load) const;
 
     /// Makes the materials of a text: of its root, if that is an object, or of each element, if it is an
     /// array. A failed element does not stop the others.
     /// @param load whether each material is loaded, again if it was already
     /// @return of a root object what processMaterialTree() gives. Of an array the materials of all elements
-    /// that
-    ///         could be made, the message of each other one, and PARTLY_DONE if there is one (even if no
+    ///         that could be made, the message of each other one, and PARTLY_DONE if there is one (even if no
     ///         element could be made). FAILED with one message for a text that is not JSON (which is also
     ///         logged) and for a root of another nature
     Materials processMaterialSources(ovMemory::StringView text, bool load) const;
@@ -74,12 +73,10 @@ public:
     /// and lets it read the entry.
     /// @param node an object with the strings "name" and "type"; null counts as no object. Not kept
     /// @param load whether the material is loaded, again if it was already. Whether that succeeds is logged
-    /// by
-    ///        the material and does not show in the result
-    /// @return one material; or FAILED with one message for a node that is no object, for a name or a type
-    /// that
-    ///         is missing or no string, an unknown type, and when the material manager refuses (which is
-    ///         before System::initialize() as well)
+    ///        by the material and does not show in the result
+    /// @return one material; or FAILED with one message: when the node is not an object, when its name or its
+    ///         type is missing or not a string, when the type is unknown, and when the material manager
+    ///         refuses, which it also does before System::initialize()
     Materials processMaterialTree(ovExport::Node* node, bool load) const;
 
 private:

@@ -20,8 +20,7 @@ public:
     /// Does nothing unless overridden.
     /// @param material of the entry, owned by its manager
     /// @param node the entry; belongs to the loader and is not kept. Members may be read from it when
-    /// loading,
-    ///        and added to it when saving
+    ///        loading, and added to it when saving
     virtual void onMaterial(Material* material, ovExport::Node* node);
 };
 

@@ -25,8 +25,7 @@ class OV_API EffectManager : public ovCommon::MaybeSingletonClass<EffectManager>
 public:
     /// The effect of that name and type, created unloaded when there is none of that name.
     /// @return null after one log line when the name belongs to an effect of another type, which stays, or
-    /// when no
-    ///         effect of that type can be created
+    ///         when no effect of that type can be created
     Effect* createOrRetrieve(ovMemory::StringView name, EFFECT_TYPE type);
 
     /// Takes over an effect made elsewhere under a name; the effect's own name does not change. An effect

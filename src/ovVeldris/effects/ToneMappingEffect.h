@@ -58,8 +58,7 @@ public:
 
     /// Extended Reinhard: white and brighter become 1 and more. Reinhard et al. 2002, equation 4.
     /// @param maxWhite the smallest colour that becomes 1: scene-linear red, green, blue above 0; w is
-    /// ignored. On
-    ///        luminance only its luminance counts. Default (2, 2, 2).
+    ///        ignored. On luminance only its luminance counts. Default (2, 2, 2).
     void setAsReinhard(const ovMaths::Vector& maxWhite);
 
     /// A filmic curve with toe and shoulder. Its useful ranges are with the descriptor's fields. Black stays

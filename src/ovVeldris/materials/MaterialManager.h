@@ -28,9 +28,8 @@ public:
 
     /// Takes over a material that was made elsewhere, under a name that need not be its own.
     /// @return the material passed in. When the name was taken, one log line says so, the registered material
-    /// stays, and
-    ///         the one passed in is destroyed: the pointer must not be used then. Null, after one log line,
-    ///         when no material is passed in
+    ///         stays, and the one passed in is destroyed: the pointer must not be used then. Null, after one
+    ///         log line, when no material is passed in
     Material* record(ovMemory::StringView name, ovMemory::UniquePtr<Material> material);
 
     /// The material of a name, or null.

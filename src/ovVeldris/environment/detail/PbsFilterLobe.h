@@ -15,7 +15,7 @@ struct PbsFilterLobe {
     float weightSum = 0.0f; ///< of all z
 };
 
-/// Samples of a lobe at most, all of which it has but for those below the horizon; one at roughness 0.
+/// The most samples of a lobe. A lobe has fewer when some lie below the horizon, and one at roughness 0.
 constexpr unsigned int PBS_FILTER_SAMPLE_COUNT = 1024;
 
 /// Points of a Hammersley set made denser where the GGX lobe of the roughness is, seen along the normal.

@@ -50,11 +50,12 @@ constexpr ovMemory::EnumTable<IRRADIANCE_INSTRUCTIONS> enumTable(IRRADIANCE_INST
 
 /// Computes with the texels of one layout, on the CPU, on the thread that calls, in 64-bit floats.
 ///
-/// Every texel weighs the same, whatever solid angle it covers, and stands for its top left corner. A map's
-/// longitude is 0 at +z and rises towards +x, its latitude is 0 at +y: another convention than that of the
-/// library's other maps, where its x is -z and its z is -x. Coefficients show that, drawn maps do not, as
-/// they are written like they are read. A constant environment therefore gives 0.84 of it at the equator of a
-/// map's result and 1.31 at the poles; a cube of 256 texels a side keeps it within 0.43 %.
+/// Every texel weighs the same, whatever solid angle it covers, and stands for the direction of its top left
+/// corner. Neither is exact: a constant environment of 1 gives 0.84 at the equator of a map's result and 1.31
+/// at its poles, and a cube of 256 texels a side gives 1 within 0.43 %. A map's longitude is 0 at +z and
+/// rises towards +x, and its latitude is 0 at +y. The other maps of the library have other axes: their x is
+/// -z here, and their z is -x. The coefficients show this. Drawn maps do not, because they are written as
+/// they are read.
 ///
 /// Texels are read as memory holds them, without decoding sRGB: 32-bit floats and integers and 8-bit integers
 /// where the format is one of R32G32B32(A32) or R8G8B8A8, and bytes for any other format, whatever it means.
@@ -74,18 +75,17 @@ public:
     /// that is UNKNOWN, compressed or has several texels in a block. Empty when they can.
     ovMemory::StringView getProblem() const { return _problem; }
 
-    /// Whether the format's own components are read; false means bytes for want of better.
+    /// Whether the format's own components are read; false: the texels are read as bytes.
     bool isFormatListed() const;
 
     /// Bytes of a row without gaps.
     std::size_t getTightPitch() const;
 
-    /// Adds one slice's share to the coefficients: those of the map are there when every slice was added once
-    /// to zeros. Values that are not finite spread to all coefficients of their channel.
+    /// Adds one slice's share to the coefficients. Start from zeros and add every slice once to get the
+    /// coefficients of the map. A value that is not finite spreads to all coefficients of its channel.
     /// @param rowPitch bytes from one row to the next; 0 for rows without gaps
     /// @return false, and nothing added, when getProblem() tells why, when there is no such slice, or when
-    /// the
-    ///         bytes are too few
+    ///         the bytes are too few
     bool project(unsigned int slice, ovMemory::BufferView<const unsigned char> bytes, std::size_t rowPitch,
                  IrradianceCoefficients& coefficients);
 

@@ -12,7 +12,7 @@ enum class IRRADIANCE_COMPONENT : unsigned int { FLOAT32 = 0, UINT32 = 1, SINT32
 /// A format's texels as the computation sees them.
 struct IrradianceComponents {
     IRRADIANCE_COMPONENT component = IRRADIANCE_COMPONENT::UINT8;
-    bool isListed = false; ///< false: read as bytes for want of something better
+    bool isListed = false; ///< false: the texels are read as bytes
     unsigned int channels =
         0; ///< components read and written, 0 to 4: the format's, as far as a texel has room
     std::size_t texelSize = 0; ///< bytes from one texel to the next

@@ -30,8 +30,7 @@ using RowBasis = std::array<std::array<double, ROW_FUNCTIONS>, BASIS_FUNCTIONS>;
 /// In both shapes each of x, y and z is p + q * even + r * odd with p, q and r of the row alone, and
 /// odd^2 = 1 - g * even^2:
 /// - a map at longitude phi = 2 pi u and latitude theta = pi v has the direction (sin theta sin phi, cos
-/// theta,
-///   sin theta cos phi); even and odd are the cosine and sine of phi - pi, and g = 1;
+///   theta, sin theta cos phi); even and odd are the cosine and sine of phi - pi, and g = 1;
 /// - a cube's face at a = 2 u - 1, b = 2 v - 1 has (1, a, b) in some order and sign over
 ///   sqrt(a^2 + b^2 + 1) = 1 / k; even is k, odd is k a, and g = 1 + b^2.
 /// Products of two of them are therefore sums of the five row functions.
