@@ -157,10 +157,11 @@ struct GltfNode {
     ovMemory::Buffer<unsigned int> children;
 
     /// Local position, orientation and scale. A matrix of the file that is sheared is not their product; a
-    /// warning says so, and `world` is right nevertheless.
+    /// warning says so, and the matrices are right nevertheless.
     ovMaths::Vector position;
     ovMaths::Quaternion orientation;
     ovMaths::Vector scale{1.0f, 1.0f, 1.0f};
+    ovMaths::Matrix local; ///< from the node's space to its parent's
     ovMaths::Matrix world; ///< from the node's space to the scene's, all parents included
 
     int mesh = -1;

@@ -88,20 +88,17 @@ void warnOfShear(const GltfObject& source, const GltfNode& node, const Matrix& m
             if (!(std::abs(product.m[row][column] - matrix.m[row][column]) <= SHEAR_TOLERANCE * length)) {
                 source.warn(
                     "its matrix is sheared, which position, orientation and scale cannot say; only its "
-                    "world matrix is right");
+                    "matrices are right");
                 return;
             }
     }
 }
 
-// Fills the local transformation, and gives it as a matrix.
-Matrix readTransformation(const GltfObject& source, GltfNode& node) {
-    Matrix matrix;
-    if (readMatrix(source, matrix)) {
-        matrix = mirrorGltf(matrix);
-        matrix.getDecomposed(node.position, node.scale, node.orientation);
-        warnOfShear(source, node, matrix);
-        return matrix;
+void readTransformation(const GltfObject& source, GltfNode& node) {
+    if (readMatrix(source, node.local)) {
+        node.local = mirrorGltf(node.local);
+        node.local.getDecomposed(node.position, node.scale, node.orientation);
+        return warnOfShear(source, node, node.local);
     }
     node.position = mirrorGltf(source.readVector("translation", 3, {}, -HUGE_NUMBER, HUGE_NUMBER));
     node.scale = source.readVector("scale", 3, node.scale, -HUGE_NUMBER, HUGE_NUMBER);
@@ -109,8 +106,7 @@ Matrix readTransformation(const GltfObject& source, GltfNode& node) {
         source.readVector("rotation", 4, {0.0f, 0.0f, 0.0f, 1.0f}, -HUGE_NUMBER, HUGE_NUMBER);
     node.orientation = mirrorGltf(Quaternion(rotation.x, rotation.y, rotation.z, rotation.w));
     node.orientation.normalize();
-    matrix.setToTransformation(node.position, node.scale, node.orientation);
-    return matrix;
+    node.local.setToTransformation(node.position, node.scale, node.orientation);
 }
 
 bool linkChildren(const GltfJson& nodes, GltfReport& report, GltfScene& scene) {
@@ -169,19 +165,28 @@ bool readRoots(const GltfJson& root, GltfReport& report, GltfScene& scene,
     return true;
 }
 
-void fillWorlds(const Buffer<unsigned int>& order, const Buffer<Matrix>& locals, GltfReport& report,
-                GltfScene& scene, Buffer<GltfNodeSource>& sources) {
+/// Takes the transformation of a node back.
+void standStill(GltfNode& node) {
+    node.position = {};
+    node.orientation = {};
+    node.scale = {1.0f, 1.0f, 1.0f};
+    node.local = Matrix();
+}
+
+void fillWorlds(const Buffer<unsigned int>& order, GltfReport& report, GltfScene& scene,
+                Buffer<GltfNodeSource>& sources) {
     for (const unsigned int index : order) {
         GltfNode& node = scene.nodes[index];
-        const Matrix& local = locals[index];
-        node.world =
-            node.parent < 0 ? local : scene.nodes[static_cast<std::size_t>(node.parent)].world * local;
+        const Matrix parent =
+            node.parent < 0 ? Matrix() : scene.nodes[static_cast<std::size_t>(node.parent)].world;
+        node.world = node.parent < 0 ? node.local : parent * node.local;
         if (!isFinite(node.world)) {
             report.warn(
                 fmt::format("{}: its transformation is beyond the range of floats; the identity is taken "
                             "instead",
                             describeGltf("node", index, node.name)));
-            node.world = Matrix();
+            standStill(node);
+            node.world = parent;
         }
         sources[index].world = mirrorGltf(node.world);
     }
@@ -217,13 +222,12 @@ bool readGltfNodes(const GltfJson& root, GltfReport& report, GltfScene& scene,
     const std::size_t skinCount = root["skins"].getCount();
     const std::size_t lightCount = root["extensions"]["KHR_lights_punctual"]["lights"].getCount();
     GltfNames names("node");
-    Buffer<Matrix> locals;
     for (std::size_t i = 0; i < nodes.getCount(); ++i) {
         const GltfObject source = getGltfObject(nodes, "node", i, report);
         GltfNode& node = scene.nodes.emplace_back();
         GltfNodeSource& extra = sources.emplace_back();
         node.name = names.makeUnique(source.readString("name"), i);
-        locals.push_back(readTransformation(source, node));
+        readTransformation(source, node);
         if (!source.readIndex("mesh", meshCount, "meshes", node.mesh) ||
             !source.readIndex("camera", scene.cameras.size(), "cameras", node.camera) ||
             !source.readIndex("skin", skinCount, "skins", extra.skin) ||
@@ -240,7 +244,7 @@ bool readGltfNodes(const GltfJson& root, GltfReport& report, GltfScene& scene,
     if (order.size() < scene.nodes.size())
         return report.fail(fmt::format("{} of the nodes are below themselves, in a circle",
                                        scene.nodes.size() - order.size()));
-    fillWorlds(order, locals, report, scene, sources);
+    fillWorlds(order, report, scene, sources);
     return readRoots(root, report, scene, parentless);
 }
 

@@ -128,9 +128,8 @@ TEST(GltfNodesTest, warnsOfTransformationsThatItCannotKeep) {
     };
     const Case cases[] = {
         {R"({"matrix": [1, 0, 0, 0,  1, 1, 0, 0,  0, 0, 1, 0,  0, 0, 0, 1]})",
-         "node 0: its matrix is sheared, which position, orientation and scale cannot say; only its world "
-         "matrix is "
-         "right"},
+         "node 0: its matrix is sheared, which position, orientation and scale cannot say; only its matrices "
+         "are right"},
         {R"({"name": "A", "matrix": [1, 2, 3]})",
          "node 0 \"A\": its 'matrix' is no array of 16 numbers; the identity is taken instead"},
         {R"({"translation": "up"})",
@@ -141,9 +140,22 @@ TEST(GltfNodesTest, warnsOfTransformationsThatItCannotKeep) {
     };
     for (const Case& row : cases)
         EXPECT_EQ(decodeWhole(makeNodes(row.nodes)).warnings, Strings({row.warning}));
+    const GltfScene far = decodeWhole(makeNodes(cases[3].nodes));
+    EXPECT_EQ(far.nodes.at(1).local, Matrix());
+    EXPECT_EQ(far.nodes.at(1).scale, Vector(1, 1, 1));
+    EXPECT_EQ(far.nodes.at(1).world, far.nodes.at(0).world) << "it is where its parent is";
     // A rotation without a direction is none.
     const GltfScene scene = decodeWhole(makeNodes(R"({"rotation": [0, 0, 0, 0]})"));
     EXPECT_EQ(scene.nodes.at(0).orientation, Quaternion());
+}
+
+TEST(GltfNodesTest, keepsLocalMatricesAsTheyAre) {
+    const GltfScene scene = decodeWhole(makeNodes(
+        R"({"matrix": [1, 0, 0, 0,  1, 1, 0, 0,  0, 0, 1, 0,  5, 0, 0, 1], "children": [1]},
+           {"translation": [1, 2, 3], "scale": [2, 2, 2]})"));
+    EXPECT_EQ(scene.nodes.at(0).local * Vector(0, 1, 0, 1), Vector(6, 1, 0, 1)) << "sheared";
+    EXPECT_EQ(scene.nodes.at(1).local * Vector(1, 1, 1, 1), Vector(3, 4, -1, 1)) << "z is turned round";
+    EXPECT_EQ(scene.nodes.at(1).world * Vector(1, 1, 1, 1), Vector(12, 4, -1, 1));
 }
 
 TEST(GltfNodesTest, keepsMirroringMatrices) {
