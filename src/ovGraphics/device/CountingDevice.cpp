@@ -43,6 +43,7 @@ struct CountingTimer final : GpuTimer {
     Clock::time_point stop;
 };
 
+// The same rule as the OpenGL device has: a benchmark must not count draws that a real device refuses.
 bool canReadInstances(const CountingGeometry& geometry, const GeometryDraw& draw) {
     if (!geometry.readsInstances)
         return true;

@@ -25,6 +25,8 @@ ovMemory::Buffer<ovMemory::String> listDevices() {
         DeviceRequest request;
         request.index = index;
         ovMemory::String error;
+        // Opened for a moment: only a context tells the name of the renderer, and whether the device opens is
+        // what a user wants to know.
         const auto device = createDevice(request, error);
         lines.push_back(device ? fmt::format("{}: {}{}", index, device->getInfo().renderer,
                                              device->getInfo().software ? " (software)" : "")

@@ -25,16 +25,20 @@ ovMemory::UniquePtr<GlBuffer> GlBuffer::create(GlCore& core, unsigned int size, 
     ovMemory::UniquePtr<GlBuffer> buffer(new GlBuffer(core, size));
     glDiscardErrors();
     glCreateBuffers(1, &buffer->_name);
+    // Immutable storage: the size never changes, and a driver need not check for that at each draw.
     glNamedBufferStorage(buffer->_name, static_cast<GLsizeiptr>(size), nullptr, GL_DYNAMIC_STORAGE_BIT);
     if (const GLenum code = glGetError(); code != GL_NO_ERROR) {
         error = fmt::format("The device refused a buffer of {} bytes with {}", size, glErrorName(code));
         return nullptr;
     }
+    // OpenGL leaves new storage undefined. Constants that no slot fills must read as zero, and pictures must
+    // repeat.
     glClearNamedBufferData(buffer->_name, GL_R8, GL_RED, GL_UNSIGNED_BYTE, nullptr);
     return buffer;
 }
 
 void GlBuffer::update(unsigned int offset, ovMemory::BufferView<const unsigned char> data) {
+    // Written without a sum, which could wrap round.
     if (offset > getSize() || data.size() > getSize() - offset) {
         _core.report(
             fmt::format("Nothing was written to a buffer: {} bytes from byte {} do not fit in its {} bytes",

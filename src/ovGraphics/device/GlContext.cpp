@@ -12,6 +12,8 @@ namespace ovGraphics::device {
 
 thread_local constinit GlContext* GlContext::_current = nullptr;
 
+// EGL and GLFW each remember what is current on a thread, and GLFW's context may be one of GLX. The old
+// context is therefore released through its own API, so that neither remembers one that is current no more.
 void GlContext::_switch() {
     if (_current)
         _current->_unbind();
@@ -33,6 +35,8 @@ struct EglDeviceEntry {
     bool software;
 };
 
+// A plain search for the text would also find an extension whose name merely begins with the wanted one, so
+// whole words are compared.
 bool listsExtension(const char* extensions, ovMemory::StringView wanted) {
     if (!extensions)
         return false;
@@ -46,12 +50,15 @@ bool listsExtension(const char* extensions, ovMemory::StringView wanted) {
     return false;
 }
 
+// Extensions of the client library are asked for before there is any display; those of a display come later.
 bool clientHas(ovMemory::StringView extension) {
     return listsExtension(eglQueryString(EGL_NO_DISPLAY, EGL_EXTENSIONS), extension);
 }
 
 /// The devices of EGL, those that draw in hardware first.
 ovMemory::Buffer<EglDeviceEntry> queryDevices() {
+    // EXT_device_base is the older extension that promises the same query; some drivers list only one of
+    // them.
     if (!clientHas("EGL_EXT_device_enumeration") && !clientHas("EGL_EXT_device_base"))
         return {};
     EGLint count = 0;
@@ -66,11 +73,15 @@ ovMemory::Buffer<EglDeviceEntry> queryDevices() {
         entries.push_back({device, listsExtension(eglQueryDeviceStringEXT(device, EGL_EXTENSIONS),
                                                   "EGL_MESA_device_software")});
     }
+    // EGL's own order puts no kind first. Stable, so that an index of listDevices() means the same device as
+    // long as the machine stays the same.
     std::stable_partition(entries.begin(), entries.end(),
                           [](const EglDeviceEntry& e) { return !e.software; });
     return entries;
 }
 
+// A bare number helps nobody: the common causes on a server are a missing driver and a user without rights to
+// the device file, so these texts name them.
 const char* eglErrorText() {
     switch (eglGetError()) {
     case EGL_SUCCESS:
@@ -125,6 +136,8 @@ private:
 };
 
 EGLConfig chooseConfig(EGLDisplay display) {
+    // A config describes a window surface, which a headless context never has. Without the extension any
+    // config will do, hence a surface type that does not matter.
     if (listsExtension(eglQueryString(display, EGL_EXTENSIONS), "EGL_KHR_no_config_context"))
         return EGL_NO_CONFIG_KHR;
     constexpr std::array<EGLint, 5> WANTED = {EGL_RENDERABLE_TYPE, EGL_OPENGL_BIT, EGL_SURFACE_TYPE,
@@ -142,14 +155,17 @@ ovMemory::UniquePtr<GlContext> openOnDisplay(EGLDisplay display, bool debug, ovM
         error = fmt::format("could not be initialised: {}", eglErrorText());
         return nullptr;
     }
+    // Without this extension a context needs a surface to be current, and drawing goes to textures only.
     if (!listsExtension(eglQueryString(display, EGL_EXTENSIONS), "EGL_KHR_surfaceless_context")) {
         error = "lacks EGL_KHR_surfaceless_context";
         return nullptr;
     }
+    // EGL's default is OpenGL ES; the binding counts for this thread and for the contexts made after it.
     if (!eglBindAPI(EGL_OPENGL_API)) {
         error = "has no desktop OpenGL";
         return nullptr;
     }
+    // Mesa's software rasteriser refuses 4.6, and nothing here needs more than 4.5.
     const std::array<EGLint, 9> attributes = {EGL_CONTEXT_MAJOR_VERSION,
                                               4,
                                               EGL_CONTEXT_MINOR_VERSION,
@@ -165,6 +181,8 @@ ovMemory::UniquePtr<GlContext> openOnDisplay(EGLDisplay display, bool debug, ovM
         error = fmt::format("gave no OpenGL 4.5 core context: {}", eglErrorText());
         return nullptr;
     }
+    // A driver may create a context and then fail to make it current, so the device counts as open only after
+    // that.
     auto context = std::make_unique<EglContext>(display, handle);
     if (!context->tryCurrent()) {
         error = fmt::format("could not make its context current: {}", eglErrorText());
@@ -183,6 +201,9 @@ ovMemory::UniquePtr<GlContext> openDevice(const EglDeviceEntry& entry, bool debu
 }
 
 /// Keeps Mesa on its software rasteriser while a display is initialised.
+// The surfaceless platform takes the first GPU that Mesa finds and has no attribute to say otherwise. The
+// variable is the only way, and it is put back at once, because children of the host's process would inherit
+// it.
 class SoftwareOnly {
 public:
     explicit SoftwareOnly(bool wanted)
@@ -250,6 +271,8 @@ ovMemory::UniquePtr<GlContext> openByIndex(const ovMemory::Buffer<EglDeviceEntry
 } // namespace
 
 ovMemory::UniquePtr<GlContext> openHeadlessContext(const DeviceRequest& request, ovMemory::String& error) {
+    // The device platform comes first because it can address each GPU. The surfaceless platform is the way
+    // out where EGL lists no device or no device opens, as in containers without device files.
     const ovMemory::Buffer<EglDeviceEntry> devices = queryDevices();
     if (request.index >= 0 && !request.software)
         return openByIndex(devices, request, error);

@@ -10,6 +10,8 @@ namespace ovGraphics::device {
 
 namespace {
 
+// A mistake in a loop of draws is reported with every draw. The first messages tell the cause, so the rest is
+// dropped.
 constexpr std::size_t MAX_KEPT_ERRORS = 64;
 
 ovMemory::String textOf(GLenum name) {
@@ -23,6 +25,8 @@ unsigned int numberOf(GLenum name) {
     return static_cast<unsigned int>(std::max(value, 0));
 }
 
+// OpenGL has no query for this. It decides how passes are timed, so a name that is missing here costs wrong
+// times and nothing else.
 bool drawsOnTheCpu(ovMemory::StringView renderer) {
     constexpr std::array<ovMemory::StringView, 4> NAMES = {"llvmpipe", "softpipe", "SWR", "Software"};
     return std::any_of(NAMES.begin(), NAMES.end(), [renderer](ovMemory::StringView name) {
@@ -32,6 +36,8 @@ bool drawsOnTheCpu(ovMemory::StringView renderer) {
 
 void APIENTRY onDriverMessage(GLenum, GLenum type, GLuint, GLenum, GLsizei length, const GLchar* message,
                               const void* core) {
+    // Drivers also report performance hints and notes, which come with every frame and are no mistakes of the
+    // caller.
     if (type != GL_DEBUG_TYPE_ERROR)
         return;
     const auto size = length < 0 ? ovMemory::StringView(message).size() : static_cast<std::size_t>(length);
@@ -95,6 +101,8 @@ GlDevice::~GlDevice() {
     if (!_core.context)
         return;
     _core.makeCurrent();
+    // The callback holds the address of this object's core, and a message may still arrive while objects are
+    // deleted below.
     glDebugMessageCallback(nullptr, nullptr);
     _core.pipeline.close();
 }
@@ -109,12 +117,15 @@ void GlDevice::_readInfo() {
     info.maxTextureSize = numberOf(GL_MAX_TEXTURE_SIZE);
     info.maxCubeSize = numberOf(GL_MAX_CUBE_MAP_TEXTURE_SIZE);
     info.maxArraySlices = numberOf(GL_MAX_ARRAY_TEXTURE_LAYERS);
+    // Colour and depth are drawn with the same number of samples, so the smaller limit counts for both.
     info.maxSamples =
         std::min(numberOf(GL_MAX_COLOR_TEXTURE_SAMPLES), numberOf(GL_MAX_DEPTH_TEXTURE_SAMPLES));
     info.maxColourTargets =
         std::min({numberOf(GL_MAX_COLOR_ATTACHMENTS), numberOf(GL_MAX_DRAW_BUFFERS), MAX_COLOUR_TARGETS});
     info.maxTextureUnits = numberOf(GL_MAX_COMBINED_TEXTURE_IMAGE_UNITS);
     info.maxConstantBufferSize = numberOf(GL_MAX_UNIFORM_BLOCK_SIZE);
+    // Anisotropic filters became core in 4.6 only; every desktop driver has the extension under one of its
+    // two names.
     if (epoxy_has_gl_extension("GL_EXT_texture_filter_anisotropic") ||
         epoxy_has_gl_extension("GL_ARB_texture_filter_anisotropic"))
         glGetFloatv(GL_MAX_TEXTURE_MAX_ANISOTROPY_EXT, &info.maxAnisotropy);
@@ -122,6 +133,8 @@ void GlDevice::_readInfo() {
 
 void GlDevice::_listenToDriver() {
     glEnable(GL_DEBUG_OUTPUT);
+    // Without it a driver may call back later and from a thread of its own, and errors would belong to no
+    // call.
     glEnable(GL_DEBUG_OUTPUT_SYNCHRONOUS);
     glDebugMessageCallback(onDriverMessage, &_core);
 }
@@ -235,6 +248,7 @@ void GlDevice::setProgram(GpuProgram& program) {
     _core.pipeline.setProgram(static_cast<GlProgram&>(program));
 }
 
+// The three states are only remembered here and sent by the next draw, so that they need no current context.
 void GlDevice::setBlendState(const BlendStateDesc& state) {
     _core.pipeline.setBlendState(state);
 }
@@ -275,6 +289,8 @@ void GlDevice::finish() {
 }
 
 void GlDevice::invalidateState() {
+    // The foreign code may have made another context current, so the comparison in makeCurrent() cannot be
+    // trusted.
     GlContext::forgetCurrent();
     _core.makeCurrent();
     _core.pipeline.reset();
@@ -290,6 +306,8 @@ void GlDevice::present(GpuTexture& texture) {
     unsigned int windowWidth = 0;
     unsigned int windowHeight = 0;
     _window->getSize(windowWidth, windowHeight);
+    // A window's framebuffer cannot be attached to anything, so the picture is copied and never drawn into
+    // it.
     const GlFramebuffer source({shown.getReadName(), shown.getReadTarget(), 0, 0}, shown.getFormat());
     // The window's rows run from the bottom. It shows the bytes as they are: encoded ones must not be
     // decoded.

@@ -116,6 +116,8 @@ constexpr std::array ROWS = {
 
 constexpr std::size_t FORMAT_COUNT = static_cast<std::size_t>(FORMAT::BC7_UNORM_SRGB) + 1;
 
+// The rows leave out formats that OpenGL lacks. This fills the gaps with rows of internalFormat GL_NONE, so
+// that a look-up is one index.
 constexpr auto BY_NUMBER = [] {
     std::array<GlFormat, FORMAT_COUNT> table{};
     for (const GlFormat& row : ROWS)
@@ -145,6 +147,8 @@ bool glSupportsFormat(FORMAT format) {
     const GlFormat& row = glFormatOf(format);
     if (row.internalFormat == GL_NONE)
         return false;
+    // S3TC was patented and never became core, so drivers may lack it, and the query below answers for core
+    // formats.
     if (row.kind == GL_FORMAT_KIND::S3TC && !epoxy_has_gl_extension("GL_EXT_texture_compression_s3tc"))
         return false;
     return queryFormat(row.internalFormat, GL_INTERNALFORMAT_SUPPORTED) == GL_TRUE;
@@ -180,6 +184,8 @@ void glApplyFormatParameters(GLuint texture, const GlFormat& format) {
     }
 }
 
+// DXGI has the stencil in the upper byte of the word and OpenGL in the lower: a rotation by one byte turns
+// one into the other.
 void glRotateDepthStencil(ovMemory::BufferView<unsigned char> words, bool toOpenGl) {
     for (std::size_t offset = 0; offset + sizeof(uint32_t) <= words.size(); offset += sizeof(uint32_t)) {
         uint32_t word;

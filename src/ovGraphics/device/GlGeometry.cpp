@@ -29,8 +29,10 @@ ovMemory::UniquePtr<GlGeometry> GlGeometry::create(GlCore& core, const GeometryD
                               static_cast<GLsizei>(desc.stride));
     geometry->_addAttributes(desc.attributes, VERTICES);
     geometry->_addAttributes(desc.instanceAttributes, INSTANCES);
+    // The divisor belongs to the binding, so all attributes of an instance share it.
     glVertexArrayBindingDivisor(geometry->_name, INSTANCES, 1);
     geometry->_hasInstanceAttributes = !desc.instanceAttributes.empty();
+    // The element buffer is part of the vertex array, so a draw need not bind it.
     if (desc.indices) {
         glVertexArrayElementBuffer(geometry->_name, static_cast<GlBuffer*>(desc.indices)->getName());
         geometry->_indexType = desc.shortIndices ? GL_UNSIGNED_SHORT : GL_UNSIGNED_INT;
@@ -46,6 +48,8 @@ ovMemory::UniquePtr<GlGeometry> GlGeometry::create(GlCore& core, const GeometryD
 void GlGeometry::_addAttributes(ovMemory::BufferView<const GeometryAttribute> attributes, GLuint binding) {
     for (const GeometryAttribute& attribute : attributes) {
         const FORMAT_COMPONENT component = TextureUtils::getFormatComponent(attribute.format);
+        // Whole numbers that are not normalised are converted to floats, as the interface promises: no
+        // integer attributes.
         const bool fraction = component == FORMAT_COMPONENT::UNORM || component == FORMAT_COMPONENT::SNORM;
         glEnableVertexArrayAttrib(_name, attribute.location);
         glVertexArrayAttribFormat(_name, attribute.location,
@@ -59,11 +63,13 @@ void GlGeometry::_addAttributes(ovMemory::BufferView<const GeometryAttribute> at
 bool GlGeometry::canReadInstances(const GeometryDraw& draw) const {
     if (!_hasInstanceAttributes)
         return true;
+    // In 64 bits: the product of three 32-bit numbers would wrap round and pass the check.
     const uint64_t end = (uint64_t{draw.firstInstance} + draw.instanceCount) * draw.instanceStride;
     return draw.instances && draw.instanceStride > 0 && end <= draw.instances->getSize();
 }
 
 void GlGeometry::setInstances(GlBuffer* buffer, unsigned int stride) {
+    // Compared by serial and not by name or address, which a new buffer may have from a deleted one.
     if (!_hasInstanceAttributes || (buffer->getSerial() == _instancesSerial && stride == _instancesStride))
         return;
     _instancesSerial = buffer->getSerial();

@@ -43,6 +43,8 @@ bool biased(const RasterStateDesc& state) {
     return state.depthBias != 0.0f || state.slopeScaledDepthBias != 0.0f;
 }
 
+// Clear colours are floats in the interface. Converting a float outside an integer's range is undefined in
+// C++, so the number is clamped first; doubles hold every 32-bit integer exactly, floats do not.
 template <typename INTEGER>
 std::array<INTEGER, 4> toIntegers(const std::array<float, 4>& colour) {
     std::array<INTEGER, 4> result{};
@@ -73,6 +75,8 @@ void GlPipeline::open(SHADER_LANGUAGE language) {
     _language = language;
     GLint count = 0;
     glGetIntegerv(GL_MAX_UNIFORM_BUFFER_BINDINGS, &count);
+    // Bindings are remembered in arrays of fixed size, so that a draw never allocates. Devices offer more
+    // slots and units than the arrays have; programs use few.
     _slotCount = std::min(static_cast<unsigned int>(count), MAX_SLOTS);
     _unitCount = std::min(_core.info.maxTextureUnits, MAX_UNITS);
     _createQuad();
@@ -81,6 +85,8 @@ void GlPipeline::open(SHADER_LANGUAGE language) {
     glSamplerParameteri(_pointSampler, GL_TEXTURE_MAG_FILTER, GL_NEAREST);
     for (const GLenum wrap : {GL_TEXTURE_WRAP_S, GL_TEXTURE_WRAP_T, GL_TEXTURE_WRAP_R})
         glSamplerParameteri(_pointSampler, wrap, GL_CLAMP_TO_EDGE);
+    // A shader that reads a block without a buffer is undefined in OpenGL and may end the program. One buffer
+    // of zeros, as large as a block may be, makes it read zeros.
     glCreateBuffers(1, &_zeroBuffer);
     glNamedBufferStorage(_zeroBuffer, static_cast<GLsizeiptr>(_core.info.maxConstantBufferSize), nullptr,
                          GL_DYNAMIC_STORAGE_BIT);
@@ -104,6 +110,8 @@ void GlPipeline::_createQuad() {
     attribute(TEXCOORD_LOCATION, 2, offsetof(QuadVertex, textureCoordinates));
 }
 
+// Called with the context current, from the device's destructor: members of this class cannot make it current
+// themselves.
 void GlPipeline::close() {
     glDeleteVertexArrays(1, &_quadArray);
     glDeleteBuffers(1, &_quadBuffer);
@@ -124,18 +132,26 @@ void GlPipeline::reset() {
 // Puts the context in the state that the default descriptions mean, whatever it was in before.
 void GlPipeline::_sendBaseline() {
     const bool upperLeft = _language == SHADER_LANGUAGE::HLSL;
+    // Each language keeps its own clip space, so that a text that computes positions itself needs no
+    // translation.
     glClipControl(upperLeft ? GL_UPPER_LEFT : GL_LOWER_LEFT,
                   upperLeft ? GL_ZERO_TO_ONE : GL_NEGATIVE_ONE_TO_ONE);
     glBindVertexArray(_quadArray);
     _vertexArray = _quadArray;
     glPixelStorei(GL_UNPACK_ALIGNMENT, 1);
     glPixelStorei(GL_PACK_ALIGNMENT, 1);
+    // With a buffer bound here, the pointers of uploads and readback would be taken for offsets into that
+    // buffer.
     glBindBuffer(GL_PIXEL_PACK_BUFFER, 0);
     glBindBuffer(GL_PIXEL_UNPACK_BUFFER, 0);
+    // Foreign code may have left any of these on. GL_DITHER is even on by default, and lets drivers change
+    // what an 8-bit target gets.
     for (const GLenum capability :
          {GL_BLEND, GL_SCISSOR_TEST, GL_STENCIL_TEST, GL_SAMPLE_ALPHA_TO_COVERAGE, GL_POLYGON_OFFSET_FILL,
           GL_POLYGON_OFFSET_LINE, GL_DEPTH_CLAMP, GL_RASTERIZER_DISCARD, GL_COLOR_LOGIC_OP, GL_DITHER})
         glDisable(capability);
+    // GL_FRAMEBUFFER_SRGB stays on: whether a target encodes is decided by its storage (gammaCorrected).
+    // Seamless cubes are off by default in OpenGL, and then every filtered map shows the edges of its faces.
     for (const GLenum capability :
          {GL_DEPTH_TEST, GL_CULL_FACE, GL_FRAMEBUFFER_SRGB, GL_TEXTURE_CUBE_MAP_SEAMLESS, GL_MULTISAMPLE,
           GL_PRIMITIVE_RESTART_FIXED_INDEX})
@@ -157,15 +173,20 @@ void GlPipeline::_sendBaseline() {
     _blendSent = BlendStateDesc{};
     _rasterSent = RasterStateDesc{};
     _depthSent = DepthStencilStateDesc{};
+    // The wanted states are those of before; the next draw compares them with this baseline.
     _blendDirty = _rasterDirty = _depthDirty = true;
 }
 
 void GlPipeline::setTarget(GlTarget& target, const Rectangle& viewport) {
+    // Even when the target is set already: it may have been resolved since, and the next draw makes that copy
+    // stale again.
     target.markDrawn();
     if (_target != &target) {
         glBindFramebuffer(GL_FRAMEBUFFER, target.getName());
         _count();
     }
+    // Viewports do not belong to a framebuffer in OpenGL, so an equal one need not be sent again with another
+    // target.
     if (!_target || _viewport != viewport) {
         glViewport(viewport.x, viewport.y, static_cast<GLsizei>(viewport.width),
                    static_cast<GLsizei>(viewport.height));
@@ -183,6 +204,8 @@ void GlPipeline::clearColour(unsigned int index, const std::array<float, 4>& col
         return;
     }
     const GLint buffer = static_cast<GLint>(index);
+    // OpenGL applies the write mask to clears and Direct3D does not. The mask of the next draw is put back by
+    // that draw.
     _sendWriteMask(index, 1, COLOR_WRITE_ALL);
     switch (_target->getClearKind(index)) {
     case GL_CLEAR_KIND::FLOAT:
@@ -204,6 +227,7 @@ void GlPipeline::clearDepthStencil(bool clearDepth, float depth, bool clearStenc
         _core.report("The depth buffer was not cleared: no target is set");
         return;
     }
+    // A clear of an attachment that is not there is an error in OpenGL, and harmless for the caller.
     const bool clearsDepth = clearDepth && _target->hasDepth();
     const bool clearsStencil = clearStencil && _target->hasStencil();
     const GLint stencilValue = static_cast<GLint>(stencil & 0xffu);
@@ -211,6 +235,7 @@ void GlPipeline::clearDepthStencil(bool clearDepth, float depth, bool clearStenc
         _sendDepthWrite(true);
     if (clearsStencil)
         _sendStencilWriteMask(0xff);
+    // One call for both, because the two mostly lie interleaved in memory.
     if (clearsDepth && clearsStencil)
         glClearNamedFramebufferfi(_target->getName(), GL_DEPTH_STENCIL, 0, depth, stencilValue);
     else if (clearsDepth)
@@ -228,6 +253,8 @@ void GlPipeline::setProgram(GlProgram& program) {
 }
 
 void GlPipeline::setBlendState(const BlendStateDesc& state) {
+    // Comparing the whole description is cheaper than the calls that it saves, and keeps unchanged frames
+    // free of calls.
     if (_blendWanted == state)
         return;
     _blendWanted = state;
@@ -255,6 +282,8 @@ void GlPipeline::setTextureUnit(unsigned int unit, GlTexture* texture, GlSampler
         return;
     }
     GLuint name = texture ? texture->getSampledName(expected, array) : 0;
+    // OpenGL leaves it undefined to sample a unit whose texture is missing or of another kind than the shader
+    // declares. A black texture of the right kind makes both read the same everywhere.
     if (name == 0)
         name = _blackTexture(expected, array, sampler && sampler->compares());
     const GLuint samplerName = sampler ? sampler->getName() : _pointSampler;
@@ -271,6 +300,8 @@ void GlPipeline::setTextureUnit(unsigned int unit, GlTexture* texture, GlSampler
     }
 }
 
+// One texture for each kind and for comparison, made when first needed: few programs leave a unit empty. A
+// comparison sampler on a colour texture is undefined, so shadows get a depth texture of 0.
 GLuint GlPipeline::_blackTexture(TEXTURE_TYPE type, bool array, bool comparison) {
     constexpr std::array<GLenum, SAMPLED_KINDS> TARGETS = {GL_TEXTURE_2D, GL_TEXTURE_2D_ARRAY,
                                                            GL_TEXTURE_CUBE_MAP, GL_TEXTURE_CUBE_MAP_ARRAY};
@@ -309,6 +340,7 @@ void GlPipeline::setConstantBuffer(unsigned int slot, GlBuffer* buffer) {
 
 // Sends what a draw needs and was not sent yet. False, reported, without a target or a program.
 bool GlPipeline::_prepareDraw(GLuint vertexArray) {
+    // A draw without a program is undefined in a core context, so it must not reach the driver.
     if (!_target || _program == UNKNOWN) {
         _core.report(fmt::format("Nothing was drawn: no {} is set", _target ? "program" : "target"));
         return false;
@@ -341,6 +373,7 @@ void GlPipeline::drawGeometry(GlGeometry& geometry, const GeometryDraw& draw) {
                                  static_cast<unsigned int>(draw.topology)));
         return;
     }
+    // Reading vertex data beyond its buffer may crash the process on drivers without robust access.
     if (!geometry.canReadInstances(draw)) {
         _core.report(fmt::format(
             "Nothing was drawn: {} instances of {} bytes from instance {} on are not in their buffer",
@@ -371,6 +404,8 @@ void GlPipeline::_sendBlend() {
     }
     _blendSent.alphaToCoverage = wanted.alphaToCoverage;
     _blendSent.blendFactor = wanted.blendFactor;
+    // One call for all targets instead of eight. The sent values are kept for each target, because clears
+    // open the mask of single ones.
     if (!wanted.independentBlend)
         _sendTargetBlend(0, MAX_COLOUR_TARGETS, wanted.targets[0]);
     else
@@ -402,6 +437,8 @@ void GlPipeline::_sendTargetBlend(unsigned int index, unsigned int count, const 
             (wanted.enabled ? glEnablei : glDisablei)(GL_BLEND, index);
         store(&T::enabled);
     }
+    // The mask counts without blending too. Equations and factors do not, and are left as they are until they
+    // matter.
     _sendWriteMask(index, count, wanted.writeMask);
     if (!wanted.enabled)
         return;
@@ -459,12 +496,16 @@ void GlPipeline::_sendRaster() {
     }
     if (biased(wanted) != biased(sent)) {
         _enable(GL_POLYGON_OFFSET_FILL, biased(wanted));
+        // Wireframe triangles are lines to OpenGL and have a switch of their own.
         _enable(GL_POLYGON_OFFSET_LINE, biased(wanted));
     }
     if (wanted.depthBias != sent.depthBias || wanted.slopeScaledDepthBias != sent.slopeScaledDepthBias) {
+        // OpenGL names the slope first and the constant second.
         glPolygonOffset(wanted.slopeScaledDepthBias, wanted.depthBias);
         _count();
     }
+    // Depth clamp is the opposite of depth clip: with it, geometry beyond near and far is drawn at the
+    // limits.
     if (wanted.depthClip != sent.depthClip)
         _enable(GL_DEPTH_CLAMP, !wanted.depthClip);
     _rasterSent = wanted;
@@ -484,6 +525,7 @@ void GlPipeline::_sendDepth() {
     _depthDirty = false;
 }
 
+// Apart from the other depth states, because a clear needs the mask open and nothing else.
 void GlPipeline::_sendDepthWrite(bool write) {
     if (_depthSent.depthWrite == write)
         return;
@@ -527,6 +569,8 @@ void GlPipeline::_sendStencilFace(GLenum face, const StencilFaceDesc& wanted, co
     }
 }
 
+// OpenGL gives the name of a deleted object to a new one. Without these functions the filter would take the
+// new object for the old one and not bind it.
 void GlPipeline::forgetTexture(GLuint name) {
     for (Unit& unit : _units)
         if (unit.texture == name)
@@ -546,6 +590,7 @@ void GlPipeline::forgetBuffer(GLuint name) {
 void GlPipeline::forgetProgram(GLuint name) {
     if (_program != name)
         return;
+    // A program that is in use is only marked for deletion and would live on until another one is used.
     glUseProgram(0);
     _program = UNKNOWN;
 }

@@ -47,6 +47,8 @@ bool isLinked(GLuint program) {
     return linked == GL_TRUE;
 }
 
+// Handing a driver a binary of a format that it does not list is an error in OpenGL. A cache folder may hold
+// binaries of a driver from before an update.
 bool driverReads(GLenum binaryFormat) {
     GLint count = 0;
     glGetIntegerv(GL_NUM_PROGRAM_BINARY_FORMATS, &count);
@@ -61,6 +63,7 @@ bool driverReads(GLenum binaryFormat) {
 GlProgram::GlProgram(GlCore& core)
     : _core(core)
     , _name(glCreateProgram()) {
+    // Before the link: the hint counts from the next link on.
     glProgramParameteri(_name, GL_PROGRAM_BINARY_RETRIEVABLE_HINT, GL_TRUE);
 }
 
@@ -69,6 +72,7 @@ ovMemory::UniquePtr<GlProgram> GlProgram::create(GlCore& core, const shading::Co
                                                  unsigned int binaryFormat, ovMemory::String& error) {
     error.clear();
     ovMemory::UniquePtr<GlProgram> program(new GlProgram(core));
+    // A refused binary costs nothing but the attempt: the texts are always at hand.
     if (program->_load(binary, binaryFormat)) {
         ++core.statistics.programsFromBinary;
         return program;
@@ -101,10 +105,13 @@ bool GlProgram::_link(const shading::CompiledProgram& texts, ovMemory::String& e
     glAttachShader(_name, vertex.getName());
     glAttachShader(_name, pixel.getName());
     glLinkProgram(_name);
+    // Attached shader objects are not freed when they are deleted, and each keeps its text.
     glDetachShader(_name, vertex.getName());
     glDetachShader(_name, pixel.getName());
     if (isLinked(_name))
         return true;
+    // The cross compiler has joined the stages already, so a failure here is a limit of the driver, and a few
+    // lines tell it.
     std::array<char, 4096> text{};
     glGetProgramInfoLog(_name, static_cast<GLsizei>(text.size()), nullptr, text.data());
     error = fmt::format("The driver could not link the vertex and pixel stages: {}", text.data());

@@ -11,6 +11,7 @@ namespace ovGraphics::device {
 ovMemory::UniquePtr<GlSampler> GlSampler::create(GlCore& core, const SamplerDesc& desc,
                                                  ovMemory::String& error) {
     error.clear();
+    // OpenGL takes such numbers without an error and leaves the result undefined.
     if (std::isnan(desc.minLod) || std::isnan(desc.maxLod) || desc.minLod > desc.maxLod) {
         error = fmt::format(
             "Sampler with levels from {} to {} cannot be made: the first must not be above the second",
@@ -37,6 +38,7 @@ void GlSampler::_apply(const SamplerDesc& desc) {
     glSamplerParameterf(_name, GL_TEXTURE_MIN_LOD, desc.minLod);
     glSamplerParameterf(_name, GL_TEXTURE_MAX_LOD, desc.maxLod);
     glSamplerParameterf(_name, GL_TEXTURE_LOD_BIAS, desc.lodBias);
+    // OpenGL takes a number below 1 for an error, and the interface promises that the device's limit caps it.
     if (filter.anisotropic && _core.info.maxAnisotropy > 1.0f)
         glSamplerParameterf(
             _name, GL_TEXTURE_MAX_ANISOTROPY_EXT,

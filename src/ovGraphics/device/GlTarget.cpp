@@ -14,6 +14,8 @@ GlTexture& textureOf(const TargetAttachment& attachment) {
     return static_cast<GlTexture&>(*attachment.texture);
 }
 
+// The framebuffer's status names no attachment, so what can be told beforehand is checked one by one. What is
+// left to the status is the combination.
 ovMemory::String problemOf(const TargetAttachment& attachment, bool depth) {
     if (!attachment.texture)
         return {};
@@ -109,6 +111,7 @@ void GlTarget::_attach(const TargetDesc& desc) {
     std::array<GLenum, MAX_COLOUR_TARGETS> drawBuffers{};
     for (unsigned int i = 0; i < _colourCount; ++i) {
         const TargetAttachment& colour = desc.colours[i];
+        // A gap between the targets is allowed: the output of that number goes nowhere.
         drawBuffers[i] = colour.texture ? GL_COLOR_ATTACHMENT0 + i : GLenum{GL_NONE};
         if (!colour.texture)
             continue;
@@ -122,6 +125,7 @@ void GlTarget::_attach(const TargetDesc& desc) {
         _hasDepth = true;
         _hasStencil = attachment == GL_DEPTH_STENCIL_ATTACHMENT;
     }
+    // Found once when the target is made, so that a draw into it marks its textures without looking at them.
     const auto remember = [this](const TargetAttachment& attachment) {
         if (attachment.texture && attachment.texture->getDesc().samples > 1)
             _multisampled.push_back(textureOf(attachment).getStaleMark());

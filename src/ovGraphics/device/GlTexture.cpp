@@ -28,6 +28,8 @@ GLenum targetOf(const TextureDesc& desc) {
 
 /// What is wrong with the numbers of a texture for this device; empty when nothing is.
 ovMemory::String problemOf(const TextureDesc& desc, const DeviceInfo& info) {
+    // OpenGL answers all of the following with one GL_INVALID_VALUE, which names neither the number nor the
+    // limit.
     const bool cube = desc.type == TEXTURE_TYPE::CUBE;
     const unsigned int limit = cube ? info.maxCubeSize : info.maxTextureSize;
     const unsigned int fullChain = TextureUtils::getNeededMipsForSize(desc.width, desc.height);
@@ -82,6 +84,7 @@ GlTexture::~GlTexture() {
         _core.pipeline.forgetTexture(name);
         glDeleteTextures(1, &name);
     };
+    // Views first: each keeps the storage of the texture alive.
     for (const GLuint view : _views)
         remove(view);
     remove(_twin);
@@ -103,14 +106,21 @@ bool GlTexture::_allocate(ovMemory::String& error) {
     const GLsizei width = static_cast<GLsizei>(desc.width);
     const GLsizei height = static_cast<GLsizei>(desc.height);
     const GLsizei mips = static_cast<GLsizei>(desc.mips);
+    // Somebody else's error must not be taken for ours. Memory cannot be checked beforehand: OpenGL tells
+    // only by this error.
     glDiscardErrors();
     glCreateTextures(_target, 1, &_name);
     if (_target == GL_TEXTURE_2D_MULTISAMPLE) {
+        // Fixed sample locations: without them a colour and a depth texture of one target may disagree.
         glTextureStorage2DMultisample(_name, static_cast<GLsizei>(desc.samples), storage, width, height,
                                       GL_TRUE);
+        // Shaders read plain textures. A twin that is resolved on demand lets them read multisampled targets
+        // without a second kind of sampler in every text.
         glCreateTextures(GL_TEXTURE_2D, 1, &_twin);
         glTextureStorage2D(_twin, 1, storage, width, height);
         glApplyFormatParameters(_twin, _format);
+        // Targets set the mark when they are drawn to. They may outlive the texture, hence the shared flag
+        // and not a pointer to this object.
         _twinIsStale = std::make_shared<bool>(true);
     } else if (_target == GL_TEXTURE_2D || _target == GL_TEXTURE_CUBE_MAP) {
         glTextureStorage2D(_name, mips, storage, width, height);
@@ -159,17 +169,23 @@ GLuint GlTexture::getSampledName(TEXTURE_TYPE expected, bool array) {
     const GLenum target = getReadTarget();
     if (KIND_TARGETS[kind] == target)
         return name;
+    // Kept: a shader may read the texture in this kind every frame.
     if (_views[kind] != 0)
         return _views[kind];
+    // A view shares the storage, so a cube read as an array costs no copy. A flat texture has too few slices
+    // for a cube; then black is read.
     const unsigned int available = getDesc().slices;
     if (expected == TEXTURE_TYPE::CUBE && (available < CUBE_FACES || getDesc().width != getDesc().height))
         return 0;
     unsigned int slices = expected == TEXTURE_TYPE::CUBE ? CUBE_FACES : 1;
     if (array)
+        // A cube array takes whole cubes only.
         slices = available / slices * slices;
+    // glGenTextures and not glCreateTextures: a view must be a name that has no target yet.
     glGenTextures(1, &_views[kind]);
     glTextureView(_views[kind], KIND_TARGETS[kind], name, _format.getStorage(getDesc().gammaCorrected), 0,
                   getDesc().mips, 0, slices);
+    // A view has parameters of its own; without this an A8 texture would read as red through it.
     glApplyFormatParameters(_views[kind], _format);
     return _views[kind];
 }
@@ -193,6 +209,7 @@ void GlTexture::upload(unsigned int slice, unsigned int mip, ovMemory::BufferVie
     const std::size_t rows = TextureUtils::getRowCount(getDesc().format, height);
     const std::size_t pitch = rowPitch == 0 ? rowSize : rowPitch;
     const std::size_t needed = (rows - 1) * pitch + rowSize;
+    // OpenGL has no upload to multisampled storage.
     if (!hasImage(slice, mip) || getDesc().samples > 1) {
         _core.report(fmt::format(
             "Nothing was uploaded to slice {}, mip {} of a texture with {} slices, {} mips and {} "
@@ -207,6 +224,8 @@ void GlTexture::upload(unsigned int slice, unsigned int mip, ovMemory::BufferVie
             slice, mip, TextureUtils::getFormatName(getDesc().format), rows, rowSize, pitch, data.size()));
         return;
     }
+    // The common case goes to the driver without a copy. GL_UNPACK_ROW_LENGTH would save the copy of padded
+    // rows too, but it counts in pixels, and a pitch need not be a whole number of them.
     if (pitch == rowSize && !_format.isRotated()) {
         _send(slice, mip, data.data(), rows * rowSize);
         return;
@@ -231,6 +250,8 @@ void GlTexture::_send(unsigned int slice, unsigned int mip, const unsigned char*
     else if (_format.isCompressed())
         glCompressedTextureSubImage2D(_name, level, 0, 0, width, height, storage, static_cast<GLsizei>(size),
                                       data);
+    // Direct state access addresses the faces of a cube as layers, so cubes and arrays need no case of their
+    // own.
     else if (_isLayered())
         glTextureSubImage3D(_name, level, 0, 0, layer, width, height, 1, _format.pixelFormat,
                             _format.pixelType, data);
@@ -253,6 +274,8 @@ bool GlTexture::read(unsigned int slice, unsigned int mip, ovMemory::Buffer<unsi
     if (_format.isCompressed())
         glGetCompressedTextureSubImage(name, level, 0, 0, layer, width, height, 1, size, data.data());
     else
+        // The call takes the size of the memory, unlike the older glGetTexImage, so a wrong size is an error
+        // and no overrun.
         glGetTextureSubImage(name, level, 0, 0, layer, width, height, 1, _format.pixelFormat,
                              _format.pixelType, size, data.data());
     if (glGetError() != GL_NO_ERROR) {
@@ -288,6 +311,8 @@ void GlTexture::_shrinkMips() {
 void GlTexture::copyTo(unsigned int slice, unsigned int mip, GlTexture& target, unsigned int targetSlice,
                        unsigned int targetMip) {
     const TextureDesc& to = target.getDesc();
+    // OpenGL's copy takes formats of equal texel size too and copies the bits. That is never what a caller of
+    // this interface means, so the formats must be the same.
     const bool sizesMatch = getMipWidth(mip) == target.getMipWidth(targetMip) &&
                             getMipHeight(mip) == target.getMipHeight(targetMip);
     if (!hasImage(slice, mip) || !target.hasImage(targetSlice, targetMip) || !sizesMatch || to.samples > 1 ||

@@ -9,6 +9,8 @@ namespace ovGraphics::device {
 
 namespace {
 
+// Two time stamps instead of GL_TIME_ELAPSED, because elapsed-time queries cannot be nested and a pass may
+// draw another frame.
 class QueryTimer final : public GpuTimer {
 public:
     explicit QueryTimer(GlCore& core)
@@ -48,6 +50,8 @@ private:
     std::array<bool, 2> _stamped{};
 };
 
+// The wait before the stamp keeps earlier passes out of this one's time. It costs time itself, so that a
+// measured frame takes longer than another.
 class FinishTimer final : public GpuTimer {
 public:
     explicit FinishTimer(GlCore& core)

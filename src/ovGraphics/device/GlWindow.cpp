@@ -10,6 +10,7 @@ namespace ovGraphics::device {
 namespace {
 
 // GLFW is used from the main thread alone, as it demands.
+// Counted, because glfwTerminate() closes the windows of everybody.
 int openWindows = 0;
 
 void release() {
@@ -23,12 +24,15 @@ ovMemory::String glfwErrorText() {
 }
 
 GLFWwindow* createWindow(const DeviceRequest& request, int contextApi) {
+    // Hints stay from the last window, which may have been the host's own.
     glfwDefaultWindowHints();
     glfwWindowHint(GLFW_CONTEXT_CREATION_API, contextApi);
     glfwWindowHint(GLFW_CONTEXT_VERSION_MAJOR, 4);
     glfwWindowHint(GLFW_CONTEXT_VERSION_MINOR, 5);
     glfwWindowHint(GLFW_OPENGL_PROFILE, GLFW_OPENGL_CORE_PROFILE);
     glfwWindowHint(GLFW_OPENGL_DEBUG_CONTEXT, request.debugOutput ? GLFW_TRUE : GLFW_FALSE);
+    // Nothing is drawn into the window itself: pictures are copied into it, so depth and stencil would be
+    // memory for nothing.
     glfwWindowHint(GLFW_DEPTH_BITS, 0);
     glfwWindowHint(GLFW_STENCIL_BITS, 0);
     return glfwCreateWindow(static_cast<int>(request.windowWidth), static_cast<int>(request.windowHeight),
@@ -64,6 +68,7 @@ ovMemory::UniquePtr<GlWindow> GlWindow::open(const DeviceRequest& request, ovMem
     }
     ovMemory::UniquePtr<GlWindow> result(new GlWindow(window));
     result->makeCurrent();
+    // One picture a refresh: a viewer that draws faster only heats the machine.
     glfwSwapInterval(1);
     return result;
 }
@@ -89,6 +94,7 @@ bool GlWindow::shouldClose() const {
 void GlWindow::getSize(unsigned int& width, unsigned int& height) const {
     int x = 0;
     int y = 0;
+    // The size in pixels; the window's own size is in screen units, which differ on displays of high density.
     glfwGetFramebufferSize(_window, &x, &y);
     width = static_cast<unsigned int>(std::max(x, 0));
     height = static_cast<unsigned int>(std::max(y, 0));
