@@ -28,6 +28,7 @@ constexpr StringView GLSL_HEADER = "#version 450 core\n"
 // Constant memory holds matrices row by row.
 constexpr StringView HLSL_HEADER = "#pragma pack_matrix(row_major)\n";
 
+// Shown where the author names no file by a #line of his own.
 constexpr StringView AUTHOR_TEXT_NAME = "source";
 
 const StageText& getStageText(const ProgramText& text, STAGE stage) {
@@ -45,6 +46,8 @@ CompileResult makeFailure(const ProgramText& text, STAGE stage, StringView words
     return result;
 }
 
+// Checked by hand and not by the front end: a define stands before the author's text, so that the message
+// about a bad one would name a line that nobody wrote.
 bool isIdentifier(StringView name) {
     const auto isWord = [](char c) {
         return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_';
@@ -75,6 +78,8 @@ String findBadDefine(const StageText& text) {
 String getFullText(const ProgramText& text, STAGE stage) {
     const StageText& stageText = getStageText(text, stage);
     const bool hlsl = text.language == SHADER_LANGUAGE::HLSL;
+    // The order is fixed. The version line must come first, the macros may not use the defines, and the
+    // author's text comes last so that its own defines cannot change the macros.
     String full(hlsl ? HLSL_HEADER : GLSL_HEADER);
     if (text.crossCompilerDefines) {
         full += stage == STAGE::PIXEL ? "#define OV_PIXEL_STAGE 1\n" : "#define OV_VERTEX_STAGE 1\n";
@@ -83,6 +88,7 @@ String getFullText(const ProgramText& text, STAGE stage) {
     for (const Define& define : stageText.defines) {
         full += fmt::format("#define {} {}\n", define.name, define.value);
     }
+    // All that stands before is hidden from the count, so that line 1 in a message is line 1 of the author.
     full += fmt::format("#line 1 \"{}\"\n", AUTHOR_TEXT_NAME);
     full += stageText.text;
     return full;
@@ -93,10 +99,13 @@ CompileResult compile(const ProgramText& text) {
     std::array<detail::StageTranslator, 2> translators;
     std::array<detail::StageInterface, 2> interfaces;
     CompileResult result;
+    // Both stages are reflected before either is translated: the locations of one depend on the names in the
+    // other. The translators live from one loop to the next, because they keep what reflection found.
     for (std::size_t i = 0; i < STAGES.size(); ++i) {
         if (const String words = findBadDefine(getStageText(text, STAGES[i])); !words.empty()) {
             return makeFailure(text, STAGES[i], words);
         }
+        // The limits come before the front end, which recurses and expands without any.
         const String fullText = getFullText(text, STAGES[i]);
         if (const String words = detail::findExceededLimit(fullText); !words.empty()) {
             return makeFailure(text, STAGES[i], words);
@@ -106,6 +115,7 @@ CompileResult compile(const ProgramText& text) {
             return makeFailure(text, STAGES[i], compiled.error);
         }
         result.warnings += compiled.warnings;
+        // Before reflection, which would otherwise meet textures that are no resources.
         if (!detail::passOpaqueParametersDirectly(compiled.spirv)) {
             return makeFailure(text, STAGES[i],
                                "a texture or sampler is assigned to a variable; pass it to functions "
@@ -120,6 +130,7 @@ CompileResult compile(const ProgramText& text) {
         !error.words.empty()) {
         return makeFailure(text, error.stage, error.words);
     }
+    // Only now are the locations and units of both stages known.
     const std::array<String*, 2> texts = {&program->vertexText, &program->pixelText};
     for (std::size_t i = 0; i < STAGES.size(); ++i) {
         if (!translators[i].translate(interfaces[i], *texts[i])) {

@@ -16,6 +16,8 @@ using ovMemory::UniquePtr;
 namespace {
 
 /// Everything that decides what is stored; the lengths keep the parts apart.
+// The full texts are in the key, macros included, so that a changed dialect makes old files useless without
+// anybody raising a version. The driver is in it because its binary is in the file.
 String makeKey(const ProgramText& text, StringView driverKey) {
     const String vertex = getFullText(text, STAGE::VERTEX);
     const String pixel = getFullText(text, STAGE::PIXEL);
@@ -25,6 +27,8 @@ String makeKey(const ProgramText& text, StringView driverKey) {
                        vertex, pixel);
 }
 
+// The hash only names the file. Two keys of one hash would overwrite each other's file, and the key inside
+// tells them apart.
 String makePath(StringView folder, StringView key) {
     const std::filesystem::path name = fmt::format("{:016x}.ovprogram", detail::hashBytes(key));
     return (std::filesystem::path(folder) / name).native();
@@ -58,6 +62,7 @@ bool ProgramDiskCache::store(const ProgramText& text, const CachedProgram& progr
     }
     String words;
     std::error_code failure;
+    // At each store and not once at start-up: the user may delete the folder at any time.
     std::filesystem::create_directories(_folder, failure);
     bool stored = false;
     if (failure) {

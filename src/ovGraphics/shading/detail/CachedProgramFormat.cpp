@@ -22,6 +22,7 @@ constexpr std::size_t HEADER_BYTES = 24;
 /// both.
 class Writer {
 public:
+    // Byte by byte, so that a cache folder on a network share serves machines of either byte order.
     void number(std::unsigned_integral auto value) {
         for (std::size_t i = 0; i < sizeof(value); ++i) {
             bytes.push_back(static_cast<char>(value >> (8 * i) & 0xff));
@@ -70,6 +71,8 @@ public:
         _good = _good && byte <= 1;
         value = byte != 0;
     }
+    // The values are used as indices and enumerations later, so a file that passes the checksum by chance
+    // must still be harmless.
     void range(unsigned int& value, unsigned int max) {
         number(value);
         _good = _good && value <= max;
@@ -173,6 +176,8 @@ void describe(auto& archive, auto& value) requires
 
 } // namespace
 
+// FNV-1a is enough: the checksum finds damage and not forgery. Whoever can write into the folder can write
+// programs into it anyway.
 std::uint64_t hashBytes(BufferView<const char> bytes) {
     std::uint64_t hash = 0xcbf29ce484222325u;
     for (const char byte : bytes) {
@@ -183,6 +188,7 @@ std::uint64_t hashBytes(BufferView<const char> bytes) {
 
 Buffer<char> packCachedProgram(StringView key, const CachedProgram& program) {
     Writer content;
+    // The whole key, because the file's name is only its hash.
     content.text(key);
     describe(content, program);
     Writer file;
@@ -221,6 +227,7 @@ UniquePtr<CachedProgram> unpackCachedContent(BufferView<const char> content, Str
     }
     auto program = std::make_unique<CachedProgram>();
     describe(reader, *program);
+    // Bytes left over mean that something else was written, even if all that was read made sense.
     return reader.isGood() && reader.isAtEnd() ? std::move(program) : nullptr;
 }
 

@@ -29,6 +29,8 @@ private:
     bool _initialised;
 };
 
+// A static of a function is made once even when several threads compile first, and torn down at the process's
+// end.
 bool initialiseOnce() {
     static const FrontEndProcess process;
     return process.isInitialised();
@@ -42,6 +44,8 @@ StringView trim(StringView text) {
 
 /// Sorts the lines of a compiler's log into the first error, with the lines that continue it, and all
 /// warnings.
+// One message is all that a caller can show in a line. The front ends go on after the first error, and what
+// follows is mostly its consequence. A few messages go on in indented lines, which belong to them.
 void readLog(StringView log, FrontEndResult& result) {
     static constexpr StringView ERROR = "ERROR: ";
     static constexpr StringView WARNING = "WARNING: ";
@@ -84,6 +88,8 @@ bool parseAndLink(glslang::TShader& shader, glslang::TProgram& program, EShMessa
         return false;
     }
     program.addShader(&shader);
+    // A single stage is linked. Stages of one program are joined by our own rules, because the front end
+    // numbers each stage by itself.
     const bool linked = program.link(messages) && program.mapIO();
     readLog(program.getInfoLog(), result);
     return linked;
@@ -119,6 +125,7 @@ FrontEndResult compileToSpirv(SHADER_LANGUAGE language, STAGE stage, const Strin
 
     spv::SpvBuildLogger logger;
     glslang::SpvOptions options;
+    // The optimiser takes 10 ms a program and the driver optimises again: the pictures were no faster.
     options.disableOptimizer = true;
     glslang::GlslangToSpv(*program.getIntermediate(nativeStage), result.spirv, &logger, &options);
     if (result.spirv.empty()) {

@@ -11,6 +11,8 @@ using ovMemory::StringView;
 
 namespace {
 
+// Weighing may itself be made slow by nested calls, so it has a limit of its own; beyond it a text counts as
+// too long.
 constexpr std::uint64_t MAX_WORK = 512 * 1024; // tokens looked at, some tenths of a second
 constexpr unsigned int MAX_DEPTH = 128;        // macros and arguments within macros
 constexpr unsigned int MAX_PASSES = 20;        // 2 to this power is more than any limit
@@ -29,6 +31,7 @@ constexpr std::array<std::pair<StringView, MacroWeights::Weight>, 12> HEAVY_TOKE
                                                                                        {"{", 4},
                                                                                        {"=", 2}}};
 
+// Weights double with every level of a hostile macro, and would wrap round within 64 levels.
 MacroWeights::Weight add(MacroWeights::Weight a, MacroWeights::Weight b) {
     return std::min(a + b, MacroWeights::SATURATED);
 }
@@ -52,6 +55,7 @@ bool isOpening(MacroWeights::Tokens tokens, std::size_t at) {
 } // namespace
 
 MacroWeights::Weight MacroWeights::getTokenWeight(const Token& token) {
+    // Numbers are free, so that long tables pass.
     if (token.kind == TOKEN::NUMBER) {
         return 0;
     }
@@ -66,6 +70,7 @@ void MacroWeights::addDefinition(Tokens line) {
     }
     Macro macro;
     std::size_t at = 1;
+    // A bracket after a space belongs to the body, as in C.
     if (isOpening(line, 1) && !line[1].afterSpace) {
         macro.isFunction = true;
         const std::size_t end = findClosing(line, 1);
@@ -82,6 +87,8 @@ void MacroWeights::addDefinition(Tokens line) {
     for (const StringView parameter : macro.parameters) {
         const auto uses = std::count_if(macro.body.begin(), macro.body.end(),
                                         [parameter](const Token& token) { return token.text == parameter; });
+        // What a call repeats is only known when its macro is. Where a name is made by pasting, the most that
+        // any macro repeats stands in.
         _mostRepeated = std::max(_mostRepeated, static_cast<Weight>(uses));
     }
     _macros[line[0].text].push_back(std::move(macro));
@@ -149,6 +156,8 @@ MacroWeights::Weight MacroWeights::_weighAt(Tokens tokens, std::size_t& at, cons
     if (const auto argument = arguments.find(token.text); argument != arguments.end()) {
         return add(argument->second, _mostRepeated > 1 ? _weighUnknownCalls(tokens, at, arguments) : 0);
     }
+    // A macro is not expanded inside itself, which the compilers do not do either. Without this, recursion
+    // would never end.
     if (!_macros.contains(token.text) || _active.contains(token.text)) {
         return getTokenWeight(token);
     }
@@ -165,6 +174,7 @@ MacroWeights::Weight MacroWeights::_weighCall(Tokens tokens, std::size_t& at, co
                                         [](const Macro& macro) { return macro.isFunction; });
     Buffer<Weight> given;
     if (isFunction) {
+        // Without brackets the name of a function-like macro stays as it is.
         if (!isOpening(tokens, at + 1)) {
             return 1;
         }

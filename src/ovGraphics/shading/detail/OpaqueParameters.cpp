@@ -12,6 +12,8 @@ using ovMemory::BufferView;
 
 namespace {
 
+// Works on the words of SPIR-V: a load, a store and a variable of a texture type are single instructions, so
+// taking them out needs no tree. The layout is that of the SPIR-V specification, section 2.3.
 constexpr std::size_t HEADER_WORDS = 5;
 
 using Instruction = BufferView<std::uint32_t>;
@@ -21,6 +23,8 @@ SpvOp getOperation(Instruction instruction) {
 }
 
 /// The words that the pass reads of an instruction.
+// The module comes from our own front end, but reading one word too many would be an overrun, so lengths are
+// checked all the same.
 std::size_t getLeastWords(SpvOp operation) {
     const bool takesThree = operation == SpvOpTypePointer || operation == SpvOpVariable ||
                             operation == SpvOpLoad || operation == SpvOpFunctionCall;
@@ -46,6 +50,8 @@ public:
         case SpvOpVariable:
             return !_visitVariable(instruction);
         case SpvOpLoad:
+            // A load from a local becomes a load from the resource behind it; a load from that may be stored
+            // again.
             _replace(instruction[3]);
             _sources[instruction[2]] = instruction[3];
             return true;
@@ -64,6 +70,8 @@ public:
     bool isAmbiguous() const { return _ambiguous; }
 
 private:
+    // The type itself is changed, so that the parameters of functions change with it: calls may then pass
+    // declared resources.
     /// Parameters and locals take the storage class of declared resources.
     void _visitPointerType(Instruction instruction) {
         if (instruction[2] == SpvStorageClassFunction && _opaqueTypes.contains(instruction[3])) {
@@ -81,6 +89,8 @@ private:
         return local;
     }
 
+    // A local that is assigned twice, or from something that is no resource, would need a choice at run time,
+    // which GLSL cannot express for textures.
     bool _visitStore(Instruction instruction) {
         const auto local = _locals.find(instruction[1]);
         if (local == _locals.end()) {
@@ -121,6 +131,7 @@ bool passOpaqueParametersDirectly(Buffer<std::uint32_t>& spirv) {
         }
         const bool stays = pass.visit(Instruction(spirv).subspan(at, length));
         if (stays) {
+            // Moves in place: the module only gets shorter.
             std::copy_n(spirv.begin() + static_cast<std::ptrdiff_t>(at), length,
                         spirv.begin() + static_cast<std::ptrdiff_t>(kept));
             kept += length;

@@ -14,6 +14,8 @@ bool isWord(char c) {
     return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_' || isDigit(c);
 }
 
+// The two languages agree on words, numbers, comments and joined lines, and that is all the limits need.
+// Operators come apart into characters, which changes no count.
 class Splitter {
 public:
     explicit Splitter(StringView text)
@@ -30,6 +32,7 @@ private:
     char _peek(std::size_t ahead = 0) const { return _at + ahead < _text.size() ? _text[_at + ahead] : '\0'; }
 
     /// Length of a backslash with the line end after it, 0 when there is none.
+    // A file with Windows line ends joins lines just the same.
     std::size_t _getJoinLength() const {
         if (_peek() != '\\') {
             return 0;
@@ -40,6 +43,8 @@ private:
     void _skipLineComment() {
         while (_at < _text.size() && _peek() != '\n') {
             const std::size_t join = _getJoinLength();
+            // A comment of one line goes on in the next after a backslash. Overlooking that would hide code
+            // from the limits that the compilers do see, or the other way round.
             _line += join != 0 ? 1 : 0;
             _at += join != 0 ? join : 1;
         }
@@ -103,6 +108,7 @@ private:
         } else if (first == '"') {
             token.kind = TOKEN::TEXT;
             const std::size_t end = _text.find_first_of("\"\n", _at);
+            // A text that nobody closes ends with its line, so that the rest is still counted.
             _at = end == StringView::npos ? _text.size() : end + (_text[end] == '"' ? 1 : 0);
         } else if (first == '#' && _peek() == '#') {
             ++_at;

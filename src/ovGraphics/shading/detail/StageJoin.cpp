@@ -13,6 +13,8 @@ using ovMemory::StringView;
 
 namespace {
 
+// Fixed places for the names that meshes usually have, so that programs with different inputs can share a
+// vertex array. The full-screen quad relies on two of them.
 constexpr std::array<StringView, 5> FIXED_ATTRIBUTES = {"POSITION", "NORMAL", "TEXCOORD", "TANGENT",
                                                         "BINORMAL"};
 constexpr unsigned int MAX_ATTRIBUTE_LOCATIONS = 16;   // what every device of OpenGL 4.5 offers
@@ -21,12 +23,15 @@ constexpr unsigned int MAX_CONSTANT_BUFFER_SLOTS = 14; // of a stage, on every d
 constexpr unsigned int MAX_COLOUR_OUTPUTS = 8;
 
 /// Fixed attributes in the table's order, then the others by name.
+// Sorted by name and not by declaration: HLSL and GLSL declare inputs in different orders, and both must get
+// the same locations.
 auto getAttributeRank(const StageVariable& variable) {
     const auto found = std::find(FIXED_ATTRIBUTES.begin(), FIXED_ATTRIBUTES.end(), variable.name);
     return std::make_tuple(found - FIXED_ATTRIBUTES.begin(), StringView(variable.name));
 }
 
 void addAttribute(const StageVariable& variable, Buffer<AttributeInfo>& attributes) {
+    // A matrix is one variable of several locations, while a mesh or an instance gives one vector for each.
     for (unsigned int column = 0; column < variable.locations; ++column) {
         const String name = variable.locations == 1 ? variable.name : variable.name + std::to_string(column);
         attributes.push_back({name, variable.location + column, variable.components});
@@ -40,6 +45,7 @@ String locateAttributes(Buffer<StageVariable>& inputs, Buffer<AttributeInfo>& at
     for (StageVariable& input : inputs) {
         const auto rank = static_cast<std::size_t>(std::get<0>(getAttributeRank(input)));
         const bool fixed = rank < FIXED_ATTRIBUTES.size();
+        // The next fixed attribute has the location behind, so there is no room for more than one.
         if (fixed && input.locations != 1) {
             return fmt::format("the attribute '{}' is a matrix or an array; it must be a vector", input.name);
         }
@@ -76,6 +82,7 @@ String locateVaryings(Buffer<StageVariable>& outputs, Buffer<StageVariable>& inp
         if (output == outputs.end()) {
             return fmt::format("the input '{}' is not written by the vertex stage", input.name);
         }
+        // Drivers report a mismatch as a failed link without a name, or draw garbage, so it is found here.
         if (describeType(*output) != describeType(input)) {
             return fmt::format(
                 "the input '{}' is {} (scalar x components x locations); the vertex stage writes {}",
@@ -106,6 +113,8 @@ String addConstantBuffers(const StageInterface& stage, Buffer<String>& signature
             return fmt::format("the constant buffers '{}' and '{}' have the same slot {}", known->name,
                                block.info.name, block.info.slot);
         }
+        // The stages share one binding a slot, so that one buffer serves both. Different contents would read
+        // each other's numbers without any message.
         if (signature != block.signature) {
             return fmt::format(
                 "the constant buffer '{}' of slot {} holds ({}), but the vertex stage's '{}' of that "
@@ -123,6 +132,8 @@ auto getUnitKey(const TextureUnitInfo& info) {
 
 /// A texel fetch needs no sampler: when the texture is also sampled it shares that unit, unless its sampler
 /// compares.
+// Units are few (16 a stage on every device), so a fetch takes none of its own when it can share. A comparing
+// sampler turns the unit into one of another type in GLSL.
 const TextureUnitInfo* findSamplingUnit(const TextureUnitInfo& fetch, const Buffer<TextureUnitInfo>& units) {
     const auto found = std::find_if(units.begin(), units.end(), [&fetch](const TextureUnitInfo& unit) {
         return unit.textureSlot == fetch.textureSlot && unit.samplerSlot != TextureUnitInfo::NO_SAMPLER &&
@@ -175,6 +186,8 @@ String collectUnits(const StageInterface& vertex, const StageInterface& pixel,
                     continue;
                 }
                 TextureUnitInfo info = pair.info;
+                // The shared unit counts as used by this stage too, so that whoever reads the table knows
+                // where it is read.
                 if (const TextureUnitInfo* shared = fetch ? findSamplingUnit(info, units) : nullptr) {
                     info = *shared;
                     info.stages = pair.info.stages;
@@ -185,6 +198,8 @@ String collectUnits(const StageInterface& vertex, const StageInterface& pixel,
             }
         }
     }
+    // The order in which pairs are met depends on the text. Sorted by slots, two programs with the same
+    // resources have the same units, and fewer bindings change between them.
     std::sort(units.begin(), units.end(),
               [](const auto& a, const auto& b) { return getUnitKey(a) < getUnitKey(b); });
     return {};
@@ -235,6 +250,7 @@ JoinError joinStages(StageInterface& vertex, StageInterface& pixel, CompiledProg
     }
     std::sort(program.constantBuffers.begin(), program.constantBuffers.end(),
               [](const auto& a, const auto& b) { return a.slot < b.slot; });
+    // After the sorting, which moves units that were found before.
     numberUnits(vertex, program.textureUnits);
     numberUnits(pixel, program.textureUnits);
     return {STAGE::PIXEL, std::move(words)};

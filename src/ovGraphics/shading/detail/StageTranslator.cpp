@@ -16,6 +16,8 @@ namespace {
 
 using ResourceList = ovMemory::BufferView<const spvc_reflected_resource>;
 
+// Names of our own, because both languages must give the same text: signatures of the two stages are
+// compared.
 const char* getScalarName(spvc_basetype type) {
     switch (type) {
     case SPVC_BASETYPE_BOOLEAN:
@@ -43,6 +45,7 @@ unsigned int countArrayElements(spvc_type type) {
     return count;
 }
 
+// HLSL's semantics ignore case and an index of 0, while meshes name their attributes by one spelling.
 /// Upper case, and without the index 0 that HLSL leaves out as well: TexCoord0 is TEXCOORD.
 String normaliseSemantic(StringView semantic) {
     String name(semantic);
@@ -57,6 +60,7 @@ String normaliseSemantic(StringView semantic) {
 }
 
 /// glslang names a variable that came from a parameter or a member "input.uvs" or "@entryPointOutput.uvs".
+// The part before the point differs between the stages, so varyings would never be joined by it.
 String getShortName(StringView name) {
     return String(name.substr(name.rfind('.') + 1));
 }
@@ -65,6 +69,7 @@ struct ForbiddenKind {
     spvc_resource_type type;
     const char* words;
 };
+// The device offers no binding for these. The driver would compile them, and reading one would be undefined.
 constexpr std::array<ForbiddenKind, 6> FORBIDDEN_KINDS = {
     {{SPVC_RESOURCE_TYPE_STORAGE_BUFFER, "storage buffer"},
      {SPVC_RESOURCE_TYPE_SUBPASS_INPUT, "subpass input"},
@@ -121,6 +126,9 @@ struct StageTranslator::Implementation {
 bool StageTranslator::Implementation::open(const Buffer<std::uint32_t>& spirv) {
     spvc_parsed_ir parsed = nullptr;
     spvc_set active = nullptr;
+    // Only active variables are reflected: a text may declare what a define switches off, and a unit or slot
+    // that nobody reads must not count. The enabled set must be given to the translator too, or it declares
+    // the others again.
     const bool opened =
         spvc_context_create(&context) == SPVC_SUCCESS &&
         spvc_context_parse_spirv(context, spirv.data(), spirv.size(), &parsed) == SPVC_SUCCESS &&
@@ -140,8 +148,11 @@ bool StageTranslator::Implementation::installOptions() {
     }
     spvc_compiler_options_set_uint(options, SPVC_COMPILER_OPTION_GLSL_VERSION, 450);
     spvc_compiler_options_set_bool(options, SPVC_COMPILER_OPTION_GLSL_ES, SPVC_FALSE);
+    // OpenGL has no separate textures and samplers: the translator joins them into the units that the device
+    // binds.
     spvc_compiler_options_set_bool(options, SPVC_COMPILER_OPTION_GLSL_VULKAN_SEMANTICS, SPVC_FALSE);
-    // Draws never start at another instance, and a uniform for it would have to be fed.
+    // gl_InstanceID counts from 0 in every draw, also in those that start at another instance. The translator
+    // would add that start from a uniform, which would have to be fed.
     spvc_compiler_options_set_bool(options, SPVC_COMPILER_OPTION_GLSL_SUPPORT_NONZERO_BASE_INSTANCE,
                                    SPVC_FALSE);
     // Each language keeps its own clip space; the device is set to it.
@@ -170,6 +181,8 @@ bool StageTranslator::Implementation::refuseForbidden() {
     return true;
 }
 
+// A struct takes the locations of its members, an array those of each element. The front end's own numbers
+// are not used, as they differ between the stages.
 unsigned int StageTranslator::Implementation::countLocations(spvc_type type) const {
     unsigned int count = spvc_type_get_columns(type);
     if (spvc_type_get_basetype(type) == SPVC_BASETYPE_STRUCT) {
@@ -187,6 +200,7 @@ bool StageTranslator::Implementation::reflectVariable(const spvc_reflected_resou
     const spvc_type type = spvc_compiler_get_type_handle(compiler, resource.type_id);
     variable.id = resource.id;
     variable.name = getShortName(resource.name);
+    // HLSL joins stages by semantic and GLSL by the variable's name; the interface has one name for both.
     if (spvc_compiler_has_decoration(compiler, resource.id, SpvDecorationHlslSemanticGOOGLE)) {
         variable.name = normaliseSemantic(
             spvc_compiler_get_decoration_string(compiler, resource.id, SpvDecorationHlslSemanticGOOGLE));
@@ -212,6 +226,8 @@ bool StageTranslator::Implementation::reflectVariables(spvc_resource_type type,
             return false;
         }
     }
+    // The translator lists them by its own ids, which change with the text. The same text must give the same
+    // program bytes.
     std::sort(variables.begin(), variables.end(),
               [](const auto& a, const auto& b) { return a.name < b.name; });
     const auto twice = std::adjacent_find(variables.begin(), variables.end(),
@@ -233,6 +249,7 @@ bool StageTranslator::Implementation::readSlot(spvc_variable_id id, StringView k
 
 /// Where GLSL's rules put a member behind the one before it. HLSL packs some members closer.
 unsigned int StageTranslator::Implementation::getStd140Offset(spvc_type structType, unsigned int index) {
+    // std140 rounds arrays, matrices and structs up to 16 bytes, at their start and at their end.
     const auto isAggregate = [](spvc_type type) {
         return spvc_type_get_num_array_dimensions(type) != 0 || spvc_type_get_columns(type) > 1 ||
                spvc_type_get_basetype(type) == SPVC_BASETYPE_STRUCT;
@@ -250,11 +267,14 @@ unsigned int StageTranslator::Implementation::getStd140Offset(spvc_type structTy
     spvc_compiler_type_struct_member_offset(compiler, structType, index - 1, &start);
     spvc_compiler_get_declared_struct_member_size(compiler, structType, index - 1, &size);
     const std::size_t end = start + (isAggregate(previous) ? roundUp(size, 16) : size);
+    // By number of components: a vector of three is aligned like one of four.
     constexpr std::array<std::size_t, 5> VECTOR_ALIGNMENT = {4, 4, 8, 16, 16};
     const std::size_t alignment = isAggregate(type) ? 16 : VECTOR_ALIGNMENT[spvc_type_get_vector_size(type)];
     return static_cast<unsigned int>(roundUp(end, alignment));
 }
 
+// The text is compared and shown: two stages that declare one slot must agree on every name, type and place
+// in it.
 String StageTranslator::Implementation::describeMember(spvc_type structType, unsigned int index) {
     const spvc_type_id structId = spvc_type_get_base_type_id(structType);
     const spvc_type type =
@@ -291,6 +311,7 @@ bool StageTranslator::Implementation::reflectBlock(const spvc_reflected_resource
     block.typeId = resource.base_type_id;
     block.info.name = resource.name;
     block.info.stages = 1u << static_cast<unsigned int>(stage);
+    // The HLSL front end gathers loose globals in a block named $Global, which nobody would ever fill.
     if (block.info.name.starts_with('$')) {
         const char* member = spvc_compiler_get_member_name(compiler, resource.base_type_id, 0);
         return fail(fmt::format(
@@ -316,6 +337,8 @@ bool StageTranslator::Implementation::reflectBlock(const spvc_reflected_resource
             return failTranslator();
         }
         member.size = static_cast<unsigned int>(memberSize);
+        // HLSL may put a float into the rest of a register behind a vector of three; GLSL's rules do not
+        // allow the translator to write that down. Better a message than members that read their neighbours.
         if (member.offset != getStd140Offset(type, i)) {
             return fail(
                 fmt::format("the member '{}' of the constant buffer '{}' starts at byte {}, in GLSL it would "
@@ -405,6 +428,7 @@ bool StageTranslator::Implementation::reflectPairs(const Buffer<std::uint32_t>& 
             !reflectTextureType(combined[i].image_id, pair.info)) {
             return false;
         }
+        // A texel fetch: the dummy exists only because GLSL's functions take a joined texture.
         if (dummySampler != 0 && combined[i].sampler_id == dummySampler) {
             continue;
         }
@@ -442,6 +466,8 @@ bool StageTranslator::Implementation::findComparisons(const Buffer<std::uint32_t
     return true;
 }
 
+// The prefixes keep an author's names apart from the words of GLSL: an HLSL text may well call something
+// texture or sample.
 void StageTranslator::Implementation::decorate(const StageInterface& interface) {
     const bool vertex = stage == STAGE::VERTEX;
     for (const StageVariable& input : interface.inputs) {

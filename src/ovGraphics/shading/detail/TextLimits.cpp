@@ -20,12 +20,17 @@ using Weight = MacroWeights::Weight;
 /// Words before a bracket that do not make it a list of arguments.
 constexpr std::array<StringView, 6> NO_CALLS = {"for", "if", "while", "switch", "return", "else"};
 
+// Counts tokens instead of parsing. A parser of both languages would be as large as the front ends, and could
+// be overrun in the same way; a count is linear and cannot recurse. The measure is coarse, so the limits
+// leave room above every real shader.
 class LimitCheck {
 public:
     explicit LimitCheck(StringView text)
         : _tokens(splitIntoTokens(text)) {}
 
     String run() {
+        // All definitions are read first, wherever they stand: conditions are not evaluated, so a definition
+        // below may be the one that counts.
         _readDefinitions();
         if (_macros.getHeaviest() >= MacroWeights::SATURATED) {
             return "a macro of the text is too long when it is expanded";
@@ -72,6 +77,8 @@ private:
         }
     }
 
+    // Conditions expand macros too, and the front ends' evaluation of them recurses. Other directives expand
+    // nothing.
     /// @return the directive's last token
     std::size_t _visitDirective(std::size_t at) {
         const auto directive = _getDirective(at);
@@ -95,6 +102,7 @@ private:
         return _findDirectiveEnd(at) - 1;
     }
 
+    // Messages name the place as the compilers would, so that an author finds it by the same rule.
     void _followLine(BufferView<const Token> directive) {
         long long line = 0;
         const StringView digits = directive[1].text;
@@ -114,6 +122,8 @@ private:
         if (token.text == "else") {
             _weight += _lastWeight; // an else hangs below the if before it, however long the chain
         }
+        // A table of thousands of numbers is one flat list to the front ends, so its commas and numbers count
+        // nothing.
         const bool separator = token.text == "," && !_brackets.empty() && _brackets.back().list;
         const Weight weight = separator ? 0 : _macros.weigh(_tokens, at);
         _weight += weight;
@@ -143,6 +153,8 @@ private:
     void _followBrackets(StringView text, bool list) {
         if (text == "(" || text == "[" || text == "{") {
             _brackets.push_back({text[0], list || text == "{", _weight, _base});
+            // Statements inside a block hang below what opens it, so they start with its weight. That is how
+            // nested loops add up.
             _base = text == "{" ? _weight : _base;
             if (_brackets.size() > MAX_NESTING) {
                 _fail(fmt::format("brackets are nested deeper than {} levels", MAX_NESTING));
