@@ -48,6 +48,8 @@ bool isKnown(StringView extension) {
 bool checkVersion(const GltfJson& root, GltfReport& report) {
     const GltfJson asset = root["asset"];
     const StringView version = asset["version"].getString().value_or(StringView());
+    // The version says what the file was written for, the minimum what a reader must know. Within version 2 a
+    // newer file may be read as long as its minimum is 2.0.
     const StringView minimum = asset["minVersion"].getString().value_or(version);
     if (!version.starts_with("2."))
         return report.fail(fmt::format("its version is {}; only glTF 2 can be read",
@@ -63,6 +65,8 @@ bool checkExtensions(const GltfJson& root, GltfReport& report) {
     for (std::size_t i = 0; i < required.getCount(); ++i) {
         const StringView name = required.at(i).getString().value_or(StringView());
         if (!isKnown(name))
+            // The format demands this: what a required extension leaves out would be drawn wrong in a way
+            // that no warning could describe.
             return report.fail(fmt::format(
                 "it requires the extension {}, which is not known; export it without", quoteGltf(name)));
     }
@@ -76,6 +80,7 @@ bool checkExtensions(const GltfJson& root, GltfReport& report) {
 }
 
 void fillBox(GltfScene& scene) {
+    // Nodes outside the chosen scene are not drawn and must not move the camera that frames the model.
     for (const unsigned int index : listDrawnGltfNodes(scene)) {
         const GltfNode& node = scene.nodes[index];
         if (node.mesh < 0)
@@ -97,6 +102,8 @@ bool readScene(Bytes bytes, const GltfDecodeOptions& options, GltfReport& report
     GltfData data;
     Buffer<GltfVertexNeeds> needs;
     Buffer<GltfNodeSource> nodes;
+    // The order follows the references: materials tell meshes which texture coordinates they need, nodes tell
+    // meshes which skins move them, and a light needs the nodes' places.
     if (!data.load(root, container->binary, options.folder, report) ||
         !readGltfMaterials(root, data, options.folder, report, scene, needs) ||
         !readGltfCameras(root, report, scene) || !readGltfNodes(root, report, scene, nodes) ||
@@ -112,6 +119,8 @@ bool readScene(Bytes bytes, const GltfDecodeOptions& options, GltfReport& report
 } // namespace
 
 bool GltfEncoder::canDecode(Bytes bytes) const {
+    // Only enough to choose a reader. A text is not parsed here: looking for one member tells it from the
+    // JSON of other programs.
     if (isBinaryGltf(bytes))
         return bytes.size() >= 8 && bytes[4] == 2 && bytes[5] == 0 && bytes[6] == 0 && bytes[7] == 0;
     const StringView text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
@@ -142,6 +151,7 @@ GltfDecodeResult GltfEncoder::decodeFile(StringView path, const GltfDecodeOption
     if (!ovResources::readFile(path, bytes, result.error))
         return result;
     GltfDecodeOptions ownOptions = options;
+    // The addresses in a file are relative to it, wherever the process runs.
     if (ownOptions.folder.empty()) {
         const std::size_t separator = path.rfind('/');
         ownOptions.folder = separator == StringView::npos ? "." : path.substr(0, separator + 1);

@@ -51,6 +51,8 @@ std::optional<GltfContainer> openGltfContainer(Bytes bytes, ovMemory::String& er
         return ovMemory::StringView(reinterpret_cast<const char*>(part.data()), part.size());
     };
     error.clear();
+    // Anything else is taken for text: the JSON reader's message then says what is wrong, with line and
+    // column.
     if (!isBinaryGltf(bytes))
         return GltfContainer{textOf(bytes), {}};
     const auto fail = [&](ovMemory::String text) -> std::optional<GltfContainer> {
@@ -80,6 +82,7 @@ std::optional<GltfContainer> openGltfContainer(Bytes bytes, ovMemory::String& er
     const auto binary = takeChunk(file, offset);
     if (!binary)
         return fail("the file is damaged: its second chunk is longer than what is left of the file");
+    // The format asks readers to skip chunks that they do not know.
     if (binary->type == BINARY_CHUNK)
         container.binary = binary->bytes;
     return container;

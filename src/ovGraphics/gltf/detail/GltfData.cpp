@@ -46,6 +46,7 @@ std::size_t componentsOf(StringView type) {
 }
 
 template <typename T>
+// By memcpy: the bytes of a file have no alignment, whatever the format asks of it.
 T load(const unsigned char* bytes) {
     T value;
     std::memcpy(&value, bytes, sizeof(T));
@@ -63,6 +64,8 @@ double loadNumber(const unsigned char* bytes) {
     return double(load<T>(bytes));
 }
 
+// One pointer for the eleven kinds of numbers keeps the loops below free of them. Doubles hold every number
+// of every kind exactly, 32-bit indices too.
 using Loader = double (*)(const unsigned char*);
 
 Loader loaderOf(unsigned int componentType, bool normalized) {
@@ -85,6 +88,7 @@ Loader loaderOf(unsigned int componentType, bool normalized) {
 template <typename T>
 auto allocatorFor(const GltfObject& user, ovMemory::Buffer<T>& values) {
     return [&](std::size_t count) {
+        // Charged before it is allocated: an accessor of a few bytes may ask for gigabytes.
         if (!user.getReport().charge(count, sizeof(T), user.getLabel()))
             return false;
         values.assign(count, T());
@@ -114,13 +118,17 @@ bool GltfData::_loadBuffers(const GltfJson& buffers, const std::optional<Bytes>&
             auto loaded = loadGltfUri(*uri, folder, report, error);
             if (!loaded)
                 return buffer.fail(error);
+            // The views point into these buffers. Moving a buffer keeps its bytes where they are, so the list
+            // may grow.
             _ownBuffers.push_back(std::move(*loaded));
             bytes = _ownBuffers.back();
+            // Only the first buffer may be the binary chunk, as the format has it.
         } else if (i == 0 && binary) {
             bytes = *binary;
         } else {
             return buffer.fail("it has no 'uri', and there is no binary chunk that it could be");
         }
+        // Longer is fine: binary chunks are padded to four bytes.
         if (bytes.size() < length)
             return buffer.fail(
                 fmt::format("it should have {} bytes, but there are {}", length, bytes.size()));
@@ -212,6 +220,7 @@ bool GltfData::_read(int index, StringView type, const GltfObject& user, const A
     const bool hasView = accessor.getJson()["bufferView"].exists();
     if (hasView && !_locate(accessor, layout, view))
         return false;
+    // Without a view the count is held by no byte of the file.
     if (!hasView && layout.count > MAX_ZEROS)
         return accessor.fail(
             fmt::format("it asks for {} zeros; {} are the most that is given", layout.count, MAX_ZEROS));
@@ -252,6 +261,7 @@ bool GltfData::_readSparse(const GltfObject& accessor, const Layout& layout, con
     const Loader indexLoader = loaderOf(indexLayout.componentType, false);
     const Loader loader = loaderOf(layout.componentType, layout.normalized);
     for (std::size_t i = 0; i < indexLayout.count; ++i) {
+        // Sparse values are given in order by the format, but nothing here depends on it.
         const auto element =
             static_cast<std::size_t>(indexLoader(indexView.bytes.data() + i * indexView.stride));
         if (element >= layout.count)

@@ -19,6 +19,8 @@ bool isFinite(const Vector& vector) {
     return std::isfinite(vector.x) && std::isfinite(vector.y) && std::isfinite(vector.z);
 }
 
+// Every second triangle of a strip runs the other way, so two corners change places there. Triangles that use
+// an index twice only join the parts of a strip.
 Indices listOfStrip(const Indices& strip) {
     Indices list;
     for (std::size_t i = 0; i + 2 < strip.size(); ++i) {
@@ -72,6 +74,8 @@ public:
     void add(const Vector& vector, int components) {
         const float values[3] = {vector.x, vector.y, vector.z};
         for (int i = 0; i < components; ++i) {
+            // Adding zero turns -0 into 0. Both are equal as numbers, but the optimiser compares bytes when
+            // it joins vertices.
             const float value = std::isfinite(values[i]) ? values[i] + 0.0f : 0.0f;
             const auto* begin = reinterpret_cast<const unsigned char*>(&value);
             _bytes.insert(_bytes.end(), begin, begin + sizeof(float));
@@ -95,11 +99,14 @@ void packVertices(const GltfGeometry& geometry, GltfPrimitive& primitive) {
             continue;
         Vector tangent = geometry.tangents[i].getNormalizedVec3();
         Vector binormal = Vector::crossVec3(geometry.normals[i], tangent).getNormalizedVec3();
+        // The file's tangent runs along the normal, or is zero: any frame is better than one that collapses.
         if (binormal == Vector()) {
             tangent = perpendicularTo(geometry.normals[i]);
             binormal = Vector::crossVec3(geometry.normals[i], tangent);
         }
         packer.add(mirrorGltf(tangent), 3);
+        // The cross product is taken before the mirror. Taken afterwards it would point the other way, as
+        // mirrors turn cross products over.
         packer.add(mirrorGltf(geometry.tangents[i].w < 0.0f ? -binormal : binormal), 3);
     }
 }
@@ -137,6 +144,7 @@ void setGltfTopology(GLTF_MODE mode, GltfGeometry& geometry) {
         [[fallthrough]];
     case GLTF_MODE::LINE_STRIP:
         geometry.topology = PRIMITIVE_TOPOLOGY::LINESTRIP;
+        // One point makes no line.
         if (indices.size() == 1)
             indices.clear();
         break;
@@ -158,6 +166,7 @@ std::size_t dropNonFinitePositions(GltfGeometry& geometry) {
         if (isFinite(geometry.positions[i]))
             continue;
         bad[i] = 1;
+        // The vertex stays, so that the other indices stay valid; nothing touches it any more.
         geometry.positions[i] = Vector();
         ++count;
     }
@@ -206,6 +215,8 @@ std::size_t repairNormals(GltfGeometry& geometry) {
     }
     if (count == 0)
         return 0;
+    // The cross product is as long as twice the triangle's area, so the sum is weighted by area without
+    // further work.
     for (std::size_t i = 0; geometry.isTriangles() && i + 2 < geometry.indices.size(); i += 3) {
         const Vector plane = planeOf(geometry, i);
         for (std::size_t corner = i; corner < i + 3; ++corner)
@@ -244,9 +255,11 @@ void packGltfGeometry(const GltfGeometry& geometry, GltfPrimitive& primitive) {
     primitive.topology = geometry.topology;
     if (geometry.isTriangles())
         primitive.indices = turnedTriangles(geometry.indices);
+    // Indices that only count up say nothing, and drawing without them saves their memory.
     else if (!isSequence(geometry.indices, geometry.positions.size()))
         primitive.indices = geometry.indices;
     for (const std::uint32_t index : geometry.indices)
+        // Only vertices that are drawn count: unused ones may lie anywhere.
         primitive.boundingBox.add(mirrorGltf(geometry.positions[index]));
 }
 

@@ -58,6 +58,8 @@ void readSampler(const GltfObject& sampler, GltfTexture& texture) {
         minify != LINEAR_MIPMAP_NEAREST)
         filter |= MIP_LINEAR_BIT;
     texture.filter = static_cast<FILTER>(filter);
+    // OpenGL's two filters without a mip in their name read the first mip alone, which the filters of
+    // Direct3D cannot say.
     texture.mipmapped = minify != NEAREST && minify != LINEAR;
     texture.addressU = readAddress(sampler, "wrapS");
     texture.addressV = readAddress(sampler, "wrapT");
@@ -96,6 +98,8 @@ bool readGltfImages(const GltfJson& root, const GltfData& data, StringView folde
         image.name = names.makeUnique(source.readString("name"), i);
         String reason;
         auto bytes = loadImage(source, data, folder, reason);
+        // A missing picture costs its surface only, but running out of the memory that a file may take ends
+        // the reading.
         if (!report.getError().empty())
             return false;
         if (bytes && !encoder.canDecode(*bytes)) {

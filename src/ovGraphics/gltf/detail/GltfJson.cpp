@@ -53,6 +53,8 @@ std::optional<StringView> GltfJson::getString() const {
 
 std::optional<std::size_t> GltfJson::getSize() const {
     const std::optional<double> number = getNumber();
+    // Numbers with a point are taken if they are whole, as some exporters write 3.0 for an index. Beyond 2^53
+    // doubles are not exact.
     if (!number || !(*number >= 0.0 && *number <= LARGEST_EXACT_INTEGER) || *number != std::floor(*number))
         return {};
     return static_cast<std::size_t>(*number);
@@ -76,6 +78,8 @@ void GltfObject::warn(StringView text) const {
     _report->warn(fmt::format("{}: {}", _label, text));
 }
 
+// A missing member is no error: the caller has set the default. A member that cannot be meant is one, because
+// everything that refers to it would be wrong.
 bool GltfObject::readIndex(StringView name, std::size_t count, StringView kind, int& index) const {
     const GltfJson member = _json[name];
     if (!member.exists())
@@ -126,6 +130,7 @@ float GltfObject::readFloat(StringView name, float fallback, float minimum, floa
     const double clamped = std::clamp(*number, double(minimum), double(maximum));
     if (clamped != *number)
         warn(fmt::format("'{}' is {}; {} is taken instead", name, *number, clamped));
+    // Converting a double beyond the range of floats is undefined.
     return static_cast<float>(std::clamp(clamped, -LARGEST_FLOAT, LARGEST_FLOAT));
 }
 
@@ -135,6 +140,7 @@ ovMaths::Vector GltfObject::readVector(StringView name, int count, const ovMaths
     if (!array.exists())
         return fallback;
     float values[4] = {fallback.x, fallback.y, fallback.z, fallback.w};
+    // All or nothing: half a vector of the file with half of the default would be a colour that nobody chose.
     bool clean = array.getCount() == static_cast<std::size_t>(count);
     for (int i = 0; clean && i < count; ++i) {
         const std::optional<double> number = array.at(static_cast<std::size_t>(i)).getNumber();

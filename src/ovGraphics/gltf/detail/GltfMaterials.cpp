@@ -38,6 +38,7 @@ GltfUvSource readUvSource(const GltfObject& info) {
     const GltfObject transform = info.getExtension("KHR_texture_transform");
     if (!transform.getJson().exists())
         return source;
+    // The extension's set wins over the texture's own, as its specification says.
     source.set = transform.readEnum("texCoord", source.set);
     const Vector offset = transform.readVector("offset", 2, {}, -HUGE_NUMBER, HUGE_NUMBER);
     const Vector scale = transform.readVector("scale", 2, {1.0f, 1.0f}, -HUGE_NUMBER, HUGE_NUMBER);

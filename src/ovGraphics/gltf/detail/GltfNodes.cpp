@@ -68,6 +68,8 @@ bool readMatrix(const GltfObject& node, Matrix& matrix) {
     for (std::size_t i = 0; clean && i < 16; ++i) {
         const auto number = numbers.at(i).getNumber();
         clean = number && std::abs(*number) <= double(HUGE_NUMBER);
+        // The last row is (0, 0, 0, 1) in every valid file. Taking it from the file would let a damaged one
+        // project its nodes.
         if (clean && i % 4 != 3)
             matrix.m[i % 4][i / 4] = static_cast<float>(*number);
     }
@@ -85,6 +87,7 @@ void warnOfShear(const GltfObject& source, const GltfNode& node, const Matrix& m
         const float length =
             Vector(matrix.m[0][column], matrix.m[1][column], matrix.m[2][column]).getLengthVec3();
         for (int row = 0; row < 3; ++row)
+            // Written with a negation so that NaN counts as sheared.
             if (!(std::abs(product.m[row][column] - matrix.m[row][column]) <= SHEAR_TOLERANCE * length)) {
                 source.warn(
                     "its matrix is sheared, which position, orientation and scale cannot say; only its "
@@ -105,6 +108,8 @@ void readTransformation(const GltfObject& source, GltfNode& node) {
     const Vector rotation =
         source.readVector("rotation", 4, {0.0f, 0.0f, 0.0f, 1.0f}, -HUGE_NUMBER, HUGE_NUMBER);
     node.orientation = mirrorGltf(Quaternion(rotation.x, rotation.y, rotation.z, rotation.w));
+    // The format asks for unit quaternions. Exporters round them, and a length that is off by a little would
+    // scale the mesh.
     node.orientation.normalize();
     node.local.setToTransformation(node.position, node.scale, node.orientation);
 }
@@ -116,6 +121,7 @@ bool linkChildren(const GltfJson& nodes, GltfReport& report, GltfScene& scene) {
             return false;
         for (const unsigned int child : scene.nodes[i].children) {
             int& parent = scene.nodes[child].parent;
+            // A node in two places would need two world matrices.
             if (parent >= 0)
                 return source.fail(
                     fmt::format("its child, node {}, is already that of node {}", child, parent));
@@ -126,6 +132,8 @@ bool linkChildren(const GltfJson& nodes, GltfReport& report, GltfScene& scene) {
 }
 
 // The nodes that some roots reach, each before its children.
+// A stack of its own instead of recursion: a file may nest nodes as deep as it is long. Reversed, so that the
+// order is that of the file.
 Buffer<unsigned int> listBelow(const Buffer<GltfNode>& nodes, const Buffer<unsigned int>& roots) {
     Buffer<unsigned int> order;
     Buffer<unsigned int> open(roots.rbegin(), roots.rend());
@@ -145,6 +153,7 @@ bool readRoots(const GltfJson& root, GltfReport& report, GltfScene& scene,
     int chosen = scenes.getCount() > 0 ? 0 : -1;
     if (!GltfObject(root, "the file", report).readIndex("scene", scenes.getCount(), "scenes", chosen))
         return false;
+    // A file of parts for other programs may have no scene; showing all of it is more useful than nothing.
     if (chosen < 0) {
         scene.roots = parentless;
         return true;
@@ -158,6 +167,7 @@ bool readRoots(const GltfJson& root, GltfReport& report, GltfScene& scene,
         if (scene.nodes[node].parent >= 0)
             return source.fail(fmt::format("it begins at node {}, which is a child of node {}", node,
                                            scene.nodes[node].parent));
+        // A root that is listed twice would be drawn twice.
         if (!taken[node])
             scene.roots.push_back(node);
         taken[node] = 1;
@@ -177,6 +187,7 @@ void fillWorlds(const Buffer<unsigned int>& order, GltfReport& report, GltfScene
                 Buffer<GltfNodeSource>& sources) {
     for (const unsigned int index : order) {
         GltfNode& node = scene.nodes[index];
+        // The local matrix and not its parts: a sheared matrix is exact here.
         const Matrix parent =
             node.parent < 0 ? Matrix() : scene.nodes[static_cast<std::size_t>(node.parent)].world;
         node.world = node.parent < 0 ? node.local : parent * node.local;
@@ -188,6 +199,7 @@ void fillWorlds(const Buffer<unsigned int>& order, GltfReport& report, GltfScene
             standStill(node);
             node.world = parent;
         }
+        // Skins compute in the space of the file, where their inverse bind matrices are.
         sources[index].world = mirrorGltf(node.world);
     }
 }
@@ -241,6 +253,7 @@ bool readGltfNodes(const GltfJson& root, GltfReport& report, GltfScene& scene,
         if (scene.nodes[i].parent < 0)
             parentless.push_back(i);
     const Buffer<unsigned int> order = listBelow(scene.nodes, parentless);
+    // Nodes in a circle have a parent each and are reached from no root.
     if (order.size() < scene.nodes.size())
         return report.fail(fmt::format("{} of the nodes are below themselves, in a circle",
                                        scene.nodes.size() - order.size()));

@@ -20,6 +20,9 @@ public:
         , _source(source)
         , _attributes(source.getObject("attributes")) {}
 
+    // The order matters. The pose changes normals and tangents, so it comes before missing ones are made.
+    // Corners are split only where something must be computed for each, as splitting drops all sharing of
+    // vertices.
     bool read(const GltfSkin* skin, GltfPrimitive& primitive, bool& usable) {
         usable = false;
         if (!_source.readIndex("material", _context.needs.size(), "materials", primitive.material) ||
@@ -50,6 +53,8 @@ private:
             return false;
         if (accessor < 0)
             return true;
+        // Such accessors have no values, so their positions would all read as zero and a model of one point
+        // be drawn without a word.
         if (_source.getExtension(DRACO).getJson().exists() && !_context.data.hasValues(accessor))
             return _source.fail(fmt::format("it is compressed by {}, which cannot be read", DRACO));
         if (!_context.data.readVectors(accessor, type, _source, values))
@@ -93,6 +98,7 @@ private:
 
     bool _pose(const GltfSkin& skin) {
         Buffer<GltfSkinWeights> sets;
+        // Four joints a set; a vertex with more has JOINTS_1 and so on.
         for (bool more = true; more;) {
             GltfSkinWeights set;
             if (!_readAttribute(fmt::format("JOINTS_{}", sets.size()), "VEC4", set.joints) ||
@@ -114,6 +120,7 @@ private:
             return false;
         const std::size_t vertexCount = _geometry.positions.size();
         if (accessor < 0) {
+            // Indices are always made, so that all that follows knows one form only.
             if (!_charge(vertexCount, sizeof(std::uint32_t)))
                 return false;
             _geometry.indices.resize(vertexCount);
@@ -177,6 +184,7 @@ private:
     }
 
     bool _completeTangents() {
+        // Only a normal map reads tangents, and making them splits every corner and joins them again.
         if (!_geometry.isTriangles() || !_needs.tangents || _geometry.uvs.empty() ||
             !_geometry.tangents.empty())
             return true;
@@ -192,6 +200,7 @@ private:
             !_charge(_geometry.indices.size(), sizeof(std::uint32_t)))
             return false;
         packGltfGeometry(_geometry, primitive);
+        // Joining equal vertices takes back what splitting cost.
         if (!_context.optimize || !_geometry.isTriangles())
             return true;
         optimizeMesh(primitive.composition, primitive.vertices, primitive.indices);

@@ -15,6 +15,7 @@ constexpr std::size_t MAX_QUOTED_BYTES = 80;
 } // namespace
 
 void GltfReport::warn(String text) {
+    // The same fault is often met once for each primitive or node.
     if (std::find(_warnings.begin(), _warnings.end(), text) != _warnings.end())
         return;
     if (_warnings.size() < MAX_WARNINGS)
@@ -24,12 +25,14 @@ void GltfReport::warn(String text) {
 }
 
 bool GltfReport::fail(String text) {
+    // The first error is the cause; later ones are mostly its consequence.
     if (_error.empty())
         _error = std::move(text);
     return false;
 }
 
 bool GltfReport::charge(std::size_t count, std::size_t size, StringView what) {
+    // A division, because the product may overflow: count comes from the file.
     if (count > _bytesLeft / size)
         return fail(
             fmt::format("{} would take {} x {} bytes, which is more than what is left of the {} bytes "

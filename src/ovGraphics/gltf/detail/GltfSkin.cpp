@@ -39,6 +39,7 @@ void transformVertex(const Matrix& matrix, std::size_t index, GltfGeometry& geom
     if (geometry.tangents.empty())
         return;
     Vector& tangent = geometry.tangents[index];
+    // A mirroring joint turns the bitangent over, as it turns the cross product that it is made from.
     const float handedness = tangent.w * sign;
     tangent = matrix * Vector(tangent.x, tangent.y, tangent.z, 0.0f);
     tangent.w = handedness;
@@ -56,6 +57,7 @@ bool blend(const GltfSkin& skin, const Buffer<GltfSkinWeights>& sets, std::size_
         const Vector& weights = set.weights[vertex];
         for (const float Vector::*component : {&Vector::x, &Vector::y, &Vector::z, &Vector::w}) {
             const float weight = weights.*component;
+            // A joint without weight may have any index: many exporters pad with numbers that are not there.
             if (!(weight > 0.0f) || !std::isfinite(weight))
                 continue;
             const float joint = joints.*component;
@@ -67,8 +69,11 @@ bool blend(const GltfSkin& skin, const Buffer<GltfSkinWeights>& sets, std::size_
             total += weight;
         }
     }
+    // A vertex that no joint moves stays where it is modelled, instead of falling to the origin.
     if (!(total > 0.0f) || !std::isfinite(total))
         return true;
+    // Divided by the sum, as exporters round weights to bytes and their sum is then not 1. The last row stays
+    // (0, 0, 0, 1).
     blended = Matrix();
     for (int row = 0; row < 3; ++row)
         for (int column = 0; column < 4; ++column)
@@ -94,6 +99,7 @@ bool readGltfSkin(const GltfJson& root, std::size_t index, const GltfData& data,
     if (!report.charge(joints.size(), sizeof(Matrix), source.getLabel()))
         return false;
     for (std::size_t i = 0; i < joints.size(); ++i)
+        // Without matrices the format means identities: the mesh is modelled in the space of its joints.
         skin.joints.push_back(accessor >= 0 ? nodes[joints[i]].world * inverses[i] : nodes[joints[i]].world);
     source.warn("it is drawn in its rest pose; it does not move");
     return true;

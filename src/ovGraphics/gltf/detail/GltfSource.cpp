@@ -13,6 +13,7 @@ using Bytes = ovMemory::Buffer<unsigned char>;
 namespace {
 
 std::optional<Bytes> loadData(StringView uri, GltfReport& report, String& error) {
+    // By the length of the text, which is an upper limit of what it decodes to.
     if (!report.charge(uri.size(), 1, "a data URI")) {
         error = report.getError();
         return {};

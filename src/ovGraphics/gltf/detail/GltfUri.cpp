@@ -45,6 +45,7 @@ int sextetOf(char c) {
 }
 
 std::optional<ovMemory::Buffer<unsigned char>> decodeBase64(StringView text) {
+    // Padding is optional, as several exporters leave it out.
     for (int padding = 0; padding < 2 && text.ends_with('='); ++padding)
         text.remove_suffix(1);
     if (text.size() % 4 == 1)
@@ -67,6 +68,7 @@ std::optional<ovMemory::Buffer<unsigned char>> decodeBase64(StringView text) {
     return bytes;
 }
 
+// A colon alone is not enough: a name like "a/b:c.png" is a path.
 bool hasScheme(StringView uri) {
     const std::size_t colon = uri.find(':');
     if (colon == StringView::npos || colon == 0 || !std::isalpha(static_cast<unsigned char>(uri[0])))
@@ -75,6 +77,7 @@ bool hasScheme(StringView uri) {
                        [](unsigned char c) { return std::isalnum(c) || c == '+' || c == '-' || c == '.'; });
 }
 
+// Part by part, so that a file named "..a" may be read.
 bool climbs(StringView path) {
     for (std::size_t begin = 0; begin <= path.size();) {
         const std::size_t end = std::min(path.find('/', begin), path.size());
@@ -102,6 +105,8 @@ std::optional<ovMemory::Buffer<unsigned char>> decodeDataUri(StringView uri) {
 }
 
 std::optional<String> decodeRelativeUri(StringView uri) {
+    // Checked after decoding: "%2e%2e" climbs too. A backslash counts as a separator, because exporters on
+    // Windows write it.
     String path = decodePercent(uri);
     std::replace(path.begin(), path.end(), '\\', '/');
     if (path.empty() || path.front() == '/' || path.find('\0') != String::npos || hasScheme(uri) ||

@@ -12,6 +12,7 @@ using ovMemory::Buffer;
 
 namespace {
 
+// In doubles: differences of texture coordinates are small, and their products lose half of a float's digits.
 using Double3 = std::array<double, 3>;
 
 Double3 toDouble(const Vector& vector) {
@@ -56,6 +57,8 @@ Mapping mappingOf(const GltfGeometry& geometry, std::size_t corner) {
     const double u2 = double(geometry.uvs[corner + 2].x) - uv.x;
     const double v1 = double(uv.y) - geometry.uvs[corner + 1].y; // upwards
     const double v2 = double(uv.y) - geometry.uvs[corner + 2].y;
+    // The direction of growing u solves edge = u * tangent + v * bitangent for both edges. Its length does
+    // not matter, so the division by the area is left out, and only its sign kept.
     const double area = u1 * v2 - u2 * v1;
     const double sign = area < 0.0 ? -1.0 : 1.0;
     Mapping mapping;
@@ -68,6 +71,7 @@ Mapping mappingOf(const GltfGeometry& geometry, std::size_t corner) {
 }
 
 // The angle between the edges that meet at a corner, seen along the normal.
+// Weighted by angle, so that the result does not depend on how a flat polygon was cut into triangles.
 double angleAt(const GltfGeometry& geometry, std::size_t triangle, std::size_t corner,
                const Double3& normal) {
     const Double3 here = toDouble(geometry.positions[triangle + corner]);
@@ -121,6 +125,8 @@ Buffer<Sums> sumTangents(const GltfGeometry& geometry, const Buffer<Mapping>& ma
 }
 
 Vector tangentAt(const Sums& sums, const Mapping& mapping, const Vector& normal) {
+    // A triangle without a mapping takes what its neighbours have, unmirrored first, so that it does not
+    // break their shading.
     for (const bool mirrored : {mapping.usable && mapping.mirrored, true}) {
         const Double3 tangent = normalized(sums.tangents[mirrored]);
         if (dot(tangent, tangent) > 0.0)
