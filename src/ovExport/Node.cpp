@@ -20,6 +20,7 @@ ovMemory::UniquePtr<Node> Node::create(NODE_NATURE nature) {
     record.sourceIndex = NO_SOURCE_INDEX;
     record.nature = nature == NODE_NATURE::VALUE ? NODE_NATURE::UNKNOWN : nature;
     record.isRoot = true;
+    // Every node knows its arena, so that it can add children without a look at its parents.
     record.arena = arena.get();
     ovMemory::UniquePtr<Node> root(new Node(record));
     static_cast<void>(arena.release()); // the root's now
@@ -44,6 +45,7 @@ unsigned int Node::getMemberCount() const {
 }
 
 Node* Node::_getChild(unsigned int index) const {
+    // Each block is half as large as all before it, so their number grows with the logarithm of the children.
     for (detail::NodeBlock* block = _record.children; block; block = block->next) {
         if (index < block->count)
             return block->getNodes() + index;
@@ -78,6 +80,7 @@ Node* Node::getMemberValue(ovMemory::StringView name) {
     return const_cast<Node*>(std::as_const(*this).getMemberValue(name));
 }
 
+// A linear search: objects of declarations have few members, and an index would cost every node memory.
 const Node* Node::getMemberValue(ovMemory::StringView name) const {
     if (!isObject())
         return nullptr;
@@ -164,6 +167,7 @@ Node* Node::addMember(ovMemory::StringView name) {
 
 Node* Node::_addChild(ovMemory::StringView name) {
     detail::NodeBlock** link = &_record.children;
+    // Only the last block may have room. Filling an earlier one would change the order of the children.
     while (*link && ((*link)->next || (*link)->count == (*link)->capacity))
         link = &(*link)->next;
     if (!*link)
@@ -247,6 +251,7 @@ void Node::setAsNull() {
 void Node::_setEmpty(NODE_NATURE nature) {
     _record.nature = nature;
     _record.type = NODE_VALUE_TYPE::UNKNOWN;
+    // The children stay in the arena until the tree goes, because pointers to them stay valid.
     _record.children = nullptr;
     _record.size = 0;
 }

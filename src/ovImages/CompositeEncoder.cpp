@@ -35,6 +35,8 @@ ovMemory::String getLowerExtension(ovMemory::StringView path) {
     return extension;
 }
 
+// The first bytes tell a reader what the file is more often than its name does: a page of HTML that a server
+// sent, or a pointer of a version control system.
 ovMemory::String describeUnknown(ovMemory::BufferView<const unsigned char> bytes) {
     if (bytes.empty())
         return "the data is empty";
@@ -45,6 +47,7 @@ ovMemory::String describeUnknown(ovMemory::BufferView<const unsigned char> bytes
 } // namespace
 
 CompositeEncoder::CompositeEncoder() {
+    // The order decides nothing but messages: no two formats begin alike. The two indices above refer to it.
     _encoders.push_back(std::make_unique<PngEncoder>());
     _encoders.push_back(std::make_unique<JpgEncoder>());
     _encoders.push_back(std::make_unique<ExrEncoder>());
@@ -118,6 +121,7 @@ bool CompositeEncoder::encodeFile(ovMemory::StringView path, const ImageView& vi
                                   ovMemory::String& warning) const {
     error.clear();
     warning.clear();
+    // Before encoding, which may take seconds.
     const Encoder* encoder = findByExtension(path);
     if (!encoder) {
         error =

@@ -33,6 +33,8 @@ const ByteTable& getSrgbByteTable() {
 }
 
 // Converts pictures row by row through floats.
+// All conversions go through floats, row by row: one path for every pair of types, and a row stays in the
+// cache. Floats hold every 16-bit integer and every half exactly.
 class RowConverter {
 public:
     RowConverter(const ImageView& source, Image& target)
@@ -42,6 +44,8 @@ public:
         , _mapped(std::size_t(source.width) * target.getChannels()) {
         const bool isSourceSrgb = source.encoding == COLOUR_ENCODING::SRGB;
         const bool isTargetSrgb = target.getEncoding() == COLOUR_ENCODING::SRGB;
+        // Luminance is a property of light. A grey picture of sRGB numbers is therefore decoded first and
+        // encoded again.
         _collapses = colourChannels(source.channels) == 3 && colourChannels(target.getChannels()) == 1;
         _decodes = isSourceSrgb && (!isTargetSrgb || _collapses);
         _encodes = isTargetSrgb && (!isSourceSrgb || _collapses);

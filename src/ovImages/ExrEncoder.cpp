@@ -32,6 +32,7 @@ using Bytes = ovMemory::BufferView<const unsigned char>;
 constexpr ovMemory::StringView NAME = "EXR";
 constexpr std::array<ovMemory::StringView, 1> EXTENSIONS = {"exr"};
 constexpr std::array<unsigned char, 4> MAGIC = {0x76, 0x2f, 0x31, 0x01};
+// The library then works on the calling thread, and nothing of it runs on when the call returns.
 constexpr int NO_THREADS = 0;
 // Enough to recognise a file by, without an error of thousands of names.
 constexpr std::size_t MAX_NAMES_LISTED = 40;
@@ -43,6 +44,7 @@ struct Size {
 
 Size getSize(const Imf::Header& header) {
     const auto& window = header.dataWindow();
+    // In 64 bits: a window from the lowest to the highest int is wider than an int holds.
     const std::int64_t width = std::int64_t(window.max.x) - window.min.x + 1;
     const std::int64_t height = std::int64_t(window.max.y) - window.min.y + 1;
     return {static_cast<std::uint64_t>(std::max<std::int64_t>(width, 0)),
@@ -73,6 +75,7 @@ struct Choice {
 
 Choice chooseChannels(const Imf::MultiPartInputFile& file, ovMemory::StringView layer) {
     for (int part = 0; part < file.parts(); ++part) {
+        // A file may hold a deep part beside a flat one, and the flat one can be read.
         if (isDeep(file.header(part)))
             continue;
         detail::ExrSelection selection = detail::selectExrChannels(listChannels(file.header(part)), layer);
@@ -112,6 +115,8 @@ ovMemory::String checkSize(const Imf::Header& header, std::size_t pixelSize, con
         detail::describeExcessiveSize(size.width, size.height, pixelSize, options);
     if (!excess.empty())
         return excess;
+    // The library keeps a row of blocks in memory with all channels, also those that are not read. A file of
+    // a few hundred bytes can ask for terabytes there, so it is checked too.
     std::uint64_t storedPixelSize = 0;
     const Imf::ChannelList& channels = header.channels();
     for (auto channel = channels.begin(); channel != channels.end(); ++channel)
@@ -138,6 +143,8 @@ DecodeResult finishDamaged(DecodeResult result, ovMemory::StringView what, const
     return result;
 }
 
+// Chroma is stored at half the resolution. Only the library's interface for RGBA knows how to bring it up,
+// and that one reads the first part and gives halves.
 DecodeResult readLuminanceChroma(Bytes bytes, const Imf::Header& header, const Choice& choice,
                                  const DecodeOptions& options) {
     const unsigned channels = static_cast<unsigned>(choice.selection.channels.size());
@@ -152,6 +159,7 @@ DecodeResult readLuminanceChroma(Bytes bytes, const Imf::Header& header, const C
                                static_cast<unsigned>(size.height), channels, COMPONENT_TYPE::HALF,
                                COLOUR_ENCODING::LINEAR))
         return result;
+    // Row by row, so that the picture is not in memory twice.
     ovMemory::Buffer<Imf::Rgba> row(size.width);
     try {
         detail::ExrInputStream stream(bytes);
@@ -223,10 +231,14 @@ DecodeResult readChannels(Imf::MultiPartInputFile& file, const Choice& choice, c
 }
 
 DecodeResult decodeExr(Bytes bytes, const DecodeOptions& options) {
+    // The library believes the lengths of attributes and fills up to 2 GiB before it notices the end of the
+    // file.
     const ovMemory::String fault = detail::checkExrAttributes(bytes);
     if (!fault.empty())
         return detail::makeDecodeError(NAME, "bad header: " + fault);
     detail::ExrInputStream stream(bytes);
+    // The last argument lets the library look for rows whose table was never written, as in a render that was
+    // stopped.
     Imf::MultiPartInputFile file(stream, NO_THREADS, !options.refuseDamaged);
     const Choice choice = chooseChannels(file, options.layer);
     if (choice.part < 0)
@@ -243,6 +255,7 @@ EncodeResult encodeExr(const ImageView& view) {
     const std::size_t componentSize = getComponentSize(view.componentType);
     const std::size_t pixelSize = componentSize * view.channels;
     Imf::Header header(static_cast<int>(view.width), static_cast<int>(view.height));
+    // The lossless kind that every reader knows.
     header.compression() = Imf::ZIP_COMPRESSION;
     Imf::FrameBuffer frame;
     for (std::size_t i = 0; i < view.channels; ++i) {
@@ -253,6 +266,7 @@ EncodeResult encodeExr(const ImageView& view) {
     }
     EncodeResult result;
     {
+        // The file writes its table when it is destroyed, so it must be gone before the bytes are used.
         detail::ExrOutputStream stream(result.bytes);
         Imf::OutputFile file(stream, header, NO_THREADS);
         file.setFrameBuffer(frame);

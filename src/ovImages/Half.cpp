@@ -15,11 +15,14 @@ constexpr std::uint32_t EXPONENT_BIAS_DIFFERENCE = 127 - 15;
 std::uint32_t shiftRounded(std::uint32_t value, std::uint32_t shift) {
     const std::uint32_t halfway = 1u << (shift - 1);
     const std::uint32_t isOdd = (value >> shift) & 1u;
+    // Adding one half less one rounds ties down; an odd result needs them up.
     return (value + halfway - 1 + isOdd) >> shift;
 }
 
 } // namespace
 
+// In software, because the processor's instructions for halves are not among those that every processor of
+// the architecture has.
 float halfToFloat(std::uint16_t half) {
     const std::uint32_t sign = static_cast<std::uint32_t>(half & 0x8000u) << 16;
     const std::uint32_t exponent = (half >> 10) & 0x1fu;
@@ -29,6 +32,7 @@ float halfToFloat(std::uint16_t half) {
     if (exponent != 0)
         return std::bit_cast<float>(sign | ((exponent + EXPONENT_BIAS_DIFFERENCE) << 23) |
                                     (mantissa << MANTISSA_SHIFT));
+    // Subnormals and zero, exact as a product: no loop to normalise.
     const float magnitude = static_cast<float>(mantissa) * 0x1p-24f;
     return sign ? -magnitude : magnitude;
 }
@@ -37,6 +41,7 @@ std::uint16_t floatToHalf(float value) {
     const std::uint32_t bits = std::bit_cast<std::uint32_t>(value);
     const std::uint32_t sign = (bits >> 16) & 0x8000u;
     const std::uint32_t magnitude = bits & 0x7fffffffu;
+    // The quiet bit is set, or a NaN whose payload lies in the lost bits would become infinity.
     if (magnitude > FLOAT_EXPONENT_BITS)
         return static_cast<std::uint16_t>(sign | 0x7e00u |
                                           ((magnitude & FLOAT_MANTISSA_BITS) >> MANTISSA_SHIFT));

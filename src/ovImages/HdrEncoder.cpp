@@ -36,6 +36,8 @@ public:
         : _bytes(bytes) {}
 
     // Empty, or what is wrong.
+    // The two forms are told apart by the first pixel: no normalised pixel begins with 2, 2 and a third byte
+    // below 128. Old files mix both, so each scanline is asked.
     ovMemory::String read(ovMemory::BufferView<Rgbe> line) {
         if (line.size() >= MIN_RLE_LENGTH && line.size() <= MAX_RLE_LENGTH && _left() >= 4 &&
             _bytes[_offset] == 2 && _bytes[_offset + 1] == 2 && _bytes[_offset + 2] < 128)
@@ -93,6 +95,7 @@ private:
                 shift = 0;
                 continue;
             }
+            // A fifth repetition in a row could only be a damaged file.
             const std::size_t count = shift < 32 ? std::size_t(pixel[3]) << shift : MAX_IMAGE_SIDE;
             if (x == 0 || count > line.size() - x)
                 return fmt::format("a run of {} pixels does not fit", count);
@@ -110,6 +113,7 @@ private:
 // Turns stored pixels into light.
 class PixelDecoder {
 public:
+    // Tables by mantissa and exponent, since a power for each component would take longer than reading.
     explicit PixelDecoder(const detail::HdrHeader& header)
         : _gamma(header.gamma) {
         for (std::size_t exponent = 1; exponent < _scales.size(); ++exponent)
@@ -151,6 +155,7 @@ DecodeResult decodeHdr(Bytes bytes, const DecodeOptions& options) {
         return detail::makeDecodeError(NAME, excess);
     // The shortest scanline is one pixel and its repetition.
     const std::size_t left = bytes.size() - header.size;
+    // Before the picture is allocated: a header of fifty bytes can ask for two gigabytes.
     if (options.refuseDamaged && left / sizeof(Rgbe) < header.scanlines)
         return detail::makeDecodeError(NAME, fmt::format("{} bytes cannot hold {} scanlines of {} pixels",
                                                          left, header.scanlines, header.scanlineLength));
@@ -221,7 +226,9 @@ Rgbe encodePixel(const float* colour, Changes& changes) {
 // values...).
 void writeComponent(ovMemory::BufferView<const Rgbe> line, std::size_t component,
                     ovMemory::Buffer<unsigned char>& bytes) {
+    // A shorter run saves nothing: it ends the values before it, which costs a byte again.
     constexpr std::size_t MIN_RUN = 4;
+    // A count of 128 and below means values, so a run has one less than the byte allows.
     constexpr std::size_t MAX_RUN = 127;
     constexpr std::size_t MAX_LITERAL = 128;
     const auto runLength = [&](std::size_t begin) {
@@ -252,6 +259,7 @@ void writeComponent(ovMemory::BufferView<const Rgbe> line, std::size_t component
 }
 
 void writeScanline(ovMemory::BufferView<const Rgbe> line, ovMemory::Buffer<unsigned char>& bytes) {
+    // Readers take such lengths for flat pixels, as the length would not fit the scanline's head.
     if (line.size() < MIN_RLE_LENGTH || line.size() > MAX_RLE_LENGTH) {
         for (const Rgbe& pixel : line)
             bytes.insert(bytes.end(), pixel.begin(), pixel.end());

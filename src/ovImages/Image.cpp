@@ -40,6 +40,7 @@ ovMemory::StringView getComponentTypeName(COMPONENT_TYPE type) {
 std::size_t getImageSize(unsigned width, unsigned height, unsigned channels, COMPONENT_TYPE type) {
     const std::size_t pixels = std::size_t(width) * height;
     const std::size_t pixelSize = std::size_t(channels) * getComponentSize(type);
+    // Saturated and not wrapped round: callers compare the size with a limit.
     if (pixelSize != 0 && pixels > std::numeric_limits<std::size_t>::max() / pixelSize)
         return std::numeric_limits<std::size_t>::max();
     return pixels * pixelSize;

@@ -42,12 +42,15 @@ bool beginsWith(ovMemory::BufferView<const unsigned char> bytes, ovMemory::Strin
     return bytes.size() >= text.size() && std::equal(text.begin(), text.end(), bytes.begin());
 }
 
+// The library hands out neither the orientation nor the Adobe marker, so the segments are walked here.
+// Everything of interest stands before the first scan.
 Segments readSegments(ovMemory::BufferView<const unsigned char> bytes) {
     constexpr ovMemory::StringView EXIF("Exif\0\0", 6);
     Segments segments;
     std::size_t offset = 2;
     while (offset + 4 <= bytes.size() && bytes[offset] == 0xff) {
         const unsigned marker = bytes[offset + 1];
+        // Fill bytes may stand before a marker.
         if (marker == 0xff) {
             ++offset;
             continue;
@@ -79,7 +82,8 @@ unsigned char multiply(unsigned char a, unsigned char b) {
     return static_cast<unsigned char>((unsigned(a) * b + 127) / 255);
 }
 
-// From ink (0 none, 255 full; with an Adobe marker the other way round) to light.
+// From ink (0 none, 255 full; with an Adobe marker the other way round) to light. Programs that write an
+// Adobe marker store the inverse. Files without it store ink as the standard says.
 void convertCmyk(ovMemory::BufferView<const unsigned char> cmyk, bool isInverted,
                  ovMemory::BufferView<unsigned char> rgb) {
     const unsigned char flip = isInverted ? 0 : 255;
@@ -120,6 +124,8 @@ DecodeResult decodePixels(tjhandle handle, ovMemory::BufferView<const unsigned c
         cmyk.resize(std::size_t(width) * height * 4);
     unsigned char* target = header.isCmyk() ? cmyk.data() : result.image->getBytes().data();
     const int format = header.isGrey() ? TJPF_GRAY : header.isCmyk() ? TJPF_CMYK : TJPF_RGB;
+    // The exact transform, so that the same file gives the same pixels on every processor. Scans are limited,
+    // because a progressive file of a few kilobytes can otherwise keep the library busy for minutes.
     const int flags = TJFLAG_ACCURATEDCT | TJFLAG_LIMITSCANS |
                       (options.smoothChroma ? 0 : TJFLAG_FASTUPSAMPLE) |
                       (options.refuseDamaged ? TJFLAG_STOPONWARNING : 0);
@@ -162,16 +168,20 @@ EncodeResult encodeJpg(const ImageView& view, const EncodeOptions& options) {
         return detail::makeEncodeError(NAME, tjGetErrorStr2(nullptr));
     Image grey;
     const unsigned char* pixels = view.bytes.data();
+    // The library has no grey with alpha to read from.
     if (view.channels == 2) {
         grey = convertImage(view, COMPONENT_TYPE::UINT8, 1, view.encoding);
         if (grey.isEmpty())
             return detail::makeEncodeError(NAME, "no memory");
         pixels = grey.getBytes().data();
     }
+    // Four channels are read as RGB and a byte that is skipped, so that alpha needs no copy.
     constexpr std::array<int, 4> FORMATS = {TJPF_GRAY, TJPF_GRAY, TJPF_RGB, TJPF_RGBX};
     const int format = FORMATS[view.channels - 1];
     const int subsampling = format == TJPF_GRAY ? TJSAMP_GRAY : SUBSAMPLINGS[options.subsampling];
+    // The library has no quality 0.
     const int quality = std::max(1, static_cast<int>(std::lround(options.quality * 100.0f)));
+    // The library allocates, as it cannot tell the size beforehand; its memory must go back to it.
     unsigned char* encoded = nullptr;
     unsigned long size = 0;
     const int status =

@@ -44,6 +44,8 @@ struct Layout {
     COMPONENT_TYPE type;
 };
 
+// The library widens to a format of ours only where the file needs it: palettes and transparent colours.
+// Everything else stays as it is stored.
 Layout chooseLayout(const spng_ihdr& header, bool hasTransparency) {
     const COMPONENT_TYPE type = header.bit_depth == 16 ? COMPONENT_TYPE::UINT16 : COMPONENT_TYPE::UINT8;
     const bool is16 = type == COMPONENT_TYPE::UINT16;
@@ -63,6 +65,7 @@ Layout chooseLayout(const spng_ihdr& header, bool hasTransparency) {
     }
 }
 
+// The order is the PNG specification's: an sRGB chunk or a profile wins over a gamma.
 COLOUR_ENCODING readEncoding(spng_ctx* context, ovMemory::String& warning) {
     std::uint8_t intent = 0;
     spng_iccp profile = {};
@@ -97,12 +100,15 @@ ovMemory::String checkHeader(const spng_ihdr& header, const Layout& layout, std:
     constexpr std::array<unsigned, 7> STORED_CHANNELS = {1, 0, 3, 1, 2, 0, 4};
     const unsigned channels = STORED_CHANNELS[header.color_type];
     const std::uint64_t rowBytes = (std::uint64_t(header.width) * channels * header.bit_depth + 7) / 8;
+    // Before the picture is allocated: a header of 33 bytes can ask for two gigabytes.
     if (options.refuseDamaged && rowBytes * header.height > MAX_INFLATION * fileSize)
         return fmt::format("{} bytes cannot hold {} x {} pixels", fileSize, header.width, header.height);
     return {};
 }
 
 // Whether the last chunk is there as a whole; the library stops reading within it.
+// A file that is cut within the last chunk decodes without an error, and a download that broke off would pass
+// for whole.
 bool reachesEnd(ovMemory::BufferView<const unsigned char> bytes) {
     constexpr std::size_t CHUNK_FRAME_BYTES = 12;
     constexpr ovMemory::StringView END_TYPE = "IEND";
@@ -128,7 +134,10 @@ DecodeResult decodePng(ovMemory::BufferView<const unsigned char> bytes, const De
     ovMemory::Buffer<unsigned char> padded;
     const std::size_t fileSize = bytes.size();
     if (!options.refuseDamaged) {
+        // Pixels with a wrong checksum are still the best there is; damaged chunks beside them are dropped.
         spng_set_crc_action(context.get(), SPNG_CRC_USE, SPNG_CRC_DISCARD);
+        // The library reads whole pieces and drops the rows of a last one that is short. Zeros behind the end
+        // keep them.
         padded.assign(bytes.begin(), bytes.end());
         padded.resize(bytes.size() + READ_BYTES);
         bytes = padded;
@@ -156,6 +165,7 @@ DecodeResult decodePng(ovMemory::BufferView<const unsigned char> bytes, const De
     const auto pixels = result.image->getBytes();
     status = spng_decode_image(context.get(), pixels.data(), pixels.size(), layout.format, SPNG_DECODE_TRNS);
     if (status == SPNG_OK)
+        // The chunks behind the pixels too: EXIF may stand there.
         status = spng_decode_chunks(context.get());
     if (status != SPNG_OK && options.refuseDamaged)
         return detail::makeDecodeError(NAME, fmt::format("damaged data: {}", spng_strerror(status)));

@@ -27,6 +27,8 @@ constexpr std::uint64_t markZeros(std::uint64_t bytes) {
 
 /// The first byte that does not simply stand for itself in a string: a quotation mark, a backslash, a control
 /// character, a byte beyond ASCII.
+// Most bytes of a text stand in strings and need nothing done, so eight are looked at together. The zeros
+// behind the text end the loop.
 char* skipPlain(char* at) {
     for (;; at += sizeof(std::uint64_t)) {
         std::uint64_t bytes;
@@ -90,6 +92,7 @@ ExporterLoadResult JsonReader::read() {
 }
 
 bool JsonReader::_prepare() {
+    // Places are kept in 32 bits, so that a node stays at 40 bytes.
     if (_text.size() >= Node::NO_SOURCE_INDEX) {
         _fail("The text is 4 GiB or larger", nullptr, _at);
         return false;
@@ -99,6 +102,7 @@ bool JsonReader::_prepare() {
     std::copy(_text.begin(), _text.end(), _begin);
     _at = _begin;
     _end = _begin + _text.size();
+    // A zero is no character of JSON outside strings, so no step has to ask whether the text ends.
     std::fill_n(_end, PADDING_BYTES, '\0');
     if (_text.starts_with(BYTE_ORDER_MARK))
         _at += BYTE_ORDER_MARK.size();
@@ -147,6 +151,7 @@ JsonReader::STEP JsonReader::_readWord(ovMemory::StringView word, NODE_NATURE na
             return _failUnexpected("true, false or null");
         ++_at;
     }
+    // A node's place is where its text begins, and it is made when the whole word is known to be there.
     _at -= word.size();
     _push(nature, type).boolean = value;
     _at += word.size();
@@ -217,6 +222,7 @@ void JsonReader::_close() {
     container.children = nullptr;
     if (count == 0)
         return;
+    // In one block of the right size, since all children are known now. They never move again.
     container.children = NodeBlock::create(*_arena, count);
     for (std::size_t i = first; i < _stack.size(); ++i)
         container.children->append(_stack[i]);

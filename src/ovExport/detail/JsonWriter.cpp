@@ -42,6 +42,8 @@ void JsonWriter::_writeNode(const Node& node) {
 void JsonWriter::_writeValue(const Node& node) {
     if (node.isString())
         _writeString(node.getValueAsStringView());
+    // JSON has no such numbers. Texts in their place keep the file readable by others, and the getters here
+    // understand them.
     else if (node.isValueTypeNumber() && !std::isfinite(node.getValueAsDouble()))
         _writeString(node.getValueAsString());
     else
@@ -86,6 +88,7 @@ void JsonWriter::_writeString(ovMemory::StringView text) {
     while (!text.empty()) {
         std::size_t plain = 0;
         unsigned int length = 1;
+        // Runs of plain characters are appended at once; escapes are rare.
         for (; plain < text.size(); plain += length) {
             const auto character = static_cast<unsigned char>(text[plain]);
             length = measureUtf8(text.data() + plain, text.size() - plain);

@@ -21,11 +21,13 @@ NodeArena::~NodeArena() {
 }
 
 void* NodeArena::_allocateFromNewChunk(std::size_t size) {
+    // Chunks double, so that a small tree takes a kilobyte and a large one few allocations.
     const std::size_t usual = std::clamp(2 * _lastChunkSize, SMALLEST_CHUNK_BYTES, LARGEST_CHUNK_BYTES);
     // What is large gets a chunk of its own, so that the rest of the current one stays in use.
     const bool isLarge = size > usual / 4;
     const std::size_t chunkSize = isLarge ? size : usual;
     auto* const chunk = static_cast<Chunk*>(::operator new(sizeof(Chunk) + chunkSize));
+    // A list through the chunks themselves: freeing the tree needs no other memory and no recursion.
     chunk->previous = _last;
     _last = chunk;
     char* const place = reinterpret_cast<char*>(chunk + 1);

@@ -61,6 +61,8 @@ const char* readExponent(const char* at, std::int64_t& exponent) {
     return at;
 }
 
+// One pass finds where the parts are and their value, because most numbers are short and exact and then
+// nothing else is needed.
 NUMBER_STATUS readParts(const char* text, Parts& parts) {
     parts.begin = text;
     parts.integerBegin = text + (*text == '-' ? 1 : 0);
@@ -89,6 +91,7 @@ NUMBER_STATUS readParts(const char* text, Parts& parts) {
 /// Sets a whole number that 64 bits hold.
 bool setWhole(const Parts& parts, Number& number) {
     std::uint64_t magnitude = parts.mantissa;
+    // The mantissa has wrapped round; from_chars notices what 64 bits do not hold.
     if (parts.countDigits() > SAFE_DIGITS &&
         std::from_chars(parts.integerBegin, parts.integerEnd, magnitude).ec != std::errc())
         return false;
@@ -143,6 +146,7 @@ bool findNearestDouble(const Parts& parts, double& value) {
 bool setReal(const Parts& parts, Number& number) {
     number.type = NODE_VALUE_TYPE::DOUBLE;
     const std::int64_t power = parts.exponent - parts.countFraction();
+    // Outside the range of Clinger's fast path the exact and slower function of the library takes over.
     if (parts.countDigits() > SAFE_DIGITS || parts.mantissa > LARGEST_EXACT_MANTISSA ||
         power < -LARGEST_EXACT_POWER || power > LARGEST_EXACT_POWER)
         return findNearestDouble(parts, number.real);
@@ -197,6 +201,7 @@ void appendReal(ovMemory::String& text, const Number& number) {
     if (printed.empty())
         printed = printReal(digits, number.real);
     text.append(printed);
+    // A number without either would come back as an integer.
     if (printed.find_first_of(".e") == printed.npos)
         text.append(".0");
 }

@@ -97,6 +97,7 @@ using Layers = std::map<String, Layer, std::less<>>;
 Layers groupByLayer(ovMemory::BufferView<const String> names) {
     Layers layers;
     for (const String& name : names) {
+        // Layers may nest, and the part behind the last point is the channel.
         const std::size_t dot = name.rfind('.');
         const bool hasLayer = dot != String::npos;
         const String layer = hasLayer ? name.substr(0, dot) : String();
@@ -111,6 +112,7 @@ ExrSelection selectOnlyColoured(const Layers& layers) {
         ExrSelection selection = layer.selectColours();
         if (selection.channels.empty())
             continue;
+        // Two layers with colours: any choice would be a guess, and the user can name one.
         if (!found.channels.empty())
             return {};
         found = std::move(selection);

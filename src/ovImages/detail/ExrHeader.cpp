@@ -18,6 +18,8 @@ constexpr std::size_t MAX_NAME_BYTES = 256;
 using Bytes = ovMemory::BufferView<const unsigned char>;
 
 // Reads on from an offset; every step tells whether the bytes were there.
+// Does not interpret what it walks over. It only makes sure that the library, which does, will not believe a
+// length that the file has not.
 class Walker {
 public:
     explicit Walker(Bytes bytes)

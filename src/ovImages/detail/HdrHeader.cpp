@@ -92,6 +92,7 @@ ovMemory::String readVariable(Text line, HdrHeader& header) {
         return {};
     const Text key = trim(line.substr(0, equals));
     const Text value = trim(line.substr(equals + 1));
+    // The other format that the manual names is XYZ, which would need a conversion of primaries.
     if (key == "FORMAT" && value != RGBE_FORMAT)
         return fmt::format("the pixel format is {}: only {} can be read", value, RGBE_FORMAT);
     if (key == "GAMMA")
@@ -102,6 +103,7 @@ ovMemory::String readVariable(Text line, HdrHeader& header) {
         return {};
     double exposure = 1.0;
     const ovMemory::String fault = readFactor(key, value, exposure);
+    // Every EXPOSURE counts: programs append one for each step of their work.
     for (double& product : header.exposure)
         product *= exposure;
     return fault;
@@ -110,6 +112,7 @@ ovMemory::String readVariable(Text line, HdrHeader& header) {
 // "-Y 480 +X 640": the first axis counts the scanlines, the second the pixels along one. -Y runs from the top
 // down, +X from left to right.
 ovMemory::String readResolution(Text line, HdrHeader& header) {
+    // In the order of EXIF's orientations, so that one function turns both.
     constexpr std::array<Text, 8> ORDERS = {"-Y+X", "-Y-X", "+Y-X", "+Y+X", "+X-Y", "-X-Y", "-X+Y", "+X+Y"};
     Text rest = line;
     const Text firstAxis = takeWord(rest);

@@ -39,6 +39,7 @@ struct PixelMap {
     std::ptrdiff_t stepY;
 };
 
+// Each of the eight is a start and two steps through the stored pixels, so one loop serves all.
 PixelMap makePixelMap(unsigned orientation, std::ptrdiff_t width, std::ptrdiff_t height) {
     const std::ptrdiff_t lastColumn = width - 1;
     const std::ptrdiff_t lastRow = (height - 1) * width;
@@ -65,6 +66,7 @@ PixelMap makePixelMap(unsigned orientation, std::ptrdiff_t width, std::ptrdiff_t
 } // namespace
 
 unsigned readExifOrientation(ovMemory::BufferView<const unsigned char> tiff) {
+    // Metadata is never worth an error: a picture with a damaged block is shown as it is stored.
     if (tiff.size() < TIFF_HEADER_SIZE || tiff[0] != tiff[1] || (tiff[0] != 'I' && tiff[0] != 'M'))
         return 1;
     const TiffReader reader(tiff);

@@ -27,6 +27,7 @@ ovMemory::String describeExcessiveSize(std::uint64_t width, std::uint64_t height
     if (width > MAX_IMAGE_SIDE || height > MAX_IMAGE_SIDE)
         return fmt::format("the picture is {} x {} pixels: a side has at most {}", width, height,
                            MAX_IMAGE_SIDE);
+    // No overflow: both sides are below 2^20 here.
     const std::uint64_t bytes = width * height * bytesPerPixel;
     const std::uint64_t limit = std::min(options.maxBytes, MAX_IMAGE_BYTES);
     if (bytes > limit)
