@@ -62,6 +62,8 @@ System::System(bool)
 
 System::~System() {
     shutdown();
+    // Dependent things first. Any order would be safe, as all of them borrow, but this one leaves nothing to
+    // tell the borrowers.
     _renderQueues.reset();
     _nodes.reset();
     _meshes.reset();
@@ -91,6 +93,7 @@ bool System::initialize(const Configuration& configuration, ovMemory::UniquePtr<
 
 bool System::_start(const Configuration& configuration, ovMemory::UniquePtr<device::Device> device,
                     ovMemory::StringView error) {
+    // Before the device is looked at, because a failure is told to the configuration's logger.
     _configuration = configuration;
     if (!device) {
         log(ovMemory::String("Could not open a graphics device: ").append(error), "System");
@@ -108,6 +111,7 @@ bool System::_start(const Configuration& configuration, ovMemory::UniquePtr<devi
 void System::shutdown() {
     if (!_device)
         return;
+    // The device's objects must be gone before the device, also those of resources that the host owns.
     for (Resource* resource : _resources)
         resource->unload();
     if (_configuration.debugOutput)
@@ -123,6 +127,7 @@ bool System::frame(RenderContext* context) {
         return false;
     if (!_timeIsFixed)
         _advanceTime();
+    // A frame that a measured pass draws belongs to that pass, and must not clear the list.
     if (!_passIsMeasured)
         _passTimings.clear();
     _renderContexts->setActiveRenderContext(context);
@@ -131,6 +136,7 @@ bool System::frame(RenderContext* context) {
     const ovMemory::Borrowed<RenderContext> running = context;
     const ovMemory::Borrowed<Compositor> compositor = context->getCompositor();
     for (unsigned int i = 0; running && compositor && i < compositor->getNodeCount(); ++i) {
+        // The node is looked up again for every block: a pass may have removed it.
         for (unsigned int j = 0; running && compositor; ++j) {
             const CompositorNode* node = compositor->getNode(i);
             if (!node || !node->getActive() || j >= node->getOperationsBlockCount())
@@ -145,6 +151,8 @@ bool System::frame(RenderContext* context) {
     return true;
 }
 
+// Checked for each frame and not when things are put together, because systems may be shut down and things
+// erased in between.
 bool System::_canDraw(const RenderContext* context) const {
     ovMemory::StringView reason;
     if (!_device)
@@ -188,6 +196,7 @@ ovMemory::StringView System::getPassTimingMethod() const {
 }
 
 void System::runPass(CompositorPass& pass, const PassExecution& execution) {
+    // Times of passes inside passes would be counted twice.
     if (!_passTimingEnabled || _passIsMeasured) {
         _executePass(pass, execution);
         return;
@@ -233,6 +242,8 @@ void System::_registerResource(Resource* resource) {
 }
 
 void System::_unregisterResource(Resource* resource) {
+    // The order does not matter, so the last one takes the free place: erasing one of many resources must not
+    // take longer than erasing one of few.
     Resource* last = _resources.back();
     _resources[resource->_registryIndex] = last;
     last->_registryIndex = resource->_registryIndex;

@@ -39,6 +39,7 @@ System::~System() {
         MaterialManager::kill();
     }
     shutdown();
+    // In the reverse order of their construction; each may use those made before it.
     _projectLoader.reset();
     _contentLoader.reset();
     _scriptsEngine.reset();
@@ -46,6 +47,7 @@ System::~System() {
 }
 
 bool System::initialize(const Configuration& configuration) {
+    // Managers come last: they are only there when what they make can be loaded.
     if (!_graphicsEngine->initialize(configuration) || !_scriptsEngine->initialize())
         return false;
     if (isTheSingletonInstance()) {

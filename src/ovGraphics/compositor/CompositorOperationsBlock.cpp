@@ -46,12 +46,15 @@ void CompositorOperationsBlock::setTarget(unsigned int index, Texture* texture, 
                                           unsigned int mip) {
     if (index >= _targets.size())
         return;
+    // Whether one was set is kept beside the pointer: a texture that was destroyed leaves a target that is
+    // missing, and not a block that draws into the back buffer.
     _targets[index] = {texture, slice, mip, 0, texture != nullptr};
     _targetCount = 0;
     for (unsigned int i = 0; i < _targets.size(); ++i) {
         if (_targets[i].set)
             _targetCount = i + 1;
     }
+    // Made anew at the next frame, as the texture may not be loaded yet.
     _gpuTarget.reset();
     _failureLogged = false;
 }
@@ -117,6 +120,7 @@ bool CompositorOperationsBlock::execute(RenderContext& context) {
         return false;
     System& system = *context.getSystem();
     device::Device& device = *system.getDevice();
+    // Without a viewport the size is that of the targets, which may have been loaded anew with another.
     const Viewport* viewport = _viewport.get();
     const device::Rectangle area = viewport ? device::Rectangle{viewport->getX(), viewport->getY(),
                                                                 viewport->getWidth(), viewport->getHeight()}
@@ -156,6 +160,8 @@ bool CompositorOperationsBlock::_prepareTarget(RenderContext& context) {
     return false;
 }
 
+// Compared by the number of loads: the device may give a texture that was loaded again the address of the old
+// one. Nothing is allocated here, as it runs every frame.
 bool CompositorOperationsBlock::_targetIsCurrent(Texture* backBuffer) const {
     const auto isCurrent = [](const Target& target) {
         return !target.set || (target.texture && !target.texture->isUnloaded() &&

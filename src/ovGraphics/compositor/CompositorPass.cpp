@@ -29,6 +29,7 @@ bool ClearPass::execute(const PassExecution& execution) {
 
 PostProcessPass::PostProcessPass()
     : CompositorPass("post-process") {
+    // The quad covers the target, and its depth is of no use to anybody.
     _rasterState.setCullMode(CULL_MODE::NONE);
     _depthStencilState.setDepthTestEnabled(false);
     _depthStencilState.setDepthWriteEnabled(false);

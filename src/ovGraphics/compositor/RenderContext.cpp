@@ -61,6 +61,7 @@ bool RenderContext::followWindowSize() {
         _windowBuffer->setFormat(FORMAT::R8G8B8A8_UNORM);
         _windowBuffer->setUsableAsRenderTarget(true);
     }
+    // load() does nothing while the size stays the same.
     _windowBuffer->setWidth(width);
     _windowBuffer->setHeight(height);
     return _windowBuffer->load();

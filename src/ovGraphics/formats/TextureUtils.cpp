@@ -142,6 +142,7 @@ constexpr std::array FORMATS = {
 // clang-format on
 static_assert(FORMATS.size() == static_cast<std::size_t>(FORMAT::BC7_UNORM_SRGB) + 1);
 
+// Numbers come from files and scripts too, so one outside the list is UNKNOWN and no overrun.
 const FormatInfo& infoOf(FORMAT format) {
     const std::size_t index = static_cast<std::size_t>(format);
     return FORMATS[index < FORMATS.size() ? index : 0];
@@ -227,6 +228,7 @@ std::size_t TextureUtils::getSliceSize(FORMAT format, unsigned int width, unsign
 unsigned int TextureUtils::getNeededMipsForSize(unsigned int width, unsigned int height) {
     if (width == 0 || height == 0)
         return 0;
+    // A chain halves, rounded down, until both sides are 1: as often as the longer side has bits.
     return static_cast<unsigned int>(std::bit_width(std::max(width, height)));
 }
 

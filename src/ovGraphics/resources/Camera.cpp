@@ -10,6 +10,7 @@ namespace {
 using ovMaths::Vector;
 
 /// Corners of a view rectangle of half size (x, y) at depth z, in the quad's vertex order.
+// The order is that of the quad's vertices, so that a vertex text can index the corners by its vertex number.
 Camera::Corners cornersOf(float x, float y, float z) {
     return {Vector(-x, y, z), Vector(x, y, z), Vector(-x, -y, z), Vector(x, -y, z)};
 }
@@ -30,6 +31,7 @@ ovMemory::String planesText(float nearPlane, float farPlane) {
 
 /// False for zero and for what is not finite.
 bool isDirection(const Vector& normalized) {
+    // Normalising gives length 1 or, where there is no direction, 0; any number in between tells them apart.
     return normalized.getLengthSquaredVec3() > 0.5f;
 }
 
@@ -63,6 +65,7 @@ void Camera::lookAt(const Vector& direction, const Vector& up) {
         right = axisAcross(forward).getCrossVec3(forward);
     _forward = forward;
     _right = right.getNormalizedVec3();
+    // Not the vector that was given, which need not be at a right angle to the direction.
     _up = _forward.getCrossVec3(_right);
 }
 
@@ -133,6 +136,8 @@ ovMaths::Matrix Camera::getProjectionMatrix(SHADER_LANGUAGE language) const {
     if (language == SHADER_LANGUAGE::HLSL)
         return projection;
     for (int column = 0; column < 4; ++column) {
+        // GLSL programs run under OpenGL's clip rules, where row 0 of a target lies at y = -1 and depth runs
+        // from -1 to 1.
         projection.m[1][column] = -projection.m[1][column];
         projection.m[2][column] = 2.0f * projection.m[2][column] - projection.m[3][column];
     }

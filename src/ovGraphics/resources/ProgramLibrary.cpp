@@ -14,6 +14,7 @@ ovMemory::String keyOf(const shading::ProgramText& text) {
            shading::getFullText(text, shading::STAGE::PIXEL);
 }
 
+// The version too: after an update a driver may refuse its old binaries, or worse, take them.
 ovMemory::String driverKeyOf(const device::DeviceInfo& info) {
     return info.vendor + '\n' + info.renderer + '\n' + info.version;
 }
@@ -46,6 +47,8 @@ const LoadedProgram* ProgramLibrary::acquire(const shading::ProgramText& text, o
 }
 
 void ProgramLibrary::release(const LoadedProgram* program) {
+    // A search, because programs are released rarely and the key would have to be put together anew for a
+    // look-up.
     for (auto entry = _programs.begin(); entry != _programs.end(); ++entry) {
         if (entry->second.get() != program)
             continue;
@@ -64,6 +67,7 @@ ovMemory::UniquePtr<LoadedProgram> ProgramLibrary::_loadFromDisk(const shading::
         refusal; // a text that the driver refuses now is compiled anew, and fails there if it must
     program->gpuProgram =
         _device.createProgram(cached->program, cached->driverBinary, cached->driverBinaryFormat, refusal);
+    // Without a message: the program is compiled from its text then, and only that failure counts.
     if (!program->gpuProgram)
         return nullptr;
     program->compiled = std::move(cached->program);
@@ -71,6 +75,8 @@ ovMemory::UniquePtr<LoadedProgram> ProgramLibrary::_loadFromDisk(const shading::
     return program;
 }
 
+// A small number instead of the list is what meshes compare for each draw. There are few lists, since most
+// programs read the same attributes.
 unsigned int ProgramLibrary::_inputLayoutOf(const ovMemory::Buffer<shading::AttributeInfo>& attributes) {
     const auto known = std::find(_inputLayouts.begin(), _inputLayouts.end(), attributes);
     const auto place = known - _inputLayouts.begin();
@@ -98,6 +104,7 @@ ovMemory::UniquePtr<LoadedProgram> ProgramLibrary::_compile(const shading::Progr
     _device.getProgramBinary(*program->gpuProgram, cached.driverBinary, cached.driverBinaryFormat);
     cached.program = *result.program;
     ovMemory::String storeError;
+    // A warning only: the program is there, and will just be compiled again next time.
     if (!_diskCache.store(text, cached, &storeError))
         warnings += (warnings.empty() ? "" : "\n") + storeError;
     program->compiled = std::move(cached.program);

@@ -34,17 +34,20 @@ Resource::~Resource() {
 }
 
 bool Resource::load() {
+    // Loading twice costs nothing, so callers need not keep track of what is loaded.
     if (_loadState != RESOURCE_LOAD_STATE::UNLOADED && !_changedSinceLoad)
         return true;
     unload();
     _loadState = RESOURCE_LOAD_STATE::LOADING;
     ovMemory::String error;
     if (!_load(error)) {
+        // A load that failed halfway may have made some of its objects.
         _unload();
         _loadState = RESOURCE_LOAD_STATE::UNLOADED;
         _logFailure("load", error);
         return false;
     }
+    // A texture whose upload is deferred has set another state itself.
     if (_loadState == RESOURCE_LOAD_STATE::LOADING)
         _loadState = RESOURCE_LOAD_STATE::LOADED;
     _changedSinceLoad = false;

@@ -40,6 +40,7 @@ Shader::~Shader() {
 }
 
 void Shader::setProgram(Program* program) {
+    // Null is never equal: a destroyed program reads as null too, and giving null then is a change.
     if (program && program == _program.get())
         return;
     _program = program;
@@ -103,6 +104,7 @@ void Shader::reset() {
     _program = nullptr;
     _textures.clear();
     _samplers.clear();
+    // Before the buffers go, which it unloads.
     Resource::reset();
     _constantBuffers.clear();
     _instanceSlots.clear();
@@ -158,6 +160,7 @@ void Shader::_bindConstants(const LoadedProgram& program, const PassEnvironment&
             if (buffer->getIndex() == declared.slot)
                 gpuBuffer = buffer->update(device, environment, declared.size);
         }
+        // Also without one, or the slot would keep the buffer of another shader.
         device.setConstantBuffer(declared.slot, gpuBuffer);
     }
 }
@@ -167,6 +170,8 @@ void Shader::_bindTextures(const LoadedProgram& program) {
         return borrowed && borrowed->getSystem() == getSystem() ? borrowed.get() : nullptr;
     };
     unsigned int unit = 0;
+    // The program's table drives the binding, because one texture with two samplers takes two of the device's
+    // units.
     for (const shading::TextureUnitInfo& declared : program.compiled.textureUnits) {
         const auto texture = findUnit(_textures, declared.textureSlot);
         const auto sampler = findUnit(_samplers, declared.samplerSlot);

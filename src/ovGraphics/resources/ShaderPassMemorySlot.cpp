@@ -125,6 +125,8 @@ void ShaderPassMemorySlot::evaluate(const PassEnvironment& environment, unsigned
 void ShaderPassMemorySlot::_setAsCamera(CONTENT content, Camera* camera) {
     _content = content;
     _camera = camera;
+    // Kept beside the pointer: a camera of one's own that was destroyed gives zeros, and not suddenly the
+    // view of another.
     _ownCamera = camera != nullptr;
 }
 

@@ -41,6 +41,7 @@ unsigned int Texture::getMipCount() const {
 }
 
 template <typename T>
+// Tools set everything before every load. Only a real change may cost a new texture.
 void Texture::_set(T& setting, T value) {
     if (setting == value)
         return;
@@ -170,6 +171,7 @@ void Texture::reset() {
 }
 
 device::GpuTexture* Texture::getGpuTexture() {
+    // The one place that every user of the texture goes through, so that a deferred upload cannot be missed.
     if (_uploadPending)
         _upload();
     return _gpuTexture.get();
@@ -212,6 +214,7 @@ bool Texture::_checkSettings(const device::Device& device, ovMemory::String& err
     return error.empty();
 }
 
+// Here and not at setCpuData(): format and size may still be set after the data.
 bool Texture::_checkCpuData(ovMemory::String& error) const {
     for (const CpuData& data : _cpuData) {
         if (data.slice >= getSliceCount() || data.mip >= getMipCount()) {
@@ -242,6 +245,8 @@ void Texture::_upload() {
     device::Device& device = *getSystem()->getDevice();
     for (const CpuData& data : _cpuData)
         device.uploadTexture(*_gpuTexture, data.slice, data.mip, data.bytes, data.rowPitch);
+    // Data for any other mip means that the caller made them all, which averages would overwrite. Compressed
+    // blocks cannot be averaged.
     const bool onlyFirstMips =
         std::all_of(_cpuData.begin(), _cpuData.end(), [](const CpuData& data) { return data.mip == 0; });
     if (!_cpuData.empty() && onlyFirstMips && getMipCount() > 1 && !TextureUtils::isFormatCompressed(_format))

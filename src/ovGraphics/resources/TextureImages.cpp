@@ -81,6 +81,7 @@ TextureContent textureContentOf(const ovImages::ImageView& image, bool raw) {
     if (encoded)
         return convertedContent(image, COMPONENT_TYPE::FLOAT,
                                 image.channels == 2 || image.channels == 4 ? 4 : 3, COLOUR_ENCODING::LINEAR);
+    // Of three channels the device has 32-bit formats only.
     const unsigned int channels = image.channels == 3 && !isFloat ? 4 : image.channels;
     return convertedContent(image, image.componentType, channels, image.encoding);
 }

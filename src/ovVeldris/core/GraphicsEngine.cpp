@@ -33,6 +33,7 @@ void GraphicsEngine::shutdown() {
     _programTrackers.reset();
     if (ovGraphics::System* const graphicsSystem = getGraphicsSystem())
         graphicsSystem->shutdown();
+    // An owned system stays held, because resources that outlive the shutdown still refer to it.
     _graphicsSystem.forgetUnlessOwned();
 }
 
@@ -51,6 +52,7 @@ void GraphicsEngine::_prepareDefaultSampler(ovGraphics::SamplerManager& samplers
         sampler->setAddressU(ovGraphics::TEXTURE_ADDRESS::WRAP);
         sampler->setAddressV(ovGraphics::TEXTURE_ADDRESS::WRAP);
     }
+    // Also one that the host made under that name: materials need it loaded, and its settings stay.
     sampler->load();
 }
 
