@@ -2,7 +2,7 @@
 #pragma once
 
 #include <ovImages/Image.h>
-#include <veldris/effects/PictureContent.h>
+#include <veldris/effects/ContentConversions.h>
 
 namespace veldris {
 

@@ -8,6 +8,7 @@
 #include <veldris/ImageFiles.h>
 #include <veldris/JsonText.h>
 #include <veldris/effects/EffectChain.h>
+#include <veldris/effects/EffectHelp.h>
 
 namespace veldris {
 
@@ -40,16 +41,16 @@ void printReport(const ApplyOptions& options, const ChainResult& result, Session
     report.text("output", options.output)
         .number("width", result.image->getWidth())
         .number("height", result.image->getHeight())
-        .text("content", options.raw ? ovMemory::StringView("raw") : toText(result.content));
+        .text("content", options.raw ? String("raw") : toText(result.content));
     if (options.drawing.timings)
         report.text("timingMethod", method).array("passes", passes);
     fmt::print("{}\n", report.toText());
 }
 
 /// Everything of the options that can be checked before the image is read and the device opened.
-bool readOptions(const ApplyOptions& options, ovMemory::Buffer<EffectSpec>& effects, ChainOptions& chain,
+bool readOptions(const ApplyOptions& options, ovMemory::Buffer<PlannedEffect>& effects, ChainOptions& chain,
                  String& error) {
-    if (!parseEffectList(options.effects, effects, error) ||
+    if (!planEffects(options.effects, effects, error) ||
         !contentOfFormat(options.output, chain.output, error))
         return false;
     chain.outputName = "the file '" + options.output + "'";
@@ -58,7 +59,7 @@ bool readOptions(const ApplyOptions& options, ovMemory::Buffer<EffectSpec>& effe
 }
 
 int runApply(const ApplyOptions& options) {
-    ovMemory::Buffer<EffectSpec> effects;
+    ovMemory::Buffer<PlannedEffect> effects;
     ChainOptions chain;
     String error;
     if (!readOptions(options, effects, chain, error))
@@ -68,12 +69,15 @@ int runApply(const ApplyOptions& options) {
     if (!input)
         return fail(input.error);
     warn(input.warning);
-    chain.input = contentFromText(options.inputContent).value_or(contentOf(input.image->view()));
+    chain.input = ovVeldris::contentFromText(options.inputContent).value_or(contentOf(input.image->view()));
+    ChainPlan plan;
+    if (!planChain(std::move(effects), chain, plan, error))
+        return fail(error);
 
     Session session;
     if (!session.open(options.drawing, error))
         return fail(error);
-    ChainResult result = runChain(session, input.image->view(), effects, chain);
+    ChainResult result = runChain(session, input.image->view(), plan);
     if (!result)
         return fail(result.error);
     warn(session.getLogger().take());

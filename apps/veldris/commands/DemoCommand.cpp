@@ -32,25 +32,6 @@ struct DemoOptions {
     DrawingOptions drawing;
 };
 
-/// One picture of the gallery: its file's name, and the effects that make it.
-struct DemoPicture {
-    const char* name;
-    const char* effects;
-};
-
-// Every effect and every operator, each with the settings that show what it does.
-constexpr DemoPicture PICTURES[] = {
-    {"texture-copy", "texture-copy"},
-    {"reinhard", "tone-mapping:operator=reinhard,max-white=8,8,8"},
-    {"reinhard-channels", "tone-mapping:operator=reinhard,max-white=8,8,8,use-luminance=false"},
-    {"hables", "tone-mapping:operator=hables,toe-length=0.3,toe-strength=0.4,shoulder-length=0.8,"
-               "shoulder-strength=3,shoulder-angle=0"},
-    {"hables-channels", "tone-mapping:operator=hables,toe-length=0.3,toe-strength=0.4,shoulder-length=0.8,"
-                        "shoulder-strength=3,shoulder-angle=0,use-luminance=false"},
-    {"aces", "tone-mapping:operator=aces"},
-    {"aces-bright", "tone-mapping:operator=aces,look-transform=2,0,0,0,2,0,0,0,2"},
-};
-
 /// A picture as the gallery shows it. Scene light is clipped on purpose: that is the "before" of a tone
 /// mapping.
 bool writeGalleryPicture(const String& path, const ovImages::ImageView& picture, String& error) {
@@ -58,36 +39,56 @@ bool writeGalleryPicture(const String& path, const ovImages::ImageView& picture,
     return writePicture(path, picture, false, clippingIsWanted, error);
 }
 
-bool drawPicture(Session& session, const ovImages::ImageView& scene, const DemoPicture& picture,
-                 const DemoOptions& options, Buffer<GalleryEntry>& entries, String& error) {
-    Buffer<EffectSpec> effects;
-    if (!parseEffectList(picture.effects, effects, error))
+/// The effects of one list, over a picture of scene light.
+bool planScene(ovMemory::StringView text, ChainPlan& plan, String& error) {
+    Buffer<PlannedEffect> effects;
+    return planEffects(text, effects, error) && planChain(std::move(effects), {}, plan, error);
+}
+
+bool drawExample(Session& session, const ovImages::ImageView& scene, const ovVeldris::EffectKind& kind,
+                 const ovVeldris::EffectExample& example, const DemoOptions& options,
+                 Buffer<GalleryEntry>& entries, String& error) {
+    String list = kind.getName();
+    if (!example.settings.empty())
+        list.append(":").append(example.settings);
+    ChainPlan plan;
+    if (!planScene(list, plan, error))
         return false;
-    const ChainResult result = runChain(session, scene, effects, {});
+    const ChainResult result = runChain(session, scene, plan);
     if (!result) {
         error = result.error;
         return false;
     }
-    const String file = String(picture.name) + ".png";
-    GalleryEntry entry{picture.effects, SOURCE_FILE, file, 0.0};
+    const String file = String(example.name) + ".png";
+    GalleryEntry entry{list, String(kind.summary), SOURCE_FILE, file, 0.0};
     for (const EffectTiming& timing : result.timings)
         entry.milliseconds += timing.milliseconds;
     entries.push_back(entry);
     return writeGalleryPicture(options.folder + "/" + file, result.image->view(), error);
 }
 
+/// The examples of every kind of effect.
+bool drawExamples(Session& session, const ovImages::ImageView& scene, const DemoOptions& options,
+                  Buffer<GalleryEntry>& entries, String& error) {
+    for (const ovVeldris::EffectKind& kind : ovVeldris::effectKinds())
+        for (const ovVeldris::EffectExample& example : kind.examples)
+            if (!drawExample(session, scene, kind, example, options, entries, error))
+                return false;
+    return true;
+}
+
 /// Scenes are tone mapped as a user would.
 constexpr const char* SCENE_EFFECTS = "tone-mapping:operator=reinhard,max-white=6,6,6";
 
 bool drawScenes(Session& session, const DemoOptions& options, Buffer<GalleryEntry>& entries, String& error) {
-    Buffer<EffectSpec> effects;
-    if (!parseEffectList(SCENE_EFFECTS, effects, error))
+    ChainPlan plan;
+    if (!planScene(SCENE_EFFECTS, plan, error))
         return false;
     const auto write = [&](const MaterialPicture& picture, String& reason) {
-        const ChainResult mapped = runChain(session, picture.image.view(), effects, {});
+        const ChainResult mapped = runChain(session, picture.image.view(), plan);
         reason = mapped.error;
         const String file = String(picture.name) + ".png";
-        entries.push_back({String(picture.caption), "", file, picture.milliseconds});
+        entries.push_back({String(picture.caption), "", "", file, picture.milliseconds});
         return mapped && writeGalleryPicture(options.folder + "/" + file, mapped.image->view(), reason);
     };
     return drawMaterialPictures(session, options.width, options.height, write, error) &&
@@ -98,11 +99,8 @@ bool drawGallery(Session& session, const DemoOptions& options, Buffer<GalleryEnt
     const ovImages::Image scene = drawDemoScene(options.width, options.height);
     if (!writeGalleryPicture(options.folder + "/" + SOURCE_FILE, scene.view(), error))
         return false;
-    for (const DemoPicture& picture : PICTURES) {
-        if (!drawPicture(session, scene.view(), picture, options, entries, error))
-            return false;
-    }
-    if (!drawScenes(session, options, entries, error))
+    if (!drawExamples(session, scene.view(), options, entries, error) ||
+        !drawScenes(session, options, entries, error))
         return false;
     const auto& graphics = session.getGraphics();
     const String page = galleryPage({graphics.getDeviceInfo()->renderer, options.drawing.language,

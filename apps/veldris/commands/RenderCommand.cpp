@@ -53,8 +53,7 @@ struct RenderOptions {
 struct RenderPlan {
     SceneSettings scene;
     CameraChoice camera;
-    ovMemory::Buffer<EffectSpec> effects;
-    ChainOptions chain;
+    ChainPlan chain;
 };
 
 bool readVector(ovMemory::StringView option, const String& text, Vector& vector, String& error) {
@@ -115,12 +114,14 @@ bool readScene(const RenderOptions& options, SceneSettings& scene, String& error
 }
 
 bool makePlan(const RenderOptions& options, RenderPlan& plan, String& error) {
-    if (!readScene(options, plan.scene, error) || !parseEffectList(options.effects, plan.effects, error) ||
-        !contentOfFormat(options.output, plan.chain.output, error))
+    ovMemory::Buffer<PlannedEffect> effects;
+    ChainOptions chain;
+    if (!readScene(options, plan.scene, error) || !planEffects(options.effects, effects, error) ||
+        !contentOfFormat(options.output, chain.output, error))
         return false;
-    plan.chain.outputName = "the file '" + options.output + "'";
-    plan.chain.input = PICTURE_CONTENT::SCENE_LINEAR;
-    if (!checkChain(plan.effects, plan.chain, error))
+    chain.outputName = "the file '" + options.output + "'";
+    chain.input = PICTURE_CONTENT::SCENE_LINEAR;
+    if (!planChain(std::move(effects), chain, plan.chain, error))
         return false;
     if (options.camera.empty())
         return true;
@@ -270,7 +271,7 @@ int runRender(const RenderOptions& options) {
     const auto image = drawModel(session, options, plan, timings, error);
     if (!image)
         return fail(error);
-    const ChainResult result = runChain(session, image->view(), plan.effects, plan.chain);
+    const ChainResult result = runChain(session, image->view(), plan.chain);
     if (!result)
         return fail(result.error);
     warn(session.getLogger().take());

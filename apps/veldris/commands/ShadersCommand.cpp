@@ -6,6 +6,7 @@
 #include <ovGraphics/resources/Program.h>
 #include <ovGraphics/resources/Shader.h>
 #include <ovGraphics/shading/CrossCompiler.h>
+#include <ovVeldris/core/settings/SettingCombinations.h>
 #include <veldris/JsonText.h>
 #include <veldris/effects/EffectChain.h>
 
@@ -32,26 +33,53 @@ struct GeneratedProgram {
     ovGraphics::shading::CompileResult compiled;
 };
 
-/// Every program of the catalogue, or of one effect, loaded on the device.
+/// Settings that select the text of a shader, as a list of effects has them.
+PlannedEffect plannedWith(const ovVeldris::EffectKind& kind,
+                          const Buffer<ovVeldris::SettingAssignment>& settings) {
+    PlannedEffect effect;
+    effect.kind = &kind;
+    effect.settings = settings;
+    effect.text = kind.getName();
+    char separator = ':';
+    for (const ovVeldris::SettingAssignment& assignment : settings) {
+        const ovVeldris::Setting& setting = *kind.settings().find(assignment.name);
+        effect.text += separator;
+        effect.text.append(setting.name).append("=").append(toText(setting, assignment.value));
+        separator = ',';
+    }
+    return effect;
+}
+
+bool isSameText(const ovGraphics::shading::ProgramText& a, const ovGraphics::shading::ProgramText& b) {
+    const auto isSame = [&](STAGE stage) {
+        return ovGraphics::shading::getFullText(a, stage) == ovGraphics::shading::getFullText(b, stage);
+    };
+    return a.name == b.name && isSame(STAGE::VERTEX) && isSame(STAGE::PIXEL);
+}
+
+/// Adds the program of an effect, loaded on the device. Where a setting may mean "choose for me", the choice
+/// comes later in the list and says more: it takes the place of an equal program.
+bool addProgram(Session& session, const PlannedEffect& planned, Buffer<GeneratedProgram>& programs,
+                String& error) {
+    const auto effect = makeEffect(session, planned);
+    if (!effect->load()) {
+        error = session.getLogger().take();
+        return false;
+    }
+    const auto text = effect->getShader()->getProgram()->getText();
+    std::erase_if(programs, [&](const GeneratedProgram& other) { return isSameText(other.text, text); });
+    programs.push_back({planned.text, text, ovGraphics::shading::compile(text)});
+    return true;
+}
+
+/// Every program of every kind of effect, or of one.
 bool generate(Session& session, const String& onlyEffect, Buffer<GeneratedProgram>& programs, String& error) {
-    for (const EffectDescription& description : effectCatalog()) {
-        if (!onlyEffect.empty() && description.name != onlyEffect)
+    for (const ovVeldris::EffectKind& kind : ovVeldris::effectKinds()) {
+        if (!onlyEffect.empty() && kind.getName() != onlyEffect)
             continue;
-        for (const ovMemory::StringView variant : description.programVariants) {
-            const String spec = String(description.name) + (variant.empty() ? "" : ":") + String(variant);
-            Buffer<EffectSpec> parsed;
-            if (!parseEffectList(spec, parsed, error))
+        for (const auto& settings : finiteCombinations(kind.settings()))
+            if (!addProgram(session, plannedWith(kind, settings), programs, error))
                 return false;
-            const auto effect = makeEffect(session, parsed.front(), error);
-            if (!effect)
-                return false;
-            if (!effect->load()) {
-                error = session.getLogger().take();
-                return false;
-            }
-            const auto text = effect->getShader()->getProgram()->getText();
-            programs.push_back({spec, text, ovGraphics::shading::compile(text)});
-        }
     }
     return true;
 }
@@ -102,7 +130,7 @@ void listPrograms(const Buffer<GeneratedProgram>& programs, const DrawingOptions
 
 int runShaders(const ShadersOptions& options) {
     String error;
-    if (!options.effect.empty() && !findEffect(options.effect, error))
+    if (!options.effect.empty() && !ovVeldris::findEffectKind(options.effect, error))
         return fail(error);
     Session session;
     Buffer<GeneratedProgram> programs;

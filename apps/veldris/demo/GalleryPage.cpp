@@ -51,8 +51,9 @@ String section(const GalleryEntry& entry) {
                                 ? figure(entry.afterFile, entry.title)
                                 : "<div>\n" + figure(entry.beforeFile, "before: scene light, clipped at 1") +
                                       figure(entry.afterFile, "after") + "</div>\n";
-    return fmt::format("<h2>{}</h2>\n<p>{:.3f} ms</p>\n{}", escaped(entry.title), entry.milliseconds,
-                       pictures);
+    const String summary = entry.summary.empty() ? "" : "<p>" + escaped(entry.summary) + "</p>\n";
+    return fmt::format("<h2>{}</h2>\n{}<p>{:.3f} ms</p>\n{}", escaped(entry.title), summary,
+                       entry.milliseconds, pictures);
 }
 
 } // namespace

@@ -8,6 +8,7 @@ namespace veldris {
 /// A picture, beside the one that it was made from if there is one. Files are relative to the page.
 struct GalleryEntry {
     ovMemory::String title;      ///< of an effect: as --effects takes it
+    ovMemory::String summary;    ///< what it does; may be empty
     ovMemory::String beforeFile; ///< empty: the picture stands alone
     ovMemory::String afterFile;
     double milliseconds = 0.0; ///< of its passes

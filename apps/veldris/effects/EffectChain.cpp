@@ -1,15 +1,13 @@
 #include <veldris/effects/EffectChain.h>
 
-#include <fmt/format.h>
-#include <ovGraphics/Managers.h>
 #include <ovGraphics/System.h>
 #include <ovGraphics/compositor/Compositor.h>
 #include <ovGraphics/compositor/RenderContext.h>
+#include <ovGraphics/resources/Camera.h>
 #include <ovGraphics/resources/Shader.h>
 #include <ovGraphics/resources/Texture.h>
 #include <ovImages/Conversion.h>
 #include <ovVeldris/System.h>
-#include <ovVeldris/effects/EffectManager.h>
 #include <veldris/Session.h>
 
 namespace veldris {
@@ -41,7 +39,8 @@ Image toFloats(const ImageView& picture, COLOUR_ENCODING from, COLOUR_ENCODING t
 class EffectRunner {
 public:
     explicit EffectRunner(Session& session)
-        : _session(session) {}
+        : _session(session)
+        , _camera(ovGraphics::Camera::create(&session.getGraphics())) {}
 
     bool upload(const ImageView& picture) {
         _picture = _makeTexture(picture.width, picture.height);
@@ -49,10 +48,10 @@ public:
         return _picture->load();
     }
 
-    bool draw(const EffectSpec& spec, ovVeldris::Effect& effect, ChainResult& result) {
+    bool draw(const PlannedEffect& planned, ovVeldris::Effect& effect, ChainResult& result) {
         UniquePtr<ovGraphics::Texture> target = _makeTexture(_picture->getWidth(), _picture->getHeight());
         target->setUsableAsRenderTarget(true);
-        _setSource(spec, effect);
+        _setSource(planned, effect);
         if (!target->load() || !effect.load())
             return false;
 
@@ -62,7 +61,7 @@ public:
         block->setTarget(0, target.get());
         ovGraphics::PostProcessPass* pass = block->appendPostProcessPass();
         pass->setShader(effect.getShader());
-        pass->setName(toText(spec));
+        pass->setName(planned.text);
 
         const auto context = ovGraphics::RenderContext::create(&graphics);
         context->setDescriptor({target.get(), false});
@@ -80,13 +79,15 @@ public:
     UniquePtr<Image> download() { return _picture->convertToImage(); }
 
 private:
-    /// The settings were checked when the effect was made.
-    void _setSource(const EffectSpec& spec, ovVeldris::Effect& effect) {
-        String ignored;
-        const EffectDescription* description = findEffect(spec.name, ignored);
-        SettingValues values;
-        SettingValues::parse(spec, description->settings, values, ignored);
-        description->setSource(effect, _picture.get(), values);
+    /// Gives the effect the picture, and a camera wherever it asks for one.
+    void _setSource(const PlannedEffect& planned, ovVeldris::Effect& effect) {
+        String neverWrong;
+        effect.setSetting(ovVeldris::EffectKind::PICTURE_SETTING, _picture.get(), neverWrong);
+        planned.view.apply(*_camera, static_cast<float>(_picture->getWidth()) /
+                                         static_cast<float>(_picture->getHeight()));
+        for (const ovVeldris::Setting& setting : effect.getSettings())
+            if (setting.kind == ovVeldris::SETTING_KIND::CAMERA)
+                setting.set(effect, _camera.get());
     }
 
     UniquePtr<ovGraphics::Texture> _makeTexture(unsigned int width, unsigned int height) {
@@ -99,6 +100,7 @@ private:
     }
 
     Session& _session;
+    UniquePtr<ovGraphics::Camera> _camera;
     UniquePtr<ovGraphics::Texture> _picture;
 };
 
@@ -109,44 +111,23 @@ bool convert(EffectRunner& runner, const ContentConversion& conversion) {
                toFloats(picture->view(), encodingOf(conversion.from), encodingOf(conversion.to)).view());
 }
 
-/// Checks names and values of the effects and finds the conversions between them.
-bool plan(const Buffer<EffectSpec>& effects, const ChainOptions& options,
-          Buffer<ContentConversion>& conversions, PICTURE_CONTENT& content, String& error) {
-    Buffer<EffectContent> contents;
-    for (const EffectSpec& spec : effects) {
-        const EffectDescription* description = findEffect(spec.name, error);
-        SettingValues values;
-        if (!description || !SettingValues::parse(spec, description->settings, values, error))
-            return false;
-        contents.push_back({spec.name, description->takes, description->gives});
-    }
-    content = options.input;
-    return options.raw || planConversions(options.input, contents, options.output, options.outputName,
-                                          conversions, content, error);
-}
-
-/// All effects, made before anything is drawn, so that a wrong value costs no time.
-Buffer<UniquePtr<ovVeldris::Effect>> makeEffects(Session& session, const Buffer<EffectSpec>& specs,
-                                                 String& error) {
+/// All effects, made before anything is drawn.
+Buffer<UniquePtr<ovVeldris::Effect>> makeEffects(Session& session, const ChainPlan& plan) {
     Buffer<UniquePtr<ovVeldris::Effect>> effects;
-    for (const EffectSpec& spec : specs) {
-        effects.push_back(makeEffect(session, spec, error));
-        if (!effects.back())
-            return {};
-    }
+    for (const PlannedEffect& planned : plan.effects)
+        effects.push_back(makeEffect(session, planned));
     return effects;
 }
 
-bool drawAll(EffectRunner& runner, const Buffer<EffectSpec>& specs,
-             const Buffer<UniquePtr<ovVeldris::Effect>>& effects,
-             const Buffer<ContentConversion>& conversions, ChainResult& result) {
-    auto next = conversions.begin();
-    for (std::size_t i = 0; i <= specs.size(); ++i) {
-        for (; next != conversions.end() && next->beforeEffect == i; ++next) {
+bool drawAll(EffectRunner& runner, const ChainPlan& plan, const Buffer<UniquePtr<ovVeldris::Effect>>& effects,
+             ChainResult& result) {
+    auto next = plan.conversions.begin();
+    for (std::size_t i = 0; i <= effects.size(); ++i) {
+        for (; next != plan.conversions.end() && next->beforeEffect == i; ++next) {
             if (!convert(runner, *next))
                 return false;
         }
-        if (i < specs.size() && !runner.draw(specs[i], *effects[i], result))
+        if (i < effects.size() && !runner.draw(plan.effects[i], *effects[i], result))
             return false;
     }
     return true;
@@ -154,43 +135,21 @@ bool drawAll(EffectRunner& runner, const Buffer<EffectSpec>& specs,
 
 } // namespace
 
-UniquePtr<ovVeldris::Effect> makeEffect(Session& session, const EffectSpec& spec, String& error) {
-    const EffectDescription* description = findEffect(spec.name, error);
-    SettingValues values;
-    if (!description || !SettingValues::parse(spec, description->settings, values, error))
-        return nullptr;
-    ovVeldris::EffectManager& manager = *session.getSystem().getEffectManager();
-    constexpr ovMemory::StringView TEMPORARY_NAME = "veldris command line";
-    manager.createOrRetrieve(TEMPORARY_NAME, description->type);
-    UniquePtr<ovVeldris::Effect> effect = manager.relinquish(TEMPORARY_NAME);
-    effect->setName(spec.name);
-    const String complaint = description->apply(*effect, values);
-    if (complaint.empty())
-        return effect;
-    error = fmt::format("effect '{}': {}", spec.name, complaint);
-    return nullptr;
+UniquePtr<ovVeldris::Effect> makeEffect(Session& session, const PlannedEffect& planned) {
+    UniquePtr<ovVeldris::Effect> effect = planned.kind->create(&session.getSystem());
+    effect->setName(planned.kind->getName());
+    for (const ovVeldris::SettingAssignment& assignment : planned.settings)
+        effect->getSettings().find(assignment.name)->set(*effect, assignment.value);
+    return effect;
 }
 
-bool checkChain(const Buffer<EffectSpec>& effects, const ChainOptions& options, String& error) {
-    Buffer<ContentConversion> conversions;
-    PICTURE_CONTENT content;
-    return plan(effects, options, conversions, content, error);
-}
-
-ChainResult runChain(Session& session, const ImageView& picture, const Buffer<EffectSpec>& effects,
-                     const ChainOptions& options) {
+ChainResult runChain(Session& session, const ImageView& picture, const ChainPlan& plan) {
     ChainResult result;
-    Buffer<ContentConversion> conversions;
-    if (!plan(effects, options, conversions, result.content, result.error))
-        return result;
-    const auto made = makeEffects(session, effects, result.error);
-    if (!result.error.empty())
-        return result;
-
-    const COLOUR_ENCODING encoding = encodingOf(options.input);
+    result.content = plan.content;
+    const COLOUR_ENCODING encoding = encodingOf(plan.input);
     EffectRunner runner(session);
     if (!runner.upload(toFloats(picture, encoding, encoding).view()) ||
-        !drawAll(runner, effects, made, conversions, result)) {
+        !drawAll(runner, plan, makeEffects(session, plan), result)) {
         result.error = session.getLogger().take();
         return result;
     }

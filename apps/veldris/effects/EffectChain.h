@@ -2,19 +2,11 @@
 #pragma once
 
 #include <ovImages/Image.h>
-#include <veldris/effects/EffectCatalog.h>
+#include <veldris/effects/EffectPlan.h>
 
 namespace veldris {
 
 class Session;
-
-/// How to run a chain.
-struct ChainOptions {
-    PICTURE_CONTENT input = PICTURE_CONTENT::SCENE_LINEAR; ///< what the picture's numbers mean
-    std::optional<PICTURE_CONTENT> output;                 ///< what the result's numbers must mean
-    ovMemory::String outputName = "the output";            ///< what messages call the taker of the result
-    bool raw = false; ///< numbers in, numbers out: no conversions, no checks
-};
 
 /// One measured pass: the effect as written, and its milliseconds.
 struct EffectTiming {
@@ -31,17 +23,10 @@ struct ChainResult {
     explicit operator bool() const { return image != nullptr; }
 };
 
-/// Whether a chain can be run, as far as that can be told without a device: names, values of settings, and
-/// what the effects hand on. @return false with one line in error
-bool checkChain(const ovMemory::Buffer<EffectSpec>& effects, const ChainOptions& options,
-                ovMemory::String& error);
-
 /// Draws the effects one after another, in float targets, with the conversions between them that they need.
-ChainResult runChain(Session& session, const ovImages::ImageView& picture,
-                     const ovMemory::Buffer<EffectSpec>& effects, const ChainOptions& options);
+ChainResult runChain(Session& session, const ovImages::ImageView& picture, const ChainPlan& plan);
 
-/// An unloaded effect with the settings of a spec. @return null with one line in error
-ovMemory::UniquePtr<ovVeldris::Effect> makeEffect(Session& session, const EffectSpec& spec,
-                                                  ovMemory::String& error);
+/// An unloaded effect with the settings of a plan, named like its kind.
+ovMemory::UniquePtr<ovVeldris::Effect> makeEffect(Session& session, const PlannedEffect& planned);
 
 } // namespace veldris

@@ -1,16 +1,11 @@
 // The text form of a chain of effects, as the command line takes it.
 #pragma once
 
-#include <ovMemory/Memory.h>
+#include <ovVeldris/core/settings/SettingText.h>
 
 namespace veldris {
 
-/// One setting as written: `name=value`.
-struct SettingText {
-    ovMemory::String name;
-    ovMemory::String value;
-    bool operator==(const SettingText&) const = default;
-};
+using ovVeldris::SettingText;
 
 /// One effect as written: `name` or `name:setting=value,setting=value`.
 struct EffectSpec {

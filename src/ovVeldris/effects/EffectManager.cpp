@@ -1,11 +1,8 @@
-#include <array>
 #include <ovVeldris/System.h>
 #include <ovVeldris/core/LogManager.h>
 #include <ovVeldris/core/NamedObjects.h>
+#include <ovVeldris/effects/EffectKind.h>
 #include <ovVeldris/effects/EffectManager.h>
-#include <ovVeldris/effects/ImageEnvironmentEffect.h>
-#include <ovVeldris/effects/TextureCopyEffect.h>
-#include <ovVeldris/effects/ToneMappingEffect.h>
 
 template class ovCommon::MaybeSingletonClass<ovVeldris::EffectManager>;
 
@@ -15,22 +12,6 @@ namespace {
 
 constexpr std::size_t INITIAL_BUCKETS = 8;
 constexpr ovMemory::StringView SENDER = "EffectManager";
-
-template <typename T>
-ovMemory::UniquePtr<Effect> create(System* system) {
-    return T::create(system);
-}
-
-struct Factory {
-    EFFECT_TYPE type;
-    ovMemory::UniquePtr<Effect> (*create)(System*);
-};
-
-constexpr std::array FACTORIES = {
-    Factory{EFFECT_TYPE::IMAGE_ENVIRONMENT, create<ImageEnvironmentEffect>},
-    Factory{EFFECT_TYPE::TEXTURE_COPY, create<TextureCopyEffect>},
-    Factory{EFFECT_TYPE::TONE_MAPPING, create<ToneMappingEffect>},
-};
 
 } // namespace
 
@@ -116,9 +97,8 @@ ovMemory::UniquePtr<Effect> EffectManager::relinquish(ovMemory::StringView name)
 }
 
 ovMemory::UniquePtr<Effect> EffectManager::_create(EFFECT_TYPE type) const {
-    for (const Factory& factory : FACTORIES)
-        if (factory.type == type)
-            return factory.create(_system);
+    if (const EffectKind* kind = findEffectKind(type))
+        return kind->create(_system);
     logMessage(_system, "Requested an unknown type of effect, allocation cannot happen. Returning nullptr.",
                SENDER);
     return nullptr;

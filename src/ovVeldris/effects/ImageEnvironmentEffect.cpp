@@ -5,6 +5,7 @@
 #include <ovGraphics/resources/Shader.h>
 #include <ovGraphics/resources/Texture.h>
 #include <ovVeldris/EmbeddedShaders.h>
+#include <ovVeldris/core/settings/SettingRows.h>
 #include <ovVeldris/shaders/ShaderText.h>
 
 namespace ovVeldris {
@@ -35,6 +36,23 @@ ovMemory::StringView defineOf(PROJECTION projection) {
 
 } // namespace
 
+const SettingTable& ImageEnvironmentEffect::settings() {
+    using Class = ImageEnvironmentEffect;
+    using Rows = SettingRows<ImageEnvironmentEffect>;
+    static const SettingTable TABLE = {
+        Rows::texture("source-texture", &Class::getSourceTexture, &Class::setSourceTexture, "the image"),
+        Rows::sampler("source-sampler", &Class::getSourceSampler, &Class::setSourceSampler,
+                      "how the image is read"),
+        Rows::camera("source-camera", &Class::getSourceCamera, &Class::setSourceCamera,
+                     "whose view is drawn"),
+        Rows::enumeration("source-projection", ovMemory::enumTableOf<PROJECTION>(),
+                          &Class::getSourceProjection, &Class::setSourceProjection, PROJECTION::AUTO,
+                          "how the image is read; a picture is no cube, which draws black")
+            .atLoad(),
+    };
+    return TABLE;
+}
+
 uint64_t ImageEnvironmentIdGenerator::operator()(const ImageEnvironmentEffectInfo& info) const {
     switch (ImageEnvironmentEffect::getRequiredProjection(info)) {
     case PROJECTION::FLAT:
@@ -52,7 +70,8 @@ ovMemory::UniquePtr<ImageEnvironmentEffect> ImageEnvironmentEffect::create(Syste
 
 // Messages call the kind a texture copy: hosts filter the log by that line.
 ImageEnvironmentEffect::ImageEnvironmentEffect(System* system)
-    : ScreenEffect(EFFECT_TYPE::IMAGE_ENVIRONMENT, system, "texture copy", "ImageEnvironmentEffect") {}
+    : ScreenEffect(EFFECT_TYPE::IMAGE_ENVIRONMENT, system, "texture copy", "ImageEnvironmentEffect",
+                   settings()) {}
 
 ImageEnvironmentEffect::~ImageEnvironmentEffect() = default;
 

@@ -63,6 +63,9 @@ public:
     explicit ImageEnvironmentEffect(System* system);
     ~ImageEnvironmentEffect() override;
 
+    /// The settings of every image environment effect.
+    static const SettingTable& settings();
+
     /// The image, not owned; null (the default) reads as opaque black. Reaches a loaded effect at once; one
     /// of another shape than the loaded projection reads is the first face of a cube, or opaque black.
     void setSourceTexture(ovGraphics::Texture* texture);

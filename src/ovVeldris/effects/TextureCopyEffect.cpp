@@ -2,6 +2,7 @@
 #include <ovGraphics/resources/Shader.h>
 #include <ovGraphics/resources/Texture.h>
 #include <ovVeldris/EmbeddedShaders.h>
+#include <ovVeldris/core/settings/SettingRows.h>
 #include <ovVeldris/effects/TextureCopyEffect.h>
 #include <ovVeldris/shaders/ShaderText.h>
 
@@ -20,12 +21,24 @@ constexpr EffectSamplerSettings DEFAULT_SAMPLER = {
 
 } // namespace
 
+const SettingTable& TextureCopyEffect::settings() {
+    using Class = TextureCopyEffect;
+    using Rows = SettingRows<TextureCopyEffect>;
+    static const SettingTable TABLE = {
+        Rows::texture("source-texture", &Class::getSourceTexture, &Class::setSourceTexture,
+                      "the picture to draw"),
+        Rows::sampler("source-sampler", &Class::getSourceSampler, &Class::setSourceSampler,
+                      "how the picture is read"),
+    };
+    return TABLE;
+}
+
 ovMemory::UniquePtr<TextureCopyEffect> TextureCopyEffect::create(System* system) {
     return std::make_unique<TextureCopyEffect>(system);
 }
 
 TextureCopyEffect::TextureCopyEffect(System* system)
-    : ScreenEffect(EFFECT_TYPE::TEXTURE_COPY, system, "texture copy", "TextureCopyEffect") {}
+    : ScreenEffect(EFFECT_TYPE::TEXTURE_COPY, system, "texture copy", "TextureCopyEffect", settings()) {}
 
 TextureCopyEffect::~TextureCopyEffect() = default;
 

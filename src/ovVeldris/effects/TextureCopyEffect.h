@@ -35,6 +35,9 @@ public:
     explicit TextureCopyEffect(System* system);
     ~TextureCopyEffect() override;
 
+    /// The settings of every texture copy effect.
+    static const SettingTable& settings();
+
     /// The texture to draw, not owned; null (the default) reads as opaque black. Reaches a loaded effect at
     /// once.
     void setSourceTexture(ovGraphics::Texture* texture);

@@ -3,11 +3,24 @@
 
 #include <ovMaths/Matrix.h>
 #include <ovMaths/Vector.h>
+#include <ovMemory/Enumeration.h>
 #include <ovVeldris/core/ProgramTracker.h>
 #include <ovVeldris/effects/ScreenEffect.h>
 #include <ovVeldris/effects/ToneMappingHablesCurve.h>
 
 namespace ovVeldris {
+
+/// The curve of a ToneMappingEffect.
+enum class TONE_MAPPING_OPERATOR : unsigned int { REINHARD = 0, HABLES = 1, ACES = 2 };
+
+inline constexpr ovMemory::EnumEntry<TONE_MAPPING_OPERATOR> TONE_MAPPING_OPERATOR_ENTRIES[] = {
+    {TONE_MAPPING_OPERATOR::REINHARD, "REINHARD"},
+    {TONE_MAPPING_OPERATOR::HABLES, "HABLES"},
+    {TONE_MAPPING_OPERATOR::ACES, "ACES"},
+};
+constexpr ovMemory::EnumTable<TONE_MAPPING_OPERATOR> enumTable(TONE_MAPPING_OPERATOR) {
+    return {"TONE_MAPPING_OPERATOR", TONE_MAPPING_OPERATOR_ENTRIES};
+}
 
 /// Settings of a ToneMappingEffect that select its shader, and its source. One operator is used at a time.
 struct ToneMappingEffectInfo {
@@ -48,6 +61,9 @@ public:
     explicit ToneMappingEffect(System* system);
     ~ToneMappingEffect() override;
 
+    /// The settings of every tone mapping effect.
+    static const SettingTable& settings();
+
     /// The texture to map, not owned; null (the default) reads as opaque black. Reaches a loaded effect at
     /// once.
     void setSourceTexture(ovGraphics::Texture* texture);
@@ -71,8 +87,17 @@ public:
     ///        counts. Default: the identity.
     void setAsAces(const ovMaths::Matrix& lookTransform);
 
+    /// Chooses an operator with the numbers that it was given last. Waits for load().
+    void setOperator(TONE_MAPPING_OPERATOR chosen);
+    // The numbers of one operator, whichever is chosen; see above. They reach an effect that is loaded with
+    // it at once.
+    void setReinhardMaxWhite(const ovMaths::Vector& maxWhite);
+    void setHablesDescriptor(const ToneMappingHablesCurveDescriptor& curve);
+    void setAcesLookTransform(const ovMaths::Matrix& lookTransform);
+
     ovGraphics::Texture* getSourceTexture() const;
     bool getUseLuminance() const { return _currentInfo.useLuminance; }
+    TONE_MAPPING_OPERATOR getOperator() const;
     bool getReinhardUsed() const { return _currentInfo.reinhardUsed; }
     bool getHablesUsed() const { return _currentInfo.hablesUsed; }
     bool getAcesUsed() const { return _currentInfo.acesUsed; }
@@ -83,8 +108,8 @@ public:
 private:
     void _fillSources(ovGraphics::ProgramSourcesHolder& sources) const override;
     void _bindResources(ovGraphics::Shader& shader) override;
-    void _selectOperator(bool ToneMappingEffectInfo::*used);
-    void _writeConstants(ovGraphics::Shader& shader) const;
+    void _writeConstantsIfLoaded(TONE_MAPPING_OPERATOR changed) const;
+    void _writeConstants(ovGraphics::Shader& shader, TONE_MAPPING_OPERATOR used) const;
 
     ovMaths::Vector _reinhardMaxWhite{2.0f, 2.0f, 2.0f};
     ToneMappingHablesCurveDescriptor _hablesDescriptor;

@@ -371,6 +371,36 @@ TEST_P(ToneMappingEffectTest, returnsToTheLoadedOperator) {
     EXPECT_TRUE(draws(*effect, findCase("reinhard_white"), chart));
 }
 
+TEST_P(ToneMappingEffectTest, numbersOfAnOperatorDoNotChooseIt) {
+    const FloatPicture chart = makeChart();
+    const auto texture = makeTexture(chart);
+    const auto effect = makeEffect(findCase("reinhard"), texture.get());
+    effect->setHablesDescriptor(CURVE);
+    effect->setAcesLookTransform(LOOK);
+    EXPECT_EQ(effect->getOperator(), TONE_MAPPING_OPERATOR::REINHARD);
+    EXPECT_TRUE(draws(*effect, findCase("reinhard"), chart));
+    effect->setReinhardMaxWhite(WHITE);
+    EXPECT_TRUE(draws(*effect, findCase("reinhard_white"), chart));
+    effect->setOperator(TONE_MAPPING_OPERATOR::HABLES);
+    EXPECT_TRUE(effect->getHablesUsed());
+    EXPECT_TRUE(draws(*effect, findCase("reinhard_white"), chart));
+    ASSERT_TRUE(effect->load());
+    EXPECT_TRUE(draws(*effect, findCase("hables_curve"), chart));
+    effect->setOperator(TONE_MAPPING_OPERATOR::ACES);
+    ASSERT_TRUE(effect->load());
+    EXPECT_TRUE(effect->getAcesUsed());
+    EXPECT_TRUE(draws(*effect, findCase("aces_look"), chart));
+}
+
+TEST_P(ToneMappingEffectTest, numbersReachTheOperatorThatIsLoaded) {
+    const FloatPicture chart = makeChart();
+    const auto texture = makeTexture(chart);
+    const auto effect = makeEffect(findCase("reinhard"), texture.get());
+    effect->setOperator(TONE_MAPPING_OPERATOR::HABLES);
+    effect->setReinhardMaxWhite(WHITE);
+    EXPECT_TRUE(draws(*effect, findCase("reinhard_white"), chart));
+}
+
 TEST_P(ToneMappingEffectTest, takesTheLuminanceSwitchAtTheNextLoad) {
     const FloatPicture chart = makeChart();
     const auto texture = makeTexture(chart);

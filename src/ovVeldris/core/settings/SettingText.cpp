@@ -273,7 +273,7 @@ String rangeText(const Setting& setting) {
     }
     if (hasMaximum) {
         const StringView upTo = hasMinimum ? " to " : "of at most ";
-        const StringView below = hasMinimum ? " and below " : "below ";
+        const StringView below = hasMinimum ? " to below " : "below ";
         text.append(range.includesMaximum ? upTo : below).append(numberText(range.maximum));
     }
     if (!setting.unit.empty())

@@ -107,7 +107,7 @@ TEST(SettingTextTest, rangesAreWords) {
         {{.maximum = 2.5f}, "", "of at most 2.5"},
         {{.maximum = 1.0f, .includesMaximum = false}, "", "below 1"},
         {{.minimum = 0.0f, .maximum = 1.0f, .includesMinimum = false}, "", "above 0 to 1"},
-        {{.minimum = 0.0f, .maximum = 1.0f, .includesMaximum = false}, "", "from 0 and below 1"},
+        {{.minimum = 0.0f, .maximum = 1.0f, .includesMaximum = false}, "", "from 0 to below 1"},
     };
     for (const auto& test : CASES) {
         Setting setting;

@@ -1,22 +1,11 @@
-// What the numbers of a picture mean on their way through a chain of effects.
+// The conversions of colour between the effects of a chain.
 #pragma once
 
-#include <optional>
-#include <ovMemory/Memory.h>
+#include <ovVeldris/core/PictureContent.h>
 
 namespace veldris {
 
-/// The meaning of a picture's colour numbers. Alpha is plain coverage in all of them.
-enum class PICTURE_CONTENT {
-    SCENE_LINEAR,   ///< proportional to the light of the scene, 0 to any height
-    DISPLAY_LINEAR, ///< proportional to the light of the screen, 0 to 1
-    SRGB_ENCODED    ///< display light under the sRGB transfer function, 0 to 1
-};
-
-/// "scene-linear", "display-linear" or "srgb-encoded".
-ovMemory::StringView toText(PICTURE_CONTENT content);
-/// The content of that text, or nothing.
-std::optional<PICTURE_CONTENT> contentFromText(ovMemory::StringView text);
+using ovVeldris::PICTURE_CONTENT;
 
 /// What an effect takes and gives. Nothing: whatever it is given, and the same again.
 struct EffectContent {

@@ -1,20 +1,14 @@
-#include <veldris/effects/PictureContent.h>
+#include <veldris/effects/ContentConversions.h>
 
 #include <gtest/gtest.h>
 
 namespace {
 
 using veldris::PICTURE_CONTENT;
-using enum veldris::PICTURE_CONTENT;
+using enum ovVeldris::PICTURE_CONTENT;
 using Content = std::optional<PICTURE_CONTENT>;
 
 constexpr PICTURE_CONTENT ALL[] = {SCENE_LINEAR, DISPLAY_LINEAR, SRGB_ENCODED};
-
-TEST(PictureContentTest, textsReadBack) {
-    for (const PICTURE_CONTENT content : ALL)
-        EXPECT_EQ(veldris::contentFromText(veldris::toText(content)), content);
-    EXPECT_EQ(veldris::contentFromText("linear"), std::nullopt);
-}
 
 // The rules of one step, as a table of their own: 0 refused, 1 as it is, 2 converted. Rows: what is there;
 // columns: what is wanted.
@@ -43,7 +37,7 @@ struct Walk {
     }
 };
 
-TEST(PictureContentTest, everyOrderingIsAcceptedOrRefusedByTheRuleOfEachStep) {
+TEST(ContentConversionsTest, everyOrderingIsAcceptedOrRefusedByTheRuleOfEachStep) {
     constexpr std::size_t LONGEST = 4;
     std::size_t tried = 0;
     for (std::size_t length = 0; length <= LONGEST; ++length) {
@@ -83,7 +77,7 @@ TEST(PictureContentTest, everyOrderingIsAcceptedOrRefusedByTheRuleOfEachStep) {
     EXPECT_EQ(tried, (1u + 4u + 16u + 64u + 256u) * 9u);
 }
 
-TEST(PictureContentTest, refusalsNameBothNeighboursAndAWayOut) {
+TEST(ContentConversionsTest, refusalsNameBothNeighboursAndAWayOut) {
     ovMemory::Buffer<veldris::ContentConversion> conversions;
     PICTURE_CONTENT result{};
     ovMemory::String error;
@@ -100,7 +94,7 @@ TEST(PictureContentTest, refusalsNameBothNeighboursAndAWayOut) {
         "with --input-content what the file holds, or use --raw.");
 }
 
-TEST(PictureContentTest, conversionsStandBeforeTheEffectThatNeedsThem) {
+TEST(ContentConversionsTest, conversionsStandBeforeTheEffectThatNeedsThem) {
     ovMemory::Buffer<veldris::ContentConversion> conversions;
     PICTURE_CONTENT result{};
     ovMemory::String error;

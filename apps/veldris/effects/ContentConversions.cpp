@@ -1,6 +1,4 @@
-#include <veldris/effects/PictureContent.h>
-
-#include <array>
+#include <veldris/effects/ContentConversions.h>
 
 namespace veldris {
 
@@ -9,8 +7,6 @@ namespace {
 using ovMemory::Buffer;
 using ovMemory::String;
 using ovMemory::StringView;
-
-constexpr std::array<StringView, 3> TEXTS = {"scene-linear", "display-linear", "srgb-encoded"};
 
 bool canConvert(PICTURE_CONTENT from, PICTURE_CONTENT to) {
     return from != PICTURE_CONTENT::SCENE_LINEAR && to != PICTURE_CONTENT::SCENE_LINEAR;
@@ -24,18 +20,6 @@ String adviceFor(PICTURE_CONTENT from) {
 
 } // namespace
 
-StringView toText(PICTURE_CONTENT content) {
-    return TEXTS[static_cast<std::size_t>(content)];
-}
-
-std::optional<PICTURE_CONTENT> contentFromText(StringView text) {
-    for (std::size_t i = 0; i < TEXTS.size(); ++i) {
-        if (TEXTS[i] == text)
-            return static_cast<PICTURE_CONTENT>(i);
-    }
-    return std::nullopt;
-}
-
 bool planConversions(PICTURE_CONTENT source, const Buffer<EffectContent>& effects,
                      std::optional<PICTURE_CONTENT> target, StringView targetName,
                      Buffer<ContentConversion>& conversions, PICTURE_CONTENT& result, String& error) {
@@ -46,8 +30,8 @@ bool planConversions(PICTURE_CONTENT source, const Buffer<EffectContent>& effect
         if (!wanted || *wanted == content)
             return true;
         if (!canConvert(content, *wanted)) {
-            error = taker + " takes " + String(toText(*wanted)) + " colours and " + giver + " gives " +
-                    String(toText(content)) + " ones: " + adviceFor(content) + ".";
+            error = taker + " takes " + toText(*wanted) + " colours and " + giver + " gives " +
+                    toText(content) + " ones: " + adviceFor(content) + ".";
             return false;
         }
         conversions.push_back({place, content, *wanted});

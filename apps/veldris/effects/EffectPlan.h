@@ -1,0 +1,49 @@
+// A chain of effects, checked against the tables of the library: everything that can be told without a
+// device.
+#pragma once
+
+#include <ovVeldris/effects/EffectKind.h>
+#include <veldris/effects/ChainView.h>
+#include <veldris/effects/ContentConversions.h>
+#include <veldris/effects/EffectSpec.h>
+
+namespace veldris {
+
+/// One effect with values for its settings.
+struct PlannedEffect {
+    const ovVeldris::EffectKind* kind = nullptr;
+    ovMemory::String text; ///< as written, without needless spaces
+    ovMemory::Buffer<ovVeldris::SettingAssignment> settings;
+    ChainView view; ///< of an effect with a camera
+};
+
+/// Reads a list of effects, see parseEffectList(), and checks names and values.
+/// @return false with one line in error; effects is then empty
+bool planEffects(ovMemory::StringView text, ovMemory::Buffer<PlannedEffect>& effects,
+                 ovMemory::String& error);
+
+/// The settings that a list of effects may give a kind: all but those that hold resources, which the chain
+/// binds, and those of the chain's view for a kind with a camera.
+ovVeldris::SettingTable settingsInChain(const ovVeldris::EffectKind& kind);
+
+/// Where a picture comes from and goes to.
+struct ChainOptions {
+    PICTURE_CONTENT input = PICTURE_CONTENT::SCENE_LINEAR; ///< what the picture's numbers mean
+    std::optional<PICTURE_CONTENT> output;                 ///< what the result's numbers must mean
+    ovMemory::String outputName = "the output";            ///< what messages call the taker of the result
+    bool raw = false; ///< numbers in, numbers out: no conversions, no checks
+};
+
+/// Effects with the conversions between them.
+struct ChainPlan {
+    ovMemory::Buffer<PlannedEffect> effects;
+    ovMemory::Buffer<ContentConversion> conversions;
+    PICTURE_CONTENT input = PICTURE_CONTENT::SCENE_LINEAR;
+    PICTURE_CONTENT content = PICTURE_CONTENT::SCENE_LINEAR; ///< of the result
+};
+
+/// Finds the conversions that effects need. @return false with one line in error when no conversion will do
+bool planChain(ovMemory::Buffer<PlannedEffect> effects, const ChainOptions& options, ChainPlan& plan,
+               ovMemory::String& error);
+
+} // namespace veldris

@@ -1,0 +1,57 @@
+#include <ovVeldris/core/settings/SettingCombinations.h>
+
+#include <algorithm>
+
+namespace ovVeldris {
+
+namespace {
+
+using ovMemory::Buffer;
+using Combination = Buffer<SettingAssignment>;
+
+/// The values of a setting that is varied; empty for others.
+Buffer<SettingValue> finiteValues(const Setting& setting) {
+    if (!setting.waitsForLoad)
+        return {};
+    if (setting.kind == SETTING_KIND::FLAG)
+        return {setting.defaultValue, !std::get<bool>(setting.defaultValue)};
+    return {setting.choices.begin(), setting.choices.end()};
+}
+
+/// Whether a setting means something beside the values of a combination. What it depends on stands before it
+/// in the table, or is not varied and has its default.
+bool isUsed(const SettingTable& settings, const Setting& setting, const Combination& combination) {
+    const Setting* decider = settings.find(setting.onlyWith.setting);
+    if (!decider)
+        return true;
+    const auto given = std::find_if(combination.begin(), combination.end(),
+                                    [&](const auto& assignment) { return assignment.name == decider->name; });
+    return toText(*decider, given == combination.end() ? decider->defaultValue : given->value) ==
+           setting.onlyWith.value;
+}
+
+} // namespace
+
+Buffer<Combination> finiteCombinations(const SettingTable& settings) {
+    Buffer<Combination> combinations(1);
+    for (const Setting& setting : settings) {
+        const Buffer<SettingValue> values = finiteValues(setting);
+        if (values.empty())
+            continue;
+        Buffer<Combination> longer;
+        for (const Combination& combination : combinations) {
+            if (!isUsed(settings, setting, combination)) {
+                longer.push_back(combination);
+                continue;
+            }
+            for (const SettingValue& value : values) {
+                longer.push_back(combination);
+                longer.back().push_back({setting.name, value});
+            }
+        }
+        combinations = std::move(longer);
+    }
+    return combinations;
+}
+
+} // namespace ovVeldris

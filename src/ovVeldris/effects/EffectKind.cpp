@@ -1,0 +1,65 @@
+#include <ovVeldris/effects/EffectKind.h>
+
+#include <ovVeldris/effects/ImageEnvironmentEffect.h>
+#include <ovVeldris/effects/TextureCopyEffect.h>
+#include <ovVeldris/effects/ToneMappingEffect.h>
+
+namespace ovVeldris {
+
+namespace {
+
+using Content = std::optional<PICTURE_CONTENT>;
+
+template <typename T>
+EffectKind row(EFFECT_TYPE type, ovMemory::StringView summary, Content takes = {}, Content gives = {},
+               const ovMemory::Buffer<EffectExample>& examples = {}) {
+    const auto create = [](System* system) -> ovMemory::UniquePtr<Effect> { return T::create(system); };
+    return {type, summary, takes, gives, create, &T::settings, examples};
+}
+
+} // namespace
+
+const ovMemory::Buffer<EffectKind>& effectKinds() {
+    static const ovMemory::Buffer<EffectKind> KINDS = {
+        row<ImageEnvironmentEffect>(EFFECT_TYPE::IMAGE_ENVIRONMENT,
+                                    "draws the view of a camera that the picture surrounds"),
+        row<TextureCopyEffect>(EFFECT_TYPE::TEXTURE_COPY, "draws the picture unchanged", {}, {},
+                               {{"texture-copy", ""}}),
+        row<ToneMappingEffect>(
+            EFFECT_TYPE::TONE_MAPPING, "maps scene light to the range of a display",
+            PICTURE_CONTENT::SCENE_LINEAR, PICTURE_CONTENT::DISPLAY_LINEAR,
+            {{"reinhard", "operator=reinhard,max-white=8,8,8"},
+             {"reinhard-channels", "operator=reinhard,max-white=8,8,8,use-luminance=false"},
+             {"hables", "operator=hables,toe-length=0.3,toe-strength=0.4,shoulder-length=0.8,"
+                        "shoulder-strength=3,shoulder-angle=0"},
+             {"hables-channels", "operator=hables,toe-length=0.3,toe-strength=0.4,shoulder-length=0.8,"
+                                 "shoulder-strength=3,shoulder-angle=0,use-luminance=false"},
+             {"aces", "operator=aces"},
+             {"aces-bright", "operator=aces,look-transform=2,0,0,0,2,0,0,0,2"}}),
+    };
+    return KINDS;
+}
+
+ovMemory::String EffectKind::getName() const {
+    return toSettingText(ovMemory::enumToText(type));
+}
+
+const EffectKind* findEffectKind(EFFECT_TYPE type) {
+    for (const EffectKind& kind : effectKinds())
+        if (kind.type == type)
+            return &kind;
+    return nullptr;
+}
+
+const EffectKind* findEffectKind(ovMemory::StringView name, ovMemory::String& error) {
+    ovMemory::String names;
+    for (const EffectKind& kind : effectKinds()) {
+        if (kind.getName() == name)
+            return &kind;
+        names.append(names.empty() ? "" : ", ").append(kind.getName());
+    }
+    error = "there is no effect '" + ovMemory::String(name) + "'; the effects are " + names + ".";
+    return nullptr;
+}
+
+} // namespace ovVeldris

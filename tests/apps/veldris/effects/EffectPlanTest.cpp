@@ -1,0 +1,141 @@
+#include <veldris/effects/EffectPlan.h>
+
+#include <gtest/gtest.h>
+#include <ovVeldris/System.h>
+#include <ovVeldris/effects/ImageEnvironmentEffect.h>
+#include <ovVeldris/effects/ToneMappingEffect.h>
+
+namespace {
+
+using ovMemory::Buffer;
+using ovMemory::String;
+using ovVeldris::SettingValue;
+using veldris::PlannedEffect;
+
+PlannedEffect planOne(const char* text) {
+    Buffer<PlannedEffect> effects;
+    String error;
+    EXPECT_TRUE(veldris::planEffects(text, effects, error)) << error;
+    return effects.size() == 1 ? effects.front() : PlannedEffect();
+}
+
+TEST(EffectPlanTest, settingsAreValuesForTheKind) {
+    const PlannedEffect effect =
+        planOne(" tone-mapping : operator=hables, gamma=2 ,use-luminance=0,toe-length=0.25");
+    ASSERT_NE(effect.kind, nullptr);
+    EXPECT_EQ(effect.kind->type, ovVeldris::EFFECT_TYPE::TONE_MAPPING);
+    EXPECT_EQ(effect.text, "tone-mapping:operator=hables,gamma=2,use-luminance=0,toe-length=0.25");
+    ASSERT_EQ(effect.settings.size(), 4u);
+    EXPECT_EQ(effect.settings[0].name, "operator");
+    EXPECT_EQ(effect.settings[0].value, SettingValue(String("hables")));
+    EXPECT_EQ(effect.settings[1].value, SettingValue(2.0f));
+    EXPECT_EQ(effect.settings[2].value, SettingValue(false));
+}
+
+TEST(EffectPlanTest, settingsOfTheViewGoToTheView) {
+    const PlannedEffect effect = planOne("image-environment:field-of-view=90,source-projection=flat,"
+                                         "direction=1,0,2");
+    ASSERT_EQ(effect.settings.size(), 1u);
+    EXPECT_EQ(effect.settings[0].name, "source-projection");
+    EXPECT_EQ(effect.view.getFieldOfView(), 90.0f);
+    EXPECT_EQ(effect.view.getDirection(), ovMaths::Vector(1.0f, 0.0f, 2.0f));
+}
+
+TEST(EffectPlanTest, whatIsWrongIsToldWithTheEffect) {
+    const struct {
+        const char* text;
+        const char* error;
+    } CASES[] = {
+        {"sharpen",
+         "there is no effect 'sharpen'; the effects are image-environment, texture-copy, tone-mapping."},
+        {"texture-copy:strength=1", "effect 'texture-copy': there is no setting 'strength'; it has none."},
+        {"texture-copy:source-texture=x",
+         "effect 'texture-copy': there is no setting 'source-texture'; it has none."},
+        {"image-environment:source-camera=x",
+         "effect 'image-environment': there is no setting 'source-camera'; it has source-projection, "
+         "direction, field-of-view."},
+        {"texture-copy;tone-mapping:gamma=2",
+         "effect 'tone-mapping': the setting 'gamma' belongs to operator=hables, and operator=reinhard was "
+         "chosen."},
+        {"tone-mapping:operator=aces,max-white=1,1,1",
+         "effect 'tone-mapping': the setting 'max-white' belongs to operator=reinhard, and operator=aces was "
+         "chosen."},
+        {"tone-mapping:operator=hables,look-transform=1,0,0,0,1,0,0,0,1",
+         "effect 'tone-mapping': the setting 'look-transform' belongs to operator=aces, and operator=hables "
+         "was chosen."},
+        {"tone-mapping:max-white=0,1,1", "effect 'tone-mapping': '0,1,1' is no value of the setting "
+                                         "'max-white'; it takes three numbers, each "
+                                         "above 0, as in 2,2,2."},
+        {"tone-mapping:operator=hables,toe-length=0",
+         "effect 'tone-mapping': '0' is no value of the setting 'toe-length'; it takes a number above 0 to "
+         "1."},
+        {"image-environment:field-of-view=0",
+         "effect 'image-environment': '0' is no value of the setting 'field-of-view'; it takes a number from "
+         "1 to 179 degrees."},
+        {"image-environment:field-of-view=180",
+         "effect 'image-environment': '180' is no value of the setting 'field-of-view'; it takes a number "
+         "from 1 to 179 degrees."},
+        {"image-environment:direction=0,0,0",
+         "effect 'image-environment': 'direction' has no direction; give one such as 0,0,1."},
+    };
+    for (const auto& test : CASES) {
+        Buffer<PlannedEffect> effects(1);
+        String error;
+        EXPECT_FALSE(veldris::planEffects(test.text, effects, error)) << test.text;
+        EXPECT_EQ(error, test.error);
+        EXPECT_TRUE(effects.empty());
+    }
+}
+
+TEST(EffectPlanTest, everyExampleOfEveryKindIsRight) {
+    for (const ovVeldris::EffectKind& kind : ovVeldris::effectKinds()) {
+        for (const ovVeldris::EffectExample& example : kind.examples) {
+            Buffer<PlannedEffect> effects;
+            veldris::ChainPlan plan;
+            String error;
+            EXPECT_TRUE(veldris::planEffects(kind.getName() + ":" + String(example.settings), effects, error))
+                << error;
+            EXPECT_TRUE(veldris::planChain(effects, {}, plan, error)) << error;
+        }
+    }
+}
+
+TEST(EffectPlanTest, everyDefaultMayBeWritten) {
+    for (const ovVeldris::EffectKind& kind : ovVeldris::effectKinds()) {
+        for (const ovVeldris::Setting& setting : veldris::settingsInChain(kind)) {
+            String text =
+                kind.getName() + ":" + String(setting.name) + "=" + toText(setting, setting.defaultValue);
+            if (!setting.onlyWith.setting.empty())
+                text.append(",").append(setting.onlyWith.setting).append("=").append(setting.onlyWith.value);
+            Buffer<PlannedEffect> effects;
+            String error;
+            EXPECT_TRUE(veldris::planEffects(text, effects, error)) << error;
+        }
+    }
+}
+
+TEST(EffectPlanTest, chainsHaveTheirConversions) {
+    Buffer<PlannedEffect> effects;
+    String error;
+    ASSERT_TRUE(veldris::planEffects("texture-copy;tone-mapping", effects, error)) << error;
+    veldris::ChainOptions options;
+    options.output = veldris::PICTURE_CONTENT::SRGB_ENCODED;
+    veldris::ChainPlan plan;
+    ASSERT_TRUE(veldris::planChain(effects, options, plan, error)) << error;
+    EXPECT_EQ(plan.effects.size(), 2u);
+    EXPECT_EQ(plan.content, veldris::PICTURE_CONTENT::SRGB_ENCODED);
+    const Buffer<veldris::ContentConversion> expected = {
+        {2, veldris::PICTURE_CONTENT::DISPLAY_LINEAR, veldris::PICTURE_CONTENT::SRGB_ENCODED}};
+    EXPECT_EQ(plan.conversions, expected);
+
+    ASSERT_TRUE(veldris::planEffects("texture-copy", effects, error)) << error;
+    options.outputName = "the file";
+    EXPECT_FALSE(veldris::planChain(effects, options, plan, error));
+    EXPECT_EQ(error, "the file takes srgb-encoded colours and the input gives scene-linear ones: put a "
+                     "tone-mapping between them, write an EXR or HDR file, or use --raw.");
+    options.raw = true;
+    ASSERT_TRUE(veldris::planChain(effects, options, plan, error)) << error;
+    EXPECT_TRUE(plan.conversions.empty());
+}
+
+} // namespace
