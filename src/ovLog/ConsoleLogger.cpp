@@ -32,6 +32,8 @@ ovMemory::String indentFurtherLines(StringView message) {
 
 ConsoleLogger::ConsoleLogger(CONSOLE_STREAM stream)
     : _output(new Output{makeSink(stream)}) {
+    // A sink and not a logger of the library's: loggers are registered by name for the whole process, and a
+    // host may use the same library.
     _output->sink->set_pattern("[%n] %v");
 }
 

@@ -46,6 +46,7 @@ glm::dvec3 anyPerpendicular(const glm::dvec3& unit) {
 
 // Gram-Schmidt over the three columns, in the order x, y, z; see Matrix::getOrientationComponent().
 glm::dmat3 rotationFromColumns(glm::dmat3 columns, bool mirrored) {
+    // A rotation cannot mirror, so one axis is turned; the scale along x then carries the sign.
     if (mirrored)
         columns[0] = -columns[0];
     const bool hasX = isUsable(glm::length(columns[0]));
@@ -100,6 +101,8 @@ Matrix Matrix::newMat4(float m00, float m01, float m02, float m03, float m10, fl
 bool Matrix::_invert(int size, Matrix& inverse) const {
     const glm::dmat4 part = partOf(*this, size);
     double bound = 1.0;
+    // The determinant is at most the product of the rows' lengths (Hadamard). Compared with that, the test
+    // does not depend on the scale of the matrix: a tiny but sound one is not singular.
     for (const glm::dmat4 rows = glm::transpose(part); int row : {0, 1, 2, 3})
         bound *= glm::length(rows[row]);
     // Written so that NaN counts as singular.
@@ -167,6 +170,7 @@ void Matrix::setToViewMatrixDirection(const Vector& position, const Vector& dire
 
 bool Matrix::setToPerspectiveMatrix(float verticalFieldOfView, float aspect, float near, float far) {
     const double cotangent = 1.0 / std::tan(0.5 * verticalFieldOfView);
+    // In double: two planes far away would cancel as floats.
     const double range = double(far) - near;
     // Written so that NaN is outside its range.
     const bool valid = verticalFieldOfView > 0.0f && verticalFieldOfView < MathConstants::PI &&

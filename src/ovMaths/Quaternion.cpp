@@ -47,6 +47,7 @@ Vector Quaternion::getAsEulerAngles() const {
     const double r12 = s * (double(y) * z - double(w) * x);
     const double sinPitch = std::clamp(-r12, -1.0, 1.0);
     const double pitch = std::asin(sinPitch);
+    // Yaw and roll turn about the same axis there, so all of the turn is given to the yaw.
     constexpr double POLE = 1.0 - 1e-6;
     if (std::abs(sinPitch) > POLE) {
         const double r00 = 1.0 - s * (double(y) * y + double(z) * z);
@@ -100,6 +101,8 @@ void Quaternion::setFromRotationBetween(const Vector& from, const Vector& to) {
         *this = fromGlm(glm::dquat(0.0, glm::normalize(glm::cross(start, other))));
         return;
     }
+    // Half the angle without trigonometry: (1 + cos, sin * axis) points the same way as (cos half, sin half *
+    // axis).
     *this = fromGlm(glm::dquat(1.0 + cosine, glm::cross(start, end) / lengths));
 }
 

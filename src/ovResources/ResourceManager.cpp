@@ -37,6 +37,7 @@ String withSeparator(String path) {
 ResourceManager::ResourceManager(bool) {
     std::error_code failure;
     const std::filesystem::path current = std::filesystem::current_path(failure);
+    // Taken once: a host that changes its folder later must not move every relative path.
     _launchedPath = withSeparator(failure ? String("/") : current.native());
 }
 

@@ -104,6 +104,7 @@ ContentLoader::Materials ContentLoader::_processMaterialArray(ovExport::Node& ar
     Materials result;
     for (unsigned int i = 0; i < array.getArraySize(); ++i) {
         Materials entry = processMaterialTree(array.getArrayElement(i), load);
+        // One bad entry must not cost the others: files are edited by hand.
         if (entry._status == Materials::DONE) {
             result._results.push_back(entry._results.front());
             continue;

@@ -88,6 +88,8 @@ void EnvironmentRenderer::renderCubemap(ovGraphics::Texture* output, ovGraphics:
         _log("Error while loading the cubemap to render the effect in. Aborting generation.");
         return;
     }
+    // Cameras and compositor live for this call only. A cube is rendered rarely, and what stayed would have
+    // to follow a graphics system that is replaced.
     const CubeFaceCameras cameras = makeCubeFaceCameras(_getGraphicsSystem(), faceViews());
     const auto compositor = ovGraphics::Compositor::create(_getGraphicsSystem());
     compositor->setName("OV_CUBEMAP_RENDERER");
@@ -100,6 +102,7 @@ void EnvironmentRenderer::cubemapToSphericalMap(ovGraphics::Texture* output, ovG
     if (!_checkSphericalRequest(output, input) || !_setupData())
         return;
     const FORMAT format =
+        // Nothing can be drawn to compressed formats.
         TextureUtils::isFormatCompressed(input->getFormat()) ? FORMAT::R8G8B8A8_UNORM : input->getFormat();
     const ToolTarget target{.format = format,
                             .gammaCorrected = input->getGammaCorrected(),

@@ -120,6 +120,8 @@ void setConstants(ovGraphics::Shader& shader, float roughness, const PbsFilterLo
         {roughness, static_cast<float>(lobe.samples.size()), lobe.weightSum});
     ovGraphics::ConstantBuffer* samples = shader.addConstantBuffer(1, 0);
     for (const ovMaths::Vector& sample : lobe.samples)
+        // In constants and not in a texture: every pixel reads all of them in the same order, which is what
+        // constants are fast at.
         samples->addPassMemorySlot()->setFromVector(sample);
 }
 
@@ -215,6 +217,8 @@ void PbsEnvironmentMapFilter::_draw(ovGraphics::Texture& input, ovGraphics::Text
     ovMemory::Buffer<ovMemory::UniquePtr<ovGraphics::Shader>> shaders;
     for (unsigned int mip = 0; mip < mipCount; ++mip) {
         const float roughness = std::min(1.0f, static_cast<float>(mip) / lastMip);
+        // One shader a mip, because all of them are drawn in one frame and each keeps its own constants. Six
+        // faces share it, as the lobe does not depend on the direction.
         shaders.push_back(ovGraphics::Shader::create(graphicsSystem));
         ovGraphics::Shader& shader = *shaders.back();
         shader.setName(ovMemory::String(name) + "_" + std::to_string(mip));

@@ -15,6 +15,7 @@ using ovGraphics::TextureUtils;
 /// An empty texture of the input's layout, with what was in it lost.
 void prepareOutput(ovGraphics::Texture& output, ovGraphics::Texture& input,
                    const IrradianceMapLayout& layout) {
+    // What the device holds decides, since the settings may have changed after the load.
     const bool isGammaCorrected = input.getGpuTexture()->getDesc().gammaCorrected;
     const bool hasSrgbSibling = TextureUtils::getFormatSrgbEquivalent(layout.format) != layout.format;
     output.reset();
@@ -25,6 +26,7 @@ void prepareOutput(ovGraphics::Texture& output, ovGraphics::Texture& input,
     output.setHeight(layout.height);
     output.setSliceCount(layout.slices);
     output.setUsableAsRenderTarget(input.getUsableAsRenderTarget());
+    // A format that shaders cannot read has no mips to be averaged into.
     const bool canHaveMips =
         TextureUtils::isFormatCompatibleForRenderFlag(layout.format, 1, TextureUtils::BIND_SHADER_RESOURCE);
     output.setMightManuallyGenerateMip(canHaveMips);
@@ -60,6 +62,7 @@ void PbsEnvironmentMapFilter::requestIrradianceComputing(ovGraphics::Texture* in
         return _log(of + " but texture is from a compressed format. This is not supported, aborting.");
     if (input == output)
         return _log(of + " into itself, compute it into another one. Aborting.");
+    // The checks end here: from now on the output is changed.
     prepareOutput(*output, *input, layout);
     IrradianceCoefficients coefficients;
     if (computeIrradianceCoefficients(*input, coefficients) != IRRADIANCE_FAILURE::NONE)

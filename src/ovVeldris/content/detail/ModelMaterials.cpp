@@ -22,6 +22,7 @@ constexpr float LOWEST_ROUGHNESS = 0.045f;
 
 const Vector WHITE(1.0f, 1.0f, 1.0f);
 
+// By way of the text itself, so that it is exactly what reading a saved file gives.
 Vector rounded(const Vector& colour) {
     Vector result;
     result.fromString(colour.toString());
@@ -49,6 +50,8 @@ public:
         , _material(material) {}
 
     void build() {
+        // The meshes of models have binormals with the file's handedness. Computing them would turn mirrored
+        // parts over.
         _material.setReconstructBinormals(false);
         _material.setMetalness(1.0f); // reflectance is given as such
         if (_source.workflow == ovGraphics::GLTF_WORKFLOW::SPECULAR_GLOSSINESS)
@@ -67,6 +70,7 @@ private:
     void _setAlbedo(ovGraphics::Texture* texture, const Vector& factor) {
         _material.setAlbedoTexture(texture, THREE_CHANNEL_PACK::RGB);
         _material.setAlbedoColor(rounded(factor));
+        // A factor of white is left out, so that most materials share the program without the product.
         _material.setMixAlbedoColorAndTexture(texture && rounded(factor) != WHITE);
     }
 
@@ -103,6 +107,8 @@ private:
     }
 
     /// The metalness when it is the same all over.
+    // Most files paint one metalness all over. Then no texture has to be computed, which saves time and two
+    // textures in memory.
     std::optional<float> _uniformMetalness() {
         if (_source.metallicRoughnessTexture < 0 || _source.metallic == 0.0f)
             return _source.metallic;
@@ -122,12 +128,14 @@ private:
         const bool isMetal = metalness == 1.0f;
         const bool isDielectric = metalness == 0.0f;
         ovGraphics::Texture* base = _colour(_source.baseColorTexture);
+        // Metals scatter nothing, and reading a texture to multiply it by black would be a waste.
         _setAlbedo(isMetal ? nullptr : base, diffuseOf(_source.baseColor, metalness));
         if (!base || isDielectric)
             _setSpecular(nullptr, reflectanceOf(_source.baseColor, metalness));
         else if (isMetal)
             _setSpecular(base, colourOf(_source.baseColor));
         else
+            // A picture of one pixel that holds the metalness, so that one function serves both cases.
             _buildReflectance(LinearPicture(Vector(1.0f, 1.0f, metalness / _source.metallic)));
     }
 
@@ -142,6 +150,8 @@ private:
                        [&](unsigned int x, unsigned int y) {
                            const Vector colour = base.read(x, y, width, height) * _source.baseColor;
                            Vector result = diffuseOf(colour, _metalnessAt(surface, x, y, width, height));
+                           // The alpha comes along, because blended and masked materials read it from this
+                           // texture.
                            result.w = base.read(x, y, width, height).w;
                            return result;
                        }),
@@ -194,6 +204,7 @@ private:
         if (_source.alphaMode == ovGraphics::GLTF_ALPHA_MODE::OPAQUE)
             return;
         ovGraphics::Texture* texture = _material.getAlbedoTexture();
+        // A metal has no albedo texture, but its alpha is still in the file's.
         if (!texture)
             texture = _colour(_source.baseColorTexture);
         _material.setAlphaTexture(texture, ONE_CHANNEL_PACK::A);
@@ -212,6 +223,7 @@ private:
     ovGraphics::Texture* _normals() {
         if (_source.normalTexture < 0 || _source.normalScale == 1.0f)
             return _data(_source.normalTexture);
+        // The material knows no scale of normals, so the scale is worked into a texture of its own.
         return _adjusted(" normals", _source.normalTexture, [this](const Vector& texel) {
             Vector normal = texel * 2.0f - Vector(1.0f, 1.0f, 1.0f);
             normal.x *= _source.normalScale;
@@ -224,6 +236,7 @@ private:
     ovGraphics::Texture* _occlusion() {
         if (_source.occlusionTexture < 0 || _source.occlusionStrength == 1.0f)
             return _data(_source.occlusionTexture);
+        // The same for a strength of occlusion.
         return _adjusted(" occlusion", _source.occlusionTexture, [this](const Vector& texel) {
             return WHITE * (1.0f + _source.occlusionStrength * (texel.x - 1.0f));
         });

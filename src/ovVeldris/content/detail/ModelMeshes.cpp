@@ -28,6 +28,8 @@ void turnNormals(const ovGraphics::VertexComposition& composition, Bytes& vertic
 }
 
 /// Adds every triangle once more, seen from behind.
+// Back faces as triangles of their own: a shader does not know which side it draws, and a pixel's normal must
+// look at the viewer to be lit.
 void addBackFaces(const GltfPrimitive& primitive, Bytes& vertices, Indices& indices) {
     if (indices.empty()) {
         indices.resize(primitive.vertexCount);
@@ -39,6 +41,7 @@ void addBackFaces(const GltfPrimitive& primitive, Bytes& vertices, Indices& indi
     const std::size_t count = indices.size();
     indices.reserve(2 * count);
     for (std::size_t i = 0; i + 2 < count; i += 3) {
+        // Two corners change places, so that the new triangle is a front seen from behind.
         for (const std::size_t corner : {i, i + 2, i + 1})
             indices.push_back(indices[corner] + primitive.vertexCount);
     }

@@ -35,6 +35,7 @@ struct Neighbours {
     float weight;
 };
 
+// Middles of pixels, as devices read textures: a computed texture then fits the ones it is used beside.
 Neighbours neighboursOf(unsigned int at, unsigned int count, unsigned int size) {
     const float place =
         (static_cast<float>(at) + 0.5f) * static_cast<float>(size) / static_cast<float>(count) - 0.5f;
@@ -80,6 +81,7 @@ ModelTextures::ModelTextures(ovGraphics::System& graphics, const ovGraphics::Glt
 ovGraphics::Texture* ModelTextures::get(int texture, COLOUR_ENCODING encoding) {
     if (texture < 0)
         return nullptr;
+    // By encoding too: a texture that one material reads as colour and another as data becomes two.
     ovGraphics::Texture*& made = _ofFile[{texture, encoding}];
     if (made)
         return made;
@@ -99,6 +101,7 @@ LinearPicture ModelTextures::read(int texture, COLOUR_ENCODING encoding) {
 ovGraphics::Texture*
 ModelTextures::compute(StringView name, unsigned int width, unsigned int height, COLOUR_ENCODING encoding,
                        int like, const std::function<Vector(unsigned int x, unsigned int y)>& pixel) {
+    // Floats in between, and rounded once at the end.
     Image image(width, height, 4, COMPONENT_TYPE::FLOAT, COLOUR_ENCODING::LINEAR);
     for (unsigned int y = 0; y < height; ++y) {
         for (unsigned int x = 0; x < width; ++x) {
@@ -125,6 +128,7 @@ Image ModelTextures::_decode(int texture, COLOUR_ENCODING encoding) {
     ovImages::DecodeResult decoded = source.decode(encoding);
     if (decoded)
         return std::move(*decoded.image);
+    // Several textures may share a damaged image; one warning is enough.
     if (!std::exchange(_reported[index], true))
         _warnings.push_back(decoded.error + " It is drawn as a chequerboard of magenta and black.");
     return {};

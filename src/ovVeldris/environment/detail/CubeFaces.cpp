@@ -15,6 +15,7 @@ CubeFaceCameras makeCubeFaceCameras(ovGraphics::System* graphicsSystem, const Cu
         cameras[face] = ovGraphics::Camera::create(graphicsSystem);
         ovGraphics::Camera& camera = *cameras[face];
         camera.setName(views[face].cameraName);
+        // Tools of applications list cameras; those of a tool that ran for a moment are none of theirs.
         camera.setHidden(true);
         camera.setPerspective(RIGHT_ANGLE, 1.0f, camera.getNear(), camera.getFar());
         camera.lookAt(views[face].direction, views[face].up);

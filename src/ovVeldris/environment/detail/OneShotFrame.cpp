@@ -12,6 +12,7 @@ namespace ovVeldris {
 
 bool drawOneShotFrame(ovGraphics::Compositor& compositor, ovGraphics::Texture& backBuffer) {
     ovGraphics::System& graphics = *compositor.getSystem();
+    // A frame sets all three, and the application must not notice that one was drawn in between.
     ovGraphics::Camera* const camera = graphics.getCameraManager()->getActiveRenderCamera();
     ovGraphics::RenderContext* const active = graphics.getRenderContextManager()->getActiveRenderContext();
     ovGraphics::Viewport* const viewport = graphics.getViewportManager()->getActiveViewport();

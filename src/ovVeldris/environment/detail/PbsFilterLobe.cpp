@@ -48,12 +48,15 @@ PbsFilterLobe computePbsFilterLobe(double roughness, double resolution) {
         // v = n mirrored at the half vector h = (sinTheta cos phi, sinTheta sin phi, cosTheta): 2 (v.h) h -
         // v.
         const double dotNL = 2.0 * cosTheta * cosTheta - 1.0;
+        // Below the horizon nothing arrives. Such samples are dropped and not clamped, so that they cost the
+        // device nothing.
         if (dotNL <= 0.0)
             continue;
         const double across = 2.0 * cosTheta * sinTheta;
         lobe.samples.emplace_back(static_cast<float>(across * std::cos(phi)),
                                   static_cast<float>(across * std::sin(phi)), static_cast<float>(dotNL),
                                   static_cast<float>(sampleMip(cosTheta, roughness, resolution)));
+        // Weighted by n.l, which Karis 2013 found better than equal weights.
         weightSum += dotNL;
     }
     lobe.weightSum = static_cast<float>(weightSum);

@@ -8,6 +8,7 @@ namespace ovVeldris {
 bool loadToolTarget(ovGraphics::Texture& texture, const ToolTarget& target) {
     if (ovGraphics::TextureUtils::isFormatDepth(target.format)) // a target, but not of colours
         return false;
+    // Settings that somebody left on the texture must not decide about the result.
     texture.reset();
     texture.setTexType(target.type);
     texture.setFormat(target.format);

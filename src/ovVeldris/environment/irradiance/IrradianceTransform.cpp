@@ -13,6 +13,8 @@ struct IrradianceTransform::Detail {
         , kernels(irradianceKernelsOf(components.component, components.channels, useAvx2)) {}
 
     const IrradianceDirections& getDirections(const IrradianceMapLayout& layout) {
+        // Only when bytes are there: an object made to ask for a problem or a pitch must not compute tables
+        // of megabytes.
         if (!directions)
             directions.emplace(layout.isCube, layout.width, layout.height);
         return *directions;

@@ -22,6 +22,7 @@ IRRADIANCE_FAILURE computeIrradianceCoefficients(ovGraphics::Texture& texture,
         return IRRADIANCE_FAILURE::UNLOADED;
     if (ovGraphics::TextureUtils::isFormatCompressed(layout.format))
         return IRRADIANCE_FAILURE::COMPRESSED;
+    // Apart from the result, which stays as it was when a slice cannot be read.
     IrradianceCoefficients sums;
     for (unsigned int slice = 0; slice < layout.slices; ++slice) {
         const auto bytes = texture.readBack(slice);

@@ -42,6 +42,8 @@ void chooseComponent(FORMAT format, IrradianceComponents& components) {
     case FORMAT::R8G8B8A8_SINT:
         components.component = IRRADIANCE_COMPONENT::SINT8;
         break;
+    // An unlisted format is read as bytes, because the interface promises that every uncompressed format
+    // gives something.
     default:
         components.component = IRRADIANCE_COMPONENT::UINT8;
         components.isListed = false;
@@ -53,6 +55,7 @@ void chooseComponent(FORMAT format, IrradianceComponents& components) {
 IrradianceComponents irradianceComponentsOf(FORMAT format) {
     IrradianceComponents components;
     chooseComponent(format, components);
+    // Formats of several texels a block have no bytes of a single texel.
     if (TextureUtils::getFormatBlockWidth(format) != 1 || TextureUtils::getFormatBlockHeight(format) != 1)
         return components;
     components.texelSize = TextureUtils::getFormatBlockSize(format);

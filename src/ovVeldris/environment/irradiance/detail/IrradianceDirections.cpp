@@ -20,6 +20,9 @@ const double BAND_2_SQUARES = 0.25 * std::sqrt(4.77464815989017);
 using RowSum = std::array<double, ROW_FUNCTIONS>;
 
 /// p + q * even + r * odd.
+// In a row of a map or a face each coordinate is a sum of a constant, an even and an odd function of the
+// distance from the middle. Their products, which the nine basis functions are made of, are sums of five. A
+// column's share in the five is all that differs between columns.
 struct Linear {
     double constant = 0.0;
     double even = 0.0;

@@ -21,6 +21,9 @@ struct PlainKernels {
 
 #ifdef __x86_64__
 
+// One body for both. The attribute makes the compiler emit AVX2 for these functions only, so that the library
+// still runs on processors without it; a file compiled with -mavx2 could leak such code into shared inline
+// functions.
 /// The same loops with four 64-bit floats an instruction.
 template <typename Component, unsigned int Channels>
 struct Avx2Kernels {
@@ -57,6 +60,7 @@ IrradianceKernels kernelsOf() {
 }
 
 template <template <typename, unsigned int> typename Kernels, typename Component>
+// Three and four channels are the common cases, and a constant number lets the compiler unroll.
 IrradianceKernels chooseChannels(unsigned int channels) {
     if (channels == 4)
         return kernelsOf<Kernels<Component, 4>>();
