@@ -13,6 +13,7 @@ using ovMemory::Buffer;
 using ovMemory::String;
 using ovMemory::StringView;
 
+// A library's escaping and not one of our own: names of files may hold anything.
 String quoted(StringView text) {
     rapidjson::StringBuffer buffer;
     rapidjson::Writer<rapidjson::StringBuffer> writer(buffer);

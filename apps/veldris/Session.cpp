@@ -30,6 +30,7 @@ bool parseDevice(const String& text, ovGraphics::Configuration& configuration) {
 } // namespace
 
 String defaultCacheFolder() {
+    // Where the XDG base directory specification puts caches, so that cleaning tools find it.
     if (const char* folder = std::getenv("XDG_CACHE_HOME"); folder && *folder)
         return String(folder) + "/veldris";
     if (const char* home = std::getenv("HOME"); home && *home)
@@ -72,6 +73,7 @@ bool Session::open(const DrawingOptions& options, String& error) {
         return false;
     configuration.graphicsConfiguration.logger = &_logger;
     _system = std::make_unique<ovVeldris::System>();
+    // Two channels, library and graphics system: a failure may be told on either.
     _system->getLogManager()->setReceiver(&_logger);
     if (!_system->initialize(configuration)) {
         error = _logger.take();

@@ -36,6 +36,7 @@ bool writeImage(const BakeOutput& output, const String& path, const ImageView& p
     const ovImages::Encoder* format = encoders.findByExtension(path);
     const bool isExr = format && format->getName() == "EXR";
     const bool isLinear = isExr || (format && format->getName() == "HDR");
+    // HDR files have one form only, which their encoder makes of floats.
     const COMPONENT_TYPE floats = isExr ? output.components : COMPONENT_TYPE::FLOAT;
     String warning;
     const Image converted =
@@ -44,6 +45,7 @@ bool writeImage(const BakeOutput& output, const String& path, const ImageView& p
     String encoderWarning;
     if (!encoders.encodeFile(path, converted.view(), {}, error, encoderWarning))
         return false;
+    // The last one stands for all: six faces with the same complaint are one line to the user.
     for (const String& line : {warning, encoderWarning}) {
         if (!line.empty())
             files.warning = line;
@@ -90,6 +92,7 @@ bool writeOneFile(const BakeOutput& output, const CubeMap& cube, BakeFiles& file
 
 } // namespace
 
+// All that can be wrong with the names is told before the baking, which may take minutes.
 bool planCube(StringView layout, bool needsMips, BakeOutput& output, String& error) {
     const bool hasFaces = hasField(output.path, FACE_FIELD);
     output.form = findCubeFormat(output.path) ? BAKE_FORM::CUBE_FILE

@@ -15,6 +15,8 @@ struct Place {
 
 using Places = std::array<Place, FACE_COUNT>;
 
+// In the order of the faces. Both layouts fold up to a cube seen from inside; in the vertical one -Z hangs
+// below -Y and is therefore upside down.
 constexpr Places HORIZONTAL = {{{2, 1}, {0, 1}, {1, 0}, {1, 2}, {1, 1}, {3, 1}}};
 constexpr Places VERTICAL = {{{2, 1}, {0, 1}, {1, 0}, {1, 2}, {1, 1}, {1, 3, true}}};
 
@@ -22,6 +24,7 @@ bool isGrid(unsigned int width, unsigned int height, unsigned int columns, unsig
     return width > 0 && width % columns == 0 && height % rows == 0 && width / columns == height / rows;
 }
 
+// Half a turn is the reverse order of all pixels.
 void turn(ovMemory::BufferView<unsigned char> pixels, std::size_t pixelSize) {
     const std::size_t count = pixels.size() / pixelSize;
     for (std::size_t i = 0; i < count / 2; ++i) {

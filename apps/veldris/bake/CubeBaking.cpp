@@ -23,6 +23,8 @@ using TexturePointer = ovMemory::UniquePtr<Texture>;
 namespace {
 
 constexpr ovGraphics::FORMAT FLOATS = ovGraphics::FORMAT::R32G32B32A32_FLOAT;
+// Floats throughout, and converted once when a file is written: half floats in between would round every mip
+// again.
 constexpr unsigned int CHANNELS = 4;
 constexpr unsigned int FULL_CHAIN = 0;
 
@@ -130,11 +132,13 @@ unsigned int doublingsFor(const EnvironmentInput& input, unsigned int side, unsi
     const double wanted = input.isCube ? input.image.getWidth() : input.image.getWidth() / PI;
     unsigned int doublings = 0;
     while ((side << doublings) < wanted && (side << (doublings + 1)) <= std::min(limit, MAX_FINE_SIDE))
+        // Whole doublings, so that each texel of the result is the exact average of a block.
         ++doublings;
     return doublings;
 }
 
 /// Reads one mip only, so that there is no seam where the longitude jumps.
+// The effect's own sampler clamps, which would show a line where a panorama's ends meet.
 ovMemory::UniquePtr<ovGraphics::Sampler> makeSampler(Session& session, unsigned int mip) {
     auto sampler = ovGraphics::Sampler::create(&session.getGraphics());
     sampler->setName("bake");

@@ -23,6 +23,7 @@ unsigned int sideOf(std::uint32_t side, unsigned int mip) {
 
 } // namespace
 
+// Byte by byte: both formats are little-endian, and a file's bytes have no alignment.
 std::uint32_t readWord(BufferView<const unsigned char> bytes, std::size_t word) {
     const unsigned char* at = bytes.data() + word * 4;
     return at[0] | std::uint32_t(at[1]) << 8 | std::uint32_t(at[2]) << 16 | std::uint32_t(at[3]) << 24;
@@ -45,6 +46,7 @@ std::uint64_t cubeSize(const CubeFileHeader& header) {
     return size;
 }
 
+// Before anything is allocated, as every number comes from the file.
 bool checkCubeHeader(const CubeFileHeader& header, String& error) {
     const auto fullCount = static_cast<std::uint32_t>(std::bit_width(header.width));
     if (header.width != header.height || header.width == 0 || header.width > MAX_SIDE)

@@ -75,6 +75,8 @@ bool readExtension(BufferView<const unsigned char> bytes, Header& header, String
     return error.empty();
 }
 
+// Older writers, and most tools for games, write the plain header with Direct3D 9's codes; new ones write the
+// extension.
 bool readFormat(BufferView<const unsigned char> bytes, Header& header, String& error) {
     const std::uint32_t code = readWord(bytes, FOUR_CC);
     const bool hasCode = (readWord(bytes, PIXEL_FORMAT_FLAGS) & FLAG_FOUR_CC) != 0;
@@ -121,6 +123,8 @@ bool decodeDds(BufferView<const unsigned char> bytes, CubeMap& cube, String& err
     if (!readHeader(bytes, header, error))
         return false;
     const std::uint64_t size = header.size + cubeSize(header.cube);
+    // To the byte. A file that is longer than its header says holds something that this reader does not
+    // understand, such as an array of cubes.
     if (size != bytes.size()) {
         error = fmt::format("it has {} bytes where its header tells of {}.", bytes.size(), size);
         return false;
@@ -154,6 +158,7 @@ Buffer<unsigned char> encodeDds(const CubeMap& cube) {
     words[PIXEL_FORMAT_SIZE] = PIXEL_FORMAT_BYTES;
     words[PIXEL_FORMAT_FLAGS] = FLAG_FOUR_CC;
     words[FOUR_CC] = FOUR_CC_DX10;
+    // Readers of the plain header look at these flags, and some look at nothing else.
     words[CAPS] = CAPS_OF_CUBE;
     words[CAPS_2] = CAPS_2_CUBE;
     words[DXGI_FORMAT] = isHalf ? FORMAT_HALF : FORMAT_FLOAT;

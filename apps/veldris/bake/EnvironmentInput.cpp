@@ -20,6 +20,7 @@ namespace {
 constexpr unsigned int CHANNELS = 4;
 constexpr StringView NO_MEMORY = "it needs more memory than there is, or than a picture may take.";
 
+// Every input becomes the same kind of picture, so that baking knows one.
 Image asFloats(const ImageView& image) {
     return ovImages::convertImage(image, ovImages::COMPONENT_TYPE::FLOAT, CHANNELS,
                                   ovImages::COLOUR_ENCODING::LINEAR);
@@ -118,6 +119,7 @@ bool readEnvironment(const String& path, EnvironmentInput& input, String& error)
         return false;
     input.isCube = input.kind != StringView("panorama");
     String warning;
+    // One NaN or one infinite texel would spread over whole mips.
     input.image = clampedPanorama(input.image.view(), warning);
     if (!warning.empty())
         input.warnings.push_back(warning);

@@ -259,6 +259,8 @@ bool decodeKtx(BufferView<const unsigned char> bytes, CubeMap& cube, String& err
         return false;
     const std::uint32_t descriptorBytes = readWord(bytes, DESCRIPTOR_BYTES);
     const std::uint32_t keysBytes = readWord(bytes, KEYS_BYTES);
+    // Where everything must be is computed, and then compared with what the file says: no offset of the file
+    // is ever followed.
     const Layout layout = layOut(header, descriptorBytes, keysBytes);
     if (layout.size != bytes.size())
         error = fmt::format("it has {} bytes where its header tells of {}.", bytes.size(), layout.size);

@@ -40,6 +40,7 @@ void DemoSet::_add(ovGraphics::Mesh& mesh, const Vector& position, float scale, 
     material->setReconstructBinormals(false);
     _scene.light(*material);
     configure(*material);
+    // Noted and told when drawing: adding objects has no error to return.
     _loaded = material->load() && _loaded;
     auto node = ovGraphics::Node::create(&_graphics);
     node->setPosition(position);

@@ -152,6 +152,7 @@ bool EnvironmentCache::load(ovMemory::BufferView<Texture* const> textures) const
         loaded = loaded && readTexture(reader, *texture);
     if (loaded && reader.isAtEnd())
         return true;
+    // Half of an environment is none: what was loaded already is dropped.
     for (Texture* texture : textures)
         texture->reset();
     return false;

@@ -70,6 +70,8 @@ ovMemory::Buffer<String> loadMissingTextures(ovMemory::BufferView<PbsMaterial* c
     for (const Slot& slot : SLOTS) {
         for (const PbsMaterial* material : materials) {
             Texture* texture = (material->*slot.get)();
+            // What the model has loaded is left alone. The first slot that meets a texture loads it, so a
+            // shared one is read once.
             if (!texture || !texture->isUnloaded())
                 continue;
             String warning;
