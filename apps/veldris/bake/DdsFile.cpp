@@ -75,8 +75,7 @@ bool readExtension(BufferView<const unsigned char> bytes, Header& header, String
     return error.empty();
 }
 
-// Older writers, and most tools for games, write the plain header with Direct3D 9's codes; new ones write the
-// extension.
+// Older files have the plain header with Direct3D 9's codes, newer ones its extension.
 bool readFormat(BufferView<const unsigned char> bytes, Header& header, String& error) {
     const std::uint32_t code = readWord(bytes, FOUR_CC);
     const bool hasCode = (readWord(bytes, PIXEL_FORMAT_FLAGS) & FLAG_FOUR_CC) != 0;
@@ -158,7 +157,7 @@ Buffer<unsigned char> encodeDds(const CubeMap& cube) {
     words[PIXEL_FORMAT_SIZE] = PIXEL_FORMAT_BYTES;
     words[PIXEL_FORMAT_FLAGS] = FLAG_FOUR_CC;
     words[FOUR_CC] = FOUR_CC_DX10;
-    // Readers of the plain header look at these flags, and some look at nothing else.
+    // For readers that know the plain header only.
     words[CAPS] = CAPS_OF_CUBE;
     words[CAPS_2] = CAPS_2_CUBE;
     words[DXGI_FORMAT] = isHalf ? FORMAT_HALF : FORMAT_FLOAT;

@@ -9,8 +9,7 @@
 
 namespace veldris {
 
-// Doubles and no random numbers: the picture must have the same bits on every machine and every run, as it is
-// the input of comparisons.
+// No random numbers: the picture must have the same bits on every run, as it is the input of comparisons.
 namespace {
 
 struct Vec {

@@ -93,8 +93,8 @@ bool EnvironmentLight::_makePanorama(Session& session, const ovImages::Image& pa
 bool EnvironmentLight::_filter(Session& session, String& error) {
     ovVeldris::PbsEnvironmentMapFilter& filter = *session.getSystem().getPbsEnvironmentMapFilter();
     filter.requestEnvironmentMapFiltering(_panorama.get(), _prefiltered.get(), PREFILTERED_SIDE);
-    // Irradiance is computed from a small cube. Texels of a panorama weigh too much at the poles, and a
-    // filtered copy of 32 texels has averaged every small sun already.
+    // Irradiance is computed from a cube: every texel weighs the same there, so that a panorama's poles would
+    // count too much.
     const auto cube = makeTexture(session, "small environment");
     filter.requestEnvironmentMapFiltering(_panorama.get(), cube.get(), IRRADIANCE_SIDE);
     if (!cube->isUnloaded())

@@ -147,8 +147,7 @@ bool glSupportsFormat(FORMAT format) {
     const GlFormat& row = glFormatOf(format);
     if (row.internalFormat == GL_NONE)
         return false;
-    // S3TC was patented and never became core, so drivers may lack it, and the query below answers for core
-    // formats.
+    // S3TC never became core, so drivers may lack it.
     if (row.kind == GL_FORMAT_KIND::S3TC && !epoxy_has_gl_extension("GL_EXT_texture_compression_s3tc"))
         return false;
     return queryFormat(row.internalFormat, GL_INTERNALFORMAT_SUPPORTED) == GL_TRUE;

@@ -227,7 +227,7 @@ void GlPipeline::clearDepthStencil(bool clearDepth, float depth, bool clearStenc
         _core.report("The depth buffer was not cleared: no target is set");
         return;
     }
-    // A clear of an attachment that is not there is an error in OpenGL, and harmless for the caller.
+    // A target may lack either buffer, and a mask that is opened for nothing is a call for nothing.
     const bool clearsDepth = clearDepth && _target->hasDepth();
     const bool clearsStencil = clearStencil && _target->hasStencil();
     const GLint stencilValue = static_cast<GLint>(stencil & 0xffu);

@@ -57,7 +57,7 @@ bool blend(const GltfSkin& skin, const Buffer<GltfSkinWeights>& sets, std::size_
         const Vector& weights = set.weights[vertex];
         for (const float Vector::*component : {&Vector::x, &Vector::y, &Vector::z, &Vector::w}) {
             const float weight = weights.*component;
-            // A joint without weight may have any index: many exporters pad with numbers that are not there.
+            // A joint without weight may have any index, so files may pad with numbers that are not there.
             if (!(weight > 0.0f) || !std::isfinite(weight))
                 continue;
             const float joint = joints.*component;

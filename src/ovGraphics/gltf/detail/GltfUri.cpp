@@ -45,7 +45,7 @@ int sextetOf(char c) {
 }
 
 std::optional<ovMemory::Buffer<unsigned char>> decodeBase64(StringView text) {
-    // Padding is optional, as several exporters leave it out.
+    // Padding is optional: RFC 4648 lets formats leave it out.
     for (int padding = 0; padding < 2 && text.ends_with('='); ++padding)
         text.remove_suffix(1);
     if (text.size() % 4 == 1)
@@ -105,8 +105,8 @@ std::optional<ovMemory::Buffer<unsigned char>> decodeDataUri(StringView uri) {
 }
 
 std::optional<String> decodeRelativeUri(StringView uri) {
-    // Checked after decoding: "%2e%2e" climbs too. A backslash counts as a separator, because exporters on
-    // Windows write it.
+    // Checked after decoding: "%2e%2e" climbs too. A backslash counts as a separator, as files that were made
+    // on Windows have it.
     String path = decodePercent(uri);
     std::replace(path.begin(), path.end(), '\\', '/');
     if (path.empty() || path.front() == '/' || path.find('\0') != String::npos || hasScheme(uri) ||

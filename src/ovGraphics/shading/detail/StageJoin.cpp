@@ -82,7 +82,7 @@ String locateVaryings(Buffer<StageVariable>& outputs, Buffer<StageVariable>& inp
         if (output == outputs.end()) {
             return fmt::format("the input '{}' is not written by the vertex stage", input.name);
         }
-        // Drivers report a mismatch as a failed link without a name, or draw garbage, so it is found here.
+        // Found here, where the names are still the author's: the driver would speak of those that we write.
         if (describeType(*output) != describeType(input)) {
             return fmt::format(
                 "the input '{}' is {} (scalar x components x locations); the vertex stage writes {}",
