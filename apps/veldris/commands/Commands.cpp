@@ -40,6 +40,8 @@ int runProgram(int argumentCount, const char* const* arguments) {
     program.require_subcommand(1);
     program.set_help_all_flag("--help-all", "help of every subcommand");
 
+    // Parsing only chooses what to run. Nothing runs inside the parser, whose exceptions would otherwise mix
+    // with ours.
     Command command;
     addApplyCommand(program, command);
     addBakeCommand(program, command);
@@ -52,6 +54,8 @@ int runProgram(int argumentCount, const char* const* arguments) {
     try {
         program.parse(argumentCount, arguments);
     } catch (const CLI::ParseError& error) {
+        // The parser's own statuses differ from error to error; scripts need to know only that the call was
+        // wrong. Help ends here too, with 0.
         return program.exit(error) == 0 ? 0 : WRONG_USAGE;
     }
     return command();

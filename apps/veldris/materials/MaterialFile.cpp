@@ -118,6 +118,8 @@ bool isDeclaration(const Node& entry) {
 
 PbsMaterial* readEntry(const DeclaredEntry& entry, ovVeldris::System& system,
                        Buffer<DeclarationProblem>& problems) {
+    // Asked before the loader, so that its only failure left is the manager's, which then gets the right
+    // message.
     if (!isDeclaration(*entry.node))
         return nullptr; // the check has told why
     const auto result = system.getContentLoader()->processMaterialTree(entry.node, false);
@@ -159,6 +161,7 @@ Buffer<PbsMaterial*> readMaterialFile(StringView path, ovVeldris::System& system
     std::unordered_set<const PbsMaterial*> seen;
     for (const DeclaredEntry& entry : file.entries) {
         PbsMaterial* const material = readEntry(entry, system, problems);
+        // Two entries of one name describe one material, the second over the first.
         if (material && seen.insert(material).second)
             materials.push_back(material);
     }

@@ -43,6 +43,7 @@ StringView findNearestName(StringView name, const ovMemory::Buffer<StringView>& 
     const std::size_t most = std::min(MOST_EDITS, name.size() / 2);
     for (const StringView candidate : known) {
         const bool contains = isPart(name, candidate) || isPart(candidate, name);
+        // The difference of the lengths is the least number of edits, and spares the table for most names.
         const std::size_t least =
             std::max(name.size(), candidate.size()) - std::min(name.size(), candidate.size());
         if (!contains && least > most)

@@ -26,6 +26,7 @@ EffectManager::~EffectManager() = default;
 
 Effect* EffectManager::createOrRetrieve(ovMemory::StringView name, EFFECT_TYPE type) {
     if (Effect* existing = get(name)) {
+        // The caller would cast to the type that it asked for, so another kind must not be handed out.
         if (existing->getType() == type)
             return existing;
         logMessage(_system,
@@ -74,6 +75,7 @@ void EffectManager::rename(ovMemory::StringView oldName, ovMemory::StringView ne
     if (entry == _effects.end())
         return;
     // Held in the node, the new name outlives the effect that may have lent it.
+    // Extracted and not copied: the effect keeps its address, which others hold.
     auto node = _effects.extract(entry);
     node.key() = newName;
     node.mapped()->setName(node.key());

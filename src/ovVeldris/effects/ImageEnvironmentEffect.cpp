@@ -53,6 +53,7 @@ const SettingTable& ImageEnvironmentEffect::settings() {
     return TABLE;
 }
 
+// By the projection that is really used: AUTO and the choice that it leads to share one program.
 uint64_t ImageEnvironmentIdGenerator::operator()(const ImageEnvironmentEffectInfo& info) const {
     switch (ImageEnvironmentEffect::getRequiredProjection(info)) {
     case PROJECTION::FLAT:
@@ -88,6 +89,7 @@ void ImageEnvironmentEffect::setSourceSampler(ovGraphics::Sampler* sampler) {
 void ImageEnvironmentEffect::setSourceCamera(ovGraphics::Camera* camera) {
     _currentInfo.sourceCamera = camera;
     ovGraphics::Shader* shader = _getLoadedShader();
+    // A flat image has no constants, so there is no slot for a camera.
     if (shader && _loadedInfo.sourceProjection != PROJECTION::FLAT)
         _constantSlot(*shader, 0).setAsCamCornersWorld(camera);
 }
@@ -118,6 +120,8 @@ ImageEnvironmentEffect::getRequiredProjection(const ImageEnvironmentEffectInfo& 
 }
 
 void ImageEnvironmentEffect::_resolveLoadedInfo() {
+    // Settled at the load. The texture may change its type later, and unloading must release the very program
+    // that loading acquired.
     _loadedInfo.sourceProjection = getRequiredProjection(_loadedInfo);
 }
 

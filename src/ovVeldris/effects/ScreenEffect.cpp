@@ -20,6 +20,8 @@ ScreenEffectBase::ScreenEffectBase(EFFECT_TYPE type, System* system, ovMemory::S
     , _className(className) {}
 
 bool ScreenEffectBase::load() {
+    // First of all, since the program that is held belongs to the settings of the last load and is given back
+    // under them.
     unload();
     const ProgramTrackersHolder* trackers = programTrackersOf(_system.get());
     if (trackers)
@@ -49,6 +51,7 @@ void ScreenEffectBase::unload() {
 }
 
 bool ScreenEffectBase::_prepareProgram() const {
+    // Another effect with the same text has loaded it already.
     if (!_program->isUnloaded())
         return true;
     ovGraphics::ProgramSourcesHolder sources;
@@ -112,6 +115,7 @@ ovGraphics::Sampler* ScreenEffectBase::_prepareSampler(const EffectSamplerSettin
 ovGraphics::ShaderPassMemorySlot& ScreenEffectBase::_constantSlot(ovGraphics::Shader& shader,
                                                                   unsigned int index) {
     ovGraphics::ConstantBuffer* buffer = shader.addConstantBuffer(0, 0);
+    // Slots are made when first asked for, so that live setters and loading go through one function.
     while (buffer->getPassMemorySlotCount() <= index)
         buffer->addPassMemorySlot();
     return *buffer->getPassMemorySlot(index);

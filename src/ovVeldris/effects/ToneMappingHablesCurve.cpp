@@ -26,6 +26,8 @@ struct ControlPoints {
     float overshootX = 0.0f, overshootY = 0.0f;
 };
 
+// The shader evaluates three segments a pixel; everything that depends on the settings alone is computed
+// here.
 ControlPoints computeControlPoints(const ToneMappingHablesCurveDescriptor& d) {
     const float x0 = d.toeLength * 0.5f;
     const float y0 = (1.0f - d.toeStrength) * x0;
@@ -65,6 +67,7 @@ ToneMappingHablesCurve computeToneMappingHablesCurve(const ToneMappingHablesCurv
     const float gamma = descriptor.gamma;
 
     // The line y = m x + b and, with gamma applied, its slopes at both ends.
+    // A shoulder of full length leaves no straight part.
     const float width = points.x1 - points.x0;
     const float m = width == 0.0f ? 1.0f : (points.y1 - points.y0) / width;
     const float b = points.y0 - m * points.x0;

@@ -42,6 +42,8 @@ MaterialManager::~MaterialManager() = default;
 
 Material* MaterialManager::createOrRetrieve(ovMemory::StringView name, MATERIAL_TYPE type) {
     if (Material* const existing = get(name)) {
+        // The one that is there wins: others may hold it, so that replacing it behind their back would change
+        // what they draw.
         if (existing->getType() == type)
             return existing;
         logMessage(_system,

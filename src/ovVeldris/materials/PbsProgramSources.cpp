@@ -13,6 +13,8 @@ namespace {
 using Sources = ovGraphics::ProgramSourcesHolder;
 
 void setTexts(Sources& sources) {
+    // The order is that of a C program: what is used stands before its use. Pieces that a program does not
+    // need are in the text too and vanish by their defines, so that there is one text to read and to test.
     static const ovMemory::String vertexText = assembleShaderText({
         {"PbsMaterial.varyings.ovsl", embedded::PbsMaterial_varyings},
         {"PbsMaterial.vertex.ovsl", embedded::PbsMaterial_vertex},
@@ -49,6 +51,7 @@ void addSurfaceTextures(Sources& sources, const PbsMaterialParameters& parameter
     for (std::size_t i = 0; i < parameters.packedTextures.size() && parameters.packedTextures[i].isNamed();
          ++i)
         sources.addDefineMacroPixel("TEXTURE_" + std::to_string(i), "");
+    // Without textures the vertex stage reads no texture coordinates, and meshes need not have them.
     bool any = false;
     for (const PbsProperty& property : pbsProperties()) {
         if (!property.texture.isPacked() || !property.texture.isIn(parameters))
@@ -68,6 +71,8 @@ void addSurfaceTextures(Sources& sources, const PbsMaterialParameters& parameter
 /// A map that is loaded tells what it is; one that is not counts as its switch says.
 bool isCube(const PbsSettings& settings, const PbsProperty& property) {
     const ovGraphics::Texture* const texture = (settings.*property.texture.field).get();
+    // The program must be made before the texture is known, for example when a file names a texture that is
+    // loaded later.
     if (!texture || texture->isUnloaded())
         return settings.*property.isCube.field;
     return texture->getTexType() == ovGraphics::TEXTURE_TYPE::CUBE;
@@ -76,6 +81,7 @@ bool isCube(const PbsSettings& settings, const PbsProperty& property) {
 void addMap(Sources& sources, const PbsSettings& settings, const PbsProperty& property) {
     sources.addDefineMacroPixel(join(property.define, "_TEXTURE"), "");
     addChannels(sources, settings, property);
+    // From the same table that the binding reads, so that text and binding cannot differ.
     sources.addDefineMacroPixel(join(property.define, "_TEX_SLOT"), std::to_string(property.texture.unit));
     if (property.prefiltered && settings.*property.prefiltered.field)
         sources.addDefineMacroPixel(join(property.define, "_PREFILTERED"), "");

@@ -8,6 +8,8 @@ namespace ovVeldris {
 namespace {
 
 // The other bits are in the rows of the table.
+// Programs are named by their key, and names are part of the interface: no number in this file may change,
+// not even where bits overlap.
 constexpr unsigned int GLOSSINESS_BIT = 38; // the upper bit of the occlusion channel, too
 constexpr unsigned int FIRST_HASH_BIT = 39;
 constexpr unsigned int DEBUG_OUT_OF_BOUNDS_BIT = 8;
@@ -89,6 +91,7 @@ uint64_t hashOf(const PbsSettings& settings) {
 
 uint64_t PbsIdGenerator::operator()(const PbsMaterialParameters& parameters) const {
     const uint64_t hash = hashOf(parameters);
+    // The upper half is folded in first, because the shift leaves only the lowest bits of the sum.
     return (((hash >> 32) + hash) << FIRST_HASH_BIT) | featuresOf(parameters);
 }
 

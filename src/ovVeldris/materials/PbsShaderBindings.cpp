@@ -36,6 +36,8 @@ public:
 
 private:
     ShaderPassMemorySlot* _add(unsigned int& index) {
+        // Where each constant lies is noted while it is written, because live setters must find it and the
+        // layout depends on the settings.
         index = _buffer->getPassMemorySlotCount();
         return _buffer->addPassMemorySlot();
     }
@@ -73,6 +75,7 @@ ovGraphics::Sampler* getShadowSampler(ovGraphics::SamplerManager& samplers) {
     ovGraphics::Sampler* const sampler = samplers.createOrRetrieve(SHADOW_SAMPLER);
     sampler->setHidden(true);
     sampler->setFilter(ovGraphics::FILTER::COMPARISON_MIN_MAG_MIP_LINEAR);
+    // The border is as far away as can be, so that everything outside the map is lit.
     sampler->setAddressU(ovGraphics::TEXTURE_ADDRESS::BORDER);
     sampler->setAddressV(ovGraphics::TEXTURE_ADDRESS::BORDER);
     sampler->setBorderColor(1.0f, 1.0f, 1.0f, 1.0f);

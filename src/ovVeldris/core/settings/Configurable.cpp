@@ -19,6 +19,8 @@ String Configurable::getSettingAsText(StringView name) const {
 
 bool Configurable::setSetting(StringView name, SettingValue value, String& error) {
     const Setting* setting = findSetting(*_settings, name, error);
+    // Setters take any number, as C++ code may know why. Values by name come from files and users, so they
+    // are checked here.
     if (!setting || !acceptSettingValue(*setting, value, error))
         return false;
     setting->set(*this, value);

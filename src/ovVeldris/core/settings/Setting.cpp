@@ -21,6 +21,7 @@ bool isFinite(const ovMaths::Matrix& matrix) {
 }
 
 /// Turns a value into one of the setting's kind where nothing is lost by it.
+// Scripts and files do not tell 1 from 1.0, nor do people tell ACES from aces.
 SettingValue converted(const Setting& setting, const SettingValue& value) {
     if (const int* integer = std::get_if<int>(&value); integer && setting.kind == SETTING_KIND::NUMBER)
         return static_cast<float>(*integer);
@@ -30,6 +31,7 @@ SettingValue converted(const Setting& setting, const SettingValue& value) {
 }
 
 bool isAccepted(const Setting& setting, const SettingValue& value) {
+    // The default is of the right kind by construction, so it tells the kind.
     if (value.index() != setting.defaultValue.index())
         return false;
     switch (setting.kind) {

@@ -39,6 +39,8 @@ Buffer<Combination> finiteCombinations(const SettingTable& settings) {
         if (values.empty())
             continue;
         Buffer<Combination> longer;
+        // A setting that means nothing beside a combination is left out of it, or the same program would be
+        // made once for each of its values.
         for (const Combination& combination : combinations) {
             if (!isUsed(settings, setting, combination)) {
                 longer.push_back(combination);

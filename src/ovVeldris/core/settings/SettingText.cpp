@@ -80,6 +80,7 @@ private:
 // --- From text
 
 template <typename Number>
+// By from_chars, which no locale changes: a German one would read 0.5 as 0.
 bool parseNumber(StringView text, Number& number) {
     text = trimmed(text);
     const char* end = text.data() + text.size();
@@ -290,6 +291,7 @@ String valueProblem(const Setting& setting, StringView value) {
 const Setting* findSetting(const SettingTable& settings, StringView name, String& error) {
     if (const Setting* setting = settings.find(name))
         return setting;
+    // The list is short, and most mistakes are a name from memory.
     Buffer<String> names;
     for (const Setting& setting : settings)
         names.emplace_back(setting.name);
@@ -315,6 +317,7 @@ bool parseSettings(const SettingTable& settings, BufferView<const SettingText> t
             return false;
         assignments.push_back({setting->name, std::move(value)});
     }
+    // Last, because what a setting depends on may be given after it.
     return checkConditions(settings, assignments, error);
 }
 
