@@ -27,6 +27,7 @@ ovMemory::UniquePtr<Node> Node::create(NODE_NATURE nature) {
     return root;
 }
 
+// Only the root frees anything. Destroying a tree is freeing its arena, however deep it is.
 Node::~Node() {
     if (_record.isRoot)
         delete _record.arena;
@@ -158,6 +159,7 @@ Node* Node::addElement() {
 }
 
 Node* Node::addMember(ovMemory::StringView name) {
+    // Lengths have 32 bits, so that a node stays at 40 bytes.
     name = name.substr(0, LONGEST_TEXT);
     if (!isObject())
         setAsObject();

@@ -86,6 +86,7 @@ EncodeResult CompositeEncoder::encode(const ImageView& view, const EncodeOptions
     return _encoders[isFloat ? EXR_INDEX : PNG_INDEX]->encode(view, options);
 }
 
+// By content, because a JPEG by name may be a PNG inside.
 const Encoder* CompositeEncoder::findByContent(ovMemory::BufferView<const unsigned char> bytes) const {
     for (const auto& encoder : _encoders)
         if (encoder->canDecode(bytes))

@@ -48,6 +48,7 @@ std::size_t getImageSize(unsigned width, unsigned height, unsigned channels, COM
 
 namespace {
 
+// One check that every encoder and converter calls, so that a view from anywhere is safe behind it.
 ovMemory::String describeFault(const ImageView& view) {
     if (view.width == 0 || view.height == 0)
         return fmt::format("the picture is {} x {} pixels: it has none", view.width, view.height);

@@ -10,6 +10,7 @@ namespace ovMaths {
 namespace {
 
 // The upper left part of the given size, the identity elsewhere. glm's matrices are columns of rows.
+// In doubles: an inverse in floats loses most digits of a camera far from the origin.
 glm::dmat4 partOf(const Matrix& matrix, int size) {
     glm::dmat4 part(1.0);
     for (int row = 0; row < size; ++row)
@@ -64,6 +65,7 @@ glm::dmat3 rotationFromColumns(glm::dmat3 columns, bool mirrored) {
     return {unitX, glm::cross(unitZ, unitX), unitZ};
 }
 
+// A target is changed as a whole or not at all. Half an inverse would be worse than the old matrix.
 bool assignIfFinite(Matrix& target, const Matrix& value) {
     for (const auto& row : value.m)
         for (const float element : row)
@@ -117,6 +119,7 @@ bool Matrix::_invert(int size, Matrix& inverse) const {
 }
 
 Matrix Matrix::_getInverse(int size) const {
+    // Zeros where there is no inverse: no inverse is zero, so that callers can tell.
     Matrix inverse = newMat4(0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0);
     _invert(size, inverse);
     return inverse;

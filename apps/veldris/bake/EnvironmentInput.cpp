@@ -38,6 +38,7 @@ bool decode(const String& path, EnvironmentInput& input, Image& image, String& e
     return true;
 }
 
+// Told with the name of the file: of six pictures the user must know which one to mend.
 bool checkFace(const Image& face, const String& path, unsigned int side, String& error) {
     if (face.getWidth() != face.getHeight())
         error = fmt::format("the face '{}' has {} x {} pixels; faces of a cube are square.", path,
@@ -56,6 +57,7 @@ bool readFaces(const String& pattern, EnvironmentInput& input, String& error) {
         Image image;
         if (!decode(path, input, image, error) || !checkFace(image, path, input.image.getWidth(), error))
             return false;
+        // The first face sets the size that the others must have.
         if (face == 0)
             input.image = Image(image.getWidth(), image.getWidth() * FACE_COUNT, CHANNELS,
                                 ovImages::COMPONENT_TYPE::FLOAT, ovImages::COLOUR_ENCODING::LINEAR);

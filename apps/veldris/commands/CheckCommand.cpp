@@ -42,6 +42,7 @@ int runCheck(const CheckOptions& options) {
         return fail(error);
     const auto print = options.json ? printJson : printText;
     print(options, file);
+    // A status that scripts and hooks of version control can act on.
     return file.problems.empty() ? 0 : 1;
 }
 

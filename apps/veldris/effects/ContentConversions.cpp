@@ -8,6 +8,8 @@ using ovMemory::Buffer;
 using ovMemory::String;
 using ovMemory::StringView;
 
+// Encoding is arithmetic and loses nothing. Between scene and display stands a choice of taste, which only a
+// tone mapping makes.
 bool canConvert(PICTURE_CONTENT from, PICTURE_CONTENT to) {
     return from != PICTURE_CONTENT::SCENE_LINEAR && to != PICTURE_CONTENT::SCENE_LINEAR;
 }
@@ -26,6 +28,8 @@ bool planConversions(PICTURE_CONTENT source, const Buffer<EffectContent>& effect
     conversions.clear();
     PICTURE_CONTENT content = source;
     String giver = "the input";
+    // Effects that take anything hand on what they got, so what counts is the last content that somebody
+    // fixed, and who gave it.
     const auto require = [&](std::size_t place, std::optional<PICTURE_CONTENT> wanted, const String& taker) {
         if (!wanted || *wanted == content)
             return true;

@@ -27,6 +27,7 @@ bool parseSettings(StringView text, EffectSpec& effect, String& error) {
         const StringView piece = trimmed(cutAt(text, ','));
         const std::size_t equals = piece.find('=');
         const StringView name = trimmed(piece.substr(0, equals));
+        // Vectors have commas too. A piece without '=' can only be more of the value before it.
         if (equals == StringView::npos && !effect.settings.empty()) {
             effect.settings.back().value.append(",").append(piece);
             continue;
@@ -47,6 +48,7 @@ bool parseEffectList(StringView text, ovMemory::Buffer<EffectSpec>& effects, Str
     ovMemory::Buffer<EffectSpec> parsed;
     while (!trimmed(text).empty()) {
         StringView piece = trimmed(cutAt(text, ';'));
+        // A semicolon at the end, or two of them, are no mistakes worth an error.
         if (piece.empty())
             continue;
         EffectSpec effect;

@@ -58,6 +58,8 @@ public:
     explicit LineCounter(StringView text)
         : _text(text) {}
 
+    // A file of ten thousand materials may have a problem in each. Counting on from the last place reads the
+    // text once for all of them.
     unsigned int lineOf(std::size_t index) {
         if (index < _index) {
             _index = 0;
@@ -76,6 +78,8 @@ private:
 };
 
 /// Problems by the byte of the text at which they are.
+// Problems are found in the order of the checks and shown in the order of the file, so they are kept with
+// their place and sorted at the end.
 class ProblemList {
 public:
     void add(const Node& place, String message) {
@@ -111,6 +115,8 @@ void checkMembers(const Node& object, const Buffer<StringView>& known, const Str
     for (unsigned int i = 0; i < object.getMemberCount(); ++i) {
         const StringView name = object.getMemberKey(i);
         const Node& value = *object.getMemberValueIndex(i);
+        // JSON allows a name twice, and the reader keeps both; the library reads the first. An editor's user
+        // mostly means the second, so it is worth a line.
         if (!seen.insert(name).second)
             problems.add(value,
                          fmt::format("{}{} is given again; the first one counts.", subject, quoted(name)));
@@ -239,6 +245,7 @@ private:
     void _checkPacking(const ovVeldris::PbsTextureRow& texture, const Node& packing,
                        const String& subject) const {
         const StringView text = packing.getValueAsStringView();
+        // Asked of the library's own reading, so that the message says what really happens.
         const StringView readAs = readPacking(texture, text);
         const StringView expected =
             texture.vectorChannels ? "three different letters of r, g, b and a" : "r, g, b or a";
@@ -301,6 +308,7 @@ private:
         if (!entry.isObject())
             return problems.add(entry, fmt::format("{} is {}, not an object.", place, natureOf(entry)));
         const Node* const name = entry.getMemberValue("name");
+        // Messages name the material if they can, since lines move while the user edits.
         const bool hasName = name && name->isString();
         const String subject = (hasName ? "material " + quoted(name->getValueAsStringView()) : place) + ": ";
         if (hasName)
@@ -317,6 +325,8 @@ private:
         const StringView text = name.getValueAsStringView();
         if (text.empty())
             problems.add(name, subject + "the name is empty.");
+        // No error to the library, which overwrites the first with the second; but hardly ever what was
+        // meant.
         const auto [first, isNew] = _linesOfNames.try_emplace(text, _file.entries.back().line);
         if (!isNew)
             problems.add(name, fmt::format("{}the name is that of the material in line {}, which this one "

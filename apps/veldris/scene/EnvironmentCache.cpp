@@ -72,6 +72,7 @@ private:
     bool _complete = true;
 };
 
+// Writing and reading walk the images in one order, which is therefore written down once.
 template <typename Visit>
 void forEachImage(const TextureHeader& header, Visit visit) {
     const bool isCube = header.type == static_cast<uint32_t>(ovGraphics::TEXTURE_TYPE::CUBE);
@@ -144,6 +145,8 @@ bool EnvironmentCache::load(ovMemory::BufferView<Texture* const> textures) const
     const StringView bytes(file.data(), file.size() - sizeof(uint64_t));
     uint64_t checksum = 0;
     std::memcpy(&checksum, file.data() + bytes.size(), sizeof(checksum));
+    // The name is a hash only, so that another environment may have it; and a file may have been cut short by
+    // a full disk.
     if (!bytes.starts_with(_key) || checksum != hashOf(bytes))
         return false;
     ByteReader reader(bytes.substr(_key.size()));
@@ -168,6 +171,7 @@ String EnvironmentCache::store(ovMemory::BufferView<Texture* const> textures) co
     }
     append(bytes, hashOf(bytes));
     std::error_code status;
+    // Its failure is not looked at: the writing fails then, with a better message.
     std::filesystem::create_directories(std::filesystem::path(_path).parent_path(), status);
     String error;
     return ovResources::writeFileAtomically(_path, ovMemory::BufferView<const char>(bytes), error)

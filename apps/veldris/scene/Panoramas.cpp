@@ -31,6 +31,7 @@ float lampCoverage(const Lamp& lamp, const Vector& direction) {
     const float x = std::abs(direction.dotProductVec3(lamp.across)) / distance;
     const float y = std::abs(direction.dotProductVec3(up)) / distance;
     const float inside = std::min(lamp.halfWidth - x, lamp.halfHeight - y);
+    // A hard edge would show the texels of the panorama in every mirror.
     return std::clamp(0.5f + inside / SOFTNESS, 0.0f, 1.0f);
 }
 
@@ -71,6 +72,7 @@ ovImages::Image turnedPhotograph(const ovImages::ImageView& photograph, float de
     for (unsigned int row = 0; row < source.getHeight(); ++row) {
         const std::size_t start = std::size_t{row} * width;
         for (unsigned int column = 0; column < width; ++column) {
+            // Twice the width keeps the number above 0; columns run backwards, as the mirror wants.
             const std::size_t from = start + (2 * std::size_t{width} - 1 - column - shift) % width;
             std::memcpy(&turned.getBytes()[(start + column) * PIXEL], &source.getBytes()[from * PIXEL],
                         PIXEL);

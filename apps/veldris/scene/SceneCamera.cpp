@@ -42,6 +42,8 @@ float fittingDistance(const Camera& camera, const BoundingBox& box, float aspect
     const ovMaths::Matrix view = camera.getViewMatrix(); // the camera is still in the centre
     const Vector half = box.getSize() * 0.5f;
     float distance = 0.0f;
+    // Each corner of the box asks for a distance on its own, and the largest wins. The sphere around the box
+    // would be simpler, but leaves long models small in the picture.
     for (unsigned int corner = 0; corner < 8; ++corner) {
         const auto side = [corner](unsigned int axis) { return corner >> axis & 1u ? 1.0f : -1.0f; };
         const Vector offset(half.x * side(0), half.y * side(1), half.z * side(2), 0.0f);
@@ -55,6 +57,7 @@ float fittingDistance(const Camera& camera, const BoundingBox& box, float aspect
 void setPlanes(Camera& camera, const BoundingBox& box, float aspect) {
     const float radius = std::max(0.5f * box.getSize().getLengthVec3(), SMALLEST_RADIUS);
     const float distance = Vector::distanceVec3(camera.getPosition(), box.getCenter());
+    // The near plane decides how precise depth is, so it is as far away as the model allows.
     const float nearest = std::max(distance - radius, NEAREST_SHARE * (distance + radius));
     camera.setPerspective(VERTICAL_FOV, aspect, nearest, distance + 2.0f * radius);
 }

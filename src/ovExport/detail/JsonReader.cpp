@@ -230,6 +230,7 @@ void JsonReader::_close() {
 }
 
 JsonReader::STEP JsonReader::_finishValue() {
+    // A loop, as one closing bracket may be followed by any number of others.
     while (_container != NO_CONTAINER) {
         const bool isObject = _stack[_container].nature == NODE_NATURE::OBJECT;
         _skipSpace();
@@ -251,6 +252,8 @@ bool JsonReader::_readString(char*& text, std::uint32_t& size) {
     text = ++_at;
     char* out = _at; // where the next characters belong, behind those that escapes made shorter
     for (;;) {
+        // Escapes only get shorter, so that the text is unescaped in place and strings need no memory of
+        // their own.
         char* const run = _at;
         _at = skipPlain(_at);
         while (static_cast<unsigned char>(*_at) >= 0x80) {
@@ -299,6 +302,7 @@ char* JsonReader::_readEscape(char* out) {
     ++_at;
     if (!_readHexadecimal(code))
         return nullptr;
+    // Characters beyond 16 bits come as two escapes, the halves of a surrogate pair.
     const bool isLead = code >= 0xd800 && code < 0xdc00;
     if (isLead && _at[0] == '\\' && _at[1] == 'u') {
         unsigned int trail = 0;
@@ -365,6 +369,7 @@ JsonReader::STEP JsonReader::_failUnexpected(const char* expected) {
     return _fail(_at == _end ? "The text ends too early" : "Unexpected character", expected, _at);
 }
 
+// Line and column are counted from the original text: the copy has changed in place, and may hold zeros.
 ExportError JsonReader::_describeFailure() const {
     ExportError error;
     const TextPosition position = findTextPosition(_text, _failure.index);

@@ -14,6 +14,7 @@ constexpr ovMemory::StringView REPLACEMENT = "\xef\xbf\xbd"; // U+FFFD
 
 ovMemory::String JsonWriter::write(const Node& root) {
     _writeNode(root);
+    // A stack of its own and no recursion: a tree may be deeper than the thread's stack.
     while (!_open.empty()) {
         if (_open.back().next < _open.back().count)
             _writeNextChild();

@@ -128,6 +128,7 @@ ovMemory::UniquePtr<GpuProgram> CountingDevice::createProgram(const shading::Com
     return std::make_unique<CountingProgram>();
 }
 
+// False is what a driver without binaries answers, so that the cache keeps texts only.
 bool CountingDevice::getProgramBinary(const GpuProgram&, ovMemory::Buffer<unsigned char>&, unsigned int&) {
     return false;
 }
@@ -159,6 +160,7 @@ void CountingDevice::updateBuffer(GpuBuffer& buffer, unsigned int offset,
     ++_statistics.bufferUploads;
     ++_counts.bufferUploads;
     _counts.uploadedBytes += data.size();
+    // A device may still be drawing the frame before when this one is asked for.
     if (target.lastRead + 1 >= _frame)
         ++_counts.uploadsToBuffersInUse;
 }
@@ -182,6 +184,8 @@ void CountingDevice::copyBuffer(GpuBuffer& source, unsigned int sourceOffset, Gp
 
 template <typename T>
 void CountingDevice::_set(T& sent, const T& wanted) {
+    // Every call counts here and only real changes below: the first is what the library costs, the second
+    // what a driver would.
     ++_counts.setCalls;
     if (sent == wanted)
         return;
@@ -255,6 +259,7 @@ void CountingDevice::drawGeometry(GpuGeometry& geometry, const GeometryDraw& dra
     }
     if (!_canDraw())
         return;
+    // Reading is what makes an upload wait, so each draw notes what it reads.
     drawn.vertices->lastRead = _frame;
     if (drawn.indices)
         drawn.indices->lastRead = _frame;

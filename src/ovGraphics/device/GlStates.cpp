@@ -8,6 +8,8 @@ namespace ovGraphics::device {
 namespace {
 
 template <std::size_t COUNT, typename ENUM>
+// Numbers may come from files and scripts. One outside the table becomes the state that does nothing special,
+// because a draw has no way to fail.
 GLenum lookUp(const std::array<GLenum, COUNT>& table, ENUM value) {
     const std::size_t index = static_cast<std::size_t>(value);
     return table[index < COUNT ? index : 0];
@@ -95,6 +97,7 @@ std::optional<GLenum> glTopologyOf(PRIMITIVE_TOPOLOGY topology) {
 }
 
 GlFilter glFilterOf(FILTER filter) {
+    // The bits are those of D3D11_FILTER, so that all combinations need no table.
     constexpr unsigned int MIP_LINEAR = 0x01;
     constexpr unsigned int MAG_LINEAR = 0x04;
     constexpr unsigned int MIN_LINEAR = 0x10;

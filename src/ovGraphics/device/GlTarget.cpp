@@ -63,6 +63,7 @@ GlImage imageOf(const TargetAttachment& attachment) {
             static_cast<GLint>(attachment.mip)};
 }
 
+// The whole set, as most refusals are about two textures that do not go together.
 ovMemory::String describe(const TargetDesc& desc) {
     ovMemory::String text;
     const auto add = [&text](const TargetAttachment& attachment) {

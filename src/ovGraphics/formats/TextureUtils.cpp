@@ -232,6 +232,8 @@ unsigned int TextureUtils::getNeededMipsForSize(unsigned int width, unsigned int
     return static_cast<unsigned int>(std::bit_width(std::max(width, height)));
 }
 
+// What every device promises and not what this one can do: answers must not depend on the machine, as files
+// and scripts may keep them.
 bool TextureUtils::isFormatCompatibleForRenderFlag(FORMAT format, unsigned int sampleCount,
                                                    unsigned int bindFlags) {
     constexpr unsigned int KNOWN_FLAGS = BIND_SHADER_RESOURCE | BIND_RENDER_TARGET | BIND_DEPTH_STENCIL;

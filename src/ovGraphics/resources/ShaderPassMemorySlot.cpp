@@ -100,6 +100,7 @@ unsigned int ShaderPassMemorySlot::getRegisterCount() const {
 }
 
 void ShaderPassMemorySlot::evaluate(const PassEnvironment& environment, unsigned char* out) const {
+    // Whole registers, because the two shader languages pack anything smaller differently.
     const std::size_t size = getRegisterCount() * 4 * sizeof(float);
     switch (_content) {
     case CONTENT::VECTOR:

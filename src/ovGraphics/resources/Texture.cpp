@@ -35,6 +35,7 @@ unsigned int Texture::getSliceCount() const {
     return _type == TEXTURE_TYPE::CUBE ? CUBE_FACES : _sliceCount;
 }
 
+// Capped, so that a number that was right for another size does not stop a load.
 unsigned int Texture::getMipCount() const {
     const unsigned int needed = getNeededMipsForSize();
     return _mipCount == 0 ? needed : std::min(_mipCount, needed);
@@ -86,6 +87,7 @@ unsigned int Texture::getNeededMipsForSize() const {
 
 void Texture::setCpuData(unsigned int slice, unsigned int mip,
                          ovMemory::BufferView<const unsigned char> bytes, unsigned int rowPitch) {
+    // Data that is given twice for one place replaces the first, as a setter would.
     const auto samePlace = [&](const CpuData& data) { return data.slice == slice && data.mip == mip; };
     _cpuData.erase(std::remove_if(_cpuData.begin(), _cpuData.end(), samePlace), _cpuData.end());
     _cpuData.push_back({slice, mip, rowPitch, {bytes.begin(), bytes.end()}});

@@ -47,6 +47,7 @@ bool allocateImage(DecodeResult& result, ovMemory::StringView format, unsigned w
 }
 
 void appendWarning(ovMemory::String& warning, ovMemory::StringView text) {
+    // Warnings are collected in one line: a picture may lose its alpha and its encoding at once.
     if (!warning.empty())
         warning += "; ";
     warning += text;
@@ -65,6 +66,8 @@ void warnOfEncoding(ovMemory::String& warning, const ImageView& view, ovMemory::
 bool hasTransparency(const ImageView& view) {
     if (view.channels % 2 != 0)
         return false;
+    // Alpha that is 1 everywhere is no loss, and most pictures with four channels have it; a warning for each
+    // would be noise.
     const std::size_t componentSize = getComponentSize(view.componentType);
     const std::size_t pixelSize = componentSize * view.channels;
     for (std::size_t i = pixelSize - componentSize; i < view.bytes.size(); i += pixelSize) {

@@ -34,6 +34,7 @@ using ovGraphics::TextureUtils;
 
 constexpr ovMemory::StringView SPHERICAL_NAME = "OV_SPHERICAL_MAP_RENDERER";
 
+// Names and axes of the six cameras; along y the usual up vector would be the direction itself.
 const CubeFaceViews& faceViews() {
     static const CubeFaceViews VIEWS = {{
         {"OV_CUBEMAP_RENDERER_0", {1.0f, 0.0f, 0.0f}, {0.0f, 1.0f, 0.0f}},
@@ -63,6 +64,7 @@ ovMemory::UniquePtr<ovGraphics::Program> makeSphericalProgram(ovGraphics::System
 
 /// Draws the nodes of a compositor that draw the first mip of a texture, and fills the others.
 void drawWithMips(ovGraphics::Compositor& compositor, ovGraphics::Texture& output) {
+    // Mips are averages of what was drawn, so only a frame that was drawn has any.
     if (drawOneShotFrame(compositor, output))
         output.generateMips();
 }

@@ -62,6 +62,7 @@ public:
             return false;
         _readAlpha(material);
         _warnOfExtensions();
+        // Tangents cost a split of every corner and 24 bytes a vertex, so they are made for normal maps only.
         needs.tangents = material.normalTexture >= 0;
         needs.anyTexture = !_uses.empty();
         if (needs.anyTexture)
@@ -81,6 +82,8 @@ private:
             return false;
         if (texture < 0)
             return true;
+        // Noted on the texture, because one image may be a colour to one material and data to another; then
+        // it is needed in both encodings.
         GltfTexture& used = _scene.textures[static_cast<std::size_t>(texture)];
         (colour ? used.usedAsColour : used.usedAsData) = true;
         _uses.push_back({slot, readUvSource(info)});
@@ -88,6 +91,7 @@ private:
     }
 
     bool _readMetallicRoughness(GltfMaterial& material) {
+        // The extension replaces the core's description. Files have both, for readers that do not know it.
         if (_source.getExtension("KHR_materials_pbrSpecularGlossiness").getJson().exists())
             return true;
         const GltfObject pbr = _source.getObject("pbrMetallicRoughness");
@@ -120,6 +124,7 @@ private:
         const GltfObject occlusion = _source.getObject("occlusionTexture");
         material.occlusionStrength = occlusion.readFloat("strength", 1.0f, 0.0f, 1.0f);
         const GltfObject emission = _source.getExtension("KHR_materials_emissive_strength");
+        // The core's factor ends at 1; the extension multiplies it for lamps.
         const float strength = emission.readFloat("emissiveStrength", 1.0f, 0.0f, HUGE_NUMBER);
         material.emissive = _source.readVector("emissiveFactor", 3, {}, 0.0f, 1.0f) * strength;
         return true;

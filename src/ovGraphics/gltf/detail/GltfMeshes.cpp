@@ -50,6 +50,7 @@ void freeSkinnedMeshes(const Buffer<GltfNodeSource>& sources, GltfScene& scene) 
         drawn[index] = 1;
     GltfNames names("node");
     for (std::size_t i = 0; i < scene.nodes.size(); ++i)
+        // The names that there are count as taken before new ones are made.
         names.makeUnique(scene.nodes[i].name, i);
     for (std::size_t i = 0; i < sources.size(); ++i) {
         if (sources[i].skin < 0 || scene.nodes[i].mesh < 0)
@@ -58,6 +59,8 @@ void freeSkinnedMeshes(const Buffer<GltfNodeSource>& sources, GltfScene& scene) 
         GltfNode posed;
         posed.name = names.makeUnique(scene.nodes[i].name + " (posed)", index);
         posed.mesh = scene.nodes[i].mesh;
+        // The node stays with its children and only loses the mesh: the format says that a skinned mesh
+        // ignores the place of its node.
         scene.nodes[i].mesh = -1;
         scene.nodes.push_back(std::move(posed));
         if (drawn[i])

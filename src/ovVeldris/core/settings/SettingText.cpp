@@ -49,6 +49,7 @@ String join(const Buffer<String>& pieces, StringView separator) {
 }
 
 /// Writes a value of any alternative.
+// The counterpart of the parsing below: what it writes reads back as the same value, with the fewest digits.
 struct ValueWriter {
     unsigned int components;
 
@@ -222,6 +223,7 @@ bool checkConditions(const SettingTable& settings, const Buffer<SettingAssignmen
         const Setting* decider = settings.find(setting.onlyWith.setting);
         if (!decider)
             continue;
+        // A decider that is not given has its default.
         const SettingAssignment* given = findAssignment(assignments, decider->name);
         const String chosen = toText(*decider, given ? given->value : decider->defaultValue);
         if (chosen == setting.onlyWith.value)
@@ -252,6 +254,7 @@ bool parseSettingValue(const Setting& setting, StringView text, const ovGraphics
     return true;
 }
 
+// Messages, help and later pages of scripts all use this text, so that they cannot differ.
 String expectedText(const Setting& setting) {
     String text = kindText(setting);
     const String range = rangeText(setting);
