@@ -110,8 +110,7 @@ void GlPipeline::_createQuad() {
     attribute(TEXCOORD_LOCATION, 2, offsetof(QuadVertex, textureCoordinates));
 }
 
-// Called with the context current, from the device's destructor: members of this class cannot make it current
-// themselves.
+// Called by the device's destructor, with the context current.
 void GlPipeline::close() {
     glDeleteVertexArrays(1, &_quadArray);
     glDeleteBuffers(1, &_quadBuffer);
@@ -132,16 +131,14 @@ void GlPipeline::reset() {
 // Puts the context in the state that the default descriptions mean, whatever it was in before.
 void GlPipeline::_sendBaseline() {
     const bool upperLeft = _language == SHADER_LANGUAGE::HLSL;
-    // Each language keeps its own clip space, so that a text that computes positions itself needs no
-    // translation.
+    // A text that computes positions itself keeps the clip space of its language.
     glClipControl(upperLeft ? GL_UPPER_LEFT : GL_LOWER_LEFT,
                   upperLeft ? GL_ZERO_TO_ONE : GL_NEGATIVE_ONE_TO_ONE);
     glBindVertexArray(_quadArray);
     _vertexArray = _quadArray;
     glPixelStorei(GL_UNPACK_ALIGNMENT, 1);
     glPixelStorei(GL_PACK_ALIGNMENT, 1);
-    // With a buffer bound here, the pointers of uploads and readback would be taken for offsets into that
-    // buffer.
+    // With a buffer bound here, pointers of uploads and readback would be offsets into it.
     glBindBuffer(GL_PIXEL_PACK_BUFFER, 0);
     glBindBuffer(GL_PIXEL_UNPACK_BUFFER, 0);
     // Foreign code may have left any of these on. GL_DITHER is even on by default, and lets drivers change
@@ -178,15 +175,13 @@ void GlPipeline::_sendBaseline() {
 }
 
 void GlPipeline::setTarget(GlTarget& target, const Rectangle& viewport) {
-    // Even when the target is set already: it may have been resolved since, and the next draw makes that copy
-    // stale again.
+    // Also a target that is set already: it may have been resolved since.
     target.markDrawn();
     if (_target != &target) {
         glBindFramebuffer(GL_FRAMEBUFFER, target.getName());
         _count();
     }
-    // Viewports do not belong to a framebuffer in OpenGL, so an equal one need not be sent again with another
-    // target.
+    // Viewports do not belong to a framebuffer: another target keeps an equal one.
     if (!_target || _viewport != viewport) {
         glViewport(viewport.x, viewport.y, static_cast<GLsizei>(viewport.width),
                    static_cast<GLsizei>(viewport.height));
@@ -204,8 +199,7 @@ void GlPipeline::clearColour(unsigned int index, const std::array<float, 4>& col
         return;
     }
     const GLint buffer = static_cast<GLint>(index);
-    // OpenGL applies the write mask to clears and Direct3D does not. The mask of the next draw is put back by
-    // that draw.
+    // OpenGL applies the write mask to clears, Direct3D does not. The next draw puts its own back.
     _sendWriteMask(index, 1, COLOR_WRITE_ALL);
     switch (_target->getClearKind(index)) {
     case GL_CLEAR_KIND::FLOAT:
@@ -253,8 +247,7 @@ void GlPipeline::setProgram(GlProgram& program) {
 }
 
 void GlPipeline::setBlendState(const BlendStateDesc& state) {
-    // Comparing the whole description is cheaper than the calls that it saves, and keeps unchanged frames
-    // free of calls.
+    // Comparing the description is cheaper than the calls that it saves.
     if (_blendWanted == state)
         return;
     _blendWanted = state;
@@ -404,8 +397,7 @@ void GlPipeline::_sendBlend() {
     }
     _blendSent.alphaToCoverage = wanted.alphaToCoverage;
     _blendSent.blendFactor = wanted.blendFactor;
-    // One call for all targets instead of eight. The sent values are kept for each target, because clears
-    // open the mask of single ones.
+    // One call for all. Values are kept for each target, as clears open single masks.
     if (!wanted.independentBlend)
         _sendTargetBlend(0, MAX_COLOUR_TARGETS, wanted.targets[0]);
     else
@@ -437,8 +429,7 @@ void GlPipeline::_sendTargetBlend(unsigned int index, unsigned int count, const 
             (wanted.enabled ? glEnablei : glDisablei)(GL_BLEND, index);
         store(&T::enabled);
     }
-    // The mask counts without blending too. Equations and factors do not, and are left as they are until they
-    // matter.
+    // The mask counts without blending too; equations and factors do not.
     _sendWriteMask(index, count, wanted.writeMask);
     if (!wanted.enabled)
         return;
@@ -504,8 +495,7 @@ void GlPipeline::_sendRaster() {
         glPolygonOffset(wanted.slopeScaledDepthBias, wanted.depthBias);
         _count();
     }
-    // Depth clamp is the opposite of depth clip: with it, geometry beyond near and far is drawn at the
-    // limits.
+    // The opposite: clamped, geometry beyond near and far is drawn at the limits.
     if (wanted.depthClip != sent.depthClip)
         _enable(GL_DEPTH_CLAMP, !wanted.depthClip);
     _rasterSent = wanted;
