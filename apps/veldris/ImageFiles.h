@@ -10,8 +10,8 @@ namespace veldris {
 /// picture.
 PICTURE_CONTENT contentOf(const ovImages::ImageView& image);
 
-/// What a file's format holds: display pictures under sRGB (PNG, JPEG), or linear light (EXR, HDR): nothing,
-/// since both kinds of linear light will do.
+/// What the format of a path holds: SRGB_ENCODED for PNG and JPEG. Nothing for EXR and HDR, because both
+/// kinds of linear light will do.
 /// @return false with one line in error when the extension is of no format that can be written
 bool contentOfFormat(const ovMemory::String& path, std::optional<PICTURE_CONTENT>& content,
                      ovMemory::String& error);

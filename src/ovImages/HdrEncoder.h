@@ -16,7 +16,7 @@ namespace ovImages {
 ///
 /// Encoding takes HALF and FLOAT, writes the new run-length encoding (flat where the format demands it),
 /// rounds to the nearest mantissa; 1 and 2 channels are replicated, alpha is dropped. Negative numbers and
-/// NaN become 0, what lies beyond 255 x 2^119 that number, with a warning that counts them.
+/// NaN become 0, and numbers beyond 255 x 2^119 become that number. A warning counts them.
 class OV_API HdrEncoder : public Encoder {
 public:
     ovMemory::StringView getName() const override;

@@ -23,8 +23,8 @@ struct ContentConversion {
 };
 
 /// Finds the conversions that a chain needs. Display light and its encoding convert into each other without
-/// loss; what light a scene had cannot be told from a display picture, and how to show it is a choice that
-/// only a tone mapping makes: those are refused, never guessed.
+/// loss. Scene light is refused in both directions and never guessed: a display picture does not tell what
+/// light the scene had, and how to show scene light is a choice that only a tone mapping makes.
 /// @param target what the end wants; nothing: anything but scene light stays as it is
 /// @return false with one line in error that says which two neighbours do not fit and what to do
 bool planConversions(PICTURE_CONTENT source, const ovMemory::Buffer<EffectContent>& effects,

@@ -41,8 +41,9 @@ private:
     Chunk* _last = nullptr;
 };
 
-/// Children of a node, side by side. A text's come in one block; those added by hand make further ones, each
-/// half as large as all before it together, so that nodes never move and finding one takes few steps.
+/// Children of a node, side by side. The children of a text come in one block. Children that are added later
+/// make further blocks, each half as large as all before it together, so that nodes never move and finding
+/// one takes few steps.
 struct NodeBlock {
     NodeBlock* next = nullptr;
     std::uint32_t count = 0;

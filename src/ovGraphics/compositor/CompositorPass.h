@@ -43,7 +43,7 @@ public:
     virtual bool execute(const PassExecution& execution) = 0;
     /// Frees what drawing made on the device; the next frame makes it again.
     virtual void unload() {}
-    /// What a pass whose execute() fails is missing, for that log line.
+    /// What the pass needs, for the log line of an execute() that fails.
     virtual ovMemory::StringView getRequirement() const { return "something that it needs is missing."; }
 
 protected:

@@ -12,13 +12,13 @@ class Shader;
 class System;
 class Texture;
 
-/// What decides where a surface has depth.
+/// The settings that decide where a surface has depth.
 struct DepthShaderSettings {
     Texture* alphaTexture = nullptr; ///< null: the surface has no holes. Read at "TEXCOORD"
     Sampler* sampler = nullptr;      ///< of the alpha texture
     unsigned int alphaChannel = 3;   ///< of the texture, 0 to 3 for R to A
     float alpha = 1.0f;              ///< multiplies what the texture holds
-    float alphaCutoff = 0.0f;        ///< where the product is this or less, there is no depth
+    float alphaCutoff = 0.0f;        ///< where the product is this or less, the surface has no depth
 };
 
 /// A loaded shader that draws "POSITION" at the place of the instance and writes no colour, to be an entity's

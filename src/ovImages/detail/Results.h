@@ -36,7 +36,7 @@ bool allocateImage(DecodeResult& result, ovMemory::StringView format, unsigned w
 /// Adds a sentence to a warning.
 void appendWarning(ovMemory::String& warning, ovMemory::StringView text);
 
-/// Warns about numbers whose meaning the format cannot record, and so readers will take for `expected`.
+/// Warns that the format cannot record what the numbers mean, so that readers will take them for `expected`.
 void warnOfEncoding(ovMemory::String& warning, const ImageView& view, ovMemory::StringView format,
                     COLOUR_ENCODING expected);
 

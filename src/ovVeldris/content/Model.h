@@ -52,7 +52,7 @@ public:
     const std::optional<ovGraphics::GltfDirectionalLight>& getLight() const { return _light; }
     /// Of all parts, in the world.
     const ovGraphics::BoundingBox& getBoundingBox() const { return _boundingBox; }
-    /// What the file wants and is not done, a line each.
+    /// What the file asks for and the model does not do, a line each.
     const ovMemory::Buffer<ovMemory::String>& getWarnings() const { return _warnings; }
 
     /// The sampler that the file gives a texture; null for textures that are not of this model.

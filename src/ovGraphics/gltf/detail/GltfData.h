@@ -17,8 +17,8 @@ class OV_API GltfData {
 public:
     using Bytes = ovMemory::BufferView<const unsigned char>;
 
-    /// Values of an accessor that has no bytes of its own (all zero, or sparse). Files are small for what
-    /// they ask for here.
+    /// The most values of an accessor that has no bytes of its own (all zero, or sparse). A small file can
+    /// ask for very many of these.
     static constexpr std::size_t MAX_ZEROS = std::size_t(1) << 22;
 
     /// Loads the buffers and notes the views.

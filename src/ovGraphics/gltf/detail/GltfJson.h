@@ -10,8 +10,8 @@
 
 namespace ovGraphics::detail {
 
-/// A view of one value, or of nothing: what is missing or of another kind reads as missing, so that chains of
-/// look-ups need no checks.
+/// A view of one value, or of nothing. A value that is missing or of another kind reads as nothing, so that
+/// chains of look-ups need no checks.
 class OV_API GltfJson {
 public:
     GltfJson() = default;

@@ -22,7 +22,7 @@ struct Token {
     bool afterSpace = false;      ///< white space or a comment stands before it
 };
 
-/// Splits text; comments vanish. Never fails: bytes that belong to no token are punctuators.
+/// Splits text and drops comments. It cannot fail: bytes that belong to no token become punctuators.
 OV_API ovMemory::Buffer<Token> splitIntoTokens(ovMemory::StringView text);
 
 } // namespace ovGraphics::shading::detail
