@@ -115,9 +115,9 @@ int main(int argc, char** argv) {
     const int difference = getLargestDifference(*glsl, *hlsl);
     std::printf("largest difference between GLSL and HLSL: %d of 255\n", difference);
 
-    ovMemory::String error, warning;
-    if (!ovImages::CompositeEncoder().encodeFile(argv[1], glsl->view(), {}, error, warning)) {
-        std::fprintf(stderr, "CustomEffectShader: %s\n", error.c_str());
+    const ovMemory::Result written = ovImages::CompositeEncoder().encodeFile(argv[1], glsl->view());
+    if (!written) {
+        std::fprintf(stderr, "CustomEffectShader: %s\n", written.error.c_str());
         return 1;
     }
     return difference <= 1 ? 0 : 1;

@@ -141,10 +141,9 @@ int main(int argc, char** argv) {
     const auto image = added ? draw(graphics, *queue, box) : nullptr;
     if (!image)
         return 1;
-    ovMemory::String warning;
-    ovMemory::String error;
-    if (ovImages::CompositeEncoder().encodeFile(argv[1], image->view(), {}, error, warning))
+    const ovMemory::Result written = ovImages::CompositeEncoder().encodeFile(argv[1], image->view());
+    if (written)
         return 0;
-    std::fprintf(stderr, "%s\n", error.c_str());
+    std::fprintf(stderr, "%s\n", written.error.c_str());
     return 1;
 }

@@ -93,9 +93,10 @@ int main(int argc, char** argv) {
         return 1;
 
     const ovMemory::UniquePtr<ovImages::Image> result = target->convertToImage();
-    ovMemory::String error, warning;
-    if (!result || !files.encodeFile(argv[1], result->view(), {}, error, warning))
-        return fail(error);
+    if (!result)
+        return fail("the picture could not be read back");
+    if (const ovMemory::Result written = files.encodeFile(argv[1], result->view()); !written)
+        return fail(written.error);
     std::printf("%s: %u x %u\n", argv[1], result->getWidth(), result->getHeight());
     return 0;
 }

@@ -65,12 +65,11 @@ bool writePicture(const String& path, const ImageView& picture, bool raw, String
     const ovImages::Image converted =
         ovImages::convertImage(source, floats ? COMPONENT_TYPE::FLOAT : COMPONENT_TYPE::UINT8,
                                isOpaque(picture) ? 3 : 4, wanted, &warning);
-    String encoderWarning;
-    if (!encoders.encodeFile(path, converted.view(), {}, error, encoderWarning))
-        return false;
-    if (!encoderWarning.empty())
-        warning += (warning.empty() ? "" : "; ") + encoderWarning;
-    return true;
+    const ovMemory::Result written = encoders.encodeFile(path, converted.view());
+    error = written.error;
+    if (!written.warning.empty())
+        warning += (warning.empty() ? "" : "; ") + written.warning;
+    return error.empty();
 }
 
 } // namespace veldris

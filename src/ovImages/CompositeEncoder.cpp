@@ -105,11 +105,12 @@ const Encoder* CompositeEncoder::findByExtension(ovMemory::StringView path) cons
 }
 
 DecodeResult CompositeEncoder::decodeFile(ovMemory::StringView path, const DecodeOptions& options) const {
-    DecodeResult result;
     ovMemory::Buffer<char> content;
-    if (!ovResources::readFile(path, content, result.error))
-        return result;
-    result = decode({reinterpret_cast<const unsigned char*>(content.data()), content.size()}, options);
+    if (const ovMemory::Result read = ovResources::readFile(path, content); !read)
+        return ovMemory::failed<DecodeResult>(read.error, read.place);
+    DecodeResult result =
+        decode({reinterpret_cast<const unsigned char*>(content.data()), content.size()}, options);
+    result.place = path;
     if (!result)
         result.error = fmt::format("Decoding file '{}' failed: {}", path, result.error);
     if (!result.warning.empty())
@@ -117,29 +118,24 @@ DecodeResult CompositeEncoder::decodeFile(ovMemory::StringView path, const Decod
     return result;
 }
 
-bool CompositeEncoder::encodeFile(ovMemory::StringView path, const ImageView& view,
-                                  const EncodeOptions& options, ovMemory::String& error,
-                                  ovMemory::String& warning) const {
-    error.clear();
-    warning.clear();
+ovMemory::Result CompositeEncoder::encodeFile(ovMemory::StringView path, const ImageView& view,
+                                              const EncodeOptions& options) const {
+    const auto fail = [&](ovMemory::StringView reason) {
+        return ovMemory::failed(fmt::format("Encoding file '{}' failed: {}", path, reason),
+                                ovMemory::String(path));
+    };
     // Before encoding, which may take seconds.
     const Encoder* encoder = findByExtension(path);
-    if (!encoder) {
-        error =
-            fmt::format("Encoding file '{}' failed: its extension names no image format; expected one of {}",
-                        path, fmt::join(_extensions, ", "));
-        return false;
-    }
-    const EncodeResult result = encoder->encode(view, options);
-    if (!result) {
-        error = fmt::format("Encoding file '{}' failed: {}", path, result.error);
-        return false;
-    }
-    if (!ovResources::writeFileAtomically(path, result.bytes, error))
-        return false;
-    if (!result.warning.empty())
-        warning = fmt::format("Encoding file '{}': {}", path, result.warning);
-    return true;
+    if (!encoder)
+        return fail(fmt::format("its extension names no image format; expected one of {}",
+                                fmt::join(_extensions, ", ")));
+    const EncodeResult encoded = encoder->encode(view, options);
+    if (!encoded)
+        return fail(encoded.error);
+    ovMemory::Result written = ovResources::writeFileAtomically(path, encoded.bytes);
+    if (written && !encoded.warning.empty())
+        written.warning = fmt::format("Encoding file '{}': {}", path, encoded.warning);
+    return written;
 }
 
 } // namespace ovImages

@@ -36,10 +36,9 @@ public:
 
     /// Encodes in the format of the path's extension and writes the file as a whole or not at all
     /// (ovResources::writeFileAtomically). The folder must exist.
-    /// @param error set to one line that names the path on failure, else cleared
-    /// @param warning set to one line of what the format could not hold, else cleared
-    bool encodeFile(ovMemory::StringView path, const ImageView& view, const EncodeOptions& options,
-                    ovMemory::String& error, ovMemory::String& warning) const;
+    /// @return with texts that name the path, and a warning of what the format could not hold
+    ovMemory::Result encodeFile(ovMemory::StringView path, const ImageView& view,
+                                const EncodeOptions& options = {}) const;
 
 private:
     ovMemory::Buffer<ovMemory::UniquePtr<Encoder>> _encoders;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <ovImages/Image.h>
+#include <ovMemory/Result.h>
 
 namespace ovImages {
 
@@ -30,19 +31,18 @@ struct EncodeOptions {
 };
 
 /// A decoded picture, or why there is none.
-struct DecodeResult {
+///
+/// Of bytes, the texts hold no path; of a file they do, and the place is the path.
+struct DecodeResult : ovMemory::Result {
     ovMemory::UniquePtr<Image> image; ///< null on failure
-    ovMemory::String error;           ///< one line without a path; empty on success
-    ovMemory::String warning;         ///< what was taken with a doubt; often empty
 
     explicit operator bool() const { return image != nullptr; }
 };
 
 /// An encoded picture, or why there is none.
-struct EncodeResult {
+/// The warning tells what the format could not hold.
+struct EncodeResult : ovMemory::Result {
     ovMemory::Buffer<unsigned char> bytes; ///< the whole file; empty on failure
-    ovMemory::String error;                ///< one line without a path; empty on success
-    ovMemory::String warning;              ///< what the format could not hold and was changed; often empty
 
     explicit operator bool() const { return !bytes.empty(); }
 };

@@ -138,7 +138,7 @@ ovMemory::String checkSize(const Imf::Header& header, std::size_t pixelSize, con
 DecodeResult finishDamaged(DecodeResult result, ovMemory::StringView what, const DecodeOptions& options) {
     const ovMemory::String text = fmt::format("damaged data: {}", what);
     if (options.refuseDamaged)
-        return detail::makeDecodeError(NAME, text);
+        return detail::failFormat<DecodeResult>(NAME, text);
     detail::appendWarning(result.warning, "EXR: " + text);
     return result;
 }
@@ -149,10 +149,11 @@ DecodeResult readLuminanceChroma(Bytes bytes, const Imf::Header& header, const C
                                  const DecodeOptions& options) {
     const unsigned channels = static_cast<unsigned>(choice.selection.channels.size());
     if (choice.part != 0)
-        return detail::makeDecodeError(NAME, "luminance and chroma can only be read of the first part");
+        return detail::failFormat<DecodeResult>(NAME,
+                                                "luminance and chroma can only be read of the first part");
     const ovMemory::String fault = checkSize(header, sizeof(Imf::Rgba), options);
     if (!fault.empty())
-        return detail::makeDecodeError(NAME, fault);
+        return detail::failFormat<DecodeResult>(NAME, fault);
     const Size size = getSize(header);
     DecodeResult result;
     if (!detail::allocateImage(result, NAME, static_cast<unsigned>(size.width),
@@ -208,7 +209,7 @@ DecodeResult readChannels(Imf::MultiPartInputFile& file, const Choice& choice, c
     if (fault.empty())
         fault = checkSize(header, pixelSize, options);
     if (!fault.empty())
-        return detail::makeDecodeError(NAME, fault);
+        return detail::failFormat<DecodeResult>(NAME, fault);
     const Size size = getSize(header);
     DecodeResult result;
     if (!detail::allocateImage(result, NAME, static_cast<unsigned>(size.width),
@@ -235,14 +236,14 @@ DecodeResult decodeExr(Bytes bytes, const DecodeOptions& options) {
     // file.
     const ovMemory::String fault = detail::checkExrAttributes(bytes);
     if (!fault.empty())
-        return detail::makeDecodeError(NAME, "bad header: " + fault);
+        return detail::failFormat<DecodeResult>(NAME, "bad header: " + fault);
     detail::ExrInputStream stream(bytes);
     // The last argument lets the library look for rows whose table was never written, as in a render that was
     // stopped.
     Imf::MultiPartInputFile file(stream, NO_THREADS, !options.refuseDamaged);
     const Choice choice = chooseChannels(file, options.layer);
     if (choice.part < 0)
-        return detail::makeDecodeError(NAME, describeUndecided(file, options.layer));
+        return detail::failFormat<DecodeResult>(NAME, describeUndecided(file, options.layer));
     if (choice.selection.isLuminanceChroma)
         return readLuminanceChroma(bytes, file.header(choice.part), choice, options);
     return readChannels(file, choice, options);
@@ -292,16 +293,17 @@ bool ExrEncoder::canDecode(Bytes bytes) const {
 
 DecodeResult ExrEncoder::decode(Bytes bytes, const DecodeOptions& options) const {
     if (!canDecode(bytes))
-        return detail::makeDecodeError(NAME, "the data does not begin with the magic number of an EXR file");
+        return detail::failFormat<DecodeResult>(
+            NAME, "the data does not begin with the magic number of an EXR file");
     return detail::runGuarded<DecodeResult>(NAME, [&] { return decodeExr(bytes, options); });
 }
 
 EncodeResult ExrEncoder::encode(const ImageView& view, const EncodeOptions&) const {
     ovMemory::String fault;
     if (!isValid(view, &fault))
-        return detail::makeEncodeError(NAME, fault);
+        return detail::failFormat<EncodeResult>(NAME, fault);
     if (view.componentType != COMPONENT_TYPE::HALF && view.componentType != COMPONENT_TYPE::FLOAT)
-        return detail::makeEncodeError(
+        return detail::failFormat<EncodeResult>(
             NAME, fmt::format("cannot hold {} components: convert to half float or float first",
                               getComponentTypeName(view.componentType)));
     return detail::runGuarded<EncodeResult>(NAME, [&] { return encodeExr(view); });

@@ -148,17 +148,18 @@ DecodeResult decodeHdr(Bytes bytes, const DecodeOptions& options) {
     detail::HdrHeader header;
     const ovMemory::String fault = detail::readHdrHeader(bytes, header);
     if (!fault.empty())
-        return detail::makeDecodeError(NAME, fault);
+        return detail::failFormat<DecodeResult>(NAME, fault);
     const ovMemory::String excess =
         detail::describeExcessiveSize(header.scanlineLength, header.scanlines, 3 * sizeof(float), options);
     if (!excess.empty())
-        return detail::makeDecodeError(NAME, excess);
+        return detail::failFormat<DecodeResult>(NAME, excess);
     // The shortest scanline is one pixel and its repetition.
     const std::size_t left = bytes.size() - header.size;
     // Before the picture is allocated: a header of fifty bytes can ask for two gigabytes.
     if (options.refuseDamaged && left / sizeof(Rgbe) < header.scanlines)
-        return detail::makeDecodeError(NAME, fmt::format("{} bytes cannot hold {} scanlines of {} pixels",
-                                                         left, header.scanlines, header.scanlineLength));
+        return detail::failFormat<DecodeResult>(NAME,
+                                                fmt::format("{} bytes cannot hold {} scanlines of {} pixels",
+                                                            left, header.scanlines, header.scanlineLength));
     DecodeResult result;
     if (!detail::allocateImage(result, NAME, header.scanlineLength, header.scanlines, 3,
                                COMPONENT_TYPE::FLOAT, COLOUR_ENCODING::LINEAR))
@@ -176,7 +177,7 @@ DecodeResult decodeHdr(Bytes bytes, const DecodeOptions& options) {
         if (!lineFault.empty()) {
             const ovMemory::String text = fmt::format("damaged data: scanline {}: {}", i, lineFault);
             if (options.refuseDamaged)
-                return detail::makeDecodeError(NAME, text);
+                return detail::failFormat<DecodeResult>(NAME, text);
             detail::appendWarning(result.warning, "HDR: " + text);
             break;
         }
@@ -287,7 +288,7 @@ EncodeResult encodeHdr(const ImageView& view) {
     EncodeResult result;
     const Image image = convertImage(view, COMPONENT_TYPE::FLOAT, 3, view.encoding);
     if (image.isEmpty())
-        return detail::makeEncodeError(NAME, "no memory");
+        return detail::failFormat<EncodeResult>(NAME, "no memory");
     const ovMemory::String header =
         fmt::format("#?RADIANCE\nFORMAT=32-bit_rle_rgbe\n\n-Y {} +X {}\n", view.height, view.width);
     result.bytes.assign(header.begin(), header.end());
@@ -328,16 +329,17 @@ bool HdrEncoder::canDecode(Bytes bytes) const {
 
 DecodeResult HdrEncoder::decode(Bytes bytes, const DecodeOptions& options) const {
     if (!canDecode(bytes))
-        return detail::makeDecodeError(NAME, "the data does not begin with \"#?\" as Radiance pictures do");
+        return detail::failFormat<DecodeResult>(
+            NAME, "the data does not begin with \"#?\" as Radiance pictures do");
     return detail::runGuarded<DecodeResult>(NAME, [&] { return decodeHdr(bytes, options); });
 }
 
 EncodeResult HdrEncoder::encode(const ImageView& view, const EncodeOptions&) const {
     ovMemory::String fault;
     if (!isValid(view, &fault))
-        return detail::makeEncodeError(NAME, fault);
+        return detail::failFormat<EncodeResult>(NAME, fault);
     if (view.componentType != COMPONENT_TYPE::HALF && view.componentType != COMPONENT_TYPE::FLOAT)
-        return detail::makeEncodeError(
+        return detail::failFormat<EncodeResult>(
             NAME, fmt::format("cannot hold {} components: convert to half float or float first",
                               getComponentTypeName(view.componentType)));
     return detail::runGuarded<EncodeResult>(NAME, [&] { return encodeHdr(view); });

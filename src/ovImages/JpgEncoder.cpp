@@ -133,7 +133,7 @@ DecodeResult decodePixels(tjhandle handle, ovMemory::BufferView<const unsigned c
                       flags) != 0) {
         const ovMemory::String text = fmt::format("damaged data: {}", tjGetErrorStr2(handle));
         if (!isOnlyWarning(handle, options))
-            return detail::makeDecodeError(NAME, text);
+            return detail::failFormat<DecodeResult>(NAME, text);
         detail::appendWarning(result.warning, "JPEG: " + text);
     }
     if (header.isCmyk())
@@ -144,17 +144,18 @@ DecodeResult decodePixels(tjhandle handle, ovMemory::BufferView<const unsigned c
 DecodeResult decodeJpg(ovMemory::BufferView<const unsigned char> bytes, const DecodeOptions& options) {
     const Handle handle(tjInitDecompress());
     if (!handle)
-        return detail::makeDecodeError(NAME, tjGetErrorStr2(nullptr));
+        return detail::failFormat<DecodeResult>(NAME, tjGetErrorStr2(nullptr));
     Header header;
     const int status = tjDecompressHeader3(handle.get(), bytes.data(), bytes.size(), &header.width,
                                            &header.height, &header.subsampling, &header.colourSpace);
     // Sampling factors without a name in the library's list fail here, but decode.
     const bool isOnlyUnnamed = header.subsampling < 0 && header.colourSpace >= 0;
     if (status != 0 && !isOnlyUnnamed && !isOnlyWarning(handle.get(), options))
-        return detail::makeDecodeError(NAME, fmt::format("bad header: {}", tjGetErrorStr2(handle.get())));
+        return detail::failFormat<DecodeResult>(NAME,
+                                                fmt::format("bad header: {}", tjGetErrorStr2(handle.get())));
     const ovMemory::String fault = checkHeader(header, bytes.size(), options);
     if (!fault.empty())
-        return detail::makeDecodeError(NAME, fault);
+        return detail::failFormat<DecodeResult>(NAME, fault);
     const Segments segments = readSegments(bytes);
     DecodeResult result = decodePixels(handle.get(), bytes, header, segments.hasAdobe, options);
     if (result && options.applyOrientation)
@@ -165,14 +166,14 @@ DecodeResult decodeJpg(ovMemory::BufferView<const unsigned char> bytes, const De
 EncodeResult encodeJpg(const ImageView& view, const EncodeOptions& options) {
     const Handle handle(tjInitCompress());
     if (!handle)
-        return detail::makeEncodeError(NAME, tjGetErrorStr2(nullptr));
+        return detail::failFormat<EncodeResult>(NAME, tjGetErrorStr2(nullptr));
     Image grey;
     const unsigned char* pixels = view.bytes.data();
     // The library has no grey with alpha to read from.
     if (view.channels == 2) {
         grey = convertImage(view, COMPONENT_TYPE::UINT8, 1, view.encoding);
         if (grey.isEmpty())
-            return detail::makeEncodeError(NAME, "no memory");
+            return detail::failFormat<EncodeResult>(NAME, "no memory");
         pixels = grey.getBytes().data();
     }
     // Four channels are read as RGB and a byte that is skipped, so that alpha needs no copy.
@@ -189,7 +190,7 @@ EncodeResult encodeJpg(const ImageView& view, const EncodeOptions& options) {
                     format, &encoded, &size, subsampling, quality, TJFLAG_ACCURATEDCT);
     const std::unique_ptr<unsigned char, TjDeleter> owner(encoded);
     if (status != 0)
-        return detail::makeEncodeError(NAME, tjGetErrorStr2(handle.get()));
+        return detail::failFormat<EncodeResult>(NAME, tjGetErrorStr2(handle.get()));
     EncodeResult result;
     result.bytes.assign(encoded, encoded + size);
     detail::warnOfDroppedAlpha(result.warning, view, NAME);
@@ -232,14 +233,15 @@ bool JpgEncoder::canDecode(ovMemory::BufferView<const unsigned char> bytes) cons
 DecodeResult JpgEncoder::decode(ovMemory::BufferView<const unsigned char> bytes,
                                 const DecodeOptions& options) const {
     if (!canDecode(bytes))
-        return detail::makeDecodeError(NAME, "the data does not begin with the marker of a JPEG file");
+        return detail::failFormat<DecodeResult>(NAME,
+                                                "the data does not begin with the marker of a JPEG file");
     return detail::runGuarded<DecodeResult>(NAME, [&] { return decodeJpg(bytes, options); });
 }
 
 EncodeResult JpgEncoder::encode(const ImageView& view, const EncodeOptions& options) const {
     const ovMemory::String fault = describeFault(view, options);
     if (!fault.empty())
-        return detail::makeEncodeError(NAME, fault);
+        return detail::failFormat<EncodeResult>(NAME, fault);
     return detail::runGuarded<EncodeResult>(NAME, [&] { return encodeJpg(view, options); });
 }
 

@@ -128,7 +128,7 @@ bool reachesEnd(ovMemory::BufferView<const unsigned char> bytes) {
 DecodeResult decodePng(ovMemory::BufferView<const unsigned char> bytes, const DecodeOptions& options) {
     const Context context(spng_ctx_new(0));
     if (!context)
-        return detail::makeDecodeError(NAME, "no memory");
+        return detail::failFormat<DecodeResult>(NAME, "no memory");
     spng_set_image_limits(context.get(), MAX_IMAGE_SIDE, MAX_IMAGE_SIDE);
     spng_set_chunk_limits(context.get(), MAX_CHUNK_BYTES, MAX_CHUNK_BYTES);
     ovMemory::Buffer<unsigned char> padded;
@@ -142,20 +142,20 @@ DecodeResult decodePng(ovMemory::BufferView<const unsigned char> bytes, const De
         padded.resize(bytes.size() + READ_BYTES);
         bytes = padded;
     } else if (!reachesEnd(bytes)) {
-        return detail::makeDecodeError(NAME, "damaged data: the file ends early");
+        return detail::failFormat<DecodeResult>(NAME, "damaged data: the file ends early");
     }
     int status = spng_set_png_buffer(context.get(), bytes.data(), bytes.size());
     spng_ihdr header = {};
     if (status == SPNG_OK)
         status = spng_get_ihdr(context.get(), &header);
     if (status != SPNG_OK)
-        return detail::makeDecodeError(NAME, fmt::format("bad header: {}", spng_strerror(status)));
+        return detail::failFormat<DecodeResult>(NAME, fmt::format("bad header: {}", spng_strerror(status)));
 
     spng_trns transparency = {};
     const Layout layout = chooseLayout(header, spng_get_trns(context.get(), &transparency) == SPNG_OK);
     const ovMemory::String fault = checkHeader(header, layout, fileSize, options);
     if (!fault.empty())
-        return detail::makeDecodeError(NAME, fault);
+        return detail::failFormat<DecodeResult>(NAME, fault);
 
     DecodeResult result;
     const COLOUR_ENCODING encoding = readEncoding(context.get(), result.warning);
@@ -168,7 +168,7 @@ DecodeResult decodePng(ovMemory::BufferView<const unsigned char> bytes, const De
         // The chunks behind the pixels too: EXIF may stand there.
         status = spng_decode_chunks(context.get());
     if (status != SPNG_OK && options.refuseDamaged)
-        return detail::makeDecodeError(NAME, fmt::format("damaged data: {}", spng_strerror(status)));
+        return detail::failFormat<DecodeResult>(NAME, fmt::format("damaged data: {}", spng_strerror(status)));
     if (status != SPNG_OK)
         detail::appendWarning(result.warning, fmt::format("PNG: damaged data: {}", spng_strerror(status)));
     if (options.applyOrientation)
@@ -186,7 +186,7 @@ std::uint8_t getColourType(unsigned channels) {
 EncodeResult encodePng(const ImageView& view) {
     const Context context(spng_ctx_new(SPNG_CTX_ENCODER));
     if (!context)
-        return detail::makeEncodeError(NAME, "no memory");
+        return detail::failFormat<EncodeResult>(NAME, "no memory");
     spng_ihdr header = {};
     header.width = view.width;
     header.height = view.height;
@@ -204,7 +204,7 @@ EncodeResult encodePng(const ImageView& view) {
     const std::unique_ptr<void, FreeDeleter> encoded(
         status == SPNG_OK ? spng_get_png_buffer(context.get(), &size, &status) : nullptr);
     if (!encoded)
-        return detail::makeEncodeError(NAME, spng_strerror(status));
+        return detail::failFormat<EncodeResult>(NAME, spng_strerror(status));
     EncodeResult result;
     const auto* begin = static_cast<const unsigned char*>(encoded.get());
     result.bytes.assign(begin, begin + size);
@@ -228,16 +228,17 @@ bool PngEncoder::canDecode(ovMemory::BufferView<const unsigned char> bytes) cons
 DecodeResult PngEncoder::decode(ovMemory::BufferView<const unsigned char> bytes,
                                 const DecodeOptions& options) const {
     if (!canDecode(bytes))
-        return detail::makeDecodeError(NAME, "the data does not begin with the signature of a PNG file");
+        return detail::failFormat<DecodeResult>(NAME,
+                                                "the data does not begin with the signature of a PNG file");
     return detail::runGuarded<DecodeResult>(NAME, [&] { return decodePng(bytes, options); });
 }
 
 EncodeResult PngEncoder::encode(const ImageView& view, const EncodeOptions&) const {
     ovMemory::String fault;
     if (!isValid(view, &fault))
-        return detail::makeEncodeError(NAME, fault);
+        return detail::failFormat<EncodeResult>(NAME, fault);
     if (view.componentType != COMPONENT_TYPE::UINT8 && view.componentType != COMPONENT_TYPE::UINT16)
-        return detail::makeEncodeError(
+        return detail::failFormat<EncodeResult>(
             NAME, fmt::format("cannot hold {} components: convert to 8-bit or 16-bit unsigned first",
                               getComponentTypeName(view.componentType)));
     return detail::runGuarded<EncodeResult>(NAME, [&] { return encodePng(view); });

@@ -11,6 +11,7 @@
 
 namespace ovResources {
 
+using ovMemory::Result;
 using ovMemory::String;
 using ovMemory::StringView;
 
@@ -66,14 +67,14 @@ StringView adviceFor(int code, bool writing) {
     }
 }
 
-bool fail(String& error, StringView action, StringView path, StringView reason, StringView advice) {
-    error.assign(action).append(" file '").append(path).append("' failed: ").append(reason);
-    error.append("; ").append(advice);
-    return false;
+Result fail(StringView action, StringView path, StringView reason, StringView advice) {
+    String error(action);
+    error.append(" file '").append(path).append("' failed: ").append(reason).append("; ").append(advice);
+    return ovMemory::failed(std::move(error), String(path));
 }
 
-bool failWithCode(String& error, bool writing, StringView path, int code) {
-    return fail(error, writing ? "Writing" : "Reading", path, std::generic_category().message(code),
+Result failWithCode(bool writing, StringView path, int code) {
+    return fail(writing ? "Writing" : "Reading", path, std::generic_category().message(code),
                 adviceFor(code, writing));
 }
 
@@ -82,14 +83,14 @@ StringView kindOf(mode_t mode) {
 }
 
 // Whether the text can be a path at all; the system would cut it at a zero byte and take another file.
-bool checkPath(StringView path, bool writing, String& error) {
+Result checkPath(StringView path, bool writing) {
     const StringView action = writing ? "Writing" : "Reading";
     if (path.empty())
-        return fail(error, action, path, "the path is empty", "name a file");
+        return fail(action, path, "the path is empty", "name a file");
     if (path.find('\0') != StringView::npos)
-        return fail(error, action, path.substr(0, path.find('\0')), "the path contains a zero byte",
+        return fail(action, path.substr(0, path.find('\0')), "the path contains a zero byte",
                     "remove it from the path");
-    return true;
+    return {};
 }
 
 // Whether so many bytes can be in memory at all. Where the system promises more memory than it has, a
@@ -100,8 +101,8 @@ bool fitsIntoMemory(off_t size) {
     return pages <= 0 || pageBytes <= 0 || double(size) < double(pages) * double(pageBytes);
 }
 
-bool failForSize(String& error, StringView path, off_t size) {
-    return fail(error, "Reading", path, std::to_string(size) + " bytes do not fit into memory",
+Result failForSize(StringView path, off_t size) {
+    return fail("Reading", path, std::to_string(size) + " bytes do not fit into memory",
                 "use a smaller file");
 }
 
@@ -185,58 +186,56 @@ int replaceFile(const std::filesystem::path& target, const struct stat* existing
 
 } // namespace
 
-bool readFile(StringView path, ovMemory::Buffer<char>& bytes, String& error) {
+Result readFile(StringView path, ovMemory::Buffer<char>& bytes) {
     bytes.clear();
-    error.clear();
-    if (!checkPath(path, false, error))
-        return false;
+    if (const Result checked = checkPath(path, false); !checked)
+        return checked;
     // Not blocking: opening a pipe would otherwise wait for a writer, perhaps for ever.
     const OpenFile file(::open(String(path).c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
     struct stat state = {};
     if (file.get() < 0 || ::fstat(file.get(), &state) != 0)
-        return failWithCode(error, false, path, errno);
+        return failWithCode(false, path, errno);
     if (!S_ISREG(state.st_mode))
-        return fail(error, "Reading", path, kindOf(state.st_mode), "name a file");
+        return fail("Reading", path, kindOf(state.st_mode), "name a file");
     if (!fitsIntoMemory(state.st_size))
-        return failForSize(error, path, state.st_size);
+        return failForSize(path, state.st_size);
     try {
         if (readAll(file.get(), std::size_t(state.st_size), bytes))
-            return true;
-        failWithCode(error, false, path, errno);
+            return {};
+        const int code = errno;
+        bytes = {};
+        return failWithCode(false, path, code);
     } catch (const std::bad_alloc&) {
-        failForSize(error, path, state.st_size);
+        bytes = {};
+        return failForSize(path, state.st_size);
     }
-    bytes = {};
-    return false;
 }
 
-bool writeFileAtomically(StringView path, ovMemory::BufferView<const char> bytes, String& error) {
-    error.clear();
-    if (!checkPath(path, true, error))
-        return false;
+Result writeFileAtomically(StringView path, ovMemory::BufferView<const char> bytes) {
+    if (const Result checked = checkPath(path, true); !checked)
+        return checked;
     std::filesystem::path target(path);
     if (const int code = followLinks(target))
-        return failWithCode(error, true, path, code);
+        return failWithCode(true, path, code);
     struct stat existing = {};
     const bool exists = ::stat(target.c_str(), &existing) == 0;
     if (!exists && errno != ENOENT)
-        return failWithCode(error, true, path, errno);
+        return failWithCode(true, path, errno);
     if (exists && !S_ISREG(existing.st_mode))
-        return fail(error, "Writing", path, kindOf(existing.st_mode), "name a file");
+        return fail("Writing", path, kindOf(existing.st_mode), "name a file");
     // The rename alone would replace files that are protected against writing.
     if (exists && ::access(target.c_str(), W_OK) != 0)
-        return failWithCode(error, true, path, errno);
+        return failWithCode(true, path, errno);
     if (!target.has_filename())
-        return fail(error, "Writing", path, "the path ends in a separator", "name a file");
+        return fail("Writing", path, "the path ends in a separator", "name a file");
     if (const int code = replaceFile(target, exists ? &existing : nullptr, bytes))
-        return failWithCode(error, true, path, code);
-    return true;
+        return failWithCode(true, path, code);
+    return {};
 }
 
-bool writeFileAtomically(StringView path, ovMemory::BufferView<const unsigned char> bytes, String& error) {
+Result writeFileAtomically(StringView path, ovMemory::BufferView<const unsigned char> bytes) {
     return writeFileAtomically(
-        path, ovMemory::BufferView<const char>(reinterpret_cast<const char*>(bytes.data()), bytes.size()),
-        error);
+        path, ovMemory::BufferView<const char>(reinterpret_cast<const char*>(bytes.data()), bytes.size()));
 }
 
 } // namespace ovResources

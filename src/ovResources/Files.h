@@ -1,8 +1,10 @@
-// Whole files in and out of memory, so that nobody ever finds half of one.
+// Whole files in and out of memory, so that nobody ever finds half of one. The place of each failure is the
+// path.
 #pragma once
 
 #include <ovCommon/Api.h>
 #include <ovMemory/Memory.h>
+#include <ovMemory/Result.h>
 
 namespace ovResources {
 
@@ -10,11 +12,10 @@ namespace ovResources {
 ///
 /// @param path absolute, or relative to the process' current folder; UTF-8
 /// @param bytes receives the content; empty for an empty file and after a failure
-/// @param error receives one line that says what failed, on which path, why and what to do; empty on success
-/// @return false when the path is empty, missing, unreadable, a loop of symbolic links or not a regular file
-/// (a
+/// @return a failure when the path is empty, missing, unreadable, a loop of symbolic links or not a regular
+/// file (a
 ///         folder, a device, a pipe), or when the content does not fit into memory
-OV_API bool readFile(ovMemory::StringView path, ovMemory::Buffer<char>& bytes, ovMemory::String& error);
+OV_API ovMemory::Result readFile(ovMemory::StringView path, ovMemory::Buffer<char>& bytes);
 
 /// Writes a whole file: first a temporary one in the same folder, which then takes the name in one step.
 /// Whoever reads the path finds the old content or the new, never a part, also when the process is killed;
@@ -24,14 +25,14 @@ OV_API bool readFile(ovMemory::StringView path, ovMemory::Buffer<char>& bytes, o
 /// Folders are not created.
 ///
 /// @param path absolute, or relative to the process' current folder; UTF-8
-/// @param error receives one line that says what failed, on which path, why and what to do; empty on success
-/// @return false when the path is empty, its folder is missing or not writable, the path is an existing file
+/// @return a failure when the path is empty, its folder is missing or not writable, the path is an existing
+/// file
 ///         without write permission, a loop of symbolic links or no regular file, or when the disk is full
-OV_API bool writeFileAtomically(ovMemory::StringView path, ovMemory::BufferView<const char> bytes,
-                                ovMemory::String& error);
+OV_API ovMemory::Result writeFileAtomically(ovMemory::StringView path,
+                                            ovMemory::BufferView<const char> bytes);
 
 /// The same for bytes held as unsigned numbers, as image encoders have them.
-OV_API bool writeFileAtomically(ovMemory::StringView path, ovMemory::BufferView<const unsigned char> bytes,
-                                ovMemory::String& error);
+OV_API ovMemory::Result writeFileAtomically(ovMemory::StringView path,
+                                            ovMemory::BufferView<const unsigned char> bytes);
 
 } // namespace ovResources

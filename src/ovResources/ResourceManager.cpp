@@ -94,7 +94,7 @@ ovMemory::Buffer<char> ResourceManager::loadFileIntoMemory(StringView path) cons
 
 ovMemory::Buffer<char> ResourceManager::loadFileIntoMemory(StringView path, String& error) const {
     ovMemory::Buffer<char> bytes;
-    readFile(_toDiskPath(path, false), bytes, error);
+    error = readFile(_toDiskPath(path, false), bytes).error;
     return bytes;
 }
 
@@ -105,7 +105,8 @@ bool ResourceManager::saveFileToDisk(StringView path, ovMemory::BufferView<const
 
 bool ResourceManager::saveFileToDisk(StringView path, ovMemory::BufferView<const char> bytes,
                                      String& error) const {
-    return writeFileAtomically(_toDiskPath(path, false), bytes, error);
+    error = writeFileAtomically(_toDiskPath(path, false), bytes).error;
+    return error.empty();
 }
 
 // Not shortened: on the disk "link/.." is the folder above the link's target, which only the system knows.

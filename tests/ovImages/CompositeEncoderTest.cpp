@@ -75,18 +75,19 @@ TEST(CompositeEncoderTest, withoutANameEncodesWithoutLoss) {
 TEST(CompositeEncoderTest, filesReturnAndWarningsNameThem) {
     const TemporaryFolder folder;
     const Image image = pictures::makePattern(5, 4, 4, COMPONENT_TYPE::UINT8, COLOUR_ENCODING::SRGB);
-    ovMemory::String error = "old";
-    ovMemory::String warning = "old";
     const ovMemory::String png = folder.getPath("a b \xc3\xa9.png");
-    ASSERT_TRUE(ENCODER.encodeFile(png, image.view(), {}, error, warning)) << error;
-    EXPECT_EQ(error + warning, "");
+    ovMemory::Result written = ENCODER.encodeFile(png, image.view());
+    EXPECT_EQ(written.error + written.warning, "");
     pictures::expectEqual(*ENCODER.decodeFile(png).image, image);
 
     const ovMemory::String jpg = folder.getPath("a.jpg");
-    ASSERT_TRUE(ENCODER.encodeFile(jpg, image.view(), {}, error, warning)) << error;
-    EXPECT_EQ(warning, "Encoding file '" + jpg + "': JPEG: the format has no alpha, which was dropped");
+    written = ENCODER.encodeFile(jpg, image.view());
+    EXPECT_EQ(written.getStatus(), ovMemory::RESULT_STATUS::PARTLY_DONE) << written.error;
+    EXPECT_EQ(written.warning,
+              "Encoding file '" + jpg + "': JPEG: the format has no alpha, which was dropped");
     const Image other = pictures::makePattern(3, 2, 1, COMPONENT_TYPE::UINT8, COLOUR_ENCODING::SRGB);
-    ASSERT_TRUE(ENCODER.encodeFile(png, other.view(), {}, error, warning)) << error;
+    written = ENCODER.encodeFile(png, other.view());
+    ASSERT_TRUE(written) << written.error;
     pictures::expectEqual(*ENCODER.decodeFile(png).image, other);
     EXPECT_EQ(countEntries(folder), 2u);
 }
@@ -155,12 +156,12 @@ TEST(CompositeEncoderTest, filesThatCannotBeWrittenAreNamedAndNothingIsLeft) {
                           writing(folder.getPath("missing/a.png")),
                           writing(file + "/a.png")};
     for (const Case& c : cases) {
-        ovMemory::String error;
-        ovMemory::String warning = "old";
-        EXPECT_FALSE(ENCODER.encodeFile(c.path, image.view(), {}, error, warning));
-        EXPECT_TRUE(error.starts_with(c.error)) << error;
-        EXPECT_EQ(error.find('\n'), ovMemory::String::npos);
-        EXPECT_EQ(warning, "");
+        const ovMemory::Result written = ENCODER.encodeFile(c.path, image.view());
+        EXPECT_FALSE(written);
+        EXPECT_TRUE(written.error.starts_with(c.error)) << written.error;
+        EXPECT_EQ(written.error.find('\n'), ovMemory::String::npos);
+        EXPECT_EQ(written.place, c.path);
+        EXPECT_EQ(written.warning, "");
     }
     EXPECT_EQ(countEntries(folder), 2u);
 }

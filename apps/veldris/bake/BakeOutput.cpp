@@ -42,11 +42,12 @@ bool writeImage(const BakeOutput& output, const String& path, const ImageView& p
     const Image converted =
         ovImages::convertImage(picture, isLinear ? floats : COMPONENT_TYPE::UINT8, RGB,
                                isLinear ? COLOUR_ENCODING::LINEAR : COLOUR_ENCODING::SRGB, &warning);
-    String encoderWarning;
-    if (!encoders.encodeFile(path, converted.view(), {}, error, encoderWarning))
+    const ovMemory::Result written = encoders.encodeFile(path, converted.view());
+    error = written.error;
+    if (!written)
         return false;
     // The last one stands for all: six faces with the same complaint are one line to the user.
-    for (const String& line : {warning, encoderWarning}) {
+    for (const String& line : {warning, written.warning}) {
         if (!line.empty())
             files.warning = line;
     }

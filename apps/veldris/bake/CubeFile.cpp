@@ -37,8 +37,11 @@ const CubeFileFormat* findCubeFormat(StringView path) {
 bool readCubeFile(const String& path, CubeMap& cube, String& error) {
     const CubeFileFormat* format = findCubeFormat(path);
     ovMemory::Buffer<char> bytes;
-    if (format && !ovResources::readFile(path, bytes, error))
-        return false;
+    if (format) {
+        error = ovResources::readFile(path, bytes).error;
+        if (!error.empty())
+            return false;
+    }
     String problem(NO_FORMAT);
     if (format &&
         format->decode({reinterpret_cast<const unsigned char*>(bytes.data()), bytes.size()}, cube, problem))
@@ -51,9 +54,11 @@ bool writeCubeFile(const String& path, const CubeMap& cube, String& error) {
     const CubeFileFormat* format = findCubeFormat(path);
     const ovMemory::Buffer<unsigned char> bytes =
         format ? format->encode(cube) : ovMemory::Buffer<unsigned char>();
-    if (!bytes.empty())
-        return ovResources::writeFileAtomically(path, ovMemory::BufferView<const unsigned char>(bytes),
-                                                error);
+    if (!bytes.empty()) {
+        error =
+            ovResources::writeFileAtomically(path, ovMemory::BufferView<const unsigned char>(bytes)).error;
+        return error.empty();
+    }
     error = fmt::format("'{}' cannot be written: {}", path,
                         format ? "the cube is not of half floats or floats, or memory does not suffice."
                                : NO_FORMAT);

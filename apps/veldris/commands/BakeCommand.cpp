@@ -133,8 +133,9 @@ bool write(const BakeOptions& options, const BakeOutput& output, BakeResult& res
     if (!isWritten || options.coefficients.empty())
         return isWritten;
     const String text = coefficientsText(result.coefficients);
-    if (!ovResources::writeFileAtomically(options.coefficients, ovMemory::BufferView<const char>(text),
-                                          error))
+    error =
+        ovResources::writeFileAtomically(options.coefficients, ovMemory::BufferView<const char>(text)).error;
+    if (!error.empty())
         return false;
     result.files.paths.push_back(options.coefficients);
     return true;

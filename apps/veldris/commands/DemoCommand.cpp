@@ -106,8 +106,10 @@ bool drawGallery(Session& session, const DemoOptions& options, Buffer<GalleryEnt
     const String page = galleryPage({graphics.getDeviceInfo()->renderer, options.drawing.language,
                                      String(graphics.getPassTimingMethod()), options.width, options.height},
                                     entries);
-    return ovResources::writeFileAtomically(options.folder + "/index.html",
-                                            ovMemory::BufferView<const char>(page), error);
+    error = ovResources::writeFileAtomically(options.folder + "/index.html",
+                                             ovMemory::BufferView<const char>(page))
+                .error;
+    return error.empty();
 }
 
 void printReport(const DemoOptions& options, const Buffer<GalleryEntry>& entries, Session& session) {

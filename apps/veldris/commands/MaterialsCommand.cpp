@@ -35,8 +35,10 @@ int runMaterials(const MaterialsOptions& options) {
     giveModelLight(*loaded.model);
     const ovMemory::Buffer<ovVeldris::PbsMaterial*> materials = materialsOf(*loaded.model);
     const String text = writeMaterialFile(materials);
-    if (!ovResources::writeFileAtomically(options.output, ovMemory::BufferView<const char>(text), error))
-        return fail(error);
+    const ovMemory::Result written =
+        ovResources::writeFileAtomically(options.output, ovMemory::BufferView<const char>(text));
+    if (!written)
+        return fail(written.error);
     if (options.drawing.json)
         fmt::print("{}\n", JsonObject()
                                .text("output", options.output)

@@ -117,10 +117,10 @@ void listPrograms(const Buffer<GeneratedProgram>& programs, const DrawingOptions
                            .text("effect", program.spec)
                            .number("constantBuffers", static_cast<double>(compiled.constantBuffers.size()))
                            .number("textureUnits", static_cast<double>(compiled.textureUnits.size()))
-                           .text("warnings", program.compiled.warnings));
+                           .text("warnings", program.compiled.warning));
         if (!options.json)
             fmt::print("{:<32} {}{}\n", program.text.name, program.spec,
-                       program.compiled.warnings.empty() ? "" : "  warnings: " + program.compiled.warnings);
+                       program.compiled.warning.empty() ? "" : "  warnings: " + program.compiled.warning);
     }
     if (options.json)
         fmt::print("{}\n", JsonObject().text("language", options.language).array("programs", list).toText());

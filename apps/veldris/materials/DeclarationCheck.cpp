@@ -383,7 +383,8 @@ DeclarationFile checkDeclarations(StringView text) {
 
 bool checkDeclarationFile(StringView path, DeclarationFile& file, String& error) {
     Buffer<char> bytes;
-    if (!ovResources::readFile(path, bytes, error))
+    error = ovResources::readFile(path, bytes).error;
+    if (!error.empty())
         return false;
     file = checkDeclarations({bytes.data(), bytes.size()});
     return true;

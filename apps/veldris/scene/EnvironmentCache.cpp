@@ -139,8 +139,7 @@ bool EnvironmentCache::load(ovMemory::BufferView<Texture* const> textures) const
     if (_path.empty() || !std::filesystem::exists(_path))
         return false;
     Buffer<char> file;
-    String error;
-    if (!ovResources::readFile(_path, file, error) || file.size() < _key.size() + sizeof(uint64_t))
+    if (!ovResources::readFile(_path, file) || file.size() < _key.size() + sizeof(uint64_t))
         return false;
     const StringView bytes(file.data(), file.size() - sizeof(uint64_t));
     uint64_t checksum = 0;
@@ -173,10 +172,9 @@ String EnvironmentCache::store(ovMemory::BufferView<Texture* const> textures) co
     std::error_code status;
     // Its failure is not looked at: the writing fails then, with a better message.
     std::filesystem::create_directories(std::filesystem::path(_path).parent_path(), status);
-    String error;
-    return ovResources::writeFileAtomically(_path, ovMemory::BufferView<const char>(bytes), error)
-               ? String()
-               : "The filtered environment is not kept: " + error;
+    const ovMemory::Result written =
+        ovResources::writeFileAtomically(_path, ovMemory::BufferView<const char>(bytes));
+    return written ? String() : "The filtered environment is not kept: " + written.error;
 }
 
 } // namespace veldris

@@ -162,9 +162,7 @@ public:
         view.componentType = ovImages::COMPONENT_TYPE::FLOAT;
         view.encoding = ovImages::COLOUR_ENCODING::LINEAR;
         view.bytes = {reinterpret_cast<const unsigned char*>(texels.data()), texels.size() * sizeof(float)};
-        ovMemory::String error;
-        ovMemory::String warning;
-        ovImages::CompositeEncoder().encodeFile((_folder / "light.hdr").native(), view, {}, error, warning);
+        ovImages::CompositeEncoder().encodeFile((_folder / "light.hdr").native(), view);
     }
     ~Baker() { std::filesystem::remove_all(_folder); }
     Baker(const Baker&) = delete;

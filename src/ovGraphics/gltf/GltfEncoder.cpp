@@ -146,17 +146,18 @@ GltfDecodeResult GltfEncoder::decode(Bytes bytes, const GltfDecodeOptions& optio
 }
 
 GltfDecodeResult GltfEncoder::decodeFile(StringView path, const GltfDecodeOptions& options) const {
-    GltfDecodeResult result;
     Buffer<char> bytes;
-    if (!ovResources::readFile(path, bytes, result.error))
-        return result;
+    if (const ovMemory::Result read = ovResources::readFile(path, bytes); !read)
+        return ovMemory::failed<GltfDecodeResult>(read.error, read.place);
     GltfDecodeOptions ownOptions = options;
     // The addresses in a file are relative to it, wherever the process runs.
     if (ownOptions.folder.empty()) {
         const std::size_t separator = path.rfind('/');
         ownOptions.folder = separator == StringView::npos ? "." : path.substr(0, separator + 1);
     }
-    result = decode({reinterpret_cast<const unsigned char*>(bytes.data()), bytes.size()}, ownOptions);
+    GltfDecodeResult result =
+        decode({reinterpret_cast<const unsigned char*>(bytes.data()), bytes.size()}, ownOptions);
+    result.place = path;
     if (!result)
         result.error = fmt::format("the model '{}' cannot be read: {}", path, result.error);
     return result;

@@ -4,6 +4,7 @@
 #include <ovCommon/Api.h>
 #include <ovGraphics/gltf/GltfScene.h>
 #include <ovMemory/Memory.h>
+#include <ovMemory/Result.h>
 
 namespace ovGraphics {
 
@@ -25,9 +26,10 @@ struct GltfDecodeOptions {
 };
 
 /// A file's content, or why there is none.
-struct GltfDecodeResult {
+/// What is read differently from what the file wants is in the scene's warnings. The place of a file is its
+/// path.
+struct GltfDecodeResult : ovMemory::Result {
     ovMemory::UniquePtr<GltfScene> scene; ///< null on failure
-    ovMemory::String error;               ///< one line; empty on success
 
     explicit operator bool() const { return scene != nullptr; }
 };

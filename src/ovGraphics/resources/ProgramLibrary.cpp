@@ -89,7 +89,7 @@ ovMemory::UniquePtr<LoadedProgram> ProgramLibrary::_compile(const shading::Progr
                                                             ovMemory::String& error,
                                                             ovMemory::String& warnings) {
     shading::CompileResult result = shading::compile(text);
-    warnings = result.warnings;
+    warnings = result.warning;
     if (!result) {
         error = result.error;
         return nullptr;

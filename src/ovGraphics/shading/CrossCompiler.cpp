@@ -39,11 +39,21 @@ const char* getStageName(STAGE stage) {
     return stage == STAGE::VERTEX ? "vertex" : "pixel";
 }
 
+/// "<file>:<line>" of a message "<file>:<line>: <words>"; empty when it names no place.
+StringView placeOf(StringView message) {
+    const std::size_t lineEnd = message.find(": ");
+    const StringView place = message.substr(0, lineEnd);
+    const std::size_t colon = place.rfind(':');
+    const bool hasLine = lineEnd != StringView::npos && colon != StringView::npos &&
+                         colon + 1 < place.size() &&
+                         place.find_first_not_of("0123456789", colon + 1) == StringView::npos;
+    return hasLine ? place : StringView();
+}
+
 CompileResult makeFailure(const ProgramText& text, STAGE stage, StringView words) {
-    CompileResult result;
-    result.error = fmt::format("Could not compile the {} stage of program '{}': {}", getStageName(stage),
-                               text.name, words);
-    return result;
+    return ovMemory::failed<CompileResult>(fmt::format("Could not compile the {} stage of program '{}': {}",
+                                                       getStageName(stage), text.name, words),
+                                           String(placeOf(words)));
 }
 
 // Checked by hand and not by the front end: a define stands before the author's text, so that the message
@@ -114,7 +124,7 @@ CompileResult compile(const ProgramText& text) {
         if (!compiled.error.empty()) {
             return makeFailure(text, STAGES[i], compiled.error);
         }
-        result.warnings += compiled.warnings;
+        result.warning += compiled.warning;
         // Before reflection, which would otherwise meet textures that are no resources.
         if (!detail::passOpaqueParametersDirectly(compiled.spirv)) {
             return makeFailure(text, STAGES[i],

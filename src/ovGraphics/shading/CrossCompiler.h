@@ -3,17 +3,18 @@
 
 #include <ovCommon/Api.h>
 #include <ovGraphics/shading/CompiledProgram.h>
+#include <ovMemory/Result.h>
 
 namespace ovGraphics::shading {
 
 /// Outcome of a compilation.
-struct CompileResult {
+///
+/// The error is one message: "Could not compile the <vertex|pixel> stage of program '<name>': <file or
+/// 'source'>:<line>: <the compiler's words>", the line counted in the author's text; the place is
+/// "<file or 'source'>:<line>". Messages about the stage as a whole (a missing input, two buffers of one
+/// slot) name no place. The warning has the compilers' warnings, one a line.
+struct CompileResult : ovMemory::Result {
     ovMemory::UniquePtr<CompiledProgram> program; ///< null on failure
-    /// On failure one message: "Could not compile the <vertex|pixel> stage of program '<name>': <file or
-    /// 'source'>:<line>: <the compiler's words>", the line counted in the author's text.
-    /// Messages about the stage as a whole (a missing input, two buffers of one slot) name no place.
-    ovMemory::String error;
-    ovMemory::String warnings; ///< the compilers' warnings, empty when there are none
     explicit operator bool() const { return program != nullptr; }
 };
 

@@ -46,9 +46,8 @@ UniquePtr<CachedProgram> ProgramDiskCache::load(const ProgramText& text) const {
     }
     const String key = makeKey(text, _driverKey);
     Buffer<char> bytes;
-    String ignored; // a file that is missing or unreadable counts as absent
-    if (!ovResources::readFile(makePath(_folder, key), bytes, ignored)) {
-        return nullptr;
+    if (!ovResources::readFile(makePath(_folder, key), bytes)) {
+        return nullptr; // a file that is missing or unreadable counts as absent
     }
     return detail::unpackCachedProgram(bytes, key);
 }
@@ -64,17 +63,18 @@ bool ProgramDiskCache::store(const ProgramText& text, const CachedProgram& progr
     std::error_code failure;
     // At each store and not once at start-up: the user may delete the folder at any time.
     std::filesystem::create_directories(_folder, failure);
-    bool stored = false;
     if (failure) {
         words = fmt::format("Could not make the folder '{}' of compiled programs: {}. Name another folder.",
                             _folder, failure.message());
     } else {
         const String key = makeKey(text, _driverKey);
-        stored = ovResources::writeFileAtomically(makePath(_folder, key),
-                                                  detail::packCachedProgram(key, program), words);
+        words =
+            ovResources::writeFileAtomically(makePath(_folder, key), detail::packCachedProgram(key, program))
+                .error;
     }
+    const bool stored = words.empty();
     if (error) {
-        *error = words;
+        *error = std::move(words);
     }
     return stored;
 }

@@ -8,18 +8,6 @@
 
 namespace ovImages::detail {
 
-DecodeResult makeDecodeError(ovMemory::StringView format, ovMemory::StringView text) {
-    DecodeResult result;
-    result.error = fmt::format("{}: {}", format, text);
-    return result;
-}
-
-EncodeResult makeEncodeError(ovMemory::StringView format, ovMemory::StringView text) {
-    EncodeResult result;
-    result.error = fmt::format("{}: {}", format, text);
-    return result;
-}
-
 ovMemory::String describeExcessiveSize(std::uint64_t width, std::uint64_t height, std::uint64_t bytesPerPixel,
                                        const DecodeOptions& options) {
     if (width == 0 || height == 0)

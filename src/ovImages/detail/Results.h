@@ -8,21 +8,22 @@
 
 namespace ovImages::detail {
 
-DecodeResult makeDecodeError(ovMemory::StringView format, ovMemory::StringView text);
-EncodeResult makeEncodeError(ovMemory::StringView format, ovMemory::StringView text);
+/// A failed DecodeResult or EncodeResult: "<format>: <text>".
+template <typename RESULT>
+RESULT failFormat(ovMemory::StringView format, ovMemory::StringView text) {
+    return ovMemory::failed<RESULT>(ovMemory::String(format).append(": ").append(text));
+}
 
 /// Runs `decode` or `encode`, turning exceptions, of libraries or for lack of memory, into an error result.
 template <typename RESULT, typename WORK>
 RESULT runGuarded(ovMemory::StringView format, WORK work) {
-    RESULT result;
     try {
         return work();
     } catch (const std::exception& exception) {
-        result.error = ovMemory::String(format) + ": " + exception.what();
+        return failFormat<RESULT>(format, exception.what());
     } catch (...) {
-        result.error = ovMemory::String(format) + ": unknown failure";
+        return failFormat<RESULT>(format, "unknown failure");
     }
-    return result;
 }
 
 /// Empty when a picture of this size may be decoded, else the reason why not.

@@ -64,11 +64,13 @@ public:
         const ovMemory::Buffer<char> reached = reachedNodes(_scene);
         for (std::size_t i = 0; i < _scene.nodes.size(); ++i) {
             if (reached[i] && !_addNode(_scene.nodes[i]))
-                return {nullptr, _error};
+                return ovMemory::failed<ModelLoadResult>(_error);
         }
         for (const detail::ModelTextures::Made& made : _textures.getMade())
             _model->_textures.push_back({made.texture, made.sampler});
-        return {std::move(_model), {}};
+        ModelLoadResult result;
+        result.model = std::move(_model);
+        return result;
     }
 
 private:
@@ -148,8 +150,9 @@ ModelLoader::~ModelLoader() = default;
 ModelLoadResult ModelLoader::load(ovMemory::StringView path) const {
     const ovGraphics::GltfDecodeResult decoded = ovGraphics::GltfEncoder().decodeFile(path);
     if (!decoded)
-        return {nullptr, decoded.error};
+        return ovMemory::failed<ModelLoadResult>(decoded.error, decoded.place);
     ModelLoadResult result = create(*decoded.scene);
+    result.place = decoded.place;
     if (!result)
         result.error = "Could not make a model of '" + String(path) + "': " + result.error;
     return result;
@@ -158,7 +161,8 @@ ModelLoadResult ModelLoader::load(ovMemory::StringView path) const {
 ModelLoadResult ModelLoader::create(const GltfScene& scene) const {
     ovGraphics::System* graphics = graphicsSystemOf(_system.get());
     if (!graphics || !graphics->getIsInitialized() || !_system->getMaterialManager())
-        return {nullptr, "the system is not initialised; call System::initialize first."};
+        return ovMemory::failed<ModelLoadResult>(
+            "the system is not initialised; call System::initialize first.");
     return ModelBuilder(*_system, *graphics, scene).build();
 }
 

@@ -1,14 +1,14 @@
 // Models of files as they are drawn.
 #pragma once
 
+#include <ovMemory/Result.h>
 #include <ovVeldris/content/Model.h>
 
 namespace ovVeldris {
 
 /// A model, or why there is none.
-struct ModelLoadResult {
+struct ModelLoadResult : ovMemory::Result {
     ovMemory::UniquePtr<Model> model; ///< null on failure
-    ovMemory::String error;           ///< one line; empty on success
 
     explicit operator bool() const { return model != nullptr; }
 };

@@ -2,6 +2,7 @@
 #include <ovGraphics/shading/CrossCompiler.h>
 
 #include <ovGraphics/shading/ShadingPrograms.h>
+#include <regex>
 
 namespace ovGraphics::shading {
 
@@ -19,6 +20,13 @@ struct ErrorCase {
     const char* pixel;
     const char* expected;
 };
+
+/// The file and line that a message names, found by a regular expression; empty when it names none.
+String placeIn(const String& message) {
+    std::smatch found;
+    const std::regex place("(source|my/file.ovsl):[0-9]+(?=: )");
+    return std::regex_search(message, found, place) ? found.str() : String();
+}
 
 const ErrorCase ERROR_CASES[] = {
     {"glslLine", GLSL, nullptr, "out vec4 OUT_COLOR;\nvoid main () {\n    OUT_COLOR = foo;\n}\n",
@@ -136,6 +144,7 @@ TEST(CrossCompilerErrors, ErrorsNameProgramStageAndTheAuthorsLine) {
         EXPECT_EQ(result.error.rfind("Could not compile the ", 0), 0u) << result.error;
         EXPECT_NE(result.error.find(row.expected), String::npos) << result.error;
         EXPECT_EQ(result.error.find('\n'), String::npos) << result.error;
+        EXPECT_EQ(result.place, placeIn(result.error)) << result.error;
     }
 }
 

@@ -428,7 +428,7 @@ TEST(CrossCompiler, WarningsAreCollected) {
     const CompileResult result =
         compile(makeProgram(GLSL, QUAD_VERTEX, "\n#extension GL_OV_unheard_of : enable\nvoid main () {}\n"));
     EXPECT_TRUE(result) << result.error;
-    EXPECT_EQ(result.warnings, "source:2: '#extension' : extension not supported: GL_OV_unheard_of\n");
+    EXPECT_EQ(result.warning, "source:2: '#extension' : extension not supported: GL_OV_unheard_of\n");
 }
 
 TEST(CrossCompiler, OutcomeIsTheSameEachTime) {

@@ -66,7 +66,7 @@ inline ProgramText makeProgram(SHADER_LANGUAGE language, ovMemory::String vertex
 inline CompiledProgram compileOrFail(const ProgramText& text) {
     CompileResult result = compile(text);
     EXPECT_EQ(result.error, "") << getLanguageName(text.language);
-    EXPECT_EQ(result.warnings, "") << getLanguageName(text.language);
+    EXPECT_EQ(result.warning, "") << getLanguageName(text.language);
     EXPECT_EQ(result.program == nullptr, !result.error.empty());
     return result ? *result.program : CompiledProgram();
 }

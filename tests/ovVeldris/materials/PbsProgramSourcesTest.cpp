@@ -232,7 +232,7 @@ TEST_F(PbsProgramSourcesTest, EveryCombinationCompilesInBothLanguagesWithoutAWar
             const auto result = ovGraphics::shading::compile(
                 {"PBS", language, true, sources.getVertex(), sources.getPixel()});
             ASSERT_TRUE(result) << describe(options, choice) << "\n" << result.error;
-            EXPECT_EQ(result.warnings, "") << describe(options, choice);
+            EXPECT_EQ(result.warning, "") << describe(options, choice);
         }
     }
 }

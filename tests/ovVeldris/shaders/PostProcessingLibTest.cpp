@@ -106,7 +106,7 @@ TEST_P(PostProcessingLibTest, HandsTheCoordinateOnOnlyWhenItIsEnabled) {
                 compileWithDefaultVertex(pixelReadsUv ? DRAWS_UV : DRAWS_POSITION, disableUv);
             const bool compiles = !(disableUv && pixelReadsUv);
             EXPECT_EQ(bool(result), compiles) << result.error;
-            EXPECT_EQ(result.warnings, "");
+            EXPECT_EQ(result.warning, "");
             EXPECT_EQ(result.error.find("PIX_TEXCOORD") != ovMemory::String::npos, !compiles) << result.error;
         }
 }

@@ -43,7 +43,8 @@ std::optional<Bytes> loadGltfUri(StringView uri, StringView folder, GltfReport& 
     }
     ovMemory::Buffer<char> bytes;
     const StringView separator = folder.ends_with('/') ? "" : "/";
-    if (!ovResources::readFile(fmt::format("{}{}{}", folder, separator, *path), bytes, error))
+    error = ovResources::readFile(fmt::format("{}{}{}", folder, separator, *path), bytes).error;
+    if (!error.empty())
         return {};
     if (!report.charge(bytes.size(), 1, fmt::format("the file {}", quoteGltf(*path)))) {
         error = report.getError();

@@ -55,7 +55,7 @@ void readLog(StringView log, FrontEndResult& result) {
         const StringView line = log.substr(0, end);
         continues = continues && line.starts_with("    ");
         if (line.starts_with(WARNING)) {
-            result.warnings += String(trim(line.substr(WARNING.size()))) + '\n';
+            result.warning += String(trim(line.substr(WARNING.size()))) + '\n';
         } else if (continues) {
             result.error += ' ' + String(trim(line));
         } else if (result.error.empty() && line.starts_with(ERROR)) {

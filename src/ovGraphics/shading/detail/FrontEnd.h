@@ -4,17 +4,15 @@
 #include <cstdint>
 #include <ovCommon/Api.h>
 #include <ovGraphics/shading/CompiledProgram.h>
+#include <ovMemory/Result.h>
 
 namespace ovGraphics::shading::detail {
 
-/// What a front end makes of one stage.
-struct FrontEndResult {
+/// What a front end makes of one stage. The error is the first message of the compiler,
+/// "<file>:<line>: <words>", or the words alone when the compiler names no place. The warning has the
+/// compiler's warnings in the same form, one a line.
+struct FrontEndResult : ovMemory::Result {
     ovMemory::Buffer<std::uint32_t> spirv; ///< empty on failure
-    /// On failure the first message of the compiler, "<file>:<line>: <words>", without the place when it
-    /// names none.
-    ovMemory::String error;
-    /// The compiler's warnings in the same form, one a line.
-    ovMemory::String warnings;
 };
 
 /// Compiles the full text of one stage. Safe to call from several threads.

@@ -83,9 +83,8 @@ inline double worstDirectionOfFaces(const ovImages::Image& mip) {
 }
 
 inline void writeImage(const ovMemory::String& path, const ovImages::Image& image) {
-    ovMemory::String error;
-    ovMemory::String warning;
-    EXPECT_TRUE(ovImages::CompositeEncoder().encodeFile(path, image.view(), {}, error, warning)) << error;
+    const ovMemory::Result written = ovImages::CompositeEncoder().encodeFile(path, image.view());
+    EXPECT_TRUE(written) << written.error;
 }
 
 /// The picture of a file; an empty one after a failed expectation.

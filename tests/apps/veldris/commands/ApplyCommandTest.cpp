@@ -24,9 +24,8 @@ protected:
                 image.setComponent(x, 0, channel, value);
         }
         const ovMemory::String path = _folder.getPath(name);
-        ovMemory::String error;
-        ovMemory::String warning;
-        EXPECT_TRUE(ovImages::CompositeEncoder().encodeFile(path, image.view(), {}, error, warning)) << error;
+        const ovMemory::Result written = ovImages::CompositeEncoder().encodeFile(path, image.view());
+        EXPECT_TRUE(written) << written.error;
         return path;
     }
 

@@ -25,9 +25,7 @@ inline ovMemory::String writeQuad(const TemporaryFolder& folder, const ovMemory:
         for (unsigned int channel = 0; channel < 3; ++channel)
             picture.setComponent(i % 2, i / 2, channel, i == 3 || i == channel ? 1.0f : 0.0f);
     }
-    ovMemory::String error;
-    ovMemory::String warning;
-    ovImages::CompositeEncoder().encodeFile(folder.getPath("quad.png"), picture.view(), {}, error, warning);
+    ovImages::CompositeEncoder().encodeFile(folder.getPath("quad.png"), picture.view());
 
     std::ofstream(folder.getPath("quad.gltf")) << R"({
 "asset": {"version": "2.0"}, "scene": 0, "scenes": [{"nodes": [0]}], "nodes": [{"mesh": 0}],

@@ -33,10 +33,7 @@ protected:
     void write(const char* name, float grey) {
         ovImages::Image image(1, 1, 1, ovImages::COMPONENT_TYPE::UINT8, ovImages::COLOUR_ENCODING::SRGB);
         image.setComponent(0, 0, 0, grey);
-        ovMemory::String error;
-        ovMemory::String warning;
-        ASSERT_TRUE(
-            ovImages::CompositeEncoder().encodeFile(_folder.getPath(name), image.view(), {}, error, warning));
+        ASSERT_TRUE(ovImages::CompositeEncoder().encodeFile(_folder.getPath(name), image.view()));
     }
     ovMemory::Buffer<ovMemory::String> load() {
         PbsMaterial* const materials[] = {_material.get()};

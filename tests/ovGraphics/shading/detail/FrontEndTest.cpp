@@ -30,7 +30,7 @@ TEST(FrontEnd, GivesSpirvOrTheFirstMessage) {
     for (const auto& row : rows) {
         const FrontEndResult result = compileToSpirv(row.language, row.stage, row.text);
         EXPECT_EQ(result.error, row.error);
-        EXPECT_TRUE(!result.error.empty() || result.warnings.empty()) << result.warnings;
+        EXPECT_TRUE(!result.error.empty() || result.warning.empty()) << result.warning;
         EXPECT_EQ(!result.spirv.empty() && result.spirv[0] == SPIRV_MAGIC, row.error.empty());
     }
 }
