@@ -35,3 +35,27 @@ if(OV_BUILD_FUZZERS)
     # The libraries too: without it the fuzzer does not see which inputs reach new code, and never gets past a header.
     target_compile_options(ovCompilerSettings INTERFACE -fsanitize=fuzzer-no-link)
 endif()
+
+# ov_compile_by_folder(<target> [ALONE <regex>...])
+#
+# With CMAKE_UNITY_BUILD, which the presets set, the sources of a folder are compiled as one: what they include is most
+# of the work. A folder is small enough that its unnamed namespaces hold different names. Families that follow one
+# pattern (effects, encoders) give the same names to the same things on purpose: ALONE keeps these sources single.
+# Editors and clang-tidy see single sources in the preset lint.
+function(ov_compile_by_folder target)
+    cmake_parse_arguments(arg "" "" "ALONE" ${ARGN})
+    get_target_property(sources ${target} SOURCES)
+    list(FILTER sources INCLUDE REGEX "\\.cpp$")
+    foreach(source IN LISTS sources)
+        get_filename_component(folder "${source}" DIRECTORY)
+        file(RELATIVE_PATH folder "${CMAKE_CURRENT_SOURCE_DIR}" "${folder}")
+        string(MAKE_C_IDENTIFIER "folder_${folder}" group)
+        set_source_files_properties("${source}" PROPERTIES UNITY_GROUP "${group}")
+        foreach(pattern IN LISTS arg_ALONE)
+            if(source MATCHES "${pattern}")
+                set_source_files_properties("${source}" PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
+            endif()
+        endforeach()
+    endforeach()
+    set_target_properties(${target} PROPERTIES UNITY_BUILD_MODE GROUP)
+endfunction()

@@ -1,11 +1,11 @@
-# ov_add_library(<name> [PUBLIC <targets>...] [PRIVATE <targets>...] [HEADER_ONLY])
+# ov_add_library(<name> [PUBLIC <targets>...] [PRIVATE <targets>...] [ALONE <regex>...] [HEADER_ONLY])
 #
 # Makes the library of the calling folder from every .cpp below it, as the target <name> with the alias
 # Orvane::<name without ov>. PUBLIC and PRIVATE are the targets it stands on; the layers of the project are
 # exactly these lists. Public headers are every .h below the folder but those of a folder named `detail` and
-# those that reach for a third-party library (they end in Internal.h).
+# those that reach for a third-party library (they end in Internal.h). ALONE: see ov_compile_by_folder.
 function(ov_add_library name)
-    cmake_parse_arguments(arg "HEADER_ONLY" "" "PUBLIC;PRIVATE" ${ARGN})
+    cmake_parse_arguments(arg "HEADER_ONLY" "" "PUBLIC;PRIVATE;ALONE" ${ARGN})
     file(GLOB_RECURSE sources CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/*.cpp")
     string(REGEX REPLACE "^ov" "" short "${name}")
 
@@ -15,6 +15,7 @@ function(ov_add_library name)
     else()
         add_library(${name} SHARED ${sources})
         set(scope PUBLIC)
+        ov_compile_by_folder(${name} ALONE ${arg_ALONE})
         target_link_libraries(${name} PRIVATE ${arg_PRIVATE} $<BUILD_INTERFACE:ovCompilerSettings>)
         set_target_properties(${name} PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR})
     endif()

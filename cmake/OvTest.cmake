@@ -1,6 +1,7 @@
-# ov_add_tests(<library> [LINK <targets>...])
+# ov_add_tests(<library> [LINK <targets>...] [ALONE <regex>...])
 #
 # One test program, <library>Tests, from every *Test.cpp below the calling folder; each case is a CTest test.
+# ALONE: see ov_compile_by_folder.
 if(OV_BUILD_TESTS)
     find_package(GTest REQUIRED)
     include(GoogleTest)
@@ -18,7 +19,7 @@ set(OV_TEST_ENVIRONMENT
 # intercept_tls_get_addr=0: with it on, GCC 12's leak checker itself crashes at the end of tests that loaded the driver.
 
 function(ov_add_tests library)
-    cmake_parse_arguments(arg "" "" "LINK" ${ARGN})
+    cmake_parse_arguments(arg "" "" "LINK;ALONE" ${ARGN})
     if(NOT OV_BUILD_TESTS)
         return()
     endif()
@@ -26,6 +27,10 @@ function(ov_add_tests library)
     list(FILTER sources EXCLUDE REGEX "/fuzz/")
     set(program "${library}Tests")
     add_executable(${program} ${sources})
+    ov_compile_by_folder(${program} ALONE ${arg_ALONE})
+    set_target_properties(${program} PROPERTIES UNITY_BUILD OFF)
+    # Fixtures live in unnamed namespaces; GCC takes a source that is included for a header.
+    target_compile_options(${program} PRIVATE $<$<CXX_COMPILER_ID:GNU>:-Wno-subobject-linkage>)
     target_include_directories(${program} PRIVATE "${PROJECT_SOURCE_DIR}/tests" "${CMAKE_CURRENT_SOURCE_DIR}")
     target_link_libraries(${program} PRIVATE ${library} ${arg_LINK} ovCompilerSettings GTest::gtest_main)
     if(OV_SANITIZE)

@@ -1,6 +1,6 @@
-#include <glm/gtc/quaternion.hpp>
 #include <glm/mat4x4.hpp>
 #include <glm/matrix.hpp>
+#include <ovMaths/GlmInternal.h>
 #include <ovMaths/MathConstants.h>
 #include <ovMaths/Matrix.h>
 #include <ovMaths/NumberTextInternal.h>
@@ -17,10 +17,6 @@ glm::dmat4 partOf(const Matrix& matrix, int size) {
         for (int column = 0; column < size; ++column)
             part[column][row] = matrix.m[row][column];
     return part;
-}
-
-glm::dvec3 toGlm(const Vector& vector) {
-    return {vector.x, vector.y, vector.z};
 }
 
 bool isUsable(double length) {

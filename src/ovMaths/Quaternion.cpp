@@ -1,5 +1,5 @@
 #include <algorithm>
-#include <glm/gtc/quaternion.hpp>
+#include <ovMaths/GlmInternal.h>
 #include <ovMaths/Matrix.h>
 #include <ovMaths/NumberTextInternal.h>
 #include <ovMaths/Quaternion.h>
@@ -7,14 +7,6 @@
 namespace ovMaths {
 
 namespace {
-
-glm::dquat toGlm(const Quaternion& quaternion) {
-    return {quaternion.w, quaternion.x, quaternion.y, quaternion.z};
-}
-
-glm::dvec3 toGlm(const Vector& vector) {
-    return {vector.x, vector.y, vector.z};
-}
 
 // The unit quaternion, or the identity when there is no direction in the four numbers.
 Quaternion fromGlm(const glm::dquat& quaternion) {

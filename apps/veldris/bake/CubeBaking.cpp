@@ -23,9 +23,6 @@ using TexturePointer = ovMemory::UniquePtr<Texture>;
 namespace {
 
 constexpr ovGraphics::FORMAT FLOATS = ovGraphics::FORMAT::R32G32B32A32_FLOAT;
-// Floats throughout, and converted once when a file is written: half floats in between would round every mip
-// again.
-constexpr unsigned int CHANNELS = 4;
 constexpr unsigned int FULL_CHAIN = 0;
 
 /// Cubes drawn to be averaged are not made larger than this: 400 MiB of floats.
@@ -113,7 +110,9 @@ bool readCube(Session& session, Texture& texture, unsigned int firstMip, unsigne
     for (unsigned int mip = firstMip; mip < firstMip + mipCount; ++mip) {
         const unsigned int side = std::max(texture.getWidth() >> mip, 1u);
         Image& image =
-            cube.mips.emplace_back(side, side * FACE_COUNT, CHANNELS, ovImages::COMPONENT_TYPE::FLOAT,
+            // Floats throughout, and converted once when a file is written: half floats in between would
+            // round every mip again.
+            cube.mips.emplace_back(side, side * FACE_COUNT, CUBE_CHANNELS, ovImages::COMPONENT_TYPE::FLOAT,
                                    ovImages::COLOUR_ENCODING::LINEAR);
         for (unsigned int face = 0; face < FACE_COUNT; ++face) {
             const auto texels = texture.readBack(face, mip);

@@ -14,7 +14,6 @@ using ovMemory::String;
 
 namespace {
 
-constexpr unsigned int CHANNELS = 4;
 constexpr std::uint32_t MAX_SIDE = 16384; // what Direct3D allows
 
 unsigned int sideOf(std::uint32_t side, unsigned int mip) {
@@ -36,7 +35,7 @@ void appendWord(Buffer<unsigned char>& bytes, std::uint32_t value) {
 
 std::uint64_t cubeFaceSize(const CubeFileHeader& header, unsigned int mip) {
     const std::uint64_t side = sideOf(header.width, mip);
-    return side * side * CHANNELS * ovImages::getComponentSize(header.type);
+    return side * side * CUBE_CHANNELS * ovImages::getComponentSize(header.type);
 }
 
 std::uint64_t cubeSize(const CubeFileHeader& header) {
@@ -62,7 +61,7 @@ bool allocateCube(const CubeFileHeader& header, CubeMap& cube, String& error) {
     cube.mips.clear();
     for (unsigned int mip = 0; mip < header.mipCount; ++mip) {
         const unsigned int side = sideOf(header.width, mip);
-        cube.mips.emplace_back(side, side * FACE_COUNT, CHANNELS, header.type,
+        cube.mips.emplace_back(side, side * FACE_COUNT, CUBE_CHANNELS, header.type,
                                ovImages::COLOUR_ENCODING::LINEAR);
         if (cube.mips.back().isEmpty()) {
             error = fmt::format("faces of {} texels a side need more memory than there is.", side);
@@ -83,8 +82,8 @@ bool cubeHeaderOf(const CubeMap& cube, CubeFileHeader& header) {
     for (unsigned int mip = 0; mip < cube.mips.size(); ++mip) {
         const Image& image = cube.mips[mip];
         const unsigned int side = sideOf(cube.getSide(), mip);
-        if (image.getComponentType() != type || image.getChannels() != CHANNELS || image.getWidth() != side ||
-            image.getHeight() != side * FACE_COUNT)
+        if (image.getComponentType() != type || image.getChannels() != CUBE_CHANNELS ||
+            image.getWidth() != side || image.getHeight() != side * FACE_COUNT)
             return false;
     }
     return true;

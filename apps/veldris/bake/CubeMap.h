@@ -8,6 +8,8 @@
 namespace veldris {
 
 constexpr unsigned int FACE_COUNT = 6;
+/// Red, green, blue and alpha.
+constexpr unsigned int CUBE_CHANNELS = 4;
 
 /// What {face} in the name of a file stands for, in the order of the faces: +X, -X, +Y, -Y, +Z, -Z.
 inline constexpr std::array<ovMemory::StringView, FACE_COUNT> FACE_NAMES = {"px", "nx", "py",

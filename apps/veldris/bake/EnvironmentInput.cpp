@@ -17,12 +17,11 @@ using ovMemory::StringView;
 
 namespace {
 
-constexpr unsigned int CHANNELS = 4;
 constexpr StringView NO_MEMORY = "it needs more memory than there is, or than a picture may take.";
 
 // Every input becomes the same kind of picture, so that baking knows one.
 Image asFloats(const ImageView& image) {
-    return ovImages::convertImage(image, ovImages::COMPONENT_TYPE::FLOAT, CHANNELS,
+    return ovImages::convertImage(image, ovImages::COMPONENT_TYPE::FLOAT, CUBE_CHANNELS,
                                   ovImages::COLOUR_ENCODING::LINEAR);
 }
 
@@ -59,7 +58,7 @@ bool readFaces(const String& pattern, EnvironmentInput& input, String& error) {
             return false;
         // The first face sets the size that the others must have.
         if (face == 0)
-            input.image = Image(image.getWidth(), image.getWidth() * FACE_COUNT, CHANNELS,
+            input.image = Image(image.getWidth(), image.getWidth() * FACE_COUNT, CUBE_CHANNELS,
                                 ovImages::COMPONENT_TYPE::FLOAT, ovImages::COLOUR_ENCODING::LINEAR);
         const Image floats = asFloats(image.view());
         if (input.image.isEmpty() || floats.isEmpty()) {
@@ -71,7 +70,7 @@ bool readFaces(const String& pattern, EnvironmentInput& input, String& error) {
     return true;
 }
 
-bool readCube(const String& path, EnvironmentInput& input, String& error) {
+bool readCubeInput(const String& path, EnvironmentInput& input, String& error) {
     input.kind = findCubeFormat(path)->name;
     CubeMap cube;
     if (!readCubeFile(path, cube, error))
@@ -116,7 +115,7 @@ bool readEnvironment(const String& path, EnvironmentInput& input, String& error)
     input = {};
     error.clear();
     const bool hasFaces = path.find(FACE_FIELD) != String::npos;
-    const auto read = hasFaces ? readFaces : findCubeFormat(path) ? readCube : readPicture;
+    const auto read = hasFaces ? readFaces : findCubeFormat(path) ? readCubeInput : readPicture;
     if (!read(path, input, error))
         return false;
     input.isCube = input.kind != StringView("panorama");

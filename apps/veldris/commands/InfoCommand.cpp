@@ -27,8 +27,8 @@ JsonObject limitsOf(const DeviceInfo& info) {
         .number("anisotropy", static_cast<double>(info.maxAnisotropy));
 }
 
-void printJson(const DeviceInfo& info, const ovMemory::Buffer<String>& devices,
-               const DrawingOptions& options) {
+void printInfoAsJson(const DeviceInfo& info, const ovMemory::Buffer<String>& devices,
+                     const DrawingOptions& options) {
     fmt::print("{}\n", JsonObject()
                            .text("version", OV_VERSION)
                            .text("renderer", info.renderer)
@@ -43,8 +43,8 @@ void printJson(const DeviceInfo& info, const ovMemory::Buffer<String>& devices,
                            .toText());
 }
 
-void printText(const DeviceInfo& info, const ovMemory::Buffer<String>& devices,
-               const DrawingOptions& options) {
+void printInfoAsText(const DeviceInfo& info, const ovMemory::Buffer<String>& devices,
+                     const DrawingOptions& options) {
     fmt::print("veldris     {}\n", OV_VERSION);
     fmt::print("device      {}{}\n", info.renderer, info.software ? " (software)" : "");
     fmt::print("vendor      {}\napi         {}\n", info.vendor, info.version);
@@ -67,7 +67,7 @@ int runInfo(DrawingOptions options) {
     String error;
     if (!session.open(options, error))
         return fail(error);
-    const auto print = options.json ? printJson : printText;
+    const auto print = options.json ? printInfoAsJson : printInfoAsText;
     print(*session.getGraphics().getDeviceInfo(), ovGraphics::System::listDevices(), options);
     return 0;
 }

@@ -54,9 +54,9 @@ ovImages::Image readPicture(const String& name, const String& folder, COLOUR_ENC
 }
 
 void load(Texture& texture, const ovImages::Image& picture) {
-    constexpr unsigned int FULL_CHAIN = 0;
+    constexpr unsigned int ALL_MIPS = 0;
     texture.setFromImage(picture.view());
-    texture.setMipCount(FULL_CHAIN);
+    texture.setMipCount(ALL_MIPS);
     texture.setMightManuallyGenerateMip(true);
     if (texture.load())
         texture.generateMips();

@@ -40,7 +40,7 @@ constexpr ovMemory::StringView SPHERICAL_FILTER_NAME = "VELDRIS_SPHERICAL_FILTER
 constexpr unsigned int MIPS_LEFT_OUT = 2;
 
 /// The zero up vectors leave it to the camera what is up.
-const CubeFaceViews& faceViews() {
+const CubeFaceViews& filterViews() {
     static const CubeFaceViews VIEWS = {{
         {"VELDRIS_POSX_CAM", {1.0f, 0.0f, 0.0f}, {}},
         {"VELDRIS_NEGX_CAM", {-1.0f, 0.0f, 0.0f}, {}},
@@ -206,7 +206,7 @@ void PbsEnvironmentMapFilter::_draw(ovGraphics::Texture& input, ovGraphics::Text
     const ovMemory::StringView name = isCube(input) ? CUBE_FILTER_NAME : SPHERICAL_FILTER_NAME;
     ovGraphics::Program* const program =
         isCube(input) ? _filterData->cubeProgram.get() : _filterData->sphericalProgram.get();
-    const CubeFaceCameras cameras = makeCubeFaceCameras(graphicsSystem, faceViews());
+    const CubeFaceCameras cameras = makeCubeFaceCameras(graphicsSystem, filterViews());
     const auto compositor = ovGraphics::Compositor::create(graphicsSystem);
     compositor->setName("VELDRIS_PBS_FILTER_ENV");
 

@@ -1,6 +1,7 @@
 // The JSON of a glTF file, with checks that name what is wrong.
 #pragma once
 
+#include <limits>
 #include <optional>
 #include <ovCommon/Api.h>
 #include <ovExport/Node.h>
@@ -9,6 +10,9 @@
 #include <ovMemory/Memory.h>
 
 namespace ovGraphics::detail {
+
+/// The bound of numbers that nothing else bounds.
+inline constexpr float HUGE_NUMBER = std::numeric_limits<float>::max();
 
 /// A view of one value, or of nothing. A value that is missing or of another kind reads as nothing, so that
 /// chains of look-ups need no checks.

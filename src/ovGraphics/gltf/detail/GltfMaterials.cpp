@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cmath>
 #include <fmt/format.h>
-#include <limits>
 #include <ovGraphics/gltf/detail/GltfImages.h>
 #include <ovGraphics/gltf/detail/GltfNames.h>
 
@@ -15,8 +14,6 @@ using ovMemory::String;
 using ovMemory::StringView;
 
 namespace {
-
-constexpr float HUGE_NUMBER = std::numeric_limits<float>::max();
 
 // Extensions that change how a surface looks, and that PBR materials have nothing for.
 constexpr StringView IGNORED_EXTENSIONS[] = {"KHR_materials_anisotropy",

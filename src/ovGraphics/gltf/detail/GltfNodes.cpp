@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cmath>
 #include <fmt/format.h>
-#include <limits>
 #include <ovGraphics/gltf/detail/GltfNames.h>
 #include <ovGraphics/gltf/detail/GltfSpace.h>
 
@@ -16,7 +15,6 @@ using ovMemory::Buffer;
 
 namespace {
 
-constexpr float HUGE_NUMBER = std::numeric_limits<float>::max();
 constexpr float LARGEST_FOV = 3.14f;
 constexpr float SMALLEST_LENGTH = 1e-6f;
 // An endless view still needs a far plane.

@@ -8,11 +8,11 @@ namespace ovGraphics::detail {
 
 using ovMemory::String;
 using ovMemory::StringView;
-using Bytes = ovMemory::Buffer<unsigned char>;
+using Content = ovMemory::Buffer<unsigned char>;
 
 namespace {
 
-std::optional<Bytes> loadData(StringView uri, GltfReport& report, String& error) {
+std::optional<Content> loadData(StringView uri, GltfReport& report, String& error) {
     // By the length of the text, which is an upper limit of what it decodes to.
     if (!report.charge(uri.size(), 1, "a data URI")) {
         error = report.getError();
@@ -26,7 +26,7 @@ std::optional<Bytes> loadData(StringView uri, GltfReport& report, String& error)
 
 } // namespace
 
-std::optional<Bytes> loadGltfUri(StringView uri, StringView folder, GltfReport& report, String& error) {
+std::optional<Content> loadGltfUri(StringView uri, StringView folder, GltfReport& report, String& error) {
     error.clear();
     if (isDataUri(uri))
         return loadData(uri, report, error);
@@ -50,7 +50,7 @@ std::optional<Bytes> loadGltfUri(StringView uri, StringView folder, GltfReport& 
         error = report.getError();
         return {};
     }
-    return Bytes(bytes.begin(), bytes.end());
+    return Content(bytes.begin(), bytes.end());
 }
 
 } // namespace ovGraphics::detail
