@@ -85,9 +85,9 @@ public:
     /// The view matrix of a camera: world to view space, in which the camera is the origin and looks along
     /// +z.
     /// @param direction where the camera looks, of any length; zero or non-finite counts as (0, 0, 1)
-    /// @param up zero or non-finite counts as (0, 1, 0). An up along the direction cannot tell where up is
-    /// and is
-    ///        replaced by (0, 0, 1), or by (0, 1, 0) if the direction is along z.
+    /// @param up zero or non-finite counts as (0, 1, 0).
+    ///        An up along the direction cannot tell where up is.
+    ///        It is replaced by (0, 0, 1), or by (0, 1, 0) if the direction is along z.
     void setToViewMatrixDirection(const Vector& position, const Vector& direction,
                                   const Vector& up = Vector());
 
@@ -96,18 +96,18 @@ public:
     /// @param verticalFieldOfView full angle, between 0 and pi (both excluded)
     /// @param aspect width / height, above 0
     /// @param near, far distances above 0 that differ; near above far gives reversed depth
-    /// @return false, with this matrix unchanged, when a parameter is outside its range or the result outside
-    /// the
-    ///         range of floats
+    /// @return false
+    ///         when a parameter is outside its range, or the result outside the range of floats;
+    ///         this matrix is then unchanged
     bool setToPerspectiveMatrix(float verticalFieldOfView, float aspect, float near, float far);
 
     /// The orthographic projection of a box of the given width and height around the z axis, y up, with clip
     /// z from 0 at the near plane to 1 at the far plane.
     /// @param width, height above 0
     /// @param near, far any two distances that differ
-    /// @return false, with this matrix unchanged, when a parameter is outside its range or the result outside
-    /// the
-    ///         range of floats
+    /// @return false
+    ///         when a parameter is outside its range, or the result outside the range of floats;
+    ///         this matrix is then unchanged
     bool setToOrthographicMatrix(float width, float height, float near, float far);
 
     /// Sets the translation; the rest stays.

@@ -12,9 +12,9 @@ namespace ovResources {
 ///
 /// @param path absolute, or relative to the process' current folder; UTF-8
 /// @param bytes receives the content; empty for an empty file and after a failure
-/// @return a failure when the path is empty, missing, unreadable, a loop of symbolic links or not a regular
-/// file (a
-///         folder, a device, a pipe), or when the content does not fit into memory
+/// @return a failure when the path is empty, missing, unreadable or a loop of symbolic links,
+///         when it is not a regular file (a folder, a device, a pipe),
+///         or when the content does not fit into memory
 OV_API ovMemory::Result readFile(ovMemory::StringView path, ovMemory::Buffer<char>& bytes);
 
 /// Writes a whole file: first a temporary one in the same folder, which then takes the name in one step.
@@ -26,8 +26,8 @@ OV_API ovMemory::Result readFile(ovMemory::StringView path, ovMemory::Buffer<cha
 ///
 /// @param path absolute, or relative to the process' current folder; UTF-8
 /// @return a failure when the path is empty, its folder is missing or not writable, the path is an existing
-/// file
-///         without write permission, a loop of symbolic links or no regular file, or when the disk is full
+///         file without write permission, a loop of symbolic links or no regular file, or when the disk is
+///         full
 OV_API ovMemory::Result writeFileAtomically(ovMemory::StringView path,
                                             ovMemory::BufferView<const char> bytes);
 

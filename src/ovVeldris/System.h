@@ -45,9 +45,9 @@ public:
 
     /// Starts the graphics engine, then the scripts engine, then makes the managers. Called again, it starts
     /// anew: managers and program trackers of an ordinary system are replaced.
-    /// @return false when the graphics system (which logs why) or the scripts engine cannot start; what
-    /// started
-    ///         before stays until shutdown()
+    /// @return false
+    ///         when the graphics system (which logs why) or the scripts engine cannot start;
+    ///         what started before stays until shutdown()
     bool initialize(const Configuration& configuration);
 
     /// Ends the system for good: the managers with all they own, the log manager, the environment tools, the
