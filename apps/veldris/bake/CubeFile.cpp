@@ -14,6 +14,7 @@ using ovMemory::StringView;
 
 namespace {
 
+// A new format is a source with two functions and an entry here.
 constexpr CubeFileFormat FORMATS[] = {{"dds", decodeDds, encodeDds}, {"ktx2", decodeKtx, encodeKtx}};
 constexpr StringView NO_FORMAT = "its extension is neither .dds nor .ktx2.";
 

@@ -76,6 +76,7 @@ String coefficientsText(const ovVeldris::IrradianceCoefficients& coefficients) {
 
 /// One line on a terminal before long work.
 void tellProgress(const BakeOptions& options, Session& session) {
+    // In a pipe or a log the line would be noise.
     if (!isatty(STDERR_FILENO))
         return;
     // What a software rasteriser of two cores needs for 1024 samples of each texel; others need milliseconds.
@@ -165,6 +166,7 @@ void printReport(const BakeOptions& options, const EnvironmentInput& input, cons
 int runBake(const BakeOptions& options) {
     BakeOutput output;
     String error;
+    // Wrong names are told before anything is read: a prefiltering may take a minute.
     if (!plan(options, output, error))
         return fail(error);
     Stopwatch stopwatch;

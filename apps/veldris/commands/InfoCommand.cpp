@@ -61,6 +61,7 @@ void printInfoAsText(const DeviceInfo& info, const ovMemory::Buffer<String>& dev
 }
 
 int runInfo(DrawingOptions options) {
+    // Shown as it will be used: users look here for the folder to delete.
     if (options.cache.empty())
         options.cache = defaultCacheFolder();
     Session session;

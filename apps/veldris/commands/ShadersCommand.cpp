@@ -67,6 +67,8 @@ bool addProgram(Session& session, const PlannedEffect& planned, Buffer<Generated
         return false;
     }
     const auto text = effect->getShader()->getProgram()->getText();
+    // Compared by name and text. Programs of one name and different texts would be a mistake of an id, and
+    // both must show.
     std::erase_if(programs, [&](const GeneratedProgram& other) { return isSameText(other.text, text); });
     programs.push_back({planned.text, text, ovGraphics::shading::compile(text)});
     return true;

@@ -20,6 +20,7 @@ MaterialMember memberOf(const ovVeldris::PbsName& name, bool isInTree = false) {
     return {name.member, settingOf(name), nullptr, isInTree};
 }
 
+// Made of the library's own table: a second list in the program would soon lack what the library has learnt.
 ovMemory::Buffer<MaterialMember> listMembers() {
     ovMemory::Buffer<MaterialMember> members = {{.name = "name"}, {.name = "type"}};
     members.push_back(memberOf(ovVeldris::PBS_MODEL_NAME));
@@ -68,6 +69,8 @@ const MaterialMember* findMaterialMember(StringView name) {
 bool isReplaced(const Node& entry, const PbsProperty& property) {
     if (!hasObject(entry, property.texture))
         return false;
+    // With the mix switch the value counts beside the texture. A switch of another kind than a bool is not
+    // one.
     const Node* const mix = entry.getMemberValue(property.mix.name.member);
     if (mix && mix->isBool() && mix->getValueAsBool())
         return false;

@@ -51,6 +51,7 @@ Camera* PostProcessPass::getCamera() const {
 bool PostProcessPass::execute(const PassExecution& execution) {
     Shader* shader = _shader.get();
     const PassEnvironment environment{execution.system, _camera ? _camera.get() : execution.activeCamera};
+    // A shader of another system has objects of another device, which mean nothing here.
     if (!shader || shader->getSystem() != execution.system || !shader->bind(environment))
         return false;
     execution.device->setBlendState(_blendState.getDesc());

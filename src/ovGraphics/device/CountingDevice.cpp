@@ -15,6 +15,7 @@ struct CountingTexture final : GpuTexture {
 
 struct CountingSampler final : GpuSampler {};
 
+// The bytes are kept: a test can then check what was uploaded, and not only that something was.
 struct CountingBuffer final : GpuBuffer {
     explicit CountingBuffer(unsigned int size)
         : GpuBuffer(size)
@@ -54,6 +55,7 @@ bool canReadInstances(const CountingGeometry& geometry, const GeometryDraw& draw
 } // namespace
 
 CountingDevice::CountingDevice() {
+    // Told as software, so that nobody waits for timer queries that have nothing to measure.
     _info.vendor = "Orvane";
     _info.renderer = "counting device, draws nothing";
     _info.version = "1";

@@ -26,6 +26,7 @@ void write(unsigned char* out, const Camera::Corners& corners) {
     }
 }
 
+// Zeros without a texture, so that shaders can tell.
 void writeTextureSize(unsigned char* out, const Texture* texture) {
     int size[4] = {0, 0, 0, 0};
     if (texture) {

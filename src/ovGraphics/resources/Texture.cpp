@@ -12,6 +12,7 @@ namespace {
 
 constexpr unsigned int CUBE_FACES = 6;
 
+// A texture has up to thousands of images, so every message names the one that it means.
 ovMemory::String placeName(unsigned int slice, unsigned int mip) {
     return "mip " + std::to_string(mip) + " of slice " + std::to_string(slice);
 }
@@ -202,6 +203,7 @@ void Texture::_unload() {
     _uploadPending = false;
 }
 
+// The device would refuse these too; here the message can name the setter that mends it.
 bool Texture::_checkSettings(const device::Device& device, ovMemory::String& error) const {
     const ovMemory::String format(TextureUtils::getFormatName(_format));
     const bool hasSrgb =
@@ -228,6 +230,7 @@ bool Texture::_checkCpuData(ovMemory::String& error) const {
         const unsigned int width = mipSize(_width, data.mip);
         const unsigned int height = mipSize(_height, data.mip);
         const std::size_t rowSize = TextureUtils::getRowPitch(_format, width);
+        // Rows of blocks where the format is compressed.
         const std::size_t rows = rowSize ? TextureUtils::getSliceSize(_format, width, height) / rowSize : 0;
         const std::size_t pitch = data.rowPitch ? data.rowPitch : rowSize;
         const std::size_t needed = rows == 0 ? 0 : pitch * (rows - 1) + rowSize;

@@ -63,6 +63,7 @@ TextureContent convertedContent(const ovImages::ImageView& image, COMPONENT_TYPE
     return content;
 }
 
+// Images know one order only. Textures of windows and old files have blue first.
 void swapRedAndBlue(ovMemory::BufferView<unsigned char> bytes) {
     for (std::size_t pixel = 0; pixel + 4 <= bytes.size(); pixel += 4)
         std::swap(bytes[pixel], bytes[pixel + 2]);

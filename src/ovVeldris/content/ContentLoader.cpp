@@ -120,6 +120,7 @@ ContentLoader::Materials ContentLoader::processMaterialTree(ovExport::Node* node
     Material* const material = _createMaterial(node, error);
     if (!material)
         return failed(std::move(error));
+    // An entry overwrites what it names and leaves the rest, so that a file may hold changes only.
     material->importClassFromTree(node);
     if (load) {
         material->unload();

@@ -115,6 +115,8 @@ void EnvironmentRenderer::cubemapToSphericalMap(ovGraphics::Texture* output, ovG
         _log("Error while loading the spherical map to render the cubemap in. Aborting generation.");
         return;
     }
+    // A shader for each call and a program for all: bindings are cheap, and a kept shader would still borrow
+    // the last input.
     const auto shader = ovGraphics::Shader::create(_getGraphicsSystem());
     shader->setName(SPHERICAL_NAME);
     shader->setTexture(input, 0, 0);

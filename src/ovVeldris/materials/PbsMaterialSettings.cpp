@@ -13,6 +13,8 @@ constexpr unsigned int COLOR_COMPONENTS = 3;
 
 /// Changes one of the parameters of the shadow map.
 template <typename Value>
+// The class has one setter for texture, camera and parameters together. By name each of them changes alone
+// and the others keep their value.
 auto shadowSetter(Value ShadowMapParameters::*field) {
     return [field](PbsMaterial& material, Value value) {
         ShadowMapParameters parameters = material.getShadowMapParameters();

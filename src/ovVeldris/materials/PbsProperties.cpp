@@ -6,6 +6,9 @@ namespace ovVeldris {
 
 namespace {
 
+// The order of the rows decides the order of members in files, of constants in the shader and of defines in
+// its text. Files are compared as texts and programs are shared by theirs, so a new row goes to the end of
+// its kind. The numbers of the bits and units are part of the interface: programs are named by their key.
 constexpr auto PROPERTIES = std::to_array<PbsProperty>({
     {
         .value = {.name = {"light-direction", "lightDirection", "where the light shines to, in world space"},
@@ -165,7 +168,7 @@ constexpr auto PROPERTIES = std::to_array<PbsProperty>({
                       "normals in the frame of tangent, binormal and normal, -1 to 1 stored as 0 to 1"},
              .field = &PbsSettings::normalMapTexture,
              .vectorChannels = &PbsSettings::normalMapTextureChannels,
-                    .channelsSetting = "normal-map-texture-channels",
+             .channelsSetting = "normal-map-texture-channels",
              .keyBit = 9,
              .channelsBit = 28,
              .packingRank = 6},
@@ -240,6 +243,7 @@ constexpr std::array ATTRIBUTES = {
 };
 
 template <typename Condition>
+// A search of thirteen rows. It runs when a setting changes and never while a frame is drawn.
 const PbsProperty& getRow(const Condition& condition) {
     return *std::find_if(PROPERTIES.begin(), PROPERTIES.end(), condition);
 }

@@ -163,6 +163,8 @@ std::optional<GltfData::Bytes> GltfData::getView(std::size_t index) const {
     return index < _views.size() ? std::optional(_views[index].bytes) : std::nullopt;
 }
 
+// An accessor without a view is all zeros by the format. Files whose bytes are compressed by an extension
+// look just like that.
 bool GltfData::hasValues(int accessor) const {
     const GltfJson json = _accessors.at(static_cast<std::size_t>(accessor));
     return json["bufferView"].exists() || json["sparse"].exists();
@@ -258,12 +260,14 @@ bool GltfData::_readSparse(const GltfObject& accessor, const Layout& layout, con
     View valueView;
     if (!_locate(indices, indexLayout, indexView) || !_locate(values, valueLayout, valueView))
         return false;
+    // Sparse indices are read as numbers like all others: doubles hold 32 bits exactly.
     const Loader indexLoader = loaderOf(indexLayout.componentType, false);
     const Loader loader = loaderOf(layout.componentType, layout.normalized);
     for (std::size_t i = 0; i < indexLayout.count; ++i) {
         // Sparse values are given in order by the format, but nothing here depends on it.
         const auto element =
             static_cast<std::size_t>(indexLoader(indexView.bytes.data() + i * indexView.stride));
+        // The one place where a number of the file becomes an index of memory that we allocated.
         if (element >= layout.count)
             return indices.fail(fmt::format("value {} replaces number {} of {}, which is not there", i,
                                             element, layout.count));

@@ -110,6 +110,7 @@ bool parseInto(StringView text, SettingValue& value) {
     return true;
 }
 
+// 0 and 1 as well, which scripts and shells have at hand.
 bool parseFlag(StringView text, SettingValue& value) {
     const bool isTrue = text == "true" || text == "1";
     value = isTrue;
@@ -125,6 +126,7 @@ bool parseVector(StringView text, unsigned int components, SettingValue& value) 
 }
 
 bool parseMatrix(StringView text, unsigned int side, SettingValue& value) {
+    // Row by row, as matrices are written everywhere in the library.
     std::array<float, MOST_COMPONENTS * MOST_COMPONENTS> numbers;
     if (!parseNumbers(text, side * side, numbers.data()))
         return false;
