@@ -20,6 +20,7 @@ constexpr unsigned int ALPHA_UNIT = 0;
 constexpr unsigned int EVERY_STAGE = 0;
 
 /// The vector whose product with a texel is one channel of it.
+// A constant instead of a define, so that all surfaces with holes share one program.
 ovMaths::Vector channelMask(unsigned int channel) {
     const auto at = [channel](unsigned int index) { return index == channel ? 1.0f : 0.0f; };
     return {at(0), at(1), at(2), at(3)};

@@ -20,6 +20,7 @@ Frustum::Frustum(const ovMaths::Matrix& worldToClip) {
     const Vector y = worldToClip.getRow1();
     const Vector z = worldToClip.getRow2();
     const Vector w = worldToClip.getRow3();
+    // Points inside satisfy -w <= x <= w and so on in clip space; each inequality is a plane in world space.
     _planes = {normalizedPlane(w + x), normalizedPlane(w - x), normalizedPlane(w + y),
                normalizedPlane(w - y), normalizedPlane(z),     normalizedPlane(w - z)};
 }

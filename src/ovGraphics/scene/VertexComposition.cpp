@@ -11,6 +11,7 @@ constexpr unsigned int MAX_ATTRIBUTES = 16; // what every device offers
 
 } // namespace
 
+// Multiples of four bytes only, so that every attribute of every vertex is aligned as devices want it.
 bool VertexComposition::isVertexFormat(FORMAT format) {
     switch (format) {
     case FORMAT::R32G32B32A32_FLOAT:

@@ -20,6 +20,7 @@ void append(ovMemory::Buffer<unsigned char>& bytes, const void* value, std::size
 /// The whole number of a component: scaled, clamped to the range, rounded; 0 for what is not a number.
 int64_t toWhole(float value, double scale, double lowest, double highest) {
     const double scaled = std::isnan(value) ? 0.0 : static_cast<double>(value) * scale;
+    // In doubles: a float does not hold every 32-bit whole number.
     return std::llround(std::clamp(scaled, lowest, highest));
 }
 
