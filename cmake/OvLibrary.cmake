@@ -4,6 +4,9 @@
 # Orvane::<name without ov>. PUBLIC and PRIVATE are the targets it stands on; the layers of the project are
 # exactly these lists. Public headers are every .h below the folder but those of a folder named `detail` and
 # those that reach for a third-party library (they end in Internal.h). ALONE: see ov_compile_by_folder.
+set(OV_EXPORTS "${PROJECT_BINARY_DIR}/exports.map")
+configure_file("${CMAKE_CURRENT_LIST_DIR}/exports.map.in" "${OV_EXPORTS}" @ONLY)
+
 function(ov_add_library name)
     cmake_parse_arguments(arg "HEADER_ONLY" "" "PUBLIC;PRIVATE;ALONE" ${ARGN})
     file(GLOB_RECURSE sources CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/*.cpp")
@@ -17,6 +20,8 @@ function(ov_add_library name)
         set(scope PUBLIC)
         ov_compile_by_folder(${name} ALONE ${arg_ALONE})
         target_link_libraries(${name} PRIVATE ${arg_PRIVATE} $<BUILD_INTERFACE:ovCompilerSettings>)
+        target_link_options(${name} PRIVATE "LINKER:--version-script=${OV_EXPORTS}")
+        set_property(TARGET ${name} APPEND PROPERTY LINK_DEPENDS "${OV_EXPORTS}")
         set_target_properties(${name} PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR})
     endif()
     add_library(Orvane::${short} ALIAS ${name})
