@@ -1,10 +1,10 @@
 #!/usr/bin/env bash
 # Proves the package lists of `dev`: makes a bare Debian 12 (minbase, git, ca-certificates) below FOLDER, clones the
-# repository into it and runs `./dev demo` and `./dev test` inside, each in a root of its own, since each must work
-# as the first command. Needs root, debootstrap and overlayfs, takes the mirror and the proxy from this system's apt,
+# repository into it and runs every command of `dev` inside, each in a root of its own, since each must work as the
+# first command. Needs root, debootstrap and overlayfs, takes the mirror and the proxy from this system's apt,
 # and undoes its mounts on exit. Commits only: what is not committed is not cloned.
 #
-# usage: cmake/bare-debian.sh FOLDER [COMMAND]    COMMAND runs in place of both, in the clone: './dev docs'
+# usage: cmake/bare-debian.sh FOLDER [COMMAND]    COMMAND runs in place of all, in the clone: './dev docs'
 set -euo pipefail
 repository=$(dirname "$(dirname "$(readlink -f "$0")")")
 
@@ -66,4 +66,8 @@ if [ $# -eq 2 ]; then
 else
     run_in_fresh_root demo './dev demo && ./dev demo'
     run_in_fresh_root test './dev test'
+    run_in_fresh_root bench './dev bench'
+    run_in_fresh_root docs './dev docs'
+    run_in_fresh_root lint './dev lint'
+    run_in_fresh_root fuzz './dev fuzz 5'
 fi
