@@ -17,6 +17,7 @@ bool holdsFloats(const ovImages::Encoder& format) {
     return format.getName() == "EXR" || format.getName() == "HDR";
 }
 
+// A picture without holes is written without alpha, which would only make the file larger.
 bool isOpaque(const ImageView& picture) {
     const auto* floats = reinterpret_cast<const float*>(picture.bytes.data());
     const std::size_t pixels = std::size_t(picture.width) * picture.height;
@@ -60,6 +61,7 @@ bool writePicture(const String& path, const ImageView& picture, bool raw, String
     const bool floats = holdsFloats(*format);
     const COLOUR_ENCODING wanted = floats ? COLOUR_ENCODING::LINEAR : COLOUR_ENCODING::SRGB;
     ImageView source = picture;
+    // Only the label changes, so that the conversion below leaves the numbers as they are.
     if (raw)
         source.encoding = wanted;
     const ovImages::Image converted =

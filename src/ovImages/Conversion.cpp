@@ -22,6 +22,7 @@ constexpr bool hasAlpha(unsigned channels) {
 
 using ByteTable = std::array<float, 256>;
 
+// A byte has 256 values only, so that the power of the sRGB curve is computed for each of them once.
 const ByteTable& getSrgbByteTable() {
     static const ByteTable table = [] {
         ByteTable values;
@@ -32,7 +33,6 @@ const ByteTable& getSrgbByteTable() {
     return table;
 }
 
-// Converts pictures row by row through floats.
 // All conversions go through floats, row by row: one path for every pair of types, and a row stays in the
 // cache. Floats hold every 16-bit integer and every half exactly.
 class RowConverter {
@@ -94,6 +94,7 @@ private:
         float* to = _mapped.data();
         for (unsigned x = 0; x < _source.width; ++x, from += _source.channels, to += targetChannels) {
             if (_collapses)
+                // The luminance of light with the primaries of Rec. 709, which are those of sRGB.
                 to[0] = 0.2126f * from[0] + 0.7152f * from[1] + 0.0722f * from[2];
             else
                 for (unsigned i = 0; i < targetColours; ++i)

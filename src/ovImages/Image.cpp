@@ -86,6 +86,8 @@ Image::Image(unsigned width, unsigned height, unsigned channels, COMPONENT_TYPE 
         return;
     try {
         _bytes.resize(size);
+        // The image stays empty then. A picture can ask for gigabytes, and callers test for an empty one
+        // anyway.
     } catch (const std::bad_alloc&) {
         return;
     }
@@ -101,6 +103,7 @@ Image::Image(Image&& other) noexcept
     *this = std::move(other);
 }
 
+// Written out: the default would leave the sizes behind, of an image that has lost its bytes.
 Image& Image::operator=(Image&& other) noexcept {
     if (this == &other)
         return *this;

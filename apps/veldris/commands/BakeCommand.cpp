@@ -181,6 +181,7 @@ int runBake(const BakeOptions& options) {
     if (!input.isCube && !turnPanorama(options, input.image, error))
         return fail(error);
     seconds.number("read", stopwatch.lap());
+    // After reading: a file that is missing is told without starting a device.
     Session session;
     if (!session.open(options.drawing, error))
         return fail(error);
@@ -230,6 +231,7 @@ void addBake(CLI::App& parent, Command& command, const BakeOptions& defaults, co
     mode->add_option("--format", options->format, "numbers of DDS, KTX2 and EXR files: half or float")
         ->check(CLI::IsMember({"half", "float"}))
         ->capture_default_str();
+    // Only this bake computes them. Elsewhere the option is refused as unknown instead of being ignored.
     if (options->bake == BAKE::IRRADIANCE)
         mode->add_option("--coefficients", options->coefficients,
                          "JSON file to write the nine coefficients of spherical harmonics to");

@@ -35,6 +35,7 @@ void printText(const CheckOptions& options, const DeclarationFile& file) {
         fmt::print("{}: no problems; materials: {}\n", options.file, file.entries.size());
 }
 
+// Without a session: a file can be checked on a machine that has no device.
 int runCheck(const CheckOptions& options) {
     DeclarationFile file;
     String error;

@@ -22,6 +22,7 @@ struct MaterialsOptions {
 };
 
 int runMaterials(const MaterialsOptions& options) {
+    // The loader uploads the textures too, so that even writing declarations needs a device.
     Session session;
     String error;
     if (!session.open(options.drawing, error))

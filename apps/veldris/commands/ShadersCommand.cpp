@@ -40,6 +40,7 @@ PlannedEffect plannedWith(const ovVeldris::EffectKind& kind,
     effect.kind = &kind;
     effect.settings = settings;
     effect.text = kind.getName();
+    // The spelling of --effects, so that a line of the list can be pasted into a command.
     char separator = ':';
     for (const ovVeldris::SettingAssignment& assignment : settings) {
         const ovVeldris::Setting& setting = *kind.settings().find(assignment.name);
@@ -54,6 +55,7 @@ bool isSameText(const ovGraphics::shading::ProgramText& a, const ovGraphics::sha
     const auto isSame = [&](STAGE stage) {
         return ovGraphics::shading::getFullText(a, stage) == ovGraphics::shading::getFullText(b, stage);
     };
+    // The full texts, since the defines make programs of one source differ.
     return a.name == b.name && isSame(STAGE::VERTEX) && isSame(STAGE::PIXEL);
 }
 

@@ -58,6 +58,7 @@ constexpr Vec SUN_IRRADIANCE = {3.1, 2.5, 1.8};
 constexpr Vec EYE = {0.0, 1.25, -5.2};
 constexpr double VIEW_HEIGHT = 1.05; // of the picture plane one metre before the eye
 constexpr int MAX_MIRRORINGS = 3;
+// A mirrored ray starts on a sphere; without this, rounding would let it hit the same place again.
 constexpr double SELF_HIT = 1e-4;
 
 const std::array<Sphere, 5> SPHERES = {{
@@ -85,6 +86,7 @@ std::optional<double> hitSphere(const Sphere& sphere, const Vec& origin, const V
     const double discriminant = b * b - dot(offset, offset) + sphere.radius * sphere.radius;
     if (discriminant < 0.0)
         return std::nullopt;
+    // The nearer hit only: no ray starts within a sphere.
     const double distance = -b - std::sqrt(discriminant);
     return distance > SELF_HIT ? std::optional(distance) : std::nullopt;
 }
@@ -96,6 +98,7 @@ Vec groundAlbedo(const Vec& point) {
 
 Hit findHit(const Vec& origin, const Vec& direction) {
     Hit hit;
+    // Left out are rays that never meet the ground, and those that meet it beyond ten kilometres.
     if (direction.y < -SELF_HIT) {
         hit.distance = -origin.y / direction.y;
         hit.normal = {0.0, 1.0, 0.0};
@@ -135,6 +138,7 @@ Vec radianceAlong(Vec origin, Vec direction) {
         const Vec point = origin + direction * hit.distance;
         radiance = radiance + share * (hit.emission + matteRadiance(hit, point));
         share = share * hit.mirror;
+        // A matte surface mirrors nothing, and the ray ends at it.
         if (dot(share, share) == 0.0)
             break;
         origin = point;

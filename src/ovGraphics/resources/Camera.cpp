@@ -76,6 +76,7 @@ Vector Camera::getDirection() const {
 bool Camera::setPerspective(float verticalFov, float aspect, float nearPlane, float farPlane) {
     const bool fovIsValid = verticalFov > 0.0f && verticalFov < std::numbers::pi_v<float>;
     if (!fovIsValid || !isPositive(aspect) || !areValidPlanes(nearPlane, farPlane)) {
+        // Nothing changes after a refusal: the camera keeps drawing its last valid view.
         _logFailure("set the perspective of",
                     "vertical angle " + std::to_string(verticalFov) + " rad, aspect " +
                         std::to_string(aspect) + planesText(nearPlane, farPlane) +
@@ -99,6 +100,7 @@ bool Camera::setOrthographic(float width, float height, float nearPlane, float f
         return false;
     }
     _orthographic = true;
+    // Height and aspect are kept, and not the width: setAspect then serves both projections.
     _viewHeight = height;
     _aspect = width / height;
     _near = nearPlane;
@@ -112,6 +114,7 @@ void Camera::setAspect(float aspect) {
 }
 
 ovMaths::Matrix Camera::getViewMatrix() const {
+    // The axes are unit vectors at right angles, so that the inverse of the rotation is its transpose.
     const auto row = [this](const Vector& axis) {
         return Vector(axis.x, axis.y, axis.z, -axis.dotProductVec3(_position));
     };

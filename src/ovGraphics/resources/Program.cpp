@@ -20,6 +20,7 @@ ovMemory::UniquePtr<Program> Program::create(System* system) {
 Program::Program(System* system)
     : Resource(system, "program") {}
 
+// Here and not in the base class, whose destructor can no longer reach this _unload.
 Program::~Program() {
     _unload();
 }

@@ -74,6 +74,7 @@ ShaderInstanceMemorySlot* Shader::getInstanceMemorySlot(unsigned int index) cons
     return index < _instanceSlots.size() ? _instanceSlots[index].get() : nullptr;
 }
 
+// Looked up anew at every binding, so that a loaded shader takes another texture at once.
 void Shader::setTexture(Texture* texture, unsigned int unit, unsigned int stage) {
     const auto binding = findBinding(_textures, unit, stage);
     if (binding != _textures.end())
@@ -155,6 +156,7 @@ void Shader::_unload() {
 void Shader::_bindConstants(const LoadedProgram& program, const PassEnvironment& environment) {
     device::Device& device = *getSystem()->getDevice();
     for (const shading::ConstantBufferInfo& declared : program.compiled.constantBuffers) {
+        // By what the program declares: a buffer that the text does not use is neither filled nor uploaded.
         device::GpuBuffer* gpuBuffer = nullptr;
         for (const auto& buffer : _constantBuffers) {
             if (buffer->getIndex() == declared.slot)

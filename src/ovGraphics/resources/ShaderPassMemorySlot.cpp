@@ -144,6 +144,7 @@ void ShaderPassMemorySlot::_evaluateCamera(Camera& camera, const System& system,
         write(out, camera.getViewMatrix());
         return;
     case CONTENT::PROJECTION_MATRIX:
+        // The only one that depends on the language, because the two have different clip rules.
         write(out, camera.getProjectionMatrix(system.getLanguage()));
         return;
     case CONTENT::CAMERA_POSITION:

@@ -13,6 +13,7 @@ namespace {
 template <typename STORED, typename CONVERT>
 void loadAll(const unsigned char* source, ovMemory::BufferView<float> values, CONVERT convert) {
     for (float& value : values) {
+        // Through memcpy, because the bytes of a view need not be aligned for the type.
         STORED stored;
         std::memcpy(&stored, source, sizeof(STORED));
         value = convert(stored);
@@ -74,6 +75,7 @@ StoreLosses storeComponents(ovMemory::BufferView<const float> values, COMPONENT_
             if (!(std::fabs(value) > LARGEST_HALF))
                 return floatToHalf(value);
             ++losses.clampedToHalf;
+            // Clamped and counted: an infinity in a picture spreads over whole frames when it is filtered.
             return floatToHalf(std::copysign(LARGEST_HALF, value));
         });
         break;

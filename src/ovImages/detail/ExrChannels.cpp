@@ -31,6 +31,7 @@ ROLE getRole(StringView baseName) {
                                                 {"y", ROLE::LUMINANCE},
                                                 {"ry", ROLE::RED_CHROMA},
                                                 {"by", ROLE::BLUE_CHROMA}}};
+    // Programs write "R", "r" and "red".
     String lower(baseName);
     std::transform(lower.begin(), lower.end(), lower.begin(),
                    [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
@@ -46,6 +47,7 @@ public:
         String& slot = _byRole[static_cast<std::size_t>(role)];
         if (slot.empty())
             slot = fullName;
+        // Alpha does not count: a mask beside one channel of data does not make the choice ambiguous.
         if (role != ROLE::ALPHA) {
             ++_countWithoutAlpha;
             _last = fullName;
@@ -143,6 +145,7 @@ ExrSelection selectExrChannels(ovMemory::BufferView<const String> names, StringV
     const Layers layers = groupByLayer(names);
     if (!layer.empty())
         return selectNamed(layers, layer);
+    // The unnamed layer is the picture itself in files of renderers; named layers are its passes.
     const auto unnamed = layers.find("");
     if (unnamed != layers.end()) {
         ExrSelection selection = unnamed->second.selectColours();

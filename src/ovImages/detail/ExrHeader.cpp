@@ -45,6 +45,7 @@ public:
             return false;
         number = 0;
         for (std::size_t i = bytes.size(); i-- > 0;)
+            // Byte by byte, since the file is little-endian whatever the machine is.
             number = number << 8 | bytes[i];
         return true;
     }
@@ -102,6 +103,7 @@ bool isChannelListSound(Walker list) {
     ovMemory::StringView name;
     Bytes channel;
     while (list.takeName(name)) {
+        // The list must end with its empty name and exactly there: the library reads on until it finds one.
         if (name.empty())
             return list.isAtEnd();
         if (!list.take(CHANNEL_BYTES, channel))
@@ -122,6 +124,7 @@ bool isPreviewSound(Walker preview, std::size_t size) {
     constexpr std::uint64_t MAX_PREVIEW_SIDE = 1u << 16;
     std::uint32_t width = 0;
     std::uint32_t height = 0;
+    // The product is computed in 64 bits, where two such sides cannot wrap round.
     return preview.takeNumber(width) && preview.takeNumber(height) && width < MAX_PREVIEW_SIDE &&
            height < MAX_PREVIEW_SIDE && std::uint64_t(width) * height * 4 + 8 == size;
 }

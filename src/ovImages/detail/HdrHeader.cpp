@@ -59,6 +59,7 @@ Text takeWord(Text& text) {
 
 template <typename NUMBER>
 bool parse(Text word, NUMBER& number) {
+    // Not strtod, whose decimal point depends on the locale of the host program.
     const auto [end, status] = std::from_chars(word.data(), word.data() + word.size(), number);
     return status == std::errc() && end == word.data() + word.size();
 }

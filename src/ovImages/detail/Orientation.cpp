@@ -94,6 +94,7 @@ Image applyOrientation(Image&& stored, unsigned orientation) {
     Image upright(isTurned ? stored.getHeight() : stored.getWidth(),
                   isTurned ? stored.getWidth() : stored.getHeight(), stored.getChannels(),
                   stored.getComponentType(), stored.getEncoding());
+    // The decoder that calls this turns it into the error of memory that ran out.
     if (upright.isEmpty())
         throw std::bad_alloc();
     const std::size_t pixelSize = stored.getChannels() * getComponentSize(stored.getComponentType());

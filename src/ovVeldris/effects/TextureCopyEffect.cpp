@@ -14,6 +14,7 @@ constexpr unsigned int SOURCE_UNIT = 0;
 
 constexpr EffectSamplerSettings DEFAULT_SAMPLER = {
     .name = "VELDRIS_TEX_COPY_SAMPLER",
+    // A copy of the same size must give every texel as it is.
     .filter = ovGraphics::FILTER::MIN_MAG_MIP_POINT,
     .address = ovGraphics::TEXTURE_ADDRESS::CLAMP,
     .borderColor = std::array{0.0f, 0.0f, 0.0f, 0.0f},

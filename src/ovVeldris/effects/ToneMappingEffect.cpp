@@ -32,6 +32,7 @@ Setting curveNumber(ovMemory::StringView name, float ToneMappingHablesCurveDescr
                     float byDefault, ovMemory::StringView help) {
     const auto get = [field](const ToneMappingEffect& effect) { return effect.getHablesDescriptor().*field; };
     const auto set = [field](ToneMappingEffect& effect, float value) {
+        // The effect takes the curve as a whole, so that a row changes one number of a copy.
         ToneMappingHablesCurveDescriptor curve = effect.getHablesDescriptor();
         curve.*field = value;
         effect.setHablesDescriptor(curve);
@@ -139,6 +140,7 @@ ovGraphics::Texture* ToneMappingEffect::getSourceTexture() const {
 
 void ToneMappingEffect::_writeConstantsIfLoaded(TONE_MAPPING_OPERATOR changed) const {
     ovGraphics::Shader* shader = _getLoadedShader();
+    // The curves use the same slots for different numbers: those of a curve that is not loaded must stay out.
     if (shader && operatorOf(_loadedInfo) == changed)
         _writeConstants(*shader, changed);
 }
@@ -147,6 +149,7 @@ void ToneMappingEffect::_fillSources(ovGraphics::ProgramSourcesHolder& sources) 
     static const ovMemory::String pixelText =
         assembleShaderText({{"ToneMappingEffect.pixel.ovsl", embedded::ToneMappingEffect_pixel}});
     sources.setPixelMemory(pixelText);
+    // One define for each curve: a pixel does not pay for the curves that are not in use.
     if (_currentInfo.reinhardUsed) {
         sources.addDefineMacroPixel("REINHARD", "");
     } else if (_currentInfo.hablesUsed) {
