@@ -6,6 +6,7 @@
 #include <ovGraphics/compositor/RenderContext.h>
 #include <ovGraphics/device/Device.h>
 #include <ovGraphics/resources/Camera.h>
+#include <ovGraphics/resources/ConstantPool.h>
 #include <ovGraphics/resources/Program.h>
 #include <ovGraphics/resources/ProgramLibrary.h>
 #include <ovGraphics/resources/Sampler.h>
@@ -101,6 +102,7 @@ bool System::_start(const Configuration& configuration, ovMemory::UniquePtr<devi
     }
     _device = std::move(device);
     _programLibrary = std::make_unique<ProgramLibrary>(*_device, configuration.cacheFolder);
+    _constantPool = std::make_unique<ConstantPool>(*_device, _frameNumber);
     _startSeconds = nowInSeconds();
     _lastFrameSeconds = 0.0;
     if (!_timeIsFixed)
@@ -118,6 +120,7 @@ void System::shutdown() {
         _reportDebugErrors();
     _passTimings.clear();
     _passTimer.reset();
+    _constantPool.reset();
     _programLibrary.reset();
     _device.reset();
 }
@@ -125,6 +128,7 @@ void System::shutdown() {
 bool System::frame(RenderContext* context) {
     if (!_canDraw(context) || (context->drawsInWindow() && !context->followWindowSize()))
         return false;
+    ++_frameNumber;
     if (!_timeIsFixed)
         _advanceTime();
     // A frame that a measured pass draws belongs to that pass, and must not clear the list.

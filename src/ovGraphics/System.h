@@ -18,6 +18,7 @@ class Camera;
 class CameraManager;
 class CompositorManager;
 class CompositorPass;
+class ConstantPool;
 class MeshManager;
 class NodeManager;
 class ProgramLibrary;
@@ -117,13 +118,9 @@ public:
     /// Sends one line to the configuration's logger, if there is one.
     void log(ovMemory::StringView message, ovMemory::StringView sender) const;
 
-    // What scene passes keep between frames says under which counts it was made.
-    /// Counts changes of meshes, shaders, nodes' existence and queues.
+    /// Counts changes of meshes and shaders, so that what scene passes keep of them tells when it is stale.
     uint64_t getSceneRevision() const { return _sceneRevision; }
-    void noteSceneChange() { ++_sceneRevision; }
-    /// Counts changes of nodes' places.
-    uint64_t getTransformRevision() const { return _transformRevision; }
-    void noteTransformChange() { ++_transformRevision; }
+    uint64_t noteSceneChange() { return ++_sceneRevision; }
 
     // The window, when the configuration asked for one.
     void pollWindowEvents();
@@ -133,6 +130,10 @@ public:
     device::Device* getDevice() const { return _device.get(); }
     /// The compiled programs of this system. Only while it is initialised.
     ProgramLibrary& getProgramLibrary() const { return *_programLibrary; }
+    /// The constants on the device. Only while the system is initialised.
+    ConstantPool& getConstantPool() const { return *_constantPool; }
+    /// Counts the calls of frame() that drew.
+    uint64_t getFrameNumber() const { return _frameNumber; }
 
 private:
     friend class ovCommon::MaybeSingletonClass<System>;
@@ -151,10 +152,11 @@ private:
     Configuration _configuration;
     ovMemory::UniquePtr<device::Device> _device;
     ovMemory::UniquePtr<ProgramLibrary> _programLibrary;
+    ovMemory::UniquePtr<ConstantPool> _constantPool;
     ovMemory::Buffer<Resource*> _resources; ///< every resource of this system, managed or not
     uint64_t _resourcesMade = 0;
     uint64_t _sceneRevision = 1;
-    uint64_t _transformRevision = 1;
+    uint64_t _frameNumber = 0;
     FrameTime _frameTime;
     double _startSeconds = 0.0;     ///< of the steady clock, at initialize()
     double _lastFrameSeconds = 0.0; ///< since initialize()

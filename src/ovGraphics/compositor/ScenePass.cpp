@@ -3,10 +3,8 @@
 #include <ovGraphics/System.h>
 #include <ovGraphics/device/Device.h>
 #include <ovGraphics/resources/Camera.h>
-#include <ovGraphics/resources/ProgramLibrary.h>
 #include <ovGraphics/resources/Shader.h>
 #include <ovGraphics/resources/ShaderPassMemorySlot.h>
-#include <ovGraphics/scene/Mesh.h>
 #include <ovGraphics/scene/RenderQueue.h>
 
 namespace ovGraphics {
@@ -33,6 +31,7 @@ bool ScenePass::execute(const PassExecution& execution) {
     if (!_queue || _queue->getSystem() != execution.system)
         return false;
     const PassEnvironment environment{execution.system, _camera ? _camera.get() : execution.activeCamera};
+    _settings.depthClip = _rasterState.getDesc().depthClip;
     ovMemory::String error;
     if (!_drawList.update(*execution.system, *_queue.get(), environment.camera, _settings, error))
         return false;
@@ -43,23 +42,22 @@ bool ScenePass::execute(const PassExecution& execution) {
 
 bool ScenePass::_draw(const PassExecution& execution, const PassEnvironment& environment) {
     const Shader* bound = nullptr;
-    const LoadedProgram* program = nullptr;
+    bool isBound = false;
+    const DrawList::Batch* previous = nullptr;
     bool complete = true;
     for (const DrawList::Batch& batch : _drawList.getBatches()) {
         if (batch.shader != bound) {
             bound = batch.shader;
-            program = batch.shader->bind(environment) ? batch.shader->getLoadedProgram() : nullptr;
+            isBound = batch.shader->bind(environment);
         }
-        device::GpuGeometry* geometry =
-            program ? batch.mesh->getGeometry(*program, batch.shader->getInstanceMemorySlots()) : nullptr;
-        if (!geometry) {
+        if (!isBound || !batch.geometry) {
             complete = false;
             continue;
         }
-        _setRasterState(execution, batch);
-        execution.device->drawGeometry(*geometry, {batch.mesh->getTopology(), batch.mesh->getDrawCount(),
-                                                   _drawList.getInstances(), batch.instanceStride,
-                                                   batch.firstInstance, batch.instanceCount});
+        if (!previous || previous->doubleSided != batch.doubleSided || previous->mirrored != batch.mirrored)
+            _setRasterState(execution, batch);
+        previous = &batch;
+        execution.device->drawGeometry(*batch.geometry, batch.draw);
     }
     return complete;
 }

@@ -31,7 +31,8 @@ public:
     unsigned int getShaderVariant() const { return _settings.variant; }
     void setOrder(SCENE_ORDER order) { _settings.order = order; }
     SCENE_ORDER getOrder() const { return _settings.order; }
-    /// Leaves out what lies outside the camera's view. Default true.
+    /// Leaves out what lies outside the camera's view. Without depth clipping (RasterState) the near and the
+    /// far plane leave nothing out. Default true.
     void setFrustumCullingEnabled(bool enabled) { _settings.culling = enabled; }
     bool getFrustumCullingEnabled() const { return _settings.culling; }
 

@@ -47,10 +47,19 @@ ovMemory::UniquePtr<Camera> Camera::create(System* system) {
 }
 
 Camera::Camera(System* system)
-    : Resource(system, "camera") {}
+    : Resource(system, "camera")
+    , _revision(noteBindingChange()) {}
+
+template <typename T>
+void Camera::_set(T& setting, const T& value) {
+    if (setting == value)
+        return;
+    setting = value;
+    _revision = noteBindingChange();
+}
 
 void Camera::setPosition(const Vector& position) {
-    _position = position;
+    _set(_position, position);
 }
 
 void Camera::lookAt(const Vector& direction, const Vector& up) {
@@ -63,10 +72,10 @@ void Camera::lookAt(const Vector& direction, const Vector& up) {
     constexpr float PARALLEL_SINE_SQUARED = 1e-10f;
     if (right.getLengthSquaredVec3() < PARALLEL_SINE_SQUARED)
         right = axisAcross(forward).getCrossVec3(forward);
-    _forward = forward;
-    _right = right.getNormalizedVec3();
+    _set(_forward, forward);
+    _set(_right, right.getNormalizedVec3());
     // Not the vector that was given, which need not be at a right angle to the direction.
-    _up = _forward.getCrossVec3(_right);
+    _set(_up, _forward.getCrossVec3(_right));
 }
 
 Vector Camera::getDirection() const {
@@ -83,11 +92,11 @@ bool Camera::setPerspective(float verticalFov, float aspect, float nearPlane, fl
                         " were given; the angle must lie between 0 and pi, the aspect above 0" + PLANES_RULE);
         return false;
     }
-    _orthographic = false;
-    _verticalFov = verticalFov;
-    _aspect = aspect;
-    _near = nearPlane;
-    _far = farPlane;
+    _set(_orthographic, false);
+    _set(_verticalFov, verticalFov);
+    _set(_aspect, aspect);
+    _set(_near, nearPlane);
+    _set(_far, farPlane);
     return true;
 }
 
@@ -99,18 +108,18 @@ bool Camera::setOrthographic(float width, float height, float nearPlane, float f
                         PLANES_RULE);
         return false;
     }
-    _orthographic = true;
+    _set(_orthographic, true);
     // Height and aspect are kept, and not the width: setAspect then serves both projections.
-    _viewHeight = height;
-    _aspect = width / height;
-    _near = nearPlane;
-    _far = farPlane;
+    _set(_viewHeight, height);
+    _set(_aspect, width / height);
+    _set(_near, nearPlane);
+    _set(_far, farPlane);
     return true;
 }
 
 void Camera::setAspect(float aspect) {
     if (isPositive(aspect))
-        _aspect = aspect;
+        _set(_aspect, aspect);
 }
 
 ovMaths::Matrix Camera::getViewMatrix() const {

@@ -21,6 +21,9 @@ public:
     static ovMemory::UniquePtr<Camera> create(System* system);
     explicit Camera(System* system);
 
+    /// Another number after every change, and never one that another camera has or had.
+    uint64_t getRevision() const { return _revision; }
+
     void setPosition(const ovMaths::Vector& position);
     const ovMaths::Vector& getPosition() const { return _position; }
 
@@ -73,8 +76,11 @@ public:
     void reset() override;
 
 private:
+    template <typename T>
+    void _set(T& setting, const T& value);
     ovMaths::Vector _toWorld(const ovMaths::Vector& viewDirection) const;
 
+    uint64_t _revision;
     ovMaths::Vector _position;
     ovMaths::Vector _right{1.0f, 0.0f, 0.0f};
     ovMaths::Vector _up{0.0f, 1.0f, 0.0f};

@@ -3,6 +3,9 @@
 #include <algorithm>
 #include <ovGraphics/System.h>
 #include <ovGraphics/device/Device.h>
+#include <ovGraphics/resources/ConstantPool.h>
+#include <ovGraphics/resources/Resource.h>
+#include <utility>
 
 namespace ovGraphics {
 
@@ -14,9 +17,12 @@ ConstantBuffer::ConstantBuffer(unsigned int index, unsigned int stage)
     : _index(index)
     , _stage(stage) {}
 
-ConstantBuffer::~ConstantBuffer() = default;
+ConstantBuffer::~ConstantBuffer() {
+    unload();
+}
 
 ShaderPassMemorySlot* ConstantBuffer::addPassMemorySlot() {
+    noteBindingChange();
     return _slots.emplace_back(std::make_unique<ShaderPassMemorySlot>()).get();
 }
 
@@ -24,11 +30,44 @@ ShaderPassMemorySlot* ConstantBuffer::getPassMemorySlot(unsigned int index) cons
     return index < _slots.size() ? _slots[index].get() : nullptr;
 }
 
-device::GpuBuffer* ConstantBuffer::update(device::Device& device, const PassEnvironment& environment,
-                                          unsigned int minimumSize) {
+device::GpuBuffer* ConstantBuffer::update(const PassEnvironment& environment, unsigned int minimumSize) {
+    if (_block && _isCurrent(environment, minimumSize))
+        return _block->buffer.get();
+    _evaluate(environment, minimumSize);
+    if (_block && _block->bytes == _bytes)
+        return _block->buffer.get();
+    const ConstantBlock* previous = std::exchange(_block, nullptr);
+    if (previous)
+        _pool->release(previous);
+    ovMemory::String error;
+    _pool = &environment.system->getConstantPool();
+    _block = _pool->acquire(_bytes, error);
+    if (!_block) {
+        _reportRefusal(*environment.system, error);
+        return nullptr;
+    }
+    _refusalLogged = false;
+    return _block->buffer.get();
+}
+
+bool ConstantBuffer::_isCurrent(const PassEnvironment& environment, unsigned int minimumSize) const {
+    if (_sources.size() != _slots.size() || _bytes.size() < minimumSize)
+        return false;
+    for (std::size_t i = 0; i < _slots.size(); ++i) {
+        if (_sources[i] == 0 || _sources[i] != _slots[i]->getSource(environment))
+            return false;
+    }
+    return true;
+}
+
+void ConstantBuffer::_evaluate(const PassEnvironment& environment, unsigned int minimumSize) {
     unsigned int size = 0;
-    for (const auto& slot : _slots)
+    _sources.clear();
+    for (const auto& slot : _slots) {
         size += slot->getRegisterCount() * REGISTER_SIZE;
+        _sources.push_back(slot->getSource(environment));
+    }
+    _mustBeEvaluated = std::find(_sources.begin(), _sources.end(), 0u) != _sources.end();
     // Zeroed first, so that what no slot fills reads as zero.
     _bytes.assign(std::max(size, minimumSize), 0);
     unsigned char* out = _bytes.data();
@@ -36,22 +75,6 @@ device::GpuBuffer* ConstantBuffer::update(device::Device& device, const PassEnvi
         slot->evaluate(environment, out);
         out += slot->getRegisterCount() * REGISTER_SIZE;
     }
-    if (_gpuBuffer && _bytes == _uploadedBytes)
-        return _gpuBuffer.get();
-
-    const auto byteCount = static_cast<unsigned int>(_bytes.size());
-    if (!_gpuBuffer || _gpuBuffer->getSize() != byteCount) {
-        ovMemory::String error;
-        _gpuBuffer = device.createBuffer(byteCount, device::BUFFER_USAGE::CONSTANTS, error);
-        if (!_gpuBuffer) {
-            _reportRefusal(*environment.system, error);
-            return nullptr;
-        }
-        _refusalLogged = false;
-    }
-    device.updateBuffer(*_gpuBuffer, 0, _bytes);
-    _uploadedBytes = _bytes;
-    return _gpuBuffer.get();
 }
 
 void ConstantBuffer::_reportRefusal(const System& system, ovMemory::StringView reason) {
@@ -63,8 +86,8 @@ void ConstantBuffer::_reportRefusal(const System& system, ovMemory::StringView r
 }
 
 void ConstantBuffer::unload() {
-    _gpuBuffer.reset();
-    _uploadedBytes.clear();
+    if (const ConstantBlock* block = std::exchange(_block, nullptr))
+        _pool->release(block);
 }
 
 } // namespace ovGraphics

@@ -6,10 +6,12 @@
 
 namespace ovGraphics {
 
+struct ConstantBlock;
+class ConstantPool;
+
 namespace device {
-class Device;
 class GpuBuffer;
-} // namespace device
+}
 
 /// The constants of one buffer index of a shader: slots laid out one after another in registers.
 class OV_API ConstantBuffer : public ovMemory::Borrowable {
@@ -26,24 +28,31 @@ public:
     ShaderPassMemorySlot* getPassMemorySlot(unsigned int index) const;
     unsigned int getPassMemorySlotCount() const { return static_cast<unsigned int>(_slots.size()); }
 
-    /// Evaluates every slot and uploads the bytes if they differ from those uploaded last. The device's
-    /// buffer has at least minimumSize bytes, the rest zeros. @return null when the device refuses, after one
-    /// log line for a run of refusals
-    device::GpuBuffer* update(device::Device& device, const PassEnvironment& environment,
-                              unsigned int minimumSize);
+    /// The bytes of the slots on the device, shared with every buffer that holds the same. Slots whose source
+    /// did not change are not evaluated again, and bytes that are there are not uploaded again. There are at
+    /// least minimumSize bytes, the rest zeros. @return null when the device refuses, after one log line for
+    /// a run of refusals
+    device::GpuBuffer* update(const PassEnvironment& environment, unsigned int minimumSize);
 
-    /// Frees the device's buffer.
+    /// Whether the last update() found slots that only evaluating tells of, as those of the time.
+    bool mustBeEvaluated() const { return _mustBeEvaluated; }
+
+    /// Lets the device's bytes go.
     void unload();
 
 private:
+    bool _isCurrent(const PassEnvironment& environment, unsigned int minimumSize) const;
+    void _evaluate(const PassEnvironment& environment, unsigned int minimumSize);
     void _reportRefusal(const System& system, ovMemory::StringView reason);
 
     unsigned int _index;
     unsigned int _stage;
     ovMemory::Buffer<ovMemory::UniquePtr<ShaderPassMemorySlot>> _slots;
+    ovMemory::Buffer<uint64_t> _sources; ///< of the slots when they were evaluated
     ovMemory::Buffer<unsigned char> _bytes;
-    ovMemory::Buffer<unsigned char> _uploadedBytes;
-    ovMemory::UniquePtr<device::GpuBuffer> _gpuBuffer;
+    const ConstantBlock* _block = nullptr; ///< those bytes on the device
+    ConstantPool* _pool = nullptr;         ///< the block's
+    bool _mustBeEvaluated = true;
     bool _refusalLogged = false;
 };
 

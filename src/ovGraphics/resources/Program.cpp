@@ -60,12 +60,14 @@ bool Program::_load(ovMemory::String& error) {
     _loadedProgram = getSystem()->getProgramLibrary().acquire(getText(), error, warnings);
     if (!warnings.empty())
         getSystem()->log("Program '" + ovMemory::String(getName()) + "': " + warnings, "program");
+    _noteSceneChange();
     return _loadedProgram != nullptr;
 }
 
 void Program::_unload() {
     if (_loadedProgram)
         getSystem()->getProgramLibrary().release(_loadedProgram);
+    _noteSceneChange();
     _loadedProgram = nullptr;
 }
 

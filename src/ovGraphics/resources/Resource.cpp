@@ -1,5 +1,6 @@
 #include <ovGraphics/resources/Resource.h>
 
+#include <atomic>
 #include <cctype>
 #include <ovGraphics/System.h>
 
@@ -19,7 +20,17 @@ ovMemory::String classNameOf(ovMemory::StringView kind) {
     return name;
 }
 
+std::atomic<uint64_t> bindingChanges = 1;
+
 } // namespace
+
+uint64_t noteBindingChange() {
+    return bindingChanges.fetch_add(1, std::memory_order_relaxed) + 1;
+}
+
+uint64_t getBindingChanges() {
+    return bindingChanges.load(std::memory_order_relaxed);
+}
 
 Resource::Resource(System* system, ovMemory::StringView kind)
     : _system(systemOrSingleton(system))
@@ -28,6 +39,7 @@ Resource::Resource(System* system, ovMemory::StringView kind)
 }
 
 Resource::~Resource() {
+    noteBindingChange();
     _forgetBorrowers(); // before the system is told: what it does then must not reach a resource half gone
     if (_system)
         _system->_unregisterResource(this);
@@ -37,13 +49,11 @@ bool Resource::load() {
     // Loading twice costs nothing, so callers need not keep track of what is loaded.
     if (_loadState != RESOURCE_LOAD_STATE::UNLOADED && !_changedSinceLoad)
         return true;
-    unload();
+    unload(); // counts as a change of what shaders bind, as the load that follows does
     _loadState = RESOURCE_LOAD_STATE::LOADING;
     ovMemory::String error;
     if (!_load(error)) {
-        // A load that failed halfway may have made some of its objects.
-        _unload();
-        _loadState = RESOURCE_LOAD_STATE::UNLOADED;
+        unload(); // a load that failed halfway may have made some of its objects
         _logFailure("load", error);
         return false;
     }
@@ -55,6 +65,7 @@ bool Resource::load() {
 }
 
 void Resource::unload() {
+    noteBindingChange();
     _unload();
     _loadState = RESOURCE_LOAD_STATE::UNLOADED;
 }
@@ -68,9 +79,9 @@ bool Resource::_load(ovMemory::String&) {
     return true;
 }
 
-void Resource::_noteSceneChange() const {
+void Resource::_noteSceneChange() {
     if (_system)
-        _system->noteSceneChange();
+        _sceneRevision = _system->noteSceneChange();
 }
 
 void Resource::_logFailure(ovMemory::StringView action, ovMemory::StringView reason) const {

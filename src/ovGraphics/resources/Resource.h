@@ -15,6 +15,14 @@ class Device;
 }
 class System;
 
+/// Counts changes of whatever shaders bind: settings and loads of resources, cameras, bindings and memory
+/// slots. A shader whose count is the present one binds what it bound before without looking. All systems
+/// count together, so that a number is also another one for every change.
+/// @return the count with this change
+OV_API uint64_t noteBindingChange();
+/// The present count.
+OV_API uint64_t getBindingChanges();
+
 /// A named object of a graphics system: a texture, a shader, a camera, a compositor, ...
 ///
 /// Settings are stored by setters and take effect on the device at load().
@@ -45,6 +53,9 @@ public:
     /// Another number for every resource of a system, rising with the order of creation.
     uint64_t getId() const { return _id; }
 
+    /// The system's count of scene changes when what scene passes keep of this resource changed last.
+    uint64_t getSceneRevision() const { return _sceneRevision; }
+
     bool isUnloaded() const { return _loadState == RESOURCE_LOAD_STATE::UNLOADED; }
 
     /// Makes the resource usable with its present settings. A loaded resource whose settings did not change
@@ -68,9 +79,12 @@ protected:
     virtual void _unload() {}
 
     /// To be called by setters: the next load() must not be skipped.
-    void _settingChanged() { _changedSinceLoad = true; }
-    /// To be called when what scene passes keep of meshes, shaders and nodes is out of date.
-    void _noteSceneChange() const;
+    void _settingChanged() {
+        _changedSinceLoad = true;
+        noteBindingChange();
+    }
+    /// To be called when what scene passes keep of a mesh or a shader is out of date.
+    void _noteSceneChange();
     void _setLoadState(RESOURCE_LOAD_STATE state) { _loadState = state; }
     /// Sends "Could not <action> the <kind> '<name>': <reason>" to the system's logger, the class as sender.
     void _logFailure(ovMemory::StringView action, ovMemory::StringView reason) const;
@@ -84,6 +98,7 @@ private:
     ovMemory::StringView _kind;
     ovMemory::String _name;
     uint64_t _id = 0;
+    uint64_t _sceneRevision = 0;
     RESOURCE_LOAD_STATE _loadState = RESOURCE_LOAD_STATE::UNLOADED;
     bool _hidden = false;
     bool _gpuUploadCanBeDeferred = false;

@@ -54,6 +54,7 @@ Program* Shader::getProgram() const {
 ConstantBuffer* Shader::addConstantBuffer(unsigned int index, unsigned int stage) {
     if (ConstantBuffer* existing = getConstantBuffer(index, stage))
         return existing;
+    noteBindingChange();
     return _constantBuffers.emplace_back(std::make_unique<ConstantBuffer>(index, stage)).get();
 }
 
@@ -76,6 +77,7 @@ ShaderInstanceMemorySlot* Shader::getInstanceMemorySlot(unsigned int index) cons
 
 // Looked up anew at every binding, so that a loaded shader takes another texture at once.
 void Shader::setTexture(Texture* texture, unsigned int unit, unsigned int stage) {
+    noteBindingChange();
     const auto binding = findBinding(_textures, unit, stage);
     if (binding != _textures.end())
         binding->texture = texture;
@@ -89,6 +91,7 @@ Texture* Shader::getTexture(unsigned int unit, unsigned int stage) const {
 }
 
 void Shader::setSampler(Sampler* sampler, unsigned int unit, unsigned int stage) {
+    noteBindingChange();
     const auto binding = findBinding(_samplers, unit, stage);
     if (binding != _samplers.end())
         binding->sampler = sampler;
@@ -112,12 +115,28 @@ void Shader::reset() {
 }
 
 bool Shader::bind(const PassEnvironment& environment) {
+    const bool isFound = _bound.changes == getBindingChanges() && _bound.camera == environment.camera;
+    if (!isFound && !_findBound(environment))
+        return false;
+    device::Device& device = *getSystem()->getDevice();
+    device.setProgram(*_bound.program);
+    for (const Bound::Constants& constants : _bound.constants)
+        device.setConstantBuffer(constants.slot, constants.buffer);
+    unsigned int unit = 0;
+    for (const Bound::Unit& own : _bound.units)
+        device.setTextureUnit(unit++, own.texture, own.sampler, own.type, own.array);
+    return true;
+}
+
+bool Shader::_findBound(const PassEnvironment& environment) {
     const LoadedProgram* program = getLoadedProgram();
     if (!program)
         return false;
-    getSystem()->getDevice()->setProgram(*program->gpuProgram);
-    _bindConstants(*program, environment);
-    _bindTextures(*program);
+    _bound.program = program->gpuProgram.get();
+    _bound.camera = environment.camera;
+    _bound.changes = getBindingChanges();
+    _findConstants(*program, environment);
+    _findTextures(*program);
     return true;
 }
 
@@ -153,25 +172,28 @@ void Shader::_unload() {
         buffer->unload();
 }
 
-void Shader::_bindConstants(const LoadedProgram& program, const PassEnvironment& environment) {
-    device::Device& device = *getSystem()->getDevice();
+void Shader::_findConstants(const LoadedProgram& program, const PassEnvironment& environment) {
+    _bound.constants.clear();
     for (const shading::ConstantBufferInfo& declared : program.compiled.constantBuffers) {
         // By what the program declares: a buffer that the text does not use is neither filled nor uploaded.
         device::GpuBuffer* gpuBuffer = nullptr;
         for (const auto& buffer : _constantBuffers) {
-            if (buffer->getIndex() == declared.slot)
-                gpuBuffer = buffer->update(device, environment, declared.size);
+            if (buffer->getIndex() != declared.slot)
+                continue;
+            gpuBuffer = buffer->update(environment, declared.size);
+            if (buffer->mustBeEvaluated())
+                _bound.changes = 0;
         }
         // Also without one, or the slot would keep the buffer of another shader.
-        device.setConstantBuffer(declared.slot, gpuBuffer);
+        _bound.constants.push_back({declared.slot, gpuBuffer});
     }
 }
 
-void Shader::_bindTextures(const LoadedProgram& program) {
+void Shader::_findTextures(const LoadedProgram& program) {
     const auto ownOrNull = [this](const auto& borrowed) { // objects of other devices mean nothing here
         return borrowed && borrowed->getSystem() == getSystem() ? borrowed.get() : nullptr;
     };
-    unsigned int unit = 0;
+    _bound.units.clear();
     // The program's table drives the binding, because one texture with two samplers takes two of the device's
     // units.
     for (const shading::TextureUnitInfo& declared : program.compiled.textureUnits) {
@@ -179,9 +201,9 @@ void Shader::_bindTextures(const LoadedProgram& program) {
         const auto sampler = findUnit(_samplers, declared.samplerSlot);
         Texture* usedTexture = texture != _textures.end() ? ownOrNull(texture->texture) : nullptr;
         Sampler* usedSampler = sampler != _samplers.end() ? ownOrNull(sampler->sampler) : nullptr;
-        getSystem()->getDevice()->setTextureUnit(unit++, usedTexture ? usedTexture->getGpuTexture() : nullptr,
-                                                 usedSampler ? usedSampler->getGpuSampler() : nullptr,
-                                                 declared.type, declared.array);
+        _bound.units.push_back({usedTexture ? usedTexture->getGpuTexture() : nullptr,
+                                usedSampler ? usedSampler->getGpuSampler() : nullptr, declared.type,
+                                declared.array});
     }
 }
 

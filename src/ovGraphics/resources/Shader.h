@@ -12,6 +12,12 @@ class Sampler;
 class Texture;
 struct LoadedProgram;
 
+namespace device {
+class GpuProgram;
+class GpuSampler;
+class GpuTexture;
+} // namespace device
+
 /// Bindings: a program, its constants, and its textures and samplers by unit. A shader compiles nothing.
 ///
 /// Units and indices are those of the shader text's declarations. The stage argument is 0, visible to every
@@ -80,16 +86,37 @@ private:
         ovMemory::Borrowed<Sampler> sampler;
     };
 
+    /// What the device is told, found when something that shaders bind has changed.
+    struct Bound {
+        struct Constants {
+            unsigned int slot;
+            device::GpuBuffer* buffer;
+        };
+        struct Unit {
+            device::GpuTexture* texture;
+            device::GpuSampler* sampler;
+            TEXTURE_TYPE type;
+            bool array;
+        };
+        device::GpuProgram* program = nullptr;
+        ovMemory::Buffer<Constants> constants;
+        ovMemory::Buffer<Unit> units;
+        const Camera* camera = nullptr;
+        uint64_t changes = 0; ///< getBindingChanges() then; 0: look again at once
+    };
+
     bool _load(ovMemory::String& error) override;
     void _unload() override;
-    void _bindConstants(const LoadedProgram& program, const PassEnvironment& environment);
-    void _bindTextures(const LoadedProgram& program);
+    bool _findBound(const PassEnvironment& environment);
+    void _findConstants(const LoadedProgram& program, const PassEnvironment& environment);
+    void _findTextures(const LoadedProgram& program);
 
     ovMemory::Borrowed<Program> _program;
     ovMemory::Buffer<ovMemory::UniquePtr<ConstantBuffer>> _constantBuffers;
     ovMemory::Buffer<ovMemory::UniquePtr<ShaderInstanceMemorySlot>> _instanceSlots;
     ovMemory::Buffer<TextureBinding> _textures;
     ovMemory::Buffer<SamplerBinding> _samplers;
+    Bound _bound;
 };
 
 } // namespace ovGraphics

@@ -4,6 +4,7 @@
 #include <cstring>
 #include <ovGraphics/System.h>
 #include <ovGraphics/resources/Camera.h>
+#include <ovGraphics/resources/Resource.h>
 #include <ovGraphics/resources/Texture.h>
 
 namespace ovGraphics {
@@ -48,22 +49,22 @@ void writeTime(unsigned char* out, float modulo, const FrameTime& time) {
 } // namespace
 
 void ShaderPassMemorySlot::setFromVector(const ovMaths::Vector& vector) {
-    _content = CONTENT::VECTOR;
+    _setContent(CONTENT::VECTOR);
     _value = {vector.x, vector.y, vector.z, vector.w};
 }
 
 void ShaderPassMemorySlot::setFromMatrix(const ovMaths::Matrix& matrix) {
-    _content = CONTENT::MATRIX;
+    _setContent(CONTENT::MATRIX);
     std::memcpy(_value.data(), matrix.m, sizeof(matrix.m));
 }
 
 void ShaderPassMemorySlot::setAsTextureSize(Texture* texture) {
-    _content = CONTENT::TEXTURE_SIZE;
+    _setContent(CONTENT::TEXTURE_SIZE);
     _texture = texture;
 }
 
 void ShaderPassMemorySlot::setAsTime(float modulo) {
-    _content = CONTENT::TIME;
+    _setContent(CONTENT::TIME);
     _value = {modulo};
 }
 
@@ -117,22 +118,48 @@ void ShaderPassMemorySlot::evaluate(const PassEnvironment& environment, unsigned
     default:
         break;
     }
-    Camera* camera = _ownCamera ? _camera.get() : environment.camera;
-    if (camera)
+    if (const Camera* camera = _cameraOf(environment))
         _evaluateCamera(*camera, *environment.system, out);
     else
         std::memset(out, 0, size);
 }
 
-void ShaderPassMemorySlot::_setAsCamera(CONTENT content, Camera* camera) {
+uint64_t ShaderPassMemorySlot::getSource(const PassEnvironment& environment) const {
+    uint64_t revision = 0;
+    switch (_content) {
+    case CONTENT::TEXTURE_SIZE:
+    case CONTENT::TIME:
+        return 0;
+    case CONTENT::VECTOR:
+    case CONTENT::MATRIX:
+        break;
+    default:
+        if (const Camera* camera = _cameraOf(environment))
+            revision = camera->getRevision();
+    }
+    return uint64_t{_setCount} << 32 | (revision & 0xffffffffu);
+}
+
+void ShaderPassMemorySlot::_setContent(CONTENT content) {
     _content = content;
+    ++_setCount;
+    noteBindingChange();
+}
+
+const Camera* ShaderPassMemorySlot::_cameraOf(const PassEnvironment& environment) const {
+    return _ownCamera ? _camera.get() : environment.camera;
+}
+
+void ShaderPassMemorySlot::_setAsCamera(CONTENT content, Camera* camera) {
+    _setContent(content);
     _camera = camera;
     // Kept beside the pointer: a camera of one's own that was destroyed gives zeros, and not suddenly the
     // view of another.
     _ownCamera = camera != nullptr;
 }
 
-void ShaderPassMemorySlot::_evaluateCamera(Camera& camera, const System& system, unsigned char* out) const {
+void ShaderPassMemorySlot::_evaluateCamera(const Camera& camera, const System& system,
+                                           unsigned char* out) const {
     switch (_content) {
     case CONTENT::CAM_CORNERS_WORLD:
         write(out, camera.getCornersWorld());

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <array>
+#include <cstdint>
 #include <ovCommon/Api.h>
 #include <ovMaths/Matrix.h>
 #include <ovMaths/Vector.h>
@@ -52,6 +53,9 @@ public:
     /// Registers of four 32-bit values that the slot fills: 1 or 4.
     unsigned int getRegisterCount() const;
 
+    /// A number that stands for what the value comes from: equal numbers of one slot mean equal values. 0
+    /// means that only evaluating tells.
+    uint64_t getSource(const PassEnvironment& environment) const;
     /// Writes the present value, getRegisterCount() * 16 bytes, to out.
     void evaluate(const PassEnvironment& environment, unsigned char* out) const;
 
@@ -69,10 +73,13 @@ private:
         PROJECTION_PARAMETERS
     };
 
+    void _setContent(CONTENT content);
     void _setAsCamera(CONTENT content, Camera* camera);
-    void _evaluateCamera(Camera& camera, const System& system, unsigned char* out) const;
+    const Camera* _cameraOf(const PassEnvironment& environment) const;
+    void _evaluateCamera(const Camera& camera, const System& system, unsigned char* out) const;
 
     CONTENT _content = CONTENT::VECTOR;
+    uint32_t _setCount = 1;         ///< calls of setters
     std::array<float, 16> _value{}; ///< four rows; a vector is the first
     ovMemory::Borrowed<Camera> _camera;
     ovMemory::Borrowed<Texture> _texture;

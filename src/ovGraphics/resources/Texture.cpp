@@ -92,6 +92,7 @@ void Texture::setCpuData(unsigned int slice, unsigned int mip,
     const auto samePlace = [&](const CpuData& data) { return data.slice == slice && data.mip == mip; };
     _cpuData.erase(std::remove_if(_cpuData.begin(), _cpuData.end(), samePlace), _cpuData.end());
     _cpuData.push_back({slice, mip, rowPitch, {bytes.begin(), bytes.end()}});
+    _copiesAreDropped = false;
     _settingChanged();
 }
 
@@ -106,8 +107,19 @@ void Texture::addCpuDataSliceForward(ovMemory::BufferView<const unsigned char> b
                rowPitch);
 }
 
+bool Texture::dropCpuCopies() {
+    if (!getGpuTexture()) { // uploads what was deferred
+        _logFailure("drop the CPU copies of", "it is not loaded, and they are all there is; load it first.");
+        return false;
+    }
+    _copiesAreDropped = _copiesAreDropped || !_cpuData.empty();
+    _cpuData = {};
+    return true;
+}
+
 void Texture::clearCpuData() {
     _cpuData.clear();
+    _copiesAreDropped = false;
     _settingChanged();
 }
 
@@ -166,6 +178,7 @@ ovMemory::UniquePtr<ovImages::Image> Texture::convertToImage(unsigned int slice,
 void Texture::reset() {
     Resource::reset();
     _cpuData.clear();
+    _copiesAreDropped = false;
     _type = TEXTURE_TYPE::TEXTURE_2D;
     _format = FORMAT::R8G8B8A8_UNORM;
     _width = _height = _sliceCount = _mipCount = 1;
@@ -220,6 +233,11 @@ bool Texture::_checkSettings(const device::Device& device, ovMemory::String& err
 
 // Here and not at setCpuData(): format and size may still be set after the data.
 bool Texture::_checkCpuData(ovMemory::String& error) const {
+    if (_copiesAreDropped) {
+        error =
+            "its data was dropped by Texture::dropCpuCopies; give it again, or call Texture::clearCpuData.";
+        return false;
+    }
     for (const CpuData& data : _cpuData) {
         if (data.slice >= getSliceCount() || data.mip >= getMipCount()) {
             error = "data was given for " + placeName(data.slice, data.mip) + ", and it has " +

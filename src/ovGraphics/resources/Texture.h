@@ -68,6 +68,10 @@ public:
     void addCpuDataSliceForward(ovMemory::BufferView<const unsigned char> bytes, unsigned int rowPitch,
                                 unsigned int slicePitch);
     void clearCpuData();
+    /// Frees the data of a loaded texture, whose texels then are on the device alone. Loading again needs the
+    /// data again, or clearCpuData(). @return false after one log line, changing nothing, when the texture is
+    /// not loaded
+    bool dropCpuCopies();
 
     /// Takes width, height, format and texels (mip 0 of slice 0) from an image: 1 to 4 channels of 8 or
     /// 16-bit UNORM, half or float; three channels become four with alpha 1, but for floats. An sRGB-encoded
@@ -123,6 +127,7 @@ private:
     bool _uploadPending = false;
     unsigned int _loadCount = 0;
     ovMemory::Buffer<CpuData> _cpuData;
+    bool _copiesAreDropped = false;
     ovMemory::UniquePtr<device::GpuTexture> _gpuTexture;
 };
 

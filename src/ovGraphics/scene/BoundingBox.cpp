@@ -8,6 +8,14 @@ namespace ovGraphics {
 
 using ovMaths::Vector;
 
+namespace {
+
+bool isFinite(const Vector& point) {
+    return std::isfinite(point.x) && std::isfinite(point.y) && std::isfinite(point.z);
+}
+
+} // namespace
+
 BoundingBox BoundingBox::newCube(const Vector& center, float side) {
     return newBox(center, Vector(side, side, side));
 }
@@ -20,7 +28,7 @@ BoundingBox BoundingBox::newBox(const Vector& center, const Vector& size) {
 }
 
 void BoundingBox::add(const Vector& point) {
-    if (!std::isfinite(point.x) || !std::isfinite(point.y) || !std::isfinite(point.z))
+    if (!isFinite(point))
         return;
     _minimum = {std::min(_minimum.x, point.x), std::min(_minimum.y, point.y), std::min(_minimum.z, point.z)};
     _maximum = {std::max(_maximum.x, point.x), std::max(_maximum.y, point.y), std::max(_maximum.z, point.z)};
@@ -50,22 +58,21 @@ BoundingBox BoundingBox::getTransformed(const ovMaths::Matrix& transformation) c
     if (isEmpty())
         return {};
     const auto& m = transformation.m;
-    const float low[3] = {_minimum.x, _minimum.y, _minimum.z};
-    const float high[3] = {_maximum.x, _maximum.y, _maximum.z};
-    float minimum[3];
-    float maximum[3];
-    for (int row = 0; row < 3; ++row) {
-        minimum[row] = maximum[row] = m[row][3];
-        for (int column = 0; column < 3; ++column) {
-            const float a = m[row][column] * low[column];
-            const float b = m[row][column] * high[column];
-            minimum[row] += std::min(a, b);
-            maximum[row] += std::max(a, b);
-        }
-    }
+    const Vector center = getCenter();
+    const Vector half = getSize() * 0.5f;
+    const auto moved = [&](int row) {
+        return m[row][0] * center.x + m[row][1] * center.y + m[row][2] * center.z + m[row][3];
+    };
+    const auto reach = [&](int row) {
+        return std::abs(m[row][0]) * half.x + std::abs(m[row][1]) * half.y + std::abs(m[row][2]) * half.z;
+    };
+    const Vector middle(moved(0), moved(1), moved(2));
+    const Vector reaches(reach(0), reach(1), reach(2));
     BoundingBox box;
-    box.add(Vector(minimum[0], minimum[1], minimum[2]));
-    box.add(Vector(maximum[0], maximum[1], maximum[2]));
+    if (!isFinite(middle) || !isFinite(reaches))
+        return box;
+    box._minimum = {middle.x - reaches.x, middle.y - reaches.y, middle.z - reaches.z};
+    box._maximum = {middle.x + reaches.x, middle.y + reaches.y, middle.z + reaches.z};
     return box;
 }
 

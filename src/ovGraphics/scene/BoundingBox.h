@@ -33,7 +33,7 @@ public:
     const ovMaths::Vector& getMaximum() const { return _maximum; }
 
     /// The smallest box along the axes that holds this one after a transformation (Arvo, Transforming
-    /// Axis-Aligned Bounding Boxes, Graphics Gems, 1990).
+    /// Axis-Aligned Bounding Boxes, Graphics Gems, 1990); empty when that one is not finite.
     BoundingBox getTransformed(const ovMaths::Matrix& transformation) const;
 
     /// False only when the whole box lies outside one plane of the frustum, so that some boxes near its

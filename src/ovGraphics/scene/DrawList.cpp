@@ -1,183 +1,407 @@
 #include <ovGraphics/scene/DrawList.h>
 
 #include <algorithm>
-#include <cstring>
 #include <ovGraphics/System.h>
 #include <ovGraphics/device/Device.h>
 #include <ovGraphics/resources/Camera.h>
 #include <ovGraphics/resources/Program.h>
+#include <ovGraphics/resources/ProgramLibrary.h>
 #include <ovGraphics/resources/Shader.h>
 #include <ovGraphics/scene/Frustum.h>
 #include <ovGraphics/scene/Mesh.h>
 #include <ovGraphics/scene/Node.h>
 #include <ovGraphics/scene/RenderQueue.h>
-#include <tuple>
 
 namespace ovGraphics {
 
 namespace {
 
-constexpr unsigned int SLOT_SIZE = sizeof(ovMaths::Matrix::m);
+using SIGHT = DrawGroup::SIGHT;
 
-const ovMaths::Matrix IDENTITY;
+constexpr std::size_t SLOT_SIZE = sizeof(ovMaths::Matrix);
+static_assert(SLOT_SIZE == ShaderInstanceMemorySlot::ROW_COUNT * 4 * sizeof(float), "what programs read");
+constexpr unsigned int SIDE_PLANES = 4; // of the frustum, without near and far
+/// A draw call costs about as much as this many indices, so that instances out of view with fewer are drawn
+/// along rather than left out by another call.
+constexpr unsigned int INDICES_OF_A_DRAW = 1024;
+/// Room that no group uses any more is given back when it is more than what is in use and this.
+constexpr std::size_t SPARE_ROOM = 1024; // slots
 
-unsigned int strideOf(const Shader& shader) {
-    return static_cast<unsigned int>(shader.getInstanceMemorySlots().size()) * SLOT_SIZE;
+ovMemory::BufferView<const unsigned char> bytesOf(const ovMemory::Buffer<ovMaths::Matrix>& matrices) {
+    return {reinterpret_cast<const unsigned char*>(matrices.data()), matrices.size() * SLOT_SIZE};
 }
 
-const ovMaths::Matrix& valueOf(const Node* node, INSTANCE_VALUE value) {
-    if (!node)
-        return IDENTITY;
-    return value == INSTANCE_VALUE::WORLD_MATRIX ? node->getWorldMatrix()
-                                                 : node->getWorldMatrixInvTranspose();
+uint32_t gapLengthOf(const Mesh* mesh) {
+    return mesh ? INDICES_OF_A_DRAW / std::max(1u, mesh->getDrawCount()) : 0;
+}
+
+uint64_t programIdOf(const Shader& shader) {
+    return shader.getProgram() ? shader.getProgram()->getId() : 0;
+}
+
+bool isNewer(const Mesh& mesh, uint64_t revision) {
+    return mesh.getSceneRevision() > revision;
+}
+
+bool isNewer(const Shader& shader, uint64_t revision) {
+    const Program* program = shader.getProgram();
+    return shader.getSceneRevision() > revision || (program && program->getSceneRevision() > revision);
 }
 
 } // namespace
 
 DrawList::DrawList() = default;
-DrawList::~DrawList() = default;
 
-bool DrawList::update(const System& system, const RenderQueue& queue, const Camera* camera,
+DrawList::~DrawList() {
+    _leave();
+}
+
+bool DrawList::update(const System& system, RenderQueue& queue, const Camera* camera,
                       const DrawListSettings& settings, ovMemory::String& error) {
-    const bool sceneIsNew =
-        _queueId != queue.getId() || _sceneRevision != system.getSceneRevision() || _settings != settings;
-    const bool placesAreNew = sceneIsNew || _transformRevision != system.getTransformRevision();
-    const ovMaths::Matrix worldToClip =
-        camera ? camera->getProjectionMatrix() * camera->getViewMatrix() : ovMaths::Matrix();
-    const bool viewIsNew = _hadCamera != (camera != nullptr) || _worldToClip != worldToClip;
-    if (!placesAreNew && !viewIsNew && (_instanceBuffer || _instances.empty()))
-        return true;
+    const uint64_t cameraRevision = camera ? camera->getRevision() : 0;
+    const bool isOtherScene =
+        _queue != &queue || _settings.variant != settings.variant || _settings.order != settings.order;
+    const bool viewIsNew = isOtherScene || _cameraRevision != cameraRevision || _settings != settings;
     _settings = settings;
-    _queueId = queue.getId();
+    _cameraRevision = cameraRevision;
+    if (isOtherScene)
+        _follow(queue);
+    else if (_sceneRevision != system.getSceneRevision())
+        _recheckGroups();
     _sceneRevision = system.getSceneRevision();
-    _transformRevision = system.getTransformRevision();
-    _hadCamera = camera != nullptr;
-    _worldToClip = worldToClip;
-    if (sceneIsNew)
-        _collect(queue);
-    if (placesAreNew)
-        _place();
-    _cull(camera);
-    _batch();
-    return _upload(*system.getDevice(), error);
+
+    for (std::size_t i = 0; i < _changed.size(); ++i)
+        _refresh(_changed[i]);
+    _changed.clear();
+    _updateView(camera, viewIsNew);
+    return _upload(system, error);
 }
 
-void DrawList::unload() {
-    _instanceBuffer.reset();
-}
-
-void DrawList::_collect(const RenderQueue& queue) {
-    _items.clear();
-    for (unsigned int i = 0; i < queue.getEntityCount(); ++i) {
-        const Entity& entity = *queue.getEntity(i);
-        Shader* shader = entity.getShader(_settings.variant);
-        Mesh* mesh = entity.getMesh();
-        const bool drawable = entity.getVisible() && shader && shader->getProgram() && mesh &&
-                              !mesh->isUnloaded() && mesh->getSystem() == queue.getSystem() &&
-                              shader->getSystem() == queue.getSystem();
-        if (drawable)
-            _items.push_back({.node = entity.getNode(),
-                              .shader = shader,
-                              .mesh = mesh,
-                              .doubleSided = entity.getDoubleSided(),
-                              .box = {}});
+bool DrawList::_upload(const System& system, ovMemory::String& error) {
+    device::GpuBuffer* instances =
+        _ring.update(*system.getDevice(), bytesOf(_instances), system.getFrameNumber(), error);
+    if (!instances && !_instances.empty())
+        return false;
+    if (instances != _batchInstances) {
+        for (Batch& batch : _batches)
+            batch.draw.instances = instances;
     }
-    const auto keyOf = [](const Item& item) {
-        return std::make_tuple(item.shader->getProgram()->getId(), item.shader->getId(), item.mesh->getId(),
-                               item.doubleSided);
-    };
-    // Ids, not addresses, so that a scene is drawn in the same order every time.
-    std::stable_sort(_items.begin(), _items.end(),
-                     [&](const Item& a, const Item& b) { return keyOf(a) < keyOf(b); });
+    _batchInstances = instances;
+    return true;
 }
 
-void DrawList::_place() {
-    for (Item& item : _items) {
-        const uint64_t revision = item.node ? item.node->getWorldRevision() : 1;
-        if (item.worldRevision == revision)
-            continue;
-        item.worldRevision = revision;
-        item.box = item.mesh->getBoundingBox();
-        item.mirrored = false;
-        if (item.node) {
-            item.box = item.box.getTransformed(item.node->getWorldMatrix());
-            item.mirrored = item.node->isMirrored();
-        }
-    }
-}
-
-void DrawList::_cull(const Camera* camera) {
-    const Frustum frustum(_worldToClip);
-    const bool culling = camera && _settings.culling;
-    _visible.clear();
-    for (const Item& item : _items) {
-        if (!culling || item.box.isEmpty() || item.box.checkAgainst(frustum))
-            _visible.push_back(&item);
-    }
-    if (!camera || _settings.order != SCENE_ORDER::BACK_TO_FRONT)
+void DrawList::noteChange(uint32_t place) {
+    if (place >= _places.size())
+        _places.resize(place + 1);
+    if (_places[place].isChanged)
         return;
-    const ovMaths::Vector direction = camera->getDirection();
-    for (Item& item : _items)
-        item.depth = direction.dotProductVec3(item.box.getCenter());
-    std::stable_sort(_visible.begin(), _visible.end(),
-                     [](const Item* a, const Item* b) { return a->depth > b->depth; });
+    _places[place].isChanged = true;
+    _changed.push_back(place);
 }
 
-void DrawList::_batch() {
-    const auto joins = [](const Item& a, const Item& b) {
-        return a.shader == b.shader && a.mesh == b.mesh && a.doubleSided == b.doubleSided &&
-               a.mirrored == b.mirrored;
-    };
+void DrawList::forgetQueue() {
+    _queue = nullptr;
+}
+
+void DrawList::_follow(RenderQueue& queue) {
+    if (_queue != &queue) {
+        _leave();
+        _queue = &queue;
+        queue._lists.push_back(this);
+    }
+    _places.clear();
+    _changed.clear();
+    _groups.clear();
+    _touched.clear();
     _batches.clear();
     _instances.clear();
-    std::size_t begin = 0;
-    while (begin < _visible.size()) {
-        const Item& first = *_visible[begin];
-        std::size_t end = begin + 1;
-        while (end < _visible.size() && joins(first, *_visible[end]))
-            ++end;
-        Batch batch{first.shader,
-                    first.mesh,
-                    first.doubleSided,
-                    first.mirrored,
-                    strideOf(*first.shader),
-                    0,
-                    static_cast<unsigned int>(end - begin)};
-        _addBatch(batch, &_visible[begin]);
-        begin = end;
-    }
+    _roomInUse = 0;
+    for (const auto& entity : queue._entities)
+        noteChange(entity->_place);
 }
 
-void DrawList::_addBatch(Batch batch, const Item* const* items) {
-    if (batch.instanceStride > 0) {
-        // Begins at a whole number of strides, so that the device finds it by counting instances.
-        const std::size_t stride = batch.instanceStride;
-        const std::size_t first = (_instances.size() + stride - 1) / stride;
-        batch.firstInstance = static_cast<unsigned int>(first);
-        _instances.resize((first + batch.instanceCount) * stride);
-        unsigned char* out = _instances.data() + first * stride;
-        for (unsigned int i = 0; i < batch.instanceCount; ++i) {
-            for (const auto& slot : batch.shader->getInstanceMemorySlots()) {
-                std::memcpy(out, valueOf(items[i]->node, slot->getValue()).m, SLOT_SIZE);
-                out += SLOT_SIZE;
-            }
+void DrawList::_leave() {
+    if (_queue)
+        std::erase(_queue->_lists, this);
+    _queue = nullptr;
+}
+
+void DrawList::_touch(DrawGroup& group) {
+    if (!group.isTouched)
+        _touched.push_back(&group);
+    group.isTouched = true;
+}
+
+// Meshes and shaders that changed take all their entities along. There are far fewer groups than entities, so
+// that this looks at every group and needs no lists of who uses what.
+void DrawList::_recheckGroups() {
+    for (auto& [key, group] : _groups) {
+        const Shader* shader = group.getShader();
+        const Mesh* mesh = group.getMesh();
+        group.isOutdated = !shader || !mesh || programIdOf(*shader) != key.program;
+        if (!group.isOutdated && !isNewer(*shader, _sceneRevision) && !isNewer(*mesh, _sceneRevision))
+            continue;
+        if (!group.isOutdated)
+            _describe(group);
+        _touch(group);
+        for (uint32_t index = 0; index < group.getSize(); ++index) {
+            if (group.getEntity(index) != DrawGroup::GAP)
+                noteChange(group.getEntity(index));
         }
     }
-    _batches.push_back(batch);
 }
 
-bool DrawList::_upload(device::Device& device, ovMemory::String& error) {
-    if (_instances.empty())
-        return true;
-    if (!_instanceBuffer || _instanceBuffer->getSize() < _instances.size()) {
-        const std::size_t size = _instances.size() + _instances.size() / 2; // grows in few steps
-        _instanceBuffer =
-            device.createBuffer(static_cast<unsigned int>(size), device::BUFFER_USAGE::VERTICES, error);
-        if (!_instanceBuffer)
-            return false;
+void DrawList::_describe(DrawGroup& group) {
+    const Shader& shader = *group.getShader();
+    _freeRoom(group);
+    group.slots = static_cast<uint32_t>(shader.getInstanceMemorySlots().size());
+    group.isDrawable = shader.getProgram() && !group.getMesh()->isUnloaded();
+    group.geometry = nullptr;
+}
+
+void DrawList::_refresh(uint32_t id) {
+    Place& place = _places[id];
+    place.isChanged = false;
+    const Entity* entity = _queue->_places[id];
+    if (place.group && !(entity && _stays(place, *entity)))
+        _takeOut(place);
+    if (!entity || !entity->getVisible()) {
+        if (place.group) {
+            place.group->hide(place.index);
+            _touch(*place.group);
+        }
+        return;
     }
-    device.updateBuffer(*_instanceBuffer, 0, _instances);
-    return true;
+    const Node* node = entity->getNode();
+    const bool mirrored = node && node->isMirrored();
+    if (place.group && place.group->getKey().mirrored != mirrored)
+        _takeOut(place);
+    if (!place.group)
+        _putIn(place, id, *entity, mirrored);
+    if (!place.group)
+        return;
+    DrawGroup& group = *place.group;
+    const BoundingBox& box = group.getMesh()->getBoundingBox();
+    group.show(place.index, node ? box.getTransformed(node->getWorldMatrix()) : box);
+    if (group.isPlaced && place.index < group.capacity)
+        _writeInstance(group, group.firstInstance + place.index, node);
+    _touch(group);
+}
+
+bool DrawList::_stays(const Place& place, const Entity& entity) const {
+    const DrawGroup& group = *place.group;
+    return !group.isOutdated && group.getOrder(place.index) == entity._order &&
+           group.getShader() == entity.getShader(_settings.variant) && group.getMesh() == entity.getMesh() &&
+           group.getKey().doubleSided == entity.getDoubleSided();
+}
+
+void DrawList::_takeOut(Place& place) {
+    _touch(*place.group);
+    place.group->erase(place.index);
+    place.group = nullptr;
+}
+
+void DrawList::_putIn(Place& place, uint32_t id, const Entity& entity, bool mirrored) {
+    Shader* shader = entity.getShader(_settings.variant);
+    Mesh* mesh = entity.getMesh();
+    const System* system = _queue->getSystem();
+    if (!shader || !mesh || shader->getSystem() != system || mesh->getSystem() != system)
+        return;
+    const DrawKey key{programIdOf(*shader), shader->getId(), mesh->getId(), entity.getDoubleSided(),
+                      mirrored};
+    const auto [entry, isNew] = _groups.try_emplace(key, key, shader, mesh);
+    DrawGroup& group = entry->second;
+    if (isNew)
+        _describe(group);
+    _groupsAreNew = _groupsAreNew || isNew;
+    place.group = &group;
+    place.index = group.insert(id, entity._order);
+    _renumber(group, place.index + 1);
+}
+
+void DrawList::_renumber(DrawGroup& group, uint32_t first) {
+    for (uint32_t index = first; index < group.getSize(); ++index) {
+        if (group.getEntity(index) != DrawGroup::GAP)
+            _places[group.getEntity(index)].index = index;
+    }
+}
+
+void DrawList::_updateView(const Camera* camera, bool viewIsNew) {
+    if (viewIsNew) {
+        for (auto& [key, group] : _groups)
+            _touch(group);
+    }
+    if (_touched.empty())
+        return;
+    const bool culling = camera && _settings.culling;
+    const Frustum frustum(culling ? camera->getProjectionMatrix() * camera->getViewMatrix()
+                                  : ovMaths::Matrix());
+    for (DrawGroup* group : _touched) {
+        if (group->closeGaps())
+            _renumber(*group, 0);
+        group->updateSights(culling ? &frustum : nullptr,
+                            _settings.depthClip ? Frustum::PLANE_COUNT : SIDE_PLANES, viewIsNew,
+                            gapLengthOf(group->getMesh()));
+    }
+    if (_settings.order == SCENE_ORDER::BY_STATE)
+        _layOutGroups();
+    else
+        _layOutByDepth(camera);
+    _dropEmptyGroups();
+    _touched.clear();
+    _groupsAreNew = false;
+}
+
+void DrawList::_layOutGroups() {
+    bool batchesAreOthers = _groupsAreNew;
+    if (_roomInUse == 0)
+        _placeAll(); // in the order of drawing
+    for (DrawGroup* group : _touched) {
+        _place(*group);
+        const std::size_t count = group->isDrawable ? group->getRuns().size() : 0;
+        batchesAreOthers = batchesAreOthers || count != group->batchCount;
+    }
+    if (_instances.size() > 2 * _roomInUse + SPARE_ROOM) {
+        _placeAll();
+        batchesAreOthers = true;
+    }
+    if (batchesAreOthers) {
+        _rebuildBatches();
+        return;
+    }
+    for (DrawGroup* group : _touched)
+        _patchBatches(*group);
+}
+
+void DrawList::_place(DrawGroup& group) {
+    if (!group.isDrawable || group.isEmpty() || (group.isPlaced && group.getSize() <= group.capacity))
+        return;
+    if (group.getSize() > group.capacity) {
+        // Room to spare for those that grew before: most groups never do.
+        const uint32_t spare = group.capacity > 0 ? group.getSize() / 4 : 0;
+        _freeRoom(group);
+        group.capacity = group.getSize() + spare;
+        if (group.slots > 0) {
+            // Begins at a whole number of instances, so that the device finds it by counting them.
+            group.firstInstance = static_cast<uint32_t>((_instances.size() + group.slots - 1) / group.slots);
+            _instances.resize((std::size_t{group.firstInstance} + group.capacity) * group.slots);
+            _roomInUse += std::size_t{group.capacity} * group.slots;
+        }
+    }
+    group.isPlaced = true;
+    for (uint32_t index = 0; index < group.getSize(); ++index) {
+        if (group.getSight(index) != SIGHT::HIDDEN)
+            _writeInstance(group, group.firstInstance + index, _nodeOf(group.getEntity(index)));
+    }
+}
+
+void DrawList::_placeAll() {
+    _instances.clear();
+    for (auto& [key, group] : _groups) {
+        _freeRoom(group);
+        _place(group);
+    }
+}
+
+void DrawList::_freeRoom(DrawGroup& group) {
+    _roomInUse -= std::size_t{group.capacity} * group.slots;
+    group.capacity = 0;
+    group.isPlaced = false;
+}
+
+const Node* DrawList::_nodeOf(uint32_t place) const {
+    return _queue->_places[place]->getNode();
+}
+
+void DrawList::_writeInstance(const DrawGroup& group, uint32_t instance, const Node* node) {
+    if (group.slots == 0)
+        return;
+    const std::size_t begin = std::size_t{instance} * group.slots;
+    ovMaths::Matrix* out = &_instances[begin];
+    for (const auto& slot : group.getShader()->getInstanceMemorySlots()) {
+        if (!node)
+            *out++ = ovMaths::Matrix();
+        else if (slot->getValue() == INSTANCE_VALUE::WORLD_MATRIX)
+            *out++ = node->getWorldMatrix();
+        else
+            node->computeWorldMatrixInvTranspose(*out++);
+    }
+    _ring.markChanged(begin * SLOT_SIZE, (begin + group.slots) * SLOT_SIZE);
+}
+
+void DrawList::_rebuildBatches() {
+    _batches.clear();
+    for (auto& [key, group] : _groups) {
+        group.firstBatch = _batches.size();
+        group.batchCount = group.isDrawable ? group.getRuns().size() : 0;
+        _batches.resize(group.firstBatch + group.batchCount);
+        _patchBatches(group);
+    }
+}
+
+void DrawList::_patchBatches(DrawGroup& group) {
+    for (std::size_t i = 0; i < group.batchCount; ++i) {
+        const DrawGroup::Run& run = group.getRuns()[i];
+        _batches[group.firstBatch + i] = _batchOf(group, group.firstInstance + run.first, run.count);
+    }
+}
+
+DrawList::Batch DrawList::_batchOf(DrawGroup& group, uint32_t firstInstance, uint32_t count) {
+    Shader& shader = *group.getShader();
+    Mesh& mesh = *group.getMesh();
+    const LoadedProgram* program = shader.getLoadedProgram();
+    if (program && !group.geometry)
+        group.geometry = mesh.getGeometry(*program, shader.getInstanceMemorySlots());
+    return {&shader,
+            &mesh,
+            group.geometry,
+            group.getKey().doubleSided,
+            group.getKey().mirrored,
+            {mesh.getTopology(), mesh.getDrawCount(), _batchInstances,
+             static_cast<unsigned int>(group.slots * SLOT_SIZE), firstInstance, count}};
+}
+
+void DrawList::_layOutByDepth(const Camera* camera) {
+    _sorted.clear();
+    for (auto& [key, group] : _groups) {
+        for (uint32_t index = 0; group.isDrawable && index < group.getSize(); ++index) {
+            if (group.getSight(index) != SIGHT::IN_VIEW)
+                continue;
+            const float depth =
+                camera ? camera->getDirection().dotProductVec3(group.getBoxes().getCenter(index)) : 0.0f;
+            _sorted.push_back({depth, group.getOrder(index), &group, index});
+        }
+    }
+    std::sort(_sorted.begin(), _sorted.end(), [](const Sorted& a, const Sorted& b) {
+        return a.depth != b.depth ? a.depth > b.depth : a.order < b.order;
+    });
+    _batches.clear();
+    std::size_t used = 0; // slots
+    for (auto first = _sorted.begin(); first != _sorted.end();) {
+        DrawGroup& group = *first->group;
+        const auto last =
+            std::find_if(first, _sorted.end(), [&](const Sorted& own) { return own.group != &group; });
+        const auto count = static_cast<uint32_t>(last - first);
+        uint32_t instance = 0;
+        if (group.slots > 0) {
+            instance = static_cast<uint32_t>((used + group.slots - 1) / group.slots);
+            used = (std::size_t{instance} + count) * group.slots;
+            _instances.resize(std::max(_instances.size(), used));
+        }
+        _batches.push_back(_batchOf(group, instance, count));
+        for (; first != last; ++first)
+            _writeInstance(group, instance++, _nodeOf(group.getEntity(first->index)));
+    }
+}
+
+void DrawList::_dropEmptyGroups() {
+    for (DrawGroup* group : _touched) {
+        group->isTouched = false;
+        if (!group->isEmpty())
+            continue;
+        _freeRoom(*group);
+        _groups.erase(group->getKey());
+    }
 }
 
 } // namespace ovGraphics

@@ -1,6 +1,5 @@
 #include <ovGraphics/scene/Entity.h>
 
-#include <ovGraphics/System.h>
 #include <ovGraphics/resources/Shader.h>
 #include <ovGraphics/scene/Mesh.h>
 #include <ovGraphics/scene/Node.h>
@@ -10,6 +9,10 @@ namespace ovGraphics {
 
 Entity::Entity(RenderQueue* queue)
     : _queue(queue) {}
+
+Entity::~Entity() {
+    _leaveNode();
+}
 
 void Entity::setMesh(Mesh* mesh) {
     _mesh = mesh;
@@ -32,12 +35,25 @@ Shader* Entity::getShader(unsigned int variant) const {
 }
 
 void Entity::setNode(Node* node) {
+    _leaveNode();
     _node = node;
+    if (node) {
+        _nextAtNode = node->_firstEntity;
+        if (_nextAtNode)
+            _nextAtNode->_previousAtNode = this;
+        node->_firstEntity = this;
+    }
     _changed();
 }
 
-Node* Entity::getNode() const {
-    return _node.get();
+void Entity::_leaveNode() {
+    if (!_node)
+        return;
+    (_previousAtNode ? _previousAtNode->_nextAtNode : _node->_firstEntity) = _nextAtNode;
+    if (_nextAtNode)
+        _nextAtNode->_previousAtNode = _previousAtNode;
+    _node = nullptr;
+    _previousAtNode = _nextAtNode = nullptr;
 }
 
 void Entity::setVisible(bool visible) {
@@ -51,8 +67,7 @@ void Entity::setDoubleSided(bool doubleSided) {
 }
 
 void Entity::_changed() const {
-    if (System* system = _queue->getSystem())
-        system->noteSceneChange();
+    _queue->_noteChange(*this);
 }
 
 } // namespace ovGraphics

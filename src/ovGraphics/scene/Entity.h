@@ -2,6 +2,7 @@
 #pragma once
 
 #include <array>
+#include <cstdint>
 #include <ovCommon/Api.h>
 #include <ovMemory/Borrowed.h>
 
@@ -22,6 +23,7 @@ public:
 
     /// Made by RenderQueue::addEntity.
     explicit Entity(RenderQueue* queue);
+    ~Entity();
     Entity(const Entity&) = delete;
     Entity& operator=(const Entity&) = delete;
 
@@ -33,7 +35,7 @@ public:
     Shader* getShader(unsigned int variant = 0) const;
     /// Null draws at the origin of the world.
     void setNode(Node* node);
-    Node* getNode() const;
+    Node* getNode() const { return _node; }
 
     /// Default true.
     void setVisible(bool visible);
@@ -43,14 +45,24 @@ public:
     bool getDoubleSided() const { return _doubleSided; }
 
 private:
-    void _changed() const;
+    friend class DrawList;
+    friend class Node;
+    friend class RenderQueue;
 
+    void _changed() const;
+    void _leaveNode();
+
+    // What a move looks at lies together.
     RenderQueue* _queue;
-    ovMemory::Borrowed<Mesh> _mesh;
-    ovMemory::Borrowed<Node> _node;
-    std::array<ovMemory::Borrowed<Shader>, VARIANT_COUNT> _shaders;
+    uint64_t _order = 0; ///< rises with the order of addition to the queue
+    uint32_t _place = 0; ///< in the tables of the queue and its draw lists
     bool _visible = true;
     bool _doubleSided = false;
+    Node* _node = nullptr;
+    Entity* _nextAtNode = nullptr; ///< in the node's list of the entities that stand there
+    ovMemory::Borrowed<Mesh> _mesh;
+    std::array<ovMemory::Borrowed<Shader>, VARIANT_COUNT> _shaders;
+    Entity* _previousAtNode = nullptr;
 };
 
 } // namespace ovGraphics

@@ -104,8 +104,59 @@ bool Mesh::fillPackedFromUnpacked(ovMemory::BufferView<const ovMaths::Vector> va
     return true;
 }
 
-unsigned int Mesh::getVertexCount() const {
-    return _vertices.empty() ? 0 : static_cast<unsigned int>(_vertices.size() / _composition.getStride());
+bool Mesh::updateVertices(unsigned int firstVertex, ovMemory::BufferView<const unsigned char> vertices) {
+    ovMemory::String error = _reasonNotToUpdate(firstVertex, vertices.size());
+    const auto size = static_cast<unsigned int>(vertices.size());
+    ovMemory::UniquePtr<device::GpuBuffer> staging;
+    if (error.empty() && size == 0)
+        return true;
+    if (error.empty())
+        staging = getSystem()->getDevice()->createBuffer(size, device::BUFFER_USAGE::VERTICES, error);
+    if (!staging) {
+        _logFailure("update vertices of", error);
+        return false;
+    }
+    const unsigned int offset = firstVertex * _composition.getStride();
+    // By way of another buffer: the device copies in the order of its work, so that an upload need not wait
+    // for the frames that still read the vertices.
+    device::Device& device = *getSystem()->getDevice();
+    device.updateBuffer(*staging, 0, vertices);
+    device.copyBuffer(*staging, 0, *_vertexBuffer, offset, size);
+    if (_copiesAreDropped) {
+        _addToBoundingBox(vertices);
+    } else {
+        std::copy(vertices.begin(), vertices.end(), _vertices.begin() + static_cast<std::ptrdiff_t>(offset));
+        _boundingBox = {};
+        _addToBoundingBox(_vertices);
+    }
+    _noteSceneChange();
+    return true;
+}
+
+ovMemory::String Mesh::_reasonNotToUpdate(unsigned int firstVertex, std::size_t bytes) const {
+    if (!_vertexBuffer)
+        return "it is not loaded; load it first.";
+    const unsigned int stride = _composition.getStride();
+    if (std::size_t{_vertexCount} * stride != _vertexBuffer->getSize())
+        return "its vertex composition was changed after it was loaded; load it first.";
+    if (bytes % stride != 0)
+        return std::to_string(bytes) + " bytes were given, no whole number of " + std::to_string(stride) +
+               " bytes, the size of a vertex of its composition.";
+    if (firstVertex > _vertexCount || bytes / stride > _vertexCount - firstVertex)
+        return std::to_string(bytes / stride) + " vertices from vertex " + std::to_string(firstVertex) +
+               " on were given, and it has " + std::to_string(_vertexCount) + ".";
+    return {};
+}
+
+bool Mesh::dropCpuCopies() {
+    if (!_vertexBuffer) {
+        _logFailure("drop the CPU copies of", "it is not loaded, and they are all there is; load it first.");
+        return false;
+    }
+    _vertices = {};
+    _indices = {};
+    _copiesAreDropped = true;
+    return true;
 }
 
 void Mesh::reset() {
@@ -116,6 +167,8 @@ void Mesh::reset() {
     _vertices.clear();
     _newIndices.clear();
     _indices.clear();
+    _vertexCount = _indexCount = 0;
+    _copiesAreDropped = false;
     _boundingBox = {};
 }
 
@@ -126,7 +179,8 @@ bool Mesh::_load(ovMemory::String& error) {
     _takeNewArrays();
     if (!_check(error) || !_upload(*device, error))
         return false;
-    _computeBoundingBox();
+    _boundingBox = {};
+    _addToBoundingBox(_vertices);
     _noteSceneChange();
     return true;
 }
@@ -137,6 +191,7 @@ void Mesh::_takeNewArrays() {
         return;
     if (!_newVertices.empty()) {
         _vertices = std::exchange(_newVertices, {});
+        _copiesAreDropped = false;
         _indices.clear(); // those of other vertices
     }
     if (!_newIndices.empty())
@@ -147,6 +202,8 @@ bool Mesh::_check(ovMemory::String& error) const {
     const unsigned int stride = _composition.getStride();
     if (stride == 0)
         error = "it has no vertex composition; call Mesh::setVertexComposition first.";
+    else if (_copiesAreDropped)
+        error = "its arrays were dropped by Mesh::dropCpuCopies; call Mesh::setNewVertexArray first.";
     else if (_vertices.empty())
         error = "it has no vertices; call Mesh::setNewVertexArray first.";
     else if (_vertices.size() % stride != 0)
@@ -175,6 +232,8 @@ bool Mesh::_check(ovMemory::String& error) const {
 }
 
 bool Mesh::_upload(device::Device& device, ovMemory::String& error) {
+    _vertexCount = static_cast<unsigned int>(_vertices.size() / _composition.getStride());
+    _indexCount = static_cast<unsigned int>(_indices.size());
     _vertexBuffer = uploaded(device, device::BUFFER_USAGE::VERTICES, _vertices, error);
     if (!_vertexBuffer || _indices.empty())
         return _vertexBuffer != nullptr;
@@ -191,15 +250,14 @@ bool Mesh::_upload(device::Device& device, ovMemory::String& error) {
     return _indexBuffer != nullptr;
 }
 
-void Mesh::_computeBoundingBox() {
-    _boundingBox = {};
+void Mesh::_addToBoundingBox(ovMemory::BufferView<const unsigned char> vertices) {
     const VertexAttribute* position = _composition.find("POSITION");
     if (!position ||
         (position->format != FORMAT::R32G32B32_FLOAT && position->format != FORMAT::R32G32B32A32_FLOAT))
         return;
-    for (std::size_t at = position->offset; at < _vertices.size(); at += _composition.getStride()) {
+    for (std::size_t at = position->offset; at < vertices.size(); at += _composition.getStride()) {
         float values[3];
-        std::memcpy(values, &_vertices[at], sizeof(values));
+        std::memcpy(values, &vertices[at], sizeof(values));
         _boundingBox.add({values[0], values[1], values[2]});
     }
 }

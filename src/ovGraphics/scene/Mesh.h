@@ -45,6 +45,18 @@ public:
     const ovMemory::Buffer<uint32_t>& getNewIndexArray() const { return _newIndices; }
     const ovMemory::Buffer<uint32_t>& getCurrentIndexArray() const { return _indices; }
 
+    /// Replaces vertices of a loaded mesh on the device, without waiting for frames that draw it, and in the
+    /// current array while there is one. The bounding box then holds the new vertices; without the current
+    /// array it may still hold places of the old ones.
+    /// @param vertices a whole number of them, as the composition lays them out
+    /// @return false after one log line, changing nothing, when the mesh is not loaded, the bytes are no
+    /// whole number of vertices, some of them lie beyond the last one, or the device refuses
+    bool updateVertices(unsigned int firstVertex, ovMemory::BufferView<const unsigned char> vertices);
+    /// Frees the current arrays of a loaded mesh, whose vertices then are on the device alone. Counts and
+    /// bounding box stay; loading again needs new arrays. @return false after one log line, changing nothing,
+    /// when the mesh is not loaded
+    bool dropCpuCopies();
+
     /// Packs the new vertex array from one vector for each attribute of each vertex: all attributes of the
     /// first vertex in the order of the composition, then those of the second. Fractions are clamped to the
     /// range of their format and rounded, whole numbers likewise.
@@ -52,8 +64,8 @@ public:
     bool fillPackedFromUnpacked(ovMemory::BufferView<const ovMaths::Vector> values);
 
     /// Of the current arrays.
-    unsigned int getVertexCount() const;
-    unsigned int getIndexCount() const { return static_cast<unsigned int>(_indices.size()); }
+    unsigned int getVertexCount() const { return _vertexCount; }
+    unsigned int getIndexCount() const { return _indexCount; }
     /// The box around the finite positions of the current vertices, by the attribute "POSITION". Empty when
     /// the mesh was never loaded or has no such attribute of three or four floats.
     const BoundingBox& getBoundingBox() const { return _boundingBox; }
@@ -64,7 +76,7 @@ public:
     /// @return null when the mesh is unloaded; null after one log line when the device refuses
     device::GpuGeometry* getGeometry(const LoadedProgram& program, InstanceSlots slots);
     /// Indices of a draw; vertices when there are none.
-    unsigned int getDrawCount() const { return _indices.empty() ? getVertexCount() : getIndexCount(); }
+    unsigned int getDrawCount() const { return _indexCount == 0 ? _vertexCount : _indexCount; }
 
 private:
     struct Geometry {
@@ -77,7 +89,8 @@ private:
     void _takeNewArrays();
     bool _check(ovMemory::String& error) const;
     bool _upload(device::Device& device, ovMemory::String& error);
-    void _computeBoundingBox();
+    ovMemory::String _reasonNotToUpdate(unsigned int firstVertex, std::size_t bytes) const;
+    void _addToBoundingBox(ovMemory::BufferView<const unsigned char> vertices);
     ovMemory::UniquePtr<device::GpuGeometry> _createGeometry(const LoadedProgram& program,
                                                              InstanceSlots slots) const;
 
@@ -87,6 +100,9 @@ private:
     ovMemory::Buffer<unsigned char> _vertices;
     ovMemory::Buffer<uint32_t> _newIndices;
     ovMemory::Buffer<uint32_t> _indices;
+    unsigned int _vertexCount = 0;
+    unsigned int _indexCount = 0;
+    bool _copiesAreDropped = false;
     BoundingBox _boundingBox;
     ovMemory::UniquePtr<device::GpuBuffer> _vertexBuffer;
     ovMemory::UniquePtr<device::GpuBuffer> _indexBuffer;

@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <ovGraphics/System.h>
+#include <ovGraphics/scene/Entity.h>
 
 namespace ovGraphics {
 
@@ -21,31 +22,25 @@ Matrix affineProduct(const Matrix& a, const Matrix& b) {
     return product;
 }
 
-Vector cross(const Vector& a, const Vector& b) {
-    return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
-}
-
-float dot(const Vector& a, const Vector& b) {
-    return a.x * b.x + a.y * b.y + a.z * b.z;
-}
-
 /// The transposed inverse of a transformation by its cofactors.
-Matrix affineInvTranspose(const Matrix& matrix) {
+void setToAffineInvTranspose(Matrix& result, const Matrix& matrix) {
     const auto& m = matrix.m;
-    const Vector rows[3] = {
-        {m[0][0], m[0][1], m[0][2]}, {m[1][0], m[1][1], m[1][2]}, {m[2][0], m[2][1], m[2][2]}};
-    const Vector cofactors[3] = {cross(rows[1], rows[2]), cross(rows[2], rows[0]), cross(rows[0], rows[1])};
-    const float determinant = dot(rows[0], cofactors[0]);
-    const float inverse = 1.0f / determinant;
-    const float factor = determinant != 0.0f && std::isfinite(inverse) ? inverse : 1.0f;
-    const Vector a = cofactors[0] * factor;
-    const Vector b = cofactors[1] * factor;
-    const Vector c = cofactors[2] * factor;
-    const Vector position(m[0][3], m[1][3], m[2][3]);
-    const Vector columns[3] = {{a.x, b.x, c.x}, {a.y, b.y, c.y}, {a.z, b.z, c.z}};
-    return Matrix::newMat4(a.x, a.y, a.z, 0.0f, b.x, b.y, b.z, 0.0f, c.x, c.y, c.z, 0.0f,
-                           -dot(columns[0], position), -dot(columns[1], position), -dot(columns[2], position),
-                           1.0f);
+    // Spelled out: compilers make slow vector instructions of loops over rows and columns here.
+    const auto minor = [&m](int a, int b, int c, int d) { return m[a][c] * m[b][d] - m[a][d] * m[b][c]; };
+    const float cofactors[3][3] = {{minor(1, 2, 1, 2), minor(1, 2, 2, 0), minor(1, 2, 0, 1)},
+                                   {minor(2, 0, 1, 2), minor(2, 0, 2, 0), minor(2, 0, 0, 1)},
+                                   {minor(0, 1, 1, 2), minor(0, 1, 2, 0), minor(0, 1, 0, 1)}};
+    const float inverse =
+        1.0f / (m[0][0] * cofactors[0][0] + m[0][1] * cofactors[0][1] + m[0][2] * cofactors[0][2]);
+    const float factor = std::isfinite(inverse) ? inverse : 1.0f;
+    auto& r = result.m;
+    for (int column = 0; column < 3; ++column) {
+        for (int row = 0; row < 3; ++row)
+            r[row][column] = cofactors[row][column] * factor;
+        r[3][column] = -(r[0][column] * m[0][3] + r[1][column] * m[1][3] + r[2][column] * m[2][3]);
+        r[column][3] = 0.0f;
+    }
+    r[3][3] = 1.0f;
 }
 
 } // namespace
@@ -58,7 +53,8 @@ Node::Node(System* system)
     : Resource(system, "node") {}
 
 Node::~Node() {
-    _noteSceneChange();
+    while (_firstEntity)
+        _firstEntity->setNode(nullptr);
     while (_firstChild) {
         Node* child = _firstChild;
         child->_unlink();
@@ -69,7 +65,10 @@ Node::~Node() {
 
 void Node::setPosition(const Vector& position) {
     _position = position;
-    _changeLocal();
+    if (!_localIsCurrent || !_localIsComposed)
+        return _changeLocal();
+    _local.setPositionComponent(position); // rotation and scale need no computing
+    _changeWorld();
 }
 
 void Node::setOrientation(const ovMaths::Quaternion& orientation) {
@@ -87,12 +86,13 @@ void Node::setLocalMatrix(const Matrix& matrix) {
     _changeLocal();
     _local = matrix;
     _localIsCurrent = true;
+    _localIsComposed = false;
 }
 
 const Matrix& Node::getLocalMatrix() const {
     if (!_localIsCurrent) {
         _local.setToTransformation(_position, _scale, _orientation);
-        _localIsCurrent = true;
+        _localIsCurrent = _localIsComposed = true;
     }
     return _local;
 }
@@ -142,17 +142,23 @@ void Node::_changeLocal() {
     _changeWorld();
 }
 
-// Marks this node and all below it. Trees may be of any depth, so that nothing here calls itself.
+// Marks this node and all below it. Trees may be of any depth, so that nothing here calls itself. Entities of
+// a stale node were told when it became stale, and nobody has drawn them since, as that reads the world
+// matrix.
 void Node::_changeWorld() {
-    if (getSystem())
-        getSystem()->noteTransformChange();
     Node* node = this;
     while (node) {
         const bool wasCurrent = node->_worldIsCurrent;
-        ++node->_worldRevision;
+        if (wasCurrent)
+            node->_tellEntities();
         node->_worldIsCurrent = node->_invTransposeIsCurrent = false;
         node = node->_nextInTree(this, wasCurrent); // below a stale node everything is stale
     }
+}
+
+void Node::_tellEntities() const {
+    for (const Entity* entity = _firstEntity; entity; entity = entity->_nextAtNode)
+        entity->_changed();
 }
 
 Node* Node::_nextInTree(const Node* root, bool descend) const {
@@ -168,7 +174,7 @@ Node* Node::_nextInTree(const Node* root, bool descend) const {
 const Matrix& Node::getWorldMatrix() const {
     if (!_worldIsCurrent)
         _updateWorld();
-    return _world;
+    return _getKeptWorld();
 }
 
 void Node::_updateWorld() const {
@@ -180,7 +186,8 @@ void Node::_updateWorld() const {
     }
     for (const Node* node = top; node; node = node->_waitingChild) {
         const Matrix& local = node->getLocalMatrix();
-        node->_world = node->_parent ? affineProduct(node->_parent->_world, local) : local;
+        if (node->_parent)
+            node->_world = affineProduct(node->_parent->_getKeptWorld(), local);
         node->_worldIsCurrent = true;
     }
 }
@@ -188,14 +195,22 @@ void Node::_updateWorld() const {
 const Matrix& Node::getWorldMatrixInvTranspose() const {
     const Matrix& world = getWorldMatrix();
     if (!_invTransposeIsCurrent) {
-        _worldInvTranspose = affineInvTranspose(world);
+        setToAffineInvTranspose(_worldInvTranspose, world);
         _invTransposeIsCurrent = true;
     }
     return _worldInvTranspose;
 }
 
+void Node::computeWorldMatrixInvTranspose(Matrix& result) const {
+    setToAffineInvTranspose(result, getWorldMatrix());
+}
+
 bool Node::isMirrored() const {
-    return getWorldMatrix().getDeterminantMat3() < 0.0f;
+    const auto& m = getWorldMatrix().m;
+    const auto minor = [&m](int a, int b) {
+        return static_cast<double>(m[1][a]) * m[2][b] - static_cast<double>(m[1][b]) * m[2][a];
+    };
+    return m[0][0] * minor(1, 2) - m[0][1] * minor(0, 2) + m[0][2] * minor(0, 1) < 0.0;
 }
 
 } // namespace ovGraphics

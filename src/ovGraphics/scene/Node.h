@@ -7,6 +7,8 @@
 
 namespace ovGraphics {
 
+class Entity;
+
 /// A place relative to a parent's. New: at the parent's place, without a parent.
 ///
 /// World matrices are computed when they are asked for and kept until a place above changes.
@@ -44,37 +46,44 @@ public:
     /// The transposed inverse of the world matrix. A world matrix without an inverse gives the transposed
     /// adjugate, which still turns normals in the right direction.
     const ovMaths::Matrix& getWorldMatrixInvTranspose() const;
+    /// Writes the same to a place of the caller's, and keeps nothing: for what is written once and sent away.
+    void computeWorldMatrixInvTranspose(ovMaths::Matrix& result) const;
     /// Whether the world matrix turns left into right, so that front faces run the other way.
     bool isMirrored() const;
-    /// Another number after every change of the world matrix.
-    uint64_t getWorldRevision() const { return _worldRevision; }
 
     void reset() override;
 
 private:
+    friend class Entity;
+
     void _changeLocal();
     void _changeWorld();
+    void _tellEntities() const;
     void _unlink();
     void _updateWorld() const;
+    /// The world matrix while it is current; a root's is its local one.
+    const ovMaths::Matrix& _getKeptWorld() const { return _parent ? _world : _local; }
     Node* _nextInTree(const Node* root, bool descend) const;
 
+    // What every move looks at lies together.
     ovMaths::Vector _position;
-    ovMaths::Vector _scale{1.0f, 1.0f, 1.0f};
-    ovMaths::Quaternion _orientation;
+    Entity* _firstEntity = nullptr; ///< of those that stand here
     Node* _parent = nullptr;
     Node* _firstChild = nullptr;
-    Node* _lastChild = nullptr;
-    Node* _previousSibling = nullptr;
-    Node* _nextSibling = nullptr;
-    uint64_t _worldRevision = 1;
-
+    mutable bool _localIsCurrent = true;
+    mutable bool _localIsComposed = true; ///< of the components, and was not set
+    mutable bool _worldIsCurrent = true;  ///< false implies false in every node below
+    mutable bool _invTransposeIsCurrent = true;
     mutable ovMaths::Matrix _local;
     mutable ovMaths::Matrix _world;
     mutable ovMaths::Matrix _worldInvTranspose;
+
+    ovMaths::Vector _scale{1.0f, 1.0f, 1.0f};
+    ovMaths::Quaternion _orientation;
+    Node* _lastChild = nullptr;
+    Node* _previousSibling = nullptr;
+    Node* _nextSibling = nullptr;
     mutable const Node* _waitingChild = nullptr; ///< while world matrices are computed from the top down
-    mutable bool _localIsCurrent = true;
-    mutable bool _worldIsCurrent = true; ///< false implies false in every node below
-    mutable bool _invTransposeIsCurrent = true;
 };
 
 } // namespace ovGraphics

@@ -1,7 +1,7 @@
 #include <ovGraphics/scene/RenderQueue.h>
 
 #include <algorithm>
-#include <ovGraphics/System.h>
+#include <ovGraphics/scene/DrawList.h>
 
 namespace ovGraphics {
 
@@ -13,11 +13,21 @@ RenderQueue::RenderQueue(System* system)
     : Resource(system, "render queue") {}
 
 RenderQueue::~RenderQueue() {
-    _noteSceneChange();
+    for (DrawList* list : _lists)
+        list->forgetQueue();
 }
 
 Entity* RenderQueue::addEntity(Mesh* mesh, Shader* shader, Node* node) {
     Entity* entity = _entities.emplace_back(std::make_unique<Entity>(this)).get();
+    entity->_order = ++_entitiesMade;
+    if (_freePlaces.empty()) {
+        entity->_place = static_cast<uint32_t>(_places.size());
+        _places.push_back(entity);
+    } else {
+        entity->_place = _freePlaces.back();
+        _freePlaces.pop_back();
+        _places[entity->_place] = entity;
+    }
     entity->setMesh(mesh);
     entity->setShader(shader);
     entity->setNode(node);
@@ -29,14 +39,26 @@ bool RenderQueue::eraseEntity(const Entity* entity) {
                                     [&](const auto& own) { return own.get() == entity; });
     if (place == _entities.end())
         return false;
+    _freePlace(*entity);
     _entities.erase(place);
-    _noteSceneChange();
     return true;
 }
 
 void RenderQueue::clearQueue() {
+    for (const auto& entity : _entities)
+        _freePlace(*entity);
     _entities.clear();
-    _noteSceneChange();
+}
+
+void RenderQueue::_freePlace(const Entity& entity) {
+    _noteChange(entity);
+    _places[entity._place] = nullptr;
+    _freePlaces.push_back(entity._place);
+}
+
+void RenderQueue::_noteChange(const Entity& entity) const {
+    for (DrawList* list : _lists)
+        list->noteChange(entity._place);
 }
 
 Entity* RenderQueue::getEntity(unsigned int index) const {

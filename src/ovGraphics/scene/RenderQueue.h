@@ -6,6 +6,8 @@
 
 namespace ovGraphics {
 
+class DrawList;
+
 /// Owns entities. The order in which they were added decides between equals when they are drawn.
 class OV_API RenderQueue : public Resource {
 public:
@@ -26,7 +28,17 @@ public:
     void reset() override;
 
 private:
+    friend class DrawList;
+    friend class Entity;
+
+    void _noteChange(const Entity& entity) const;
+    void _freePlace(const Entity& entity);
+
     ovMemory::Buffer<ovMemory::UniquePtr<Entity>> _entities;
+    ovMemory::Buffer<Entity*> _places; ///< each entity keeps its own; null where one was erased
+    ovMemory::Buffer<uint32_t> _freePlaces;
+    uint64_t _entitiesMade = 0;
+    ovMemory::Buffer<DrawList*> _lists; ///< are told which entities change
 };
 
 } // namespace ovGraphics

@@ -27,26 +27,30 @@ TEST_P(ConstantBufferTest, uploadsOnlyChangedBytes) {
     EXPECT_EQ(buffer.getPassMemorySlot(0), slot);
     EXPECT_EQ(buffer.getPassMemorySlot(1), nullptr);
     slot->setFromVector({1, 2, 3, 4});
-    device::Device& device = *getGraphics().getDevice();
     const uint64_t start = getUploads();
-    const device::GpuBuffer* gpuBuffer = buffer.update(device, _environment(), 16);
+    const device::GpuBuffer* gpuBuffer = buffer.update(_environment(), 16);
     ASSERT_NE(gpuBuffer, nullptr);
     EXPECT_EQ(gpuBuffer->getSize(), 16u);
     EXPECT_EQ(getUploads(), start + 1);
-    EXPECT_EQ(buffer.update(device, _environment(), 16), gpuBuffer);
+    EXPECT_EQ(buffer.update(_environment(), 16), gpuBuffer);
     slot->setFromVector({1, 2, 3, 4}); // the same bytes
-    buffer.update(device, _environment(), 16);
+    buffer.update(_environment(), 16);
     EXPECT_EQ(getUploads(), start + 1);
     slot->setFromVector({1, 2, 3, 5});
-    EXPECT_EQ(buffer.update(device, _environment(), 16), gpuBuffer);
+    EXPECT_NE(buffer.update(_environment(), 16), gpuBuffer) << "a frame may still read the old bytes";
     EXPECT_EQ(getUploads(), start + 2);
     // Another program that declares more: a larger buffer, the rest zeros.
-    const device::GpuBuffer* larger = buffer.update(device, _environment(), 64);
+    const device::GpuBuffer* larger = buffer.update(_environment(), 64);
     ASSERT_NE(larger, nullptr);
     EXPECT_EQ(larger->getSize(), 64u);
     EXPECT_EQ(getUploads(), start + 3);
+    slot->setFromVector({1, 2, 3, 4});
+    EXPECT_NE(buffer.update(_environment(), 64), larger);
+    EXPECT_EQ(getUploads(), start + 4);
+    slot->setFromVector({1, 2, 3, 5});
+    EXPECT_EQ(buffer.update(_environment(), 64), larger) << "the bytes are still there";
     buffer.unload();
-    buffer.update(device, _environment(), 64);
+    EXPECT_EQ(buffer.update(_environment(), 64), larger);
     EXPECT_EQ(getUploads(), start + 4);
 }
 
@@ -78,9 +82,9 @@ TEST_P(ConstantBufferTest, refusedBuffersAreLoggedOnce) {
     ConstantBuffer buffer(4, 0);
     const unsigned int tooLarge = getGraphics().getDeviceInfo()->maxConstantBufferSize + 16;
     for (int i = 0; i < 3; ++i)
-        EXPECT_EQ(buffer.update(*getGraphics().getDevice(), _environment(), tooLarge), nullptr);
+        EXPECT_EQ(buffer.update(_environment(), tooLarge), nullptr);
     ASSERT_EQ(getGraphicsLogger().messages.size(), 1u) << getGraphicsLogger().getText();
     EXPECT_TRUE(getGraphicsLogger().messages[0].message.starts_with(
         "Could not make the constant buffer of index 4, its constants are undefined: "));
-    EXPECT_NE(buffer.update(*getGraphics().getDevice(), _environment(), 16), nullptr);
+    EXPECT_NE(buffer.update(_environment(), 16), nullptr);
 }

@@ -317,3 +317,29 @@ TEST_P(TextureTest, withoutADeviceLoadSaysSo) {
     outliving->generateMips();
     outliving->reset();
 }
+
+TEST_P(TextureTest, droppedDataStaysOnTheDeviceAlone) {
+    const auto texture = make(2, 2);
+    EXPECT_FALSE(texture->dropCpuCopies());
+    const Bytes bytes = patternBytes(16, 1);
+    texture->setCpuData(0, 0, bytes);
+    texture->setGpuUploadCanBeDeferred(true);
+    ASSERT_TRUE(texture->load());
+    EXPECT_TRUE(texture->dropCpuCopies()) << "uploads what was deferred";
+    EXPECT_EQ(texture->readBack(), bytes);
+    EXPECT_TRUE(texture->load()) << "it is loaded";
+    texture->unload();
+    EXPECT_FALSE(texture->load());
+    EXPECT_EQ(takeLog(),
+              "[Texture] Could not drop the CPU copies of the texture 'picture': it is not loaded, and "
+              "they are all there is; load it first."
+              "[Texture] Could not load the texture 'picture': its data was dropped by "
+              "Texture::dropCpuCopies; give it again, or call Texture::clearCpuData.");
+    const Bytes others = patternBytes(16, 2);
+    texture->setCpuData(0, 0, others);
+    ASSERT_TRUE(texture->load());
+    EXPECT_EQ(texture->readBack(), others);
+    EXPECT_TRUE(texture->dropCpuCopies());
+    texture->clearCpuData();
+    EXPECT_TRUE(texture->load()) << "empty, as asked for";
+}

@@ -64,9 +64,9 @@ TEST_P(DrawListTest, joinsEqualEntitiesAndKeepsDifferentOnesApart) {
         EXPECT_EQ(batch.shader, cases[i].shader) << i;
         EXPECT_EQ(batch.doubleSided, cases[i].doubleSided) << i;
         EXPECT_EQ(batch.mirrored, cases[i].mirrored) << i;
-        EXPECT_EQ(batch.firstInstance, cases[i].firstInstance) << i;
-        EXPECT_EQ(batch.instanceCount, cases[i].instanceCount) << i;
-        EXPECT_EQ(batch.instanceStride, 128u) << i;
+        EXPECT_EQ(batch.draw.firstInstance, cases[i].firstInstance) << i;
+        EXPECT_EQ(batch.draw.instanceCount, cases[i].instanceCount) << i;
+        EXPECT_EQ(batch.draw.instanceStride, 128u) << i;
     }
 }
 
@@ -87,8 +87,8 @@ TEST_P(DrawListTest, instancesOfShadersWithOtherSlotsBeginAtWholeStrides) {
     const unsigned int strides[] = {128, 0, 64, 192};
     const unsigned int firsts[] = {0, 0, 2, 1}; // the last begins at byte 192, exactly where the third ends
     for (std::size_t i = 0; i < 4; ++i) {
-        EXPECT_EQ(_list.getBatches()[i].instanceStride, strides[i]) << i;
-        EXPECT_EQ(_list.getBatches()[i].firstInstance, firsts[i]) << i;
+        EXPECT_EQ(_list.getBatches()[i].draw.instanceStride, strides[i]) << i;
+        EXPECT_EQ(_list.getBatches()[i].draw.firstInstance, firsts[i]) << i;
     }
     ASSERT_NE(_list.getInstances(), nullptr);
     EXPECT_GE(_list.getInstances()->getSize(), 384u);

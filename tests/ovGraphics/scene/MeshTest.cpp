@@ -213,3 +213,86 @@ TEST_P(MeshTest, needsAnInitialisedSystem) {
     EXPECT_FALSE(mesh->load());
     EXPECT_EQ(mesh->getNewVertexArray().size(), zeros(3).size()) << "nothing is lost";
 }
+
+TEST_P(MeshTest, aRangeOfVerticesIsUpdatedInPlace) {
+    const auto target = makeTarget(4, 4);
+    Stage stage(getGraphics(), *target, 4.0f);
+    const Vector corners[] = {
+        {-2.0f, -2.0f, 0.0f}, {-2.0f, 2.0f, 0.0f}, {2.0f, 2.0f, 0.0f}, {2.0f, -2.0f, 0.0f}};
+    const auto mesh = makeMesh(getGraphics(), corners, {0, 1, 2, 0, 2, 3});
+    const SceneShader one(getGraphics(), {1.0f, 0.0f});
+    stage.queue->addEntity(mesh.get(), &*one, nullptr);
+    const auto columns = [&] { // drawn in the top row
+        EXPECT_TRUE(stage.canvas.frame());
+        const FloatPicture picture = readFloats(*target);
+        ovMemory::String text;
+        for (unsigned int x = 0; x < 4; ++x)
+            text += picture.at(x, 0)[0] == 1.0f ? '1' : '0';
+        return text;
+    };
+    EXPECT_EQ(columns(), "1111");
+    const auto moveRightSideTo = [&](float x) {
+        const float values[] = {x, 2.0f, 0.0f, 0.0f, 0.0f, -1.0f, x, -2.0f, 0.0f, 0.0f, 0.0f, -1.0f};
+        return mesh->updateVertices(2, {reinterpret_cast<const unsigned char*>(values), sizeof(values)});
+    };
+    EXPECT_TRUE(moveRightSideTo(0.0f));
+    EXPECT_EQ(columns(), "1100");
+    EXPECT_EQ(mesh->getBoundingBox().getMaximum(), Vector(0.0f, 2.0f, 0.0f));
+    mesh->unload();
+    ASSERT_TRUE(mesh->load());
+    EXPECT_EQ(columns(), "1100") << "the current array was updated too";
+
+    ASSERT_TRUE(mesh->dropCpuCopies());
+    EXPECT_TRUE(moveRightSideTo(1.0f));
+    EXPECT_EQ(columns(), "1110");
+    EXPECT_TRUE(moveRightSideTo(-1.0f));
+    EXPECT_EQ(columns(), "1000");
+    EXPECT_EQ(mesh->getBoundingBox().getMaximum(), Vector(1.0f, 2.0f, 0.0f)) << "it only grows";
+    EXPECT_EQ(getGraphicsLogger().getText(), "");
+}
+
+TEST_P(MeshTest, updatesThatDoNotFitAreRefused) {
+    const auto mesh = makeUnloaded();
+    EXPECT_FALSE(mesh->updateVertices(0, zeros(1)));
+    mesh->setNewVertexArray(zeros(3));
+    ASSERT_TRUE(mesh->load());
+    EXPECT_TRUE(mesh->updateVertices(3, {})) << "nothing, at the end";
+    EXPECT_TRUE(mesh->updateVertices(2, zeros(1)));
+    EXPECT_FALSE(mesh->updateVertices(2, zeros(2)));
+    EXPECT_FALSE(mesh->updateVertices(~0u, zeros(1)));
+    EXPECT_FALSE(mesh->updateVertices(0, ovMemory::Buffer<unsigned char>(25)));
+    mesh->setVertexComposition({});
+    EXPECT_FALSE(mesh->updateVertices(0, zeros(1)));
+    const ovMemory::String line = "[Mesh] Could not update vertices of the mesh 'shape': ";
+    EXPECT_EQ(
+        getGraphicsLogger().getText(),
+        line + "it is not loaded; load it first.\n" + line +
+            "2 vertices from vertex 2 on were given, and it has 3.\n" + line +
+            "1 vertices from vertex 4294967295 on were given, and it has 3.\n" + line +
+            "25 bytes were given, no whole number of 24 bytes, the size of a vertex of its composition.\n" +
+            line + "its vertex composition was changed after it was loaded; load it first.\n");
+}
+
+TEST_P(MeshTest, droppedArraysStayOnTheDeviceAlone) {
+    const auto mesh = makeUnloaded();
+    EXPECT_FALSE(mesh->dropCpuCopies());
+    mesh->setNewVertexArray(zeros(3));
+    mesh->setNewIndexArray({0, 1, 2, 2, 1, 0});
+    ASSERT_TRUE(mesh->load());
+    EXPECT_TRUE(mesh->dropCpuCopies());
+    EXPECT_TRUE(mesh->getCurrentVertexArray().empty() && mesh->getCurrentIndexArray().empty());
+    EXPECT_EQ(mesh->getVertexCount(), 3u);
+    EXPECT_EQ(mesh->getDrawCount(), 6u);
+    EXPECT_TRUE(mesh->load()) << "it is loaded";
+    mesh->unload();
+    EXPECT_FALSE(mesh->load());
+    EXPECT_EQ(getGraphicsLogger().getText(),
+              "[Mesh] Could not drop the CPU copies of the mesh 'shape': it is not loaded, and they are all "
+              "there is; "
+              "load it first.\n"
+              "[Mesh] Could not load the mesh 'shape': its arrays were dropped by Mesh::dropCpuCopies; call "
+              "Mesh::setNewVertexArray first.\n");
+    mesh->setNewVertexArray(zeros(4));
+    EXPECT_TRUE(mesh->load());
+    EXPECT_EQ(mesh->getDrawCount(), 4u);
+}

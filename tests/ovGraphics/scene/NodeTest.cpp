@@ -81,32 +81,6 @@ TEST_F(NodeTest, worldMatricesAreTheProductsOfLocalOnes) {
     }
 }
 
-TEST_F(NodeTest, revisionsTellOfEveryChangeAbove) {
-    const auto a = make();
-    const auto b = make();
-    const auto other = make();
-    ASSERT_TRUE(b->setParent(a.get()));
-    uint64_t last = b->getWorldRevision();
-    uint64_t system = _system.getTransformRevision();
-    const auto changes = [&] {
-        const bool changed = b->getWorldRevision() != last && _system.getTransformRevision() != system;
-        last = b->getWorldRevision();
-        system = _system.getTransformRevision();
-        b->getWorldMatrix();
-        return changed;
-    };
-    EXPECT_FALSE(changes());
-    a->setPosition({1.0f, 0.0f});
-    EXPECT_TRUE(changes());
-    b->setScale({2.0f, 2.0f, 2.0f});
-    EXPECT_TRUE(changes());
-    other->setPosition({5.0f, 0.0f});
-    EXPECT_EQ(b->getWorldRevision(), last) << "another tree";
-    ASSERT_TRUE(b->setParent(other.get()));
-    EXPECT_TRUE(changes());
-    EXPECT_EQ(b->getWorldMatrix().getPositionComponent(), Vector(5.0f, 0.0f));
-}
-
 TEST_F(NodeTest, aLocalMatrixKeepsShearUntilAComponentIsSet) {
     const auto node = make();
     Matrix sheared;

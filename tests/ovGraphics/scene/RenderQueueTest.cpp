@@ -34,28 +34,6 @@ TEST(RenderQueueTest, ownsItsEntitiesInTheOrderOfAddition) {
     EXPECT_EQ(queue->getEntityCount(), 0u);
 }
 
-TEST(RenderQueueTest, everyChangeIsCounted) {
-    System system;
-    const auto queue = RenderQueue::create(&system);
-    Entity* entity = nullptr;
-    uint64_t last = system.getSceneRevision();
-    const auto isCounted = [&](auto change) {
-        change();
-        const bool counted = system.getSceneRevision() != last;
-        last = system.getSceneRevision();
-        return counted;
-    };
-    EXPECT_FALSE(isCounted([] {}));
-    EXPECT_TRUE(isCounted([&] { entity = queue->addEntity(nullptr, nullptr, nullptr); }));
-    EXPECT_TRUE(isCounted([&] { entity->setVisible(false); }));
-    EXPECT_TRUE(isCounted([&] { entity->setDoubleSided(true); }));
-    EXPECT_TRUE(isCounted([&] { entity->setMesh(nullptr); }));
-    EXPECT_TRUE(isCounted([&] { entity->setShader(nullptr, 2); }));
-    EXPECT_TRUE(isCounted([&] { entity->setNode(nullptr); }));
-    EXPECT_TRUE(isCounted([&] { queue->eraseEntity(entity); }));
-    EXPECT_TRUE(isCounted([&] { queue->clearQueue(); }));
-}
-
 TEST(RenderQueueTest, theManagersKeepQueuesNodesAndMeshesByName) {
     System system;
     EXPECT_EQ(system.getRenderQueueManager()->get("a"), nullptr);
