@@ -4,6 +4,7 @@
 // small target. The baseline binds each material once and draws each mesh with one instanced call, from
 // buffers that were filled once: the fewest calls that draw this picture. A measurement is FRAMES frames and
 // one wait for the device.
+#include "ovGraphics/BenchmarkScene.h"
 #include "support/Aims.h"
 #include "support/Pairs.h"
 
@@ -13,54 +14,19 @@
 #include <cstdlib>
 #include <cstring>
 #include <epoxy/gl.h>
-#include <ovGraphics/System.h>
-#include <ovGraphics/compositor/Compositor.h>
-#include <ovGraphics/compositor/RenderContext.h>
-#include <ovGraphics/compositor/ScenePass.h>
 #include <ovGraphics/device/Device.h>
 #include <ovGraphics/resources/Camera.h>
-#include <ovGraphics/resources/Program.h>
-#include <ovGraphics/resources/Sampler.h>
-#include <ovGraphics/resources/Shader.h>
-#include <ovGraphics/resources/Texture.h>
-#include <ovGraphics/scene/Mesh.h>
-#include <ovGraphics/scene/Node.h>
-#include <ovGraphics/scene/RenderQueue.h>
 
 namespace {
 
+using namespace ovBenchmarks;
 using ovMaths::Matrix;
 using ovMaths::Vector;
 
 constexpr std::size_t ENTITIES = 10000;
-constexpr std::size_t MATERIALS = 100;
-constexpr std::size_t MESHES = 10;
 constexpr std::size_t ENTITIES_OF_A_PAIR = ENTITIES / MATERIALS / MESHES;
-constexpr unsigned int SIDE = 64; // pixels
 constexpr int FRAMES = 5;
 constexpr int ROUNDS = 21;
-
-constexpr const char* VERTEX_TEXT = R"glsl(
-ovConstantBufferDecl(passConstants, 0) { ovFloat4x4 viewMat; ovFloat4x4 projMat; };
-in vec4 POSITION;
-in vec4 NORMAL;
-in mat4 INSTANCE_WORLD_MATRIX;
-in mat4 INSTANCE_WORLD_MATRIX_INV_TRANSPOSE;
-out vec3 PIX_NORMAL;
-void main() {
-    gl_Position = ovMul(projMat, ovMul(viewMat, ovMul(INSTANCE_WORLD_MATRIX, POSITION)));
-    PIX_NORMAL = ovMul(INSTANCE_WORLD_MATRIX_INV_TRANSPOSE, vec4(NORMAL.xyz, 0.0)).xyz;
-}
-)glsl";
-
-constexpr const char* PIXEL_TEXT = R"glsl(
-ovConstantBufferDecl(constants, 1) { ovFloat4 colour; };
-ovTexture2dDecl(image, 0);
-ovSamplerDecl(state, 0);
-in vec3 PIX_NORMAL;
-out vec4 OUT_COLOR;
-void main() { OUT_COLOR = colour * ovSample(image, state, PIX_NORMAL.xy); }
-)glsl";
 
 // The same by hand.
 constexpr const char* BARE_VERTEX_TEXT = R"glsl(#version 450 core
@@ -85,154 +51,6 @@ layout(location = 0) in vec3 passedNormal;
 layout(location = 0) out vec4 result;
 void main() { result = colour * texture(image, passedNormal.xy); }
 )glsl";
-
-/// Entity i has material i / 100 and mesh i / 10 % 10 and stands on a grid of 100 x 100.
-Vector placeOf(std::size_t entity, float time) {
-    return {static_cast<float>(entity % 100) - 49.5f + time, static_cast<float>(entity / 100) - 49.5f, 0.0f};
-}
-
-/// A box whose height depends on the mesh: 8 corners, 12 triangles.
-struct Box {
-    explicit Box(std::size_t mesh) {
-        const float height = 0.2f + 0.05f * static_cast<float>(mesh);
-        for (unsigned int corner = 0; corner < 8; ++corner) {
-            const auto side = [corner](unsigned int axis) { return corner >> axis & 1u ? 0.5f : -0.5f; };
-            const Vector position(side(0) * 0.8f, side(1) * height, side(2) * 0.8f);
-            values.push_back(position);
-            values.push_back(position.getNormalizedVec3());
-        }
-        for (const unsigned int face : {0x0132u, 0x4675u, 0x0451u, 0x2376u, 0x0264u, 0x1573u}) {
-            const auto corner = [face](unsigned int place) { return face >> (4 * (3 - place)) & 7u; };
-            for (const unsigned int place : {0u, 1u, 2u, 0u, 2u, 3u})
-                indices.push_back(corner(place));
-        }
-    }
-    ovMemory::Buffer<Vector> values; ///< position and normal of each corner
-    ovMemory::Buffer<uint32_t> indices;
-};
-
-class LibraryScene {
-public:
-    LibraryScene() {
-        ovGraphics::Configuration configuration;
-        configuration.software = true;
-        _ready = _system.initialize(configuration) && _build();
-    }
-
-    bool isReady() const { return _ready; }
-    void draw() { _system.frame(_context.get()); }
-    void invalidate() { _system.getDevice()->invalidateState(); }
-    void moveAll(float time) {
-        for (std::size_t i = 0; i < ENTITIES; ++i)
-            _nodes[i]->setPosition(placeOf(i, time));
-    }
-    const ovGraphics::Camera& getCamera() const { return *_camera; }
-    ovMemory::Buffer<unsigned char> read() { return *_target->readBack(); }
-
-private:
-    bool _build() {
-        _camera = ovGraphics::Camera::create(&_system);
-        _camera->setPosition({0.0f, 0.0f, -10.0f});
-        _camera->setOrthographic(102.0f, 102.0f, 1.0f, 100.0f);
-        _queue = ovGraphics::RenderQueue::create(&_system);
-        return _buildProgram() && _buildMeshes() && _buildMaterials() && _buildEntities() && _buildPasses();
-    }
-
-    bool _buildProgram() {
-        ovGraphics::ProgramSourcesHolder sources;
-        sources.setVertexMemory(VERTEX_TEXT);
-        sources.setPixelMemory(PIXEL_TEXT);
-        _program = ovGraphics::Program::create(&_system);
-        _program->setSources(sources);
-        _program->setActivateCrossCompilerDefines(true);
-        _sampler = ovGraphics::Sampler::create(&_system);
-        return _program->load() && _sampler->load();
-    }
-
-    bool _buildMeshes() {
-        ovGraphics::VertexComposition composition;
-        composition.addAttribute("POSITION", ovGraphics::FORMAT::R32G32B32_FLOAT);
-        composition.addAttribute("NORMAL", ovGraphics::FORMAT::R32G32B32_FLOAT);
-        bool loaded = true;
-        for (std::size_t i = 0; i < MESHES; ++i) {
-            const Box box(i);
-            auto mesh = ovGraphics::Mesh::create(&_system);
-            mesh->setVertexComposition(composition);
-            mesh->fillPackedFromUnpacked(box.values);
-            mesh->setNewIndexArray(box.indices);
-            loaded = mesh->load() && loaded;
-            _meshes.push_back(std::move(mesh));
-        }
-        return loaded;
-    }
-
-    bool _buildMaterials() {
-        bool loaded = true;
-        for (std::size_t i = 0; i < MATERIALS; ++i) {
-            auto texture = ovGraphics::Texture::create(&_system);
-            const std::array<unsigned char, 4> texel = {255, static_cast<unsigned char>(i), 0, 255};
-            texture->setCpuData(0, 0, texel);
-            auto shader = ovGraphics::Shader::create(&_system);
-            shader->setProgram(_program.get());
-            ovGraphics::ConstantBuffer* pass = shader->addConstantBuffer(0, 0);
-            pass->addPassMemorySlot()->setAsViewMatrix();
-            pass->addPassMemorySlot()->setAsProjectionMatrix();
-            shader->addConstantBuffer(1, 0)->addPassMemorySlot()->setFromVector(
-                {static_cast<float>(i) / MATERIALS, 1.0f, 1.0f, 1.0f});
-            shader->addInstanceMemorySlot()->setAsWorldMatrix();
-            shader->addInstanceMemorySlot()->setAsWorldMatrixInvTranspose();
-            shader->addTexture(texture.get(), 0, 0);
-            shader->addSampler(_sampler.get(), 0, 0);
-            loaded = texture->load() && shader->load() && loaded;
-            _textures.push_back(std::move(texture));
-            _shaders.push_back(std::move(shader));
-        }
-        return loaded;
-    }
-
-    bool _buildEntities() {
-        for (std::size_t i = 0; i < ENTITIES; ++i) {
-            _nodes.push_back(ovGraphics::Node::create(&_system));
-            _queue->addEntity(_meshes[i / ENTITIES_OF_A_PAIR % MESHES].get(),
-                              _shaders[i / (ENTITIES / MATERIALS)].get(), _nodes.back().get());
-        }
-        moveAll(0.0f);
-        return true;
-    }
-
-    bool _buildPasses() {
-        _target = ovGraphics::Texture::create(&_system);
-        _target->setWidth(SIDE);
-        _target->setHeight(SIDE);
-        _target->setUsableAsRenderTarget(true);
-        _compositor = ovGraphics::Compositor::create(&_system);
-        ovGraphics::CompositorOperationsBlock* block = _compositor->appendNode()->appendOperationsBlock();
-        block->setTarget(0, _target.get());
-        block->appendClearPass();
-        ovGraphics::ScenePass* pass = block->appendScenePass();
-        pass->setRenderQueue(_queue.get());
-        pass->setCamera(_camera.get());
-        pass->getDepthStencilState().setDepthTestEnabled(false);
-        _context = ovGraphics::RenderContext::create(&_system);
-        _context->setDescriptor({.texture = _target.get()});
-        _context->setCompositor(_compositor.get());
-        return _target->load();
-    }
-
-    ovGraphics::System _system;
-    ovMemory::UniquePtr<ovGraphics::Program> _program;
-    ovMemory::UniquePtr<ovGraphics::Sampler> _sampler;
-    ovMemory::Buffer<ovMemory::UniquePtr<ovGraphics::Mesh>> _meshes;
-    ovMemory::Buffer<ovMemory::UniquePtr<ovGraphics::Texture>> _textures;
-    ovMemory::Buffer<ovMemory::UniquePtr<ovGraphics::Shader>> _shaders;
-    ovMemory::Buffer<ovMemory::UniquePtr<ovGraphics::Node>> _nodes;
-    ovMemory::UniquePtr<ovGraphics::Camera> _camera;
-    ovMemory::UniquePtr<ovGraphics::RenderQueue> _queue;
-    ovMemory::UniquePtr<ovGraphics::Texture> _target;
-    ovMemory::UniquePtr<ovGraphics::Compositor> _compositor;
-    ovMemory::UniquePtr<ovGraphics::RenderContext> _context;
-    bool _ready = false;
-};
 
 GLuint makeBuffer(const void* bytes, std::size_t size) {
     GLuint buffer = 0;
@@ -324,7 +142,7 @@ private:
         ovMemory::Buffer<Matrix> matrices;
         for (std::size_t i = 0; i < ENTITIES; ++i) {
             Matrix world;
-            world.setPositionComponent(placeOf(i, 0.0f));
+            world.setPositionComponent(placeOf(i, ENTITIES, 0.0f));
             matrices.push_back(world);
             matrices.push_back(world.getInverseMat4().getTranspose());
         }
@@ -389,7 +207,7 @@ bool drawTheSame(LibraryScene& library, const BareScene& bare) {
 }
 
 void tenThousandEntities(benchmark::State& state, bool moving) {
-    LibraryScene library;
+    LibraryScene library(ENTITIES);
     if (!library.isReady()) {
         state.SkipWithError("the library's scene could not be loaded");
         return;

@@ -53,12 +53,18 @@ double quantile(std::vector<double> values, double share) {
     return *place;
 }
 
+/// The distance between the quartiles over the median.
+double spreadOf(const std::vector<double>& times) {
+    return (quantile(times, 0.75) - quantile(times, 0.25)) / quantile(times, 0.5);
+}
+
 double leastCpuPerWall(LOAD load) {
     switch (load) {
     case LOAD::ONE_CORE:
         return 0.93;
     case LOAD::TWO_CORES:
         return 1.85;
+    case LOAD::CPU_TIME:
     case LOAD::WAITS:
         break;
     }
@@ -73,11 +79,15 @@ struct Rounds {
     int dropped = 0;
 };
 
+constexpr int WARM_UP_ROUNDS = 3;
+constexpr double TO_MILLISECONDS = 1e3;
+
 /// A process that takes a core is often gone after half a minute.
 constexpr double PATIENCE_SECONDS = 40.0;
 
 Rounds runRounds(const Side& baseline, const Side& ours, int count, LOAD load) {
     const double least = leastCpuPerWall(load);
+    const auto timeOf = [load](const Cost& cost) { return load == LOAD::CPU_TIME ? cost.cpu : cost.wall; };
     const double start = wallSeconds();
     Rounds rounds;
     for (int round = 0; static_cast<int>(rounds.ourTimes.size()) < count; ++round) {
@@ -92,8 +102,8 @@ Rounds runRounds(const Side& baseline, const Side& ours, int count, LOAD load) {
             ++rounds.dropped;
             continue;
         }
-        rounds.baselineTimes.push_back((baselineFirst ? first : second).wall);
-        rounds.ourTimes.push_back((baselineFirst ? second : first).wall);
+        rounds.baselineTimes.push_back(timeOf(baselineFirst ? first : second));
+        rounds.ourTimes.push_back(timeOf(baselineFirst ? second : first));
         rounds.cost += both;
     }
     return rounds;
@@ -102,8 +112,6 @@ Rounds runRounds(const Side& baseline, const Side& ours, int count, LOAD load) {
 } // namespace
 
 void runPair(benchmark::State& state, const Side& baseline, const Side& ours, int rounds, LOAD load) {
-    constexpr int WARM_UP_ROUNDS = 3;
-    constexpr double TO_MILLISECONDS = 1e3;
     for (auto _ : state) {
         for (int round = 0; round < WARM_UP_ROUNDS; ++round) {
             measure(baseline);
@@ -121,10 +129,25 @@ void runPair(benchmark::State& state, const Side& baseline, const Side& ours, in
         state.counters["ours_ms"] = ourMedian * TO_MILLISECONDS;
         state.counters["baseline_ms"] = baselineMedian * TO_MILLISECONDS;
         state.counters["ratio"] = ourMedian / baselineMedian;
-        state.counters["spread"] =
-            (quantile(fair.ourTimes, 0.75) - quantile(fair.ourTimes, 0.25)) / ourMedian;
+        state.counters["spread"] = spreadOf(fair.ourTimes);
         state.SetIterationTime(ourMedian);
     }
+}
+
+double runAlone(benchmark::State& state, const Side& ours, int rounds) {
+    double median = 0.0;
+    for (auto _ : state) {
+        for (int round = 0; round < WARM_UP_ROUNDS; ++round)
+            measure(ours);
+        std::vector<double> times;
+        for (int round = 0; round < rounds; ++round)
+            times.push_back(measure(ours).cpu);
+        median = quantile(times, 0.5);
+        state.counters["ours_ms"] = median * TO_MILLISECONDS;
+        state.counters["spread"] = spreadOf(times);
+        state.SetIterationTime(median);
+    }
+    return median * TO_MILLISECONDS;
 }
 
 } // namespace ovBenchmarks

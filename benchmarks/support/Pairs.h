@@ -16,6 +16,7 @@ struct Side {
 enum class LOAD {
     ONE_CORE,  ///< CPU seconds over wall seconds of a fair round are at least 0.93
     TWO_CORES, ///< at least 1.85
+    CPU_TIME,  ///< CPU seconds are measured instead, which other processes do not touch: none is unfair
     WAITS      ///< the work waits for threads or the disk by itself: no round is unfair
 };
 
@@ -30,5 +31,10 @@ enum class LOAD {
 /// @param rounds measurements of each side that count
 void runPair(benchmark::State& state, const Side& baseline, const Side& ours, int rounds,
              LOAD load = LOAD::ONE_CORE);
+
+/// Measures one side alone, in CPU seconds of this process, after a warm-up. Sets the benchmark's own time
+/// and the counters ours_ms and spread as runPair() does.
+/// @return the median, milliseconds
+double runAlone(benchmark::State& state, const Side& ours, int rounds);
 
 } // namespace ovBenchmarks
