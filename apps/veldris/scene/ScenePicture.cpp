@@ -208,16 +208,7 @@ void ScenePicture::light(ovVeldris::PbsMaterial& material) {
 bool ScenePicture::castShadow(const ovVeldris::PbsMaterial& material, bool hasHoles) {
     if (!_shadowMap)
         return true;
-    DepthShaderSettings settings;
-    if (hasHoles) {
-        settings.alphaTexture = material.getAlphaTexture();
-        settings.sampler =
-            _session.getGraphics().getSamplerManager()->get(ovVeldris::GraphicsEngine::DEFAULT_SAMPLER_NAME);
-        settings.alphaChannel = static_cast<unsigned int>(material.getAlphaTextureChannels());
-        settings.alpha = material.getMixAlphaFactorAndTexture() ? material.getAlpha() : 1.0f;
-        settings.alphaCutoff = std::max(material.getAlphaCutoff(), SHADOW_COVERAGE);
-    }
-    auto depthShader = DepthShader::create(&_session.getGraphics(), settings);
+    const DepthShader* depthShader = hasHoles ? _makeHolesShader(material) : _getSolidShader();
     if (!depthShader)
         return false;
     for (RenderQueue* queue : {_solid.get(), _blended.get()}) {
@@ -227,8 +218,25 @@ bool ScenePicture::castShadow(const ovVeldris::PbsMaterial& material, bool hasHo
                 entity->setShader(depthShader->getShader(), DEPTH_VARIANT);
         }
     }
-    _depthShaders.push_back(std::move(depthShader));
     return true;
+}
+
+DepthShader* ScenePicture::_makeHolesShader(const ovVeldris::PbsMaterial& material) {
+    DepthShaderSettings settings;
+    settings.alphaTexture = material.getAlphaTexture();
+    settings.sampler =
+        _session.getGraphics().getSamplerManager()->get(ovVeldris::GraphicsEngine::DEFAULT_SAMPLER_NAME);
+    settings.alphaChannel = static_cast<unsigned int>(material.getAlphaTextureChannels());
+    settings.alpha = material.getMixAlphaFactorAndTexture() ? material.getAlpha() : 1.0f;
+    settings.alphaCutoff = std::max(material.getAlphaCutoff(), SHADOW_COVERAGE);
+    return _depthShaders.emplace_back(DepthShader::create(&_session.getGraphics(), settings)).get();
+}
+
+// One for all materials without holes, so that equal meshes are drawn at once whatever they are made of.
+DepthShader* ScenePicture::_getSolidShader() {
+    if (!_solidDepthShader)
+        _solidDepthShader = DepthShader::create(&_session.getGraphics(), {});
+    return _solidDepthShader.get();
 }
 
 void ScenePicture::fitShadow(const BoundingBox& box) {

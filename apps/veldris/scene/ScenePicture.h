@@ -66,6 +66,8 @@ private:
     void _makePasses();
     void _appendShadowPasses();
     void _appendColourPasses();
+    ovGraphics::DepthShader* _makeHolesShader(const ovVeldris::PbsMaterial& material);
+    ovGraphics::DepthShader* _getSolidShader();
 
     Session& _session;
     SceneSettings _settings;
@@ -80,7 +82,8 @@ private:
     ovMemory::UniquePtr<ovGraphics::Texture> _shadowMap;
     ovMemory::UniquePtr<ovGraphics::Camera> _camera;
     ovMemory::UniquePtr<ovGraphics::Camera> _shadowCamera;
-    ovMemory::Buffer<ovMemory::UniquePtr<ovGraphics::DepthShader>> _depthShaders;
+    ovMemory::Buffer<ovMemory::UniquePtr<ovGraphics::DepthShader>> _depthShaders; ///< of materials with holes
+    ovMemory::UniquePtr<ovGraphics::DepthShader> _solidDepthShader;
     ovMemory::UniquePtr<ovGraphics::RenderQueue> _solid;
     ovMemory::UniquePtr<ovGraphics::RenderQueue> _blended;
     ovMemory::UniquePtr<ovGraphics::Compositor> _compositor;
