@@ -31,6 +31,8 @@ bool ScenePass::execute(const PassExecution& execution) {
     if (!_queue || _queue->getSystem() != execution.system)
         return false;
     const PassEnvironment environment{execution.system, _camera ? _camera.get() : execution.activeCamera};
+    // Without clipping, as in shadow maps, what lies before the near plane is drawn as well and must not be
+    // culled.
     _settings.depthClip = _rasterState.getDesc().depthClip;
     ovMemory::String error;
     if (!_drawList.update(*execution.system, *_queue.get(), environment.camera, _settings, error))
@@ -46,11 +48,14 @@ bool ScenePass::_draw(const PassExecution& execution, const PassEnvironment& env
     const DrawList::Batch* previous = nullptr;
     bool complete = true;
     for (const DrawList::Batch& batch : _drawList.getBatches()) {
+        // Sorted by state, batches of one shader stand together: comparing with the last one saves most
+        // bindings.
         if (batch.shader != bound) {
             bound = batch.shader;
             isBound = batch.shader->bind(environment);
         }
         if (!isBound || !batch.geometry) {
+            // The rest is drawn: one shader that failed to load shall not blank the picture.
             complete = false;
             continue;
         }
@@ -66,6 +71,7 @@ void ScenePass::_setRasterState(const PassExecution& execution, const DrawList::
     device::RasterStateDesc state = _rasterState.getDesc();
     if (batch.doubleSided)
         state.cull = CULL_MODE::NONE;
+    // A mirrored node turns the winding of its triangles round.
     state.frontCounterClockwise = state.frontCounterClockwise != batch.mirrored;
     execution.device->setRasterState(state);
 }

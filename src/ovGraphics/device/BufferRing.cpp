@@ -22,6 +22,7 @@ GpuBuffer* BufferRing::update(Device& device, ovMemory::BufferView<const unsigne
         _tellCopies(pages);
         Copy& copy = _chooseCopy(frame);
         if (!_upload(copy, device, bytes, error)) {
+            // Without any copy, so that the next frame starts from nothing and tries again.
             clear();
             return nullptr;
         }
@@ -48,6 +49,7 @@ void BufferRing::_tellCopies(std::size_t pages) {
 }
 
 BufferRing::Copy& BufferRing::_chooseCopy(uint64_t frame) {
+    // So there are never more copies than frames on their way.
     const auto isFree = [frame](const Copy& copy) { return copy.lastFrame + FRAMES_IN_FLIGHT <= frame; };
     auto copy = std::find_if(_copies.begin(), _copies.end(), isFree);
     if (copy == _copies.end()) {
@@ -69,6 +71,7 @@ bool BufferRing::_upload(Copy& copy, Device& device, ovMemory::BufferView<const 
     }
     const auto end = copy.stalePages.end();
     for (auto page = copy.stalePages.begin(); (page = std::find(page, end, 1)) != end;) {
+        // Neighbouring pages go in one call.
         const auto next = std::find(page, end, 0);
         const std::size_t first = static_cast<std::size_t>(page - copy.stalePages.begin()) * PAGE_SIZE;
         const std::size_t count = static_cast<std::size_t>(next - page) * PAGE_SIZE;

@@ -34,6 +34,7 @@ device::GpuBuffer* ConstantBuffer::update(const PassEnvironment& environment, un
     if (_block && _isCurrent(environment, minimumSize))
         return _block->buffer.get();
     _evaluate(environment, minimumSize);
+    // A setting that was set to its own value again comes here, and needs no upload.
     if (_block && _block->bytes == _bytes)
         return _block->buffer.get();
     const ConstantBlock* previous = std::exchange(_block, nullptr);
@@ -54,6 +55,7 @@ bool ConstantBuffer::_isCurrent(const PassEnvironment& environment, unsigned int
     if (_sources.size() != _slots.size() || _bytes.size() < minimumSize)
         return false;
     for (std::size_t i = 0; i < _slots.size(); ++i) {
+        // Nothing counts the changes of such a source, as of the time: it is read for every pass.
         if (_sources[i] == 0 || _sources[i] != _slots[i]->getSource(environment))
             return false;
     }

@@ -27,10 +27,13 @@ const ConstantBlock* ConstantPool::acquire(ovMemory::BufferView<const unsigned c
     SizeClass& blocks = _sizes[bytes.size()];
     ConstantBlock* block = _find(bytes, hash);
     if (block) {
+        // An idle one whose bytes are wanted again: nothing is uploaded, since the device still has them.
         if (block->users++ == 0)
             blocks.used.splice(blocks.used.end(), blocks.idle, block->self);
         return block;
     }
+    // Other bytes need a buffer that no frame reads: writing into one in use would make the driver wait or
+    // copy.
     block = _takeIdle(blocks);
     if (!block)
         block = _create(blocks, static_cast<unsigned int>(bytes.size()), error);
@@ -56,12 +59,14 @@ void ConstantPool::release(const ConstantBlock* block) {
 ConstantBlock* ConstantPool::_find(ovMemory::BufferView<const unsigned char> bytes, std::size_t hash) {
     const auto [first, last] = _blocks.equal_range(hash);
     const auto found = std::find_if(first, last, [&](const auto& entry) {
+        // By the bytes too: two contents may have one hash.
         return std::equal(bytes.begin(), bytes.end(), entry.second->bytes.begin(), entry.second->bytes.end());
     });
     return found != last ? found->second : nullptr;
 }
 
 ConstantBlock* ConstantPool::_takeIdle(SizeClass& blocks) {
+    // The front has been idle for longest. If frames still read it, they read all the others.
     if (blocks.idle.empty() || blocks.idle.front().lastFrame + device::FRAMES_IN_FLIGHT > _frame)
         return nullptr;
     ConstantBlock* block = &blocks.idle.front();

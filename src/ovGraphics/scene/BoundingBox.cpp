@@ -44,6 +44,7 @@ void BoundingBox::add(const BoundingBox& other) {
 Vector BoundingBox::getCenter() const {
     if (isEmpty())
         return {};
+    // Halved before the sum, which would overflow for the largest boxes.
     return {0.5f * _minimum.x + 0.5f * _maximum.x, 0.5f * _minimum.y + 0.5f * _maximum.y,
             0.5f * _minimum.z + 0.5f * _maximum.z};
 }
@@ -63,6 +64,7 @@ BoundingBox BoundingBox::getTransformed(const ovMaths::Matrix& transformation) c
     const auto moved = [&](int row) {
         return m[row][0] * center.x + m[row][1] * center.y + m[row][2] * center.z + m[row][3];
     };
+    // The half size through the absolute matrix gives the box of all eight corners without computing them.
     const auto reach = [&](int row) {
         return std::abs(m[row][0]) * half.x + std::abs(m[row][1]) * half.y + std::abs(m[row][2]) * half.z;
     };

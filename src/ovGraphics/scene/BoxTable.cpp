@@ -31,6 +31,7 @@ void cutOff(const ovMaths::Vector& plane, const float* x, const float* y, const 
 } // namespace
 
 void BoxTable::insert(std::size_t index, std::size_t count) {
+    // No box hides from a plane until its own is set: it reaches as far as floats do.
     for (std::size_t column = 0; column < _columns.size(); ++column)
         _columns[column].insert(_columns[column].begin() + static_cast<std::ptrdiff_t>(index), count,
                                 column < MAXIMUM ? -LARGEST : LARGEST);
@@ -45,10 +46,12 @@ void BoxTable::truncate(std::size_t count) {
 
 void BoxTable::_pad() {
     for (Column& column : _columns)
+        // Whole lanes, so that the comparison needs no loop for the rest.
         column.resize(roundedUp(_count));
 }
 
 void BoxTable::set(std::size_t index, const BoundingBox& box) {
+    // A box that is empty, or not finite, cannot tell where its entity is: it is never culled.
     const ovMaths::Vector low =
         box.isEmpty() ? ovMaths::Vector(-LARGEST, -LARGEST, -LARGEST) : box.getMinimum();
     const ovMaths::Vector high =
@@ -65,6 +68,7 @@ void BoxTable::move(std::size_t from, std::size_t to) {
 
 ovMaths::Vector BoxTable::getCenter(std::size_t index) const {
     const auto middle = [&](std::size_t axis) {
+        // Halved before the sum, which would overflow for the largest boxes.
         return 0.5f * _columns[MINIMUM + axis][index] + 0.5f * _columns[MAXIMUM + axis][index];
     };
     return {middle(0), middle(1), middle(2)};

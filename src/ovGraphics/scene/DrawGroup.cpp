@@ -33,6 +33,7 @@ Mesh* DrawGroup::getMesh() const {
 uint32_t DrawGroup::insert(uint32_t entity, uint64_t order) {
     const auto place = std::lower_bound(_orders.begin(), _orders.end(), order);
     auto index = static_cast<uint32_t>(place - _orders.begin());
+    // A gap at either side of the place takes the entity in, and then no other has to move.
     const bool takesGap = index < getSize() && _entities[index] == GAP;
     const bool takesGapBefore = !takesGap && index > 0 && _entities[index - 1] == GAP;
     if (takesGap || takesGapBefore) {
@@ -57,6 +58,7 @@ uint32_t DrawGroup::insert(uint32_t entity, uint64_t order) {
 
 void DrawGroup::erase(uint32_t index) {
     hide(index);
+    // The others keep their indices, and with them their boxes and the places of their data.
     _entities[index] = GAP;
     ++_gaps;
     uint32_t size = getSize();
@@ -71,6 +73,7 @@ void DrawGroup::erase(uint32_t index) {
 }
 
 bool DrawGroup::closeGaps() {
+    // Closing gaps moves all the rest, which pays only when more than half of the group is gaps.
     constexpr uint32_t FEW = 16;
     if (_gaps <= FEW || _gaps <= getSize() / 2)
         return false;
@@ -113,6 +116,7 @@ void DrawGroup::_setSight(uint32_t index, SIGHT sight) {
 }
 
 void DrawGroup::updateSights(const Frustum* frustum, unsigned int planeCount, bool all, uint32_t gapLength) {
+    // While the camera stands still only what was shown anew can come into view or leave it.
     const std::size_t begin = all ? 0 : _shownBegin;
     const std::size_t end = all ? getSize() : std::min(_shownEnd, getSize());
     unsigned char inside[AT_ONCE];
@@ -144,6 +148,8 @@ void DrawGroup::_formRuns(uint32_t gapLength) {
             open = true;
             _runs.back().count = index + 1 - _runs.back().first;
         } else if (open) {
+            // A short gap is drawn along, which costs less than another call. Hidden ones are never drawn:
+            // they end the run.
             const uint32_t end = _runs.back().first + _runs.back().count;
             open = sight != SIGHT::HIDDEN && index + 1 - end <= gapLength;
         }

@@ -53,6 +53,7 @@ Node::Node(System* system)
     : Resource(system, "node") {}
 
 Node::~Node() {
+    // Entities and children may outlive the node: none of them may point to it any more.
     while (_firstEntity)
         _firstEntity->setNode(nullptr);
     while (_firstChild) {
@@ -82,6 +83,7 @@ void Node::setScale(const Vector& scale) {
 }
 
 void Node::setLocalMatrix(const Matrix& matrix) {
+    // The matrix itself is kept too: one with shear is not what its parts would give.
     matrix.getDecomposed(_position, _scale, _orientation);
     _changeLocal();
     _local = matrix;
@@ -180,6 +182,7 @@ const Matrix& Node::getWorldMatrix() const {
 void Node::_updateWorld() const {
     const Node* top = this;
     top->_waitingChild = nullptr;
+    // The way up is kept in the nodes themselves: no call for each level, and no memory to allocate.
     while (top->_parent && !top->_parent->_worldIsCurrent) {
         top->_parent->_waitingChild = top;
         top = top->_parent;
@@ -210,6 +213,8 @@ bool Node::isMirrored() const {
     const auto minor = [&m](int a, int b) {
         return static_cast<double>(m[1][a]) * m[2][b] - static_cast<double>(m[1][b]) * m[2][a];
     };
+    // In double precision: small scales would make the determinant underflow, and the sign is all that
+    // counts.
     return m[0][0] * minor(1, 2) - m[0][1] * minor(0, 2) + m[0][2] * minor(0, 1) < 0.0;
 }
 

@@ -14,12 +14,15 @@ RenderQueue::RenderQueue(System* system)
 
 RenderQueue::~RenderQueue() {
     for (DrawList* list : _lists)
+        // A pass may outlive its queue, and its list would go on reading the entities.
         list->forgetQueue();
 }
 
 Entity* RenderQueue::addEntity(Mesh* mesh, Shader* shader, Node* node) {
     Entity* entity = _entities.emplace_back(std::make_unique<Entity>(this)).get();
     entity->_order = ++_entitiesMade;
+    // Places are used again, so that the lists that are indexed by them do not grow with every entity ever
+    // made.
     if (_freePlaces.empty()) {
         entity->_place = static_cast<uint32_t>(_places.size());
         _places.push_back(entity);
