@@ -31,6 +31,7 @@ bool parseDevice(const String& text, ovGraphics::Configuration& configuration) {
 
 String defaultCacheFolder() {
     // Where the XDG base directory specification puts caches, so that cleaning tools find it.
+    // An empty variable counts as none, as the specification says.
     if (const char* folder = std::getenv("XDG_CACHE_HOME"); folder && *folder)
         return String(folder) + "/veldris";
     if (const char* home = std::getenv("HOME"); home && *home)
@@ -76,6 +77,7 @@ bool Session::open(const DrawingOptions& options, String& error) {
     // Two channels, library and graphics system: a failure may be told on either.
     _system->getLogManager()->setReceiver(&_logger);
     if (!_system->initialize(configuration)) {
+        // The log names the reason that an initialisation failed for; its result does not.
         error = _logger.take();
         return false;
     }

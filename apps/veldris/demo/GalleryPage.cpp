@@ -9,6 +9,7 @@ namespace {
 using ovMemory::String;
 using ovMemory::StringView;
 
+// Within the page, so that the folder can be sent or served without other files.
 constexpr StringView STYLE = R"css(
 body { margin: 2rem auto; max-width: 80rem; padding: 0 1rem; background: #16181c; color: #d8dade;
        font: 16px/1.5 system-ui, sans-serif; }

@@ -38,6 +38,8 @@ ovImages::Image clampedPanorama(const ovImages::ImageView& panorama, String& war
     auto* values = reinterpret_cast<float*>(image.getBytes().data());
     std::size_t clamped = 0;
     for (float* value = values; value != values + image.getBytes().size() / sizeof(float); ++value) {
+        // Filtering spreads such a texel over whole mips, and half floats would turn what is above into
+        // infinity.
         const float kept = std::isnan(*value) ? 0.0f : std::clamp(*value, 0.0f, ovImages::LARGEST_HALF);
         clamped += kept == *value ? 0 : 1;
         *value = kept;
@@ -72,6 +74,7 @@ ovMemory::UniquePtr<EnvironmentLight> EnvironmentLight::create(Session& session,
         return light;
     if (!light->_filter(session, error))
         return nullptr;
+    // A cache that cannot be written is no failure: the next run filters again.
     const String notKept = cache.store(filtered);
     warning += (warning.empty() ? "" : " ") + notKept;
     return light;

@@ -7,9 +7,9 @@ namespace ovGraphics::device {
 
 namespace {
 
-template <std::size_t COUNT, typename ENUM>
 // Numbers may come from files and scripts. One outside the table becomes the state that does nothing special,
 // because a draw has no way to fail.
+template <std::size_t COUNT, typename ENUM>
 GLenum lookUp(const std::array<GLenum, COUNT>& table, ENUM value) {
     const std::size_t index = static_cast<std::size_t>(value);
     return table[index < COUNT ? index : 0];

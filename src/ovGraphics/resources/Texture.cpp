@@ -42,8 +42,8 @@ unsigned int Texture::getMipCount() const {
     return _mipCount == 0 ? needed : std::min(_mipCount, needed);
 }
 
-template <typename T>
 // Tools set everything before every load. Only a real change may cost a new texture.
+template <typename T>
 void Texture::_set(T& setting, T value) {
     if (setting == value)
         return;

@@ -64,6 +64,7 @@ bool DrawList::update(const System& system, RenderQueue& queue, const Camera* ca
     const bool viewIsNew = isOtherScene || _cameraRevision != cameraRevision || _settings != settings;
     _settings = settings;
     _cameraRevision = cameraRevision;
+    // Another queue, variant or order gives other groups, so that nothing of the list can stay.
     if (isOtherScene)
         _follow(queue);
     else if (_sceneRevision != system.getSceneRevision())
@@ -93,6 +94,7 @@ bool DrawList::_upload(const System& system, ovMemory::String& error) {
 void DrawList::noteChange(uint32_t place) {
     if (place >= _places.size())
         _places.resize(place + 1);
+    // Noted once, however often it changes between two frames: a loop that moves nodes costs no more.
     if (_places[place].isChanged)
         return;
     _places[place].isChanged = true;
@@ -153,6 +155,7 @@ void DrawList::_recheckGroups() {
 
 void DrawList::_describe(DrawGroup& group) {
     const Shader& shader = *group.getShader();
+    // The number of slots may be another now, and with it the place of every instance.
     _freeRoom(group);
     group.slots = static_cast<uint32_t>(shader.getInstanceMemorySlots().size());
     group.isDrawable = shader.getProgram() && !group.getMesh()->isUnloaded();
@@ -181,8 +184,10 @@ void DrawList::_refresh(uint32_t id) {
     if (!place.group)
         return;
     DrawGroup& group = *place.group;
+    // Without a node the entity stands at the origin, where the box is the mesh's own.
     const BoundingBox& box = group.getMesh()->getBoundingBox();
     group.show(place.index, node ? box.getTransformed(node->getWorldMatrix()) : box);
+    // A group that is not placed is written as a whole later, when it is known how much room it needs.
     if (group.isPlaced && place.index < group.capacity)
         _writeInstance(group, group.firstInstance + place.index, node);
     _touch(group);
@@ -261,6 +266,8 @@ void DrawList::_layOutGroups() {
         const std::size_t count = group->isDrawable ? group->getRuns().size() : 0;
         batchesAreOthers = batchesAreOthers || count != group->batchCount;
     }
+    // Groups that grew or went leave room behind. It is closed at once and rarely, as that writes every
+    // instance anew.
     if (_instances.size() > 2 * _roomInUse + SPARE_ROOM) {
         _placeAll();
         batchesAreOthers = true;
@@ -362,6 +369,7 @@ DrawList::Batch DrawList::_batchOf(DrawGroup& group, uint32_t firstInstance, uin
 }
 
 void DrawList::_layOutByDepth(const Camera* camera) {
+    // Everything anew: places follow the depths, and a camera that moves changes all of them.
     _sorted.clear();
     for (auto& [key, group] : _groups) {
         for (uint32_t index = 0; group.isDrawable && index < group.getSize(); ++index) {
@@ -373,6 +381,7 @@ void DrawList::_layOutByDepth(const Camera* camera) {
         }
     }
     std::sort(_sorted.begin(), _sorted.end(), [](const Sorted& a, const Sorted& b) {
+        // The order of adding decides between equals, so that blending gives the same picture every time.
         return a.depth != b.depth ? a.depth > b.depth : a.order < b.order;
     });
     _batches.clear();

@@ -35,6 +35,7 @@ bool importTexture(PbsSettings& settings, const PbsTextureRow& row, const Node& 
     if (!member || !member->isObject())
         return false;
     const Node* const name = member->getMemberValue(PBS_TEXTURE_NAME);
+    // Made by name and not loaded: the tree knows textures by their names only.
     if (textures && name && name->isString())
         settings.*row.field = textures->createOrRetrieve(name->getValueAsStringView());
     const Node* const packing = member->getMemberValue(PBS_TEXTURE_PACKING);

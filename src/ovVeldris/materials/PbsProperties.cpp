@@ -242,8 +242,8 @@ constexpr std::array ATTRIBUTES = {
                  "BINORMAL_SEMANTIC"},
 };
 
-template <typename Condition>
 // A search of thirteen rows. It runs when a setting changes and never while a frame is drawn.
+template <typename Condition>
 const PbsProperty& getRow(const Condition& condition) {
     return *std::find_if(PROPERTIES.begin(), PROPERTIES.end(), condition);
 }

@@ -45,8 +45,8 @@ std::size_t componentsOf(StringView type) {
     return static_cast<std::size_t>(type.back() - '0'); // VEC2 to VEC4
 }
 
-template <typename T>
 // By memcpy: the bytes of a file have no alignment, whatever the format asks of it.
+template <typename T>
 T load(const unsigned char* bytes) {
     T value;
     std::memcpy(&value, bytes, sizeof(T));

@@ -80,8 +80,8 @@ private:
 
 // --- From text
 
-template <typename Number>
 // By from_chars, which no locale changes: a German one would read 0.5 as 0.
+template <typename Number>
 bool parseNumber(StringView text, Number& number) {
     text = trimmed(text);
     const char* end = text.data() + text.size();

@@ -59,8 +59,8 @@ IrradianceKernels kernelsOf() {
     return {Kernels::project, Kernels::evaluate};
 }
 
-template <template <typename, unsigned int> typename Kernels, typename Component>
 // Three and four channels are the common cases, and a constant number lets the compiler unroll.
+template <template <typename, unsigned int> typename Kernels, typename Component>
 IrradianceKernels chooseChannels(unsigned int channels) {
     if (channels == 4)
         return kernelsOf<Kernels<Component, 4>>();
