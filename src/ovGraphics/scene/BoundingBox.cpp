@@ -59,8 +59,8 @@ BoundingBox BoundingBox::getTransformed(const ovMaths::Matrix& transformation) c
     if (isEmpty())
         return {};
     const auto& m = transformation.m;
-    const Vector center = getCenter();
-    const Vector half = getSize() * 0.5f;
+    const Vector center = _minimum * 0.5f + _maximum * 0.5f;
+    const Vector half = _maximum * 0.5f - _minimum * 0.5f;
     const auto moved = [&](int row) {
         return m[row][0] * center.x + m[row][1] * center.y + m[row][2] * center.z + m[row][3];
     };

@@ -71,9 +71,7 @@ bool DrawList::update(const System& system, RenderQueue& queue, const Camera* ca
         _recheckGroups();
     _sceneRevision = system.getSceneRevision();
 
-    for (std::size_t i = 0; i < _changed.size(); ++i)
-        _refresh(_changed[i]);
-    _changed.clear();
+    _refreshChanged();
     _updateView(camera, viewIsNew);
     return _upload(system, error);
 }
@@ -160,6 +158,27 @@ void DrawList::_describe(DrawGroup& group) {
     group.slots = static_cast<uint32_t>(shader.getInstanceMemorySlots().size());
     group.isDrawable = shader.getProgram() && !group.getMesh()->isUnloaded();
     group.geometry = nullptr;
+}
+
+// Entities and nodes of a large scene lie further away than the cache. Those that come next are fetched while
+// others are computed; without that, a scene that moves as a whole takes a sixth longer.
+void DrawList::_refreshChanged() {
+    constexpr std::size_t NODE_AHEAD = 6;
+    constexpr std::size_t ENTITY_AHEAD = 12;
+    const auto entityAt = [this](std::size_t i) {
+        return i < _changed.size() ? _queue->_places[_changed[i]] : nullptr;
+    };
+    for (std::size_t i = 0; i < _changed.size(); ++i) {
+        if (const Entity* entity = entityAt(i + ENTITY_AHEAD)) {
+            __builtin_prefetch(entity);
+            __builtin_prefetch(&entity->_shaders);
+        }
+        const Entity* next = entityAt(i + NODE_AHEAD);
+        if (next && next->_node)
+            next->_node->prefetch();
+        _refresh(_changed[i]);
+    }
+    _changed.clear();
 }
 
 void DrawList::_refresh(uint32_t id) {

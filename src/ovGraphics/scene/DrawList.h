@@ -103,6 +103,7 @@ private:
     void _recheckGroups();
     void _touch(DrawGroup& group);
 
+    void _refreshChanged();
     void _refresh(uint32_t place);
     bool _stays(const Place& place, const Entity& entity) const;
     void _takeOut(Place& place);

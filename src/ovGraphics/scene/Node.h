@@ -48,6 +48,12 @@ public:
     const ovMaths::Matrix& getWorldMatrixInvTranspose() const;
     /// Writes the same to a place of the caller's, and keeps nothing: for what is written once and sent away.
     void computeWorldMatrixInvTranspose(ovMaths::Matrix& result) const;
+    /// Asks for what a world matrix is made of to be brought near, as it will be read soon.
+    void prefetch() const {
+        __builtin_prefetch(&_position);
+        __builtin_prefetch(&_local);
+        __builtin_prefetch(&_local.m[3]);
+    }
     /// Whether the world matrix turns left into right, so that front faces run the other way.
     bool isMirrored() const;
 
