@@ -147,7 +147,7 @@ private:
                             .atLoad());
     }
 
-    const PbsSettings _default;
+    const PbsSettings _default{};
     ovMemory::Buffer<Setting> _rows;
 };
 
