@@ -28,7 +28,6 @@ function(ov_add_tests library)
     set(program "${library}Tests")
     add_executable(${program} ${sources})
     ov_compile_by_folder(${program} ALONE ${arg_ALONE})
-    set_target_properties(${program} PROPERTIES UNITY_BUILD OFF)
     # Fixtures live in unnamed namespaces; GCC takes a source that is included for a header.
     target_compile_options(${program} PRIVATE $<$<CXX_COMPILER_ID:GNU>:-Wno-subobject-linkage>)
     target_include_directories(${program} PRIVATE "${PROJECT_SOURCE_DIR}/tests" "${CMAKE_CURRENT_SOURCE_DIR}")
