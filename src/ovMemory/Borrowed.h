@@ -16,7 +16,8 @@ class Borrowable {
 protected:
     Borrowable() = default;
     Borrowable(const Borrowable&) {}
-    Borrowable& operator=(const Borrowable&) { return *this; }
+    // Takes nothing over, from itself neither.
+    Borrowable& operator=(const Borrowable&) { return *this; } // NOLINT(bugprone-unhandled-self-assignment)
     ~Borrowable() { _forgetBorrowers(); }
 
     /// Makes every pointer to this object null. For destructors that call code of others, which must not

@@ -35,7 +35,7 @@ bool ScenePass::execute(const PassExecution& execution) {
     // culled.
     _settings.depthClip = _rasterState.getDesc().depthClip;
     ovMemory::String error;
-    if (!_drawList.update(*execution.system, *_queue.get(), environment.camera, _settings, error))
+    if (!_drawList.update(*execution.system, *_queue, environment.camera, _settings, error))
         return false;
     execution.device->setBlendState(_blendState.getDesc());
     execution.device->setDepthStencilState(_depthStencilState.getDesc());

@@ -23,7 +23,8 @@ struct DrawKey {
     uint64_t mesh = 0;
     bool doubleSided = false;
     bool mirrored = false;
-    auto operator<=>(const DrawKey&) const = default;
+    // clang-tidy 14 takes the 0 that the compiler compares with for a pointer.
+    auto operator<=>(const DrawKey&) const = default; // NOLINT(modernize-use-nullptr)
 };
 
 /// Entities with equal state in the order of their addition. Each has an index, and with it its box and the
