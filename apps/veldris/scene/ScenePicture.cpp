@@ -23,6 +23,7 @@ using ovMemory::String;
 
 namespace {
 
+constexpr unsigned int EVERY_STAGE = 0;
 constexpr unsigned int COLOUR_VARIANT = 0;
 constexpr unsigned int DEPTH_VARIANT = 1;
 constexpr unsigned int SHADOW_SIDE = 2048; // texels
@@ -71,6 +72,14 @@ ovMemory::UniquePtr<ovImages::Image> reduced(const float* samples, unsigned int 
                     row.size() * sizeof(float));
     }
     return image;
+}
+
+/// The sampler that a shader reads a texture of the surface with, so that holes and their shadows agree.
+Sampler* samplerOf(const Shader& shader, const Texture* texture) {
+    for (unsigned int unit = 0; unit < ovVeldris::PbsMaterialParameters::PACKED_TEXTURE_COUNT; ++unit)
+        if (shader.getTexture(unit, EVERY_STAGE) == texture)
+            return shader.getSampler(unit, EVERY_STAGE);
+    return nullptr;
 }
 
 } // namespace
@@ -224,8 +233,7 @@ bool ScenePicture::castShadow(const ovVeldris::PbsMaterial& material, bool hasHo
 DepthShader* ScenePicture::_makeHolesShader(const ovVeldris::PbsMaterial& material) {
     DepthShaderSettings settings;
     settings.alphaTexture = material.getAlphaTexture();
-    settings.sampler =
-        _session.getGraphics().getSamplerManager()->get(ovVeldris::GraphicsEngine::DEFAULT_SAMPLER_NAME);
+    settings.sampler = samplerOf(*material.getShader(), settings.alphaTexture);
     settings.alphaChannel = static_cast<unsigned int>(material.getAlphaTextureChannels());
     settings.alpha = material.getMixAlphaFactorAndTexture() ? material.getAlpha() : 1.0f;
     settings.alphaCutoff = std::max(material.getAlphaCutoff(), SHADOW_COVERAGE);

@@ -50,6 +50,19 @@ ovGraphics::Node* Model::getCameraNode(unsigned int camera) const {
     return camera < _cameraNodes.size() ? _cameraNodes[camera] : nullptr;
 }
 
+ovGraphics::Node* Model::findNode(ovMemory::StringView name) const {
+    const auto found = std::find_if(_nodes.begin(), _nodes.end(),
+                                    [&](const auto& node) { return node && node->getName() == name; });
+    return found != _nodes.end() ? found->get() : nullptr;
+}
+
+ovGraphics::BoundingBox Model::getBoundingBox() const {
+    ovGraphics::BoundingBox box;
+    for (const ModelPart& part : _parts)
+        box.add(part.mesh->getBoundingBox().getTransformed(part.node->getWorldMatrix()));
+    return box;
+}
+
 ovGraphics::Sampler* Model::getSampler(const ovGraphics::Texture* texture) const {
     const auto found = std::find_if(_textures.begin(), _textures.end(), [&](const SampledTexture& own) {
         return own.texture.get() == texture && texture;
@@ -65,16 +78,13 @@ bool Model::loadMaterials() {
                        "Could not load the material '" + own.name +
                            "' of a model: it was destroyed; load the model anew.",
                        "Model");
-        const bool ownLoaded = own.material && own.material->load();
-        if (ownLoaded)
-            _giveSamplers(*own.material);
-        loaded = loaded && ownLoaded;
+        loaded = own.material && own.material->load() && loaded;
     }
     return loaded;
 }
 
-// Materials read every texture with the default sampler; what the file says of a texture is put over it.
-void Model::_giveSamplers(const PbsMaterial& material) const {
+// A load binds the default sampler to every texture of the surface.
+void Model::onMaterialLoaded(Material& material) {
     ovGraphics::Shader& shader = *material.getShader();
     for (unsigned int unit = 0; unit < PbsMaterialParameters::PACKED_TEXTURE_COUNT; ++unit) {
         if (ovGraphics::Sampler* sampler = getSampler(shader.getTexture(unit, EVERY_STAGE)))

@@ -5,6 +5,7 @@
 #include <ovGraphics/gltf/GltfScene.h>
 #include <ovMemory/Borrowed.h>
 #include <ovMemory/Memory.h>
+#include <ovVeldris/materials/MaterialListener.h>
 
 namespace ovGraphics {
 class Mesh;
@@ -36,7 +37,10 @@ struct ModelMaterial {
 /// What ModelLoader makes of a file. Owns meshes and nodes. Textures, samplers and materials are in the
 /// managers, where declarations find them by name, and leave them with the model, under whatever names they
 /// have then.
-class OV_API Model : public ovMemory::Borrowable {
+///
+/// Its nodes hang as those of the file: parents, names, and one root above all, which moves the whole model.
+/// Materials read textures with the samplers of the file, whoever loads them.
+class OV_API Model final : public MaterialListener {
 public:
     explicit Model(System* system);
     ~Model();
@@ -46,21 +50,30 @@ public:
     const ovMemory::Buffer<ModelPart>& getParts() const { return _parts; }
     const ovMemory::Buffer<ModelMaterial>& getMaterials() const { return _materials; }
     const ovMemory::Buffer<ovGraphics::GltfCamera>& getCameras() const { return _cameras; }
+    /// The node above all others, at the origin of the file's scene. Owned by the model.
+    ovGraphics::Node* getRoot() const { return _root.get(); }
+    /// The node of a name of the file, where nodes have names of their own (GltfScene.h); null for none, and
+    /// for one that the scene does not reach.
+    ovGraphics::Node* findNode(ovMemory::StringView name) const;
     /// The node that wears a camera of getCameras(); null when none does.
     ovGraphics::Node* getCameraNode(unsigned int camera) const;
-    /// The file's light, if it has one.
+    /// The file's light, if it has one. Its direction is that of the file, wherever the nodes are turned.
     const std::optional<ovGraphics::GltfDirectionalLight>& getLight() const { return _light; }
-    /// Of all parts, in the world.
-    const ovGraphics::BoundingBox& getBoundingBox() const { return _boundingBox; }
+    /// Of all parts, in the world, where their nodes are now.
+    ovGraphics::BoundingBox getBoundingBox() const;
     /// What the file asks for and the model does not do, a line each.
     const ovMemory::Buffer<ovMemory::String>& getWarnings() const { return _warnings; }
 
     /// The sampler that the file gives a texture; null for textures that are not of this model.
     ovGraphics::Sampler* getSampler(const ovGraphics::Texture* texture) const;
 
-    /// Loads every material with its present settings, and gives the units of its shader the samplers of the
-    /// file. @return false after log lines when one cannot be loaded or was destroyed; the others are
+    /// Loads every material with its present settings. @return false after log lines when one cannot be
+    /// loaded or was destroyed; the others are
     bool loadMaterials();
+
+    /// Gives the units of a material's shader the samplers of the file; loaded materials of the model ask for
+    /// it.
+    void onMaterialLoaded(Material& material) override;
 
     /// Adds an entity for every part to the queue for its material: blended ones to `blended`, all others to
     /// `solid`. Materials must be loaded; parts whose material was destroyed are left out.
@@ -74,18 +87,16 @@ private:
         ovMemory::Borrowed<ovGraphics::Sampler> sampler;
     };
 
-    void _giveSamplers(const PbsMaterial& material) const;
-
     ovMemory::Borrowed<System> _system;
     ovMemory::Buffer<ovMemory::UniquePtr<ovGraphics::Mesh>> _meshes;
-    ovMemory::Buffer<ovMemory::UniquePtr<ovGraphics::Node>> _nodes;
+    ovMemory::UniquePtr<ovGraphics::Node> _root;
+    ovMemory::Buffer<ovMemory::UniquePtr<ovGraphics::Node>> _nodes; ///< by index of the file; may be null
     ovMemory::Buffer<ModelPart> _parts;
     ovMemory::Buffer<ModelMaterial> _materials;
     ovMemory::Buffer<SampledTexture> _textures;
     ovMemory::Buffer<ovGraphics::GltfCamera> _cameras;
     ovMemory::Buffer<ovGraphics::Node*> _cameraNodes;
     std::optional<ovGraphics::GltfDirectionalLight> _light;
-    ovGraphics::BoundingBox _boundingBox;
     ovMemory::Buffer<ovMemory::String> _warnings;
 };
 

@@ -9,6 +9,7 @@
 #include <ovVeldris/System.h>
 #include <ovVeldris/content/detail/ModelMaterials.h>
 #include <ovVeldris/content/detail/ModelMeshes.h>
+#include <ovVeldris/content/detail/ModelNodes.h>
 #include <ovVeldris/content/detail/ModelTextures.h>
 #include <ovVeldris/core/GraphicsEngine.h>
 #include <ovVeldris/materials/MaterialManager.h>
@@ -29,20 +30,6 @@ ovGraphics::GltfMaterial defaultMaterial() {
     return material;
 }
 
-/// The nodes that the roots reach.
-ovMemory::Buffer<char> reachedNodes(const GltfScene& scene) {
-    ovMemory::Buffer<char> reached(scene.nodes.size());
-    ovMemory::Buffer<unsigned int> open = scene.roots;
-    while (!open.empty()) {
-        const unsigned int node = open.back();
-        open.pop_back();
-        reached[node] = 1;
-        const auto& children = scene.nodes[node].children;
-        open.insert(open.end(), children.begin(), children.end());
-    }
-    return reached;
-}
-
 } // namespace
 
 /// Makes a model, part by part.
@@ -60,24 +47,31 @@ public:
         _model->_cameras = _scene.cameras;
         _model->_cameraNodes.resize(_scene.cameras.size());
         _model->_light = _scene.light;
-        _model->_boundingBox = _scene.boundingBox;
-        const ovMemory::Buffer<char> reached = reachedNodes(_scene);
-        for (std::size_t i = 0; i < _scene.nodes.size(); ++i) {
-            if (reached[i] && !_addNode(_scene.nodes[i]))
-                return ovMemory::failed<ModelLoadResult>(_error);
-        }
+        detail::ModelNodes nodes = detail::makeNodes(_graphics, _scene);
+        _model->_root = std::move(nodes.root);
+        _model->_nodes = std::move(nodes.ofFile);
+        const bool complete = _addParts();
+        // Also of a model that is not complete: they leave the managers with it.
         for (const detail::ModelTextures::Made& made : _textures.getMade())
             _model->_textures.push_back({made.texture, made.sampler});
+        if (!complete)
+            return ovMemory::failed<ModelLoadResult>(_error);
         ModelLoadResult result;
         result.model = std::move(_model);
         return result;
     }
 
 private:
-    bool _addNode(const GltfNode& source) {
-        ovGraphics::Node* node = _model->_nodes.emplace_back(ovGraphics::Node::create(&_graphics)).get();
-        node->setName(source.name);
-        node->setLocalMatrix(source.world); // the file's tree stands still: places are in the world at once
+    bool _addParts() {
+        for (std::size_t i = 0; i < _scene.nodes.size(); ++i) {
+            if (_model->_nodes[i] && !_wear(_scene.nodes[i], _model->_nodes[i].get()))
+                return false;
+        }
+        return true;
+    }
+
+    /// Gives a node what the file's wears.
+    bool _wear(const GltfNode& source, ovGraphics::Node* node) {
         if (source.camera >= 0)
             _model->_cameraNodes[static_cast<std::size_t>(source.camera)] = node;
         if (source.mesh < 0)
@@ -119,6 +113,7 @@ private:
         const String name = _freeName(source.name);
         auto* material = static_cast<PbsMaterial*>(_materials.createOrRetrieve(name, MATERIAL_TYPE::PBS));
         detail::applyMaterial(source, _textures, *material);
+        material->addListener(_model.get());
         const auto place = static_cast<unsigned int>(_model->_materials.size());
         _model->_materials.push_back({name, material, source.alphaMode});
         return _places[index] = place;

@@ -1,5 +1,7 @@
+#include <fstream>
 #include <gtest/gtest.h>
 #include <ovVeldris/content/ModelTesting.h>
+#include <support/TemporaryFolder.h>
 
 using namespace ovVeldris;
 using ovGraphics::GltfMaterial;
@@ -20,6 +22,7 @@ TEST_P(ModelLoaderTest, makesAPartOfEveryPrimitiveThatTheSceneReaches) {
     _scene.roots = {0, 1};
     _scene.nodes[1].children = {2};
     _scene.nodes[2].parent = 1;
+    _scene.nodes[2].world.setPositionComponent({0.0f, -3.0f, 0.0f}); // below node 1
     const auto model = make(_scene);
     ASSERT_EQ(model->getParts().size(), 3u) << "nothing hangs node 3 into the scene";
     EXPECT_EQ(model->getMaterials().size(), 3u);
@@ -64,7 +67,6 @@ TEST_P(ModelLoaderTest, carriesCamerasLightAndWarningsOver) {
     _scene.cameras.resize(2);
     _scene.nodes[0].camera = 1;
     _scene.light.emplace().direction = {0.0f, -1.0f, 0.0f};
-    _scene.boundingBox = ovGraphics::BoundingBox::newCube({1.0f, 2.0f, 3.0f}, 2.0f);
     _scene.warnings = {"something is ignored"};
     const auto model = make(_scene);
     EXPECT_EQ(model->getCameras().size(), 2u);
@@ -73,7 +75,6 @@ TEST_P(ModelLoaderTest, carriesCamerasLightAndWarningsOver) {
     EXPECT_EQ(model->getCameraNode(2), nullptr);
     ASSERT_TRUE(model->getLight());
     EXPECT_EQ(model->getLight()->direction, _scene.light->direction);
-    EXPECT_EQ(model->getBoundingBox(), _scene.boundingBox);
     EXPECT_EQ(model->getWarnings(), _scene.warnings);
 }
 
@@ -82,14 +83,41 @@ TEST_P(ModelLoaderTest, tellsWhyThereIsNoModel) {
     EXPECT_FALSE(missing);
     EXPECT_NE(missing.error.find("nowhere/at-all.glb"), ovMemory::String::npos) << missing.error;
 
-    _scene.addMaterial({});
-    _scene.meshes[0].primitives[0].indices = {7};
+    GltfMaterial material;
+    material.baseColorTexture = _scene.addTexture("picture", pngOf({{1, 2, 3, 255}}));
+    _scene.addMaterial(material);
+    _scene.addPart(0);
+    _scene.meshes[1].primitives[0].indices = {7};
     const ModelLoadResult broken = ModelLoader(getSystem()).create(_scene);
     EXPECT_FALSE(broken);
-    EXPECT_EQ(broken.error, "the mesh 'mesh 0' could not be loaded; the log says why.");
+    EXPECT_EQ(broken.error, "the mesh 'mesh 1' could not be loaded; the log says why.");
+    EXPECT_EQ(getGraphics().getTextureManager()->get("picture"), nullptr) << "it leaves nothing behind";
+    EXPECT_EQ(getSystem()->getMaterialManager()->get("material 0"), nullptr);
     getGraphicsLogger().messages.clear();
 
     System closed;
     EXPECT_EQ(ModelLoader(&closed).create(_scene).error,
               "the system is not initialised; call System::initialize first.");
+}
+
+TEST_P(ModelLoaderTest, filesThatAreCutGiveNoModel) {
+    const ovMemory::String whole = R"({"asset": {"version": "2.0"}, "scene": 0, "scenes": [{"nodes": [0]}],
+"nodes": [{"name": "Wheel", "children": [1, 2]}, {"name": "Wheel", "translation": [1, 2, 3]}, {}]})";
+    const TemporaryFolder folder;
+    const ovMemory::String path = folder.getPath("cut.gltf");
+    for (std::size_t length = 0; length < whole.size(); ++length) {
+        std::ofstream(path, std::ios::binary) << whole.substr(0, length);
+        const ModelLoadResult result = ModelLoader(getSystem()).load(path);
+        EXPECT_FALSE(result) << length;
+        EXPECT_NE(result.error.find(path), ovMemory::String::npos) << result.error;
+    }
+    std::ofstream(path, std::ios::binary) << whole;
+    const ModelLoadResult result = ModelLoader(getSystem()).load(path);
+    ASSERT_TRUE(result) << result.error;
+    const ovGraphics::Node* const second = result.model->findNode("Wheel (2)");
+    ASSERT_NE(second, nullptr) << "names that clash are told apart";
+    EXPECT_EQ(second->getParent(), result.model->findNode("Wheel"));
+    EXPECT_EQ(second->getWorldMatrix().getPositionComponent(), ovMaths::Vector(1.0f, 2.0f, -3.0f));
+    EXPECT_EQ(result.model->findNode("Wheel")->getParent(), result.model->getRoot());
+    EXPECT_EQ(result.model->findNode("wheel"), nullptr);
 }

@@ -61,7 +61,8 @@ struct SceneOfCode : ovGraphics::GltfScene {
         node.name = "node " + std::to_string(nodes.size());
         node.mesh = static_cast<int>(meshes.size()) - 1;
         node.position = {0.0f, -static_cast<float>(nodes.size()), 0.0f};
-        node.world.setPositionComponent(node.position);
+        node.local.setPositionComponent(node.position);
+        node.world = node.local;
         roots.push_back(static_cast<unsigned int>(nodes.size()));
         nodes.push_back(node);
     }

@@ -1,6 +1,7 @@
 #include <veldris/scene/ScenePicture.h>
 
 #include <cmath>
+#include <cstring>
 #include <gtest/gtest.h>
 #include <limits>
 #include <ovGraphics/System.h>
@@ -9,6 +10,9 @@
 #include <ovGraphics/resources/Texture.h>
 #include <ovGraphics/scene/Mesh.h>
 #include <ovGraphics/scene/Node.h>
+#include <ovImages/PngEncoder.h>
+#include <ovVeldris/content/ModelLoader.h>
+#include <ovVeldris/materials/PbsMaterial.h>
 #include <veldris/Session.h>
 #include <veldris/demo/Shapes.h>
 #include <veldris/scene/EnvironmentLight.h>
@@ -87,6 +91,46 @@ protected:
 
 constexpr unsigned int MIDDLE = 16;
 
+/// A slate of 2 by 1 m, 1.5 m above the ground, under a picture of two texels of which the left one alone
+/// covers. The slate shows four texels side by side, of which the picture's address decides the last two.
+ovGraphics::GltfScene makeSlate(ovGraphics::TEXTURE_ADDRESS address) {
+    ovGraphics::GltfScene scene;
+    ovImages::Image picture(2, 1, 4, ovImages::COMPONENT_TYPE::UINT8, ovImages::COLOUR_ENCODING::SRGB);
+    picture.setComponent(0, 0, 3, 1.0f);
+    scene.images.push_back({"holes", ovImages::PngEncoder().encode(picture.view()).bytes});
+    ovGraphics::GltfTexture& texture = scene.textures.emplace_back();
+    texture.name = "holes";
+    texture.image = 0;
+    texture.filter = ovGraphics::FILTER::MIN_MAG_MIP_POINT;
+    texture.mipmapped = false;
+    texture.addressU = address;
+    ovGraphics::GltfMaterial& material = scene.materials.emplace_back();
+    material.name = "slate";
+    material.baseColorTexture = 0;
+    material.alphaMode = ovGraphics::GLTF_ALPHA_MODE::MASK;
+    material.doubleSided = true;
+
+    ovGraphics::GltfPrimitive primitive;
+    primitive.composition.addAttribute("POSITION", ovGraphics::FORMAT::R32G32B32_FLOAT);
+    primitive.composition.addAttribute("NORMAL", ovGraphics::FORMAT::R32G32B32_FLOAT);
+    primitive.composition.addAttribute("TEXCOORD", ovGraphics::FORMAT::R32G32_FLOAT);
+    const float vertices[4][8] = {{-1, 1.5f, -0.5f, 0, 1, 0, 0, 1},
+                                  {-1, 1.5f, 0.5f, 0, 1, 0, 0, 0},
+                                  {1, 1.5f, -0.5f, 0, 1, 0, 2, 1},
+                                  {1, 1.5f, 0.5f, 0, 1, 0, 2, 0}};
+    primitive.vertices.resize(sizeof(vertices));
+    std::memcpy(primitive.vertices.data(), vertices, sizeof(vertices));
+    primitive.vertexCount = 4;
+    primitive.indices = {0, 1, 2, 2, 1, 3};
+    primitive.material = 0;
+    scene.meshes.push_back({"slate", {primitive}});
+    ovGraphics::GltfNode& node = scene.nodes.emplace_back();
+    node.name = "slate";
+    node.mesh = 0;
+    scene.roots = {0};
+    return scene;
+}
+
 } // namespace
 
 INSTANTIATE_TEST_SUITE_P(, ScenePictureTest, testing::Values("glsl", "hlsl"),
@@ -124,6 +168,39 @@ TEST_P(ScenePictureTest, shadowsFallBelowWhatCastsThem) {
         const float below = pixel(image, MIDDLE, MIDDLE).x;
         EXPECT_NEAR(below, shadows ? 0.0f : 0.5f, 1e-2f);
         EXPECT_NEAR(pixel(image, MIDDLE - 6, MIDDLE).x, 0.5f, 1e-2f) << "beside the shadow, without acne";
+    }
+}
+
+TEST_P(ScenePictureTest, shadowsOfHolesReadTexturesAsTheFileSays) {
+    using ovGraphics::TEXTURE_ADDRESS;
+    struct Case {
+        TEXTURE_ADDRESS address;
+        const char* shadow; ///< of the four texels: '#' where they shade the ground
+    };
+    const Case cases[] = {
+        {TEXTURE_ADDRESS::WRAP, "#.#."}, {TEXTURE_ADDRESS::CLAMP, "#..."}, {TEXTURE_ADDRESS::MIRROR, "#..#"}};
+    _settings.shadows = true;
+    for (const Case& row : cases) {
+        const auto picture = makePicture();
+        const auto white = makeDiffuse(*picture, {0.5f, 0.5f, 0.5f});
+        const auto loaded = ovVeldris::ModelLoader(&_session.getSystem()).create(makeSlate(row.address));
+        ASSERT_TRUE(loaded) << loaded.error;
+        ovVeldris::Model& slate = *loaded.model;
+        PbsMaterial& material = *slate.getMaterials()[0].material;
+        picture->light(material);
+        ASSERT_TRUE(slate.loadMaterials());
+        picture->getSolid().addEntity(_ground.get(), white->getShader(), nullptr);
+        slate.addTo(picture->getSolid(), picture->getBlended());
+        ASSERT_TRUE(picture->castShadow(*white, false));
+        ASSERT_TRUE(picture->castShadow(material, true));
+        picture->fitShadow(ovGraphics::BoundingBox::newBox({0.0f, 1.0f, 0.0f}, {2.0f, 2.0f, 2.0f}));
+        picture->getCamera().setPosition({0.0f, 5.0f, -5.0f});
+        picture->getCamera().lookAt({0.0f, -1.0f, 1.0f}, {});
+        const ovImages::Image image = draw(*picture);
+        ovMemory::String shadow;
+        for (const unsigned int x : {10u, 14u, 18u, 22u}) // a texel is four pixels wide, from the eighth on
+            shadow += pixel(image, x, MIDDLE).x < 0.1f ? '#' : '.';
+        EXPECT_EQ(shadow, row.shadow);
     }
 }
 
