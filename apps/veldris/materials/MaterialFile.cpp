@@ -84,14 +84,14 @@ void readMember(PbsMaterial& material, const MaterialMember& member, const Node&
         return;
     const ovVeldris::Setting& setting = *member.setting;
     const StringView text = value.getValueAsStringView();
+    const bool isText = (setting.kind == SETTING_KIND::TEXT && isIdentifier(text)) ||
+                        (setting.kind == SETTING_KIND::ENUMERATION && isChoice(setting, text));
     ovMaths::Vector vector;
     if (setting.kind == SETTING_KIND::TEXTURE)
         readTexture(material, member, value, textures);
     else if (setting.kind == SETTING_KIND::FLAG && value.isBool())
         setting.set(material, value.getValueAsBool());
-    else if (setting.kind == SETTING_KIND::TEXT && isIdentifier(text))
-        setting.set(material, String(text));
-    else if (setting.kind == SETTING_KIND::ENUMERATION && isChoice(setting, text))
+    else if (isText)
         setting.set(material, String(text));
     else if (setting.kind == SETTING_KIND::VECTOR && vector.fromString(text))
         setting.set(material, vector);

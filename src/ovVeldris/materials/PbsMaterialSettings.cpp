@@ -33,6 +33,8 @@ auto shadowGetter(Value ShadowMapParameters::*field) {
 
 /// Makes the rows from those of the properties.
 class PbsMaterial::SettingWriter {
+    // First of all: what they return is deduced before it is used.
+
     template <typename Field>
     static auto _getter(Field PbsSettings::*field) {
         return [field](const PbsMaterial& material) { return material._parameters.*field; };
