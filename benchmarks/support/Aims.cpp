@@ -14,6 +14,8 @@ constexpr const char* RATIO = "ratio";
 constexpr const char* RATIO_AIM = "ratio_aim";
 constexpr const char* MILLISECONDS = "aimed_ms";
 constexpr const char* MILLISECONDS_AIM = "aimed_ms_aim";
+constexpr const char* MEGABYTES = "aimed_mb";
+constexpr const char* MEGABYTES_AIM = "aimed_mb_aim";
 
 struct Row {
     std::string figure;
@@ -53,6 +55,7 @@ private:
         }
         _addRow(run, full, RATIO, RATIO_AIM, "");
         _addRow(run, full, MILLISECONDS, MILLISECONDS_AIM, " ms");
+        _addRow(run, full, MEGABYTES, MEGABYTES_AIM, " MB");
     }
 
     void _addRow(const Run& run, const std::string& figure, const char* name, const char* aimName,
@@ -89,6 +92,11 @@ void aimAtRatio(benchmark::State& state, double atMost) {
 void aimAtMilliseconds(benchmark::State& state, double milliseconds, double atMost) {
     state.counters[MILLISECONDS] = milliseconds;
     state.counters[MILLISECONDS_AIM] = atMost;
+}
+
+void aimAtMegabytes(benchmark::State& state, double megabytes, double atMost) {
+    state.counters[MEGABYTES] = megabytes;
+    state.counters[MEGABYTES_AIM] = atMost;
 }
 
 int runBenchmarks(int& argumentCount, char** arguments) {

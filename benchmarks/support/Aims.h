@@ -11,6 +11,8 @@ void aimAtRatio(benchmark::State& state, double atMost);
 
 /// The same for milliseconds. Other units would be another function like this.
 void aimAtMilliseconds(benchmark::State& state, double milliseconds, double atMost);
+/// The same for megabytes.
+void aimAtMegabytes(benchmark::State& state, double megabytes, double atMost);
 
 /// Runs the benchmarks of a program as the arguments of Google Benchmark tell, and gives its exit status: 1
 /// when an aim was missed or a benchmark failed, which is a row of its own, 0 otherwise.

@@ -25,7 +25,8 @@ struct ApplyOptions {
     DrawingOptions drawing;
 };
 
-void printReport(const ApplyOptions& options, const ChainResult& result, Session& session) {
+void printReport(const ApplyOptions& options, const ChainPlan& plan, const ChainResult& result,
+                 Session& session) {
     const String method(session.getGraphics().getPassTimingMethod());
     if (!options.drawing.json) {
         for (const EffectTiming& timing : result.timings)
@@ -41,7 +42,7 @@ void printReport(const ApplyOptions& options, const ChainResult& result, Session
     report.text("output", options.output)
         .number("width", result.image->getWidth())
         .number("height", result.image->getHeight())
-        .text("content", options.raw ? String("raw") : toText(result.content));
+        .text("content", options.raw ? String("raw") : toText(plan.output));
     if (options.drawing.timings)
         report.text("timingMethod", method).array("passes", passes);
     fmt::print("{}\n", report.toText());
@@ -86,7 +87,7 @@ int runApply(const ApplyOptions& options) {
     if (!writePicture(options.output, result.image->view(), options.raw, warning, error))
         return fail(error);
     warn(warning);
-    printReport(options, result, session);
+    printReport(options, plan, result, session);
     return 0;
 }
 

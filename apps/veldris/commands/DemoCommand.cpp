@@ -84,8 +84,8 @@ bool drawScenes(Session& session, const DemoOptions& options, Buffer<GalleryEntr
     ChainPlan plan;
     if (!planScene(SCENE_EFFECTS, plan, error))
         return false;
-    const auto write = [&](const MaterialPicture& picture, String& reason) {
-        const ChainResult mapped = runChain(session, picture.image.view(), plan);
+    const auto write = [&](MaterialPicture& picture, String& reason) {
+        const ChainResult mapped = runChain(session, std::move(picture.texture), plan);
         reason = mapped.error;
         const String file = String(picture.name) + ".png";
         entries.push_back({String(picture.caption), "", "", file, picture.milliseconds});

@@ -223,8 +223,8 @@ void printReport(const RenderOptions& options, const Timings& timings, const Cha
 }
 
 /// The model's picture before any effect.
-ovMemory::UniquePtr<ovImages::Image> drawModel(Session& session, const RenderOptions& options,
-                                               const RenderPlan& plan, Timings& timings, String& error) {
+ovMemory::UniquePtr<ovGraphics::Texture> drawModel(Session& session, const RenderOptions& options,
+                                                   const RenderPlan& plan, Timings& timings, String& error) {
     const ovVeldris::ModelLoadResult loaded =
         ovVeldris::ModelLoader(&session.getSystem()).load(options.model);
     error = loaded.error;
@@ -253,10 +253,10 @@ ovMemory::UniquePtr<ovImages::Image> drawModel(Session& session, const RenderOpt
         return nullptr;
     }
     String warning;
-    auto image = picture->draw(warning, error);
+    auto drawn = picture->draw(warning, error);
     warn(warning);
-    timings = session.getGraphics().getPassTimings(); // the effects' passes come over them
-    return image;
+    timings = picture->getTimings();
+    return drawn;
 }
 
 int runRender(const RenderOptions& options) {
@@ -268,10 +268,10 @@ int runRender(const RenderOptions& options) {
     if (!session.open(options.drawing, error))
         return fail(error);
     Timings timings;
-    const auto image = drawModel(session, options, plan, timings, error);
-    if (!image)
+    auto picture = drawModel(session, options, plan, timings, error);
+    if (!picture)
         return fail(error);
-    const ChainResult result = runChain(session, image->view(), plan.chain);
+    const ChainResult result = runChain(session, std::move(picture), plan.chain);
     if (!result)
         return fail(result.error);
     warn(session.getLogger().take());

@@ -60,17 +60,14 @@ bool DemoSet::draw(const CameraChoice& camera, MaterialPicture& picture, String&
     if (!placeCamera(camera, _box, nullptr, _scene.getAspect(), _scene.getCamera(), error))
         return false;
     String warning;
-    const auto image = _scene.draw(warning, error);
-    if (!image)
-        return false;
-    picture.milliseconds = lastFrameMilliseconds(_graphics);
-    picture.image = std::move(*image);
-    return true;
+    picture.texture = _scene.draw(warning, error);
+    picture.milliseconds = sumOf(_scene.getTimings());
+    return picture.texture != nullptr;
 }
 
-double lastFrameMilliseconds(const ovGraphics::System& graphics) {
+double sumOf(const ovMemory::Buffer<ovGraphics::PassTiming>& timings) {
     double sum = 0.0;
-    for (const ovGraphics::PassTiming& timing : graphics.getPassTimings())
+    for (const ovGraphics::PassTiming& timing : timings)
         sum += timing.milliseconds;
     return sum;
 }

@@ -2,7 +2,7 @@
 #pragma once
 
 #include <functional>
-#include <ovImages/Image.h>
+#include <ovGraphics/resources/Texture.h>
 #include <veldris/scene/SceneCamera.h>
 #include <veldris/scene/ScenePicture.h>
 
@@ -15,14 +15,14 @@ namespace veldris {
 
 /// One picture, scene-linear.
 struct MaterialPicture {
-    ovMemory::StringView name;    ///< of its file, without extension
-    ovMemory::StringView caption; ///< what is to be seen
-    ovImages::Image image;
-    double milliseconds = 0.0; ///< of its passes together; 0 when it was not drawn
+    ovMemory::StringView name;                        ///< of its file, without extension
+    ovMemory::StringView caption;                     ///< what is to be seen
+    ovMemory::UniquePtr<ovGraphics::Texture> texture; ///< of four floats
+    double milliseconds = 0.0;                        ///< of its passes together; 0 when it was not drawn
 };
 
-/// Receives a picture. @return false, with one line in error, to draw no more
-using TakePicture = std::function<bool(const MaterialPicture&, ovMemory::String& error)>;
+/// Receives a picture and may take its texture. @return false, with one line in error, to draw no more
+using TakePicture = std::function<bool(MaterialPicture&, ovMemory::String& error)>;
 
 /// Objects in a scene, each with a material of its own. Meshes and the scene are borrowed.
 class DemoSet {
@@ -59,7 +59,7 @@ private:
     ovMemory::Buffer<ovMemory::UniquePtr<ovVeldris::PbsMaterial>> _materials;
 };
 
-/// The time of all passes of the last frame, when the session measures.
-double lastFrameMilliseconds(const ovGraphics::System& graphics);
+/// The milliseconds of passes together.
+double sumOf(const ovMemory::Buffer<ovGraphics::PassTiming>& timings);
 
 } // namespace veldris

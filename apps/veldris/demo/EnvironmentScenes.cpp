@@ -2,8 +2,6 @@
 
 #include <algorithm>
 #include <ovGraphics/System.h>
-#include <ovGraphics/compositor/Compositor.h>
-#include <ovGraphics/compositor/RenderContext.h>
 #include <ovGraphics/resources/Camera.h>
 #include <ovGraphics/resources/Shader.h>
 #include <ovGraphics/resources/Texture.h>
@@ -12,6 +10,7 @@
 #include <veldris/Session.h>
 #include <veldris/demo/DemoSet.h>
 #include <veldris/demo/Shapes.h>
+#include <veldris/pictures/PictureTextures.h>
 #include <veldris/scene/BuiltInSky.h>
 #include <veldris/scene/EnvironmentLight.h>
 #include <veldris/scene/Panoramas.h>
@@ -116,29 +115,17 @@ bool drawProjection(Session& session, Texture* source, IMAGE_ENVIRONMENT_PROJECT
     const auto camera = ovGraphics::Camera::create(&graphics);
     camera->lookAt({-0.5f, 0.1f, 1.0f}, {});
     camera->setPerspective(1.2f, static_cast<float>(width) / static_cast<float>(height), 0.1f, 10.0f);
-    const auto target = Texture::create(&graphics);
-    target->setFormat(ovGraphics::FORMAT::R32G32B32A32_FLOAT);
-    target->setWidth(width);
-    target->setHeight(height);
-    target->setUsableAsRenderTarget(true);
+    auto target = makeTarget(graphics, "projection", ovGraphics::FORMAT::R32G32B32A32_FLOAT, width, height);
     const auto effect = ImageEnvironmentEffect::create(&session.getSystem());
     effect->setSourceTexture(source);
     effect->setSourceCamera(camera.get());
     effect->setSourceProjection(projection);
-    const auto compositor = ovGraphics::Compositor::create(&graphics);
-    compositor->appendNode()->appendOperationsBlock()->appendPostProcessPass()->setShader(
-        target->load() && effect->load() ? effect->getShader() : nullptr);
-    const auto context = ovGraphics::RenderContext::create(&graphics);
-    context->setDescriptor({.texture = target.get()});
-    context->setCompositor(compositor.get());
-    const auto image =
-        graphics.frame(context.get()) && effect->getShader() ? target->convertToImage() : nullptr;
-    if (!image) {
+    if (!target || !effect->load() || !drawPicture(graphics, *effect->getShader(), *target, picture.name)) {
         error = session.getLogger().take();
         return false;
     }
-    picture.milliseconds = lastFrameMilliseconds(graphics);
-    picture.image = std::move(*image);
+    picture.milliseconds = sumOf(graphics.getPassTimings());
+    picture.texture = std::move(target);
     return true;
 }
 
@@ -159,7 +146,7 @@ bool drawProjections(Session& session, const EnvironmentLight& light, unsigned i
          IMAGE_ENVIRONMENT_PROJECTION::EQUIRECTANGULAR, false},
     };
     for (const Projection& current : PROJECTIONS) {
-        MaterialPicture picture{current.name, current.caption, {}, 0.0};
+        MaterialPicture picture{current.name, current.caption, nullptr, 0.0};
         Texture* source = current.ofCube ? light.getPrefiltered() : light.getPanorama();
         if (!drawProjection(session, source, current.projection, width, height, picture, error) ||
             !take(picture, error))
@@ -180,15 +167,15 @@ bool drawEnvironmentPictures(Session& session, unsigned int width, unsigned int 
     for (const Surroundings& surroundings : SURROUNDINGS) {
         String warning;
         light = EnvironmentLight::create(session, surroundings.draw().view(), warning, error);
-        MaterialPicture picture{surroundings.name, surroundings.caption, {}, 0.0};
+        MaterialPicture picture{surroundings.name, surroundings.caption, nullptr, 0.0};
         if (!light || !drawObjects(session, *light, settings, picture, error) || !take(picture, error)) {
             error += session.getLogger().take();
             return false;
         }
     }
-    const MaterialPicture strip{
-        "prefiltered-mips", "a prefiltered cube, its six faces from mip to mip, and below them irradiance",
-        drawStrip(*light), 0.0};
+    MaterialPicture strip{"prefiltered-mips",
+                          "a prefiltered cube, its six faces from mip to mip, and below them irradiance",
+                          uploadPicture(session.getGraphics(), drawStrip(*light).view()), 0.0};
     return take(strip, error) && drawProjections(session, *light, width, height, take, error);
 }
 

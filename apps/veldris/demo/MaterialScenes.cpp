@@ -260,7 +260,7 @@ bool drawMaterialPictures(Session& session, unsigned int width, unsigned int hei
     settings.lightDirection = LIGHT_DIRECTION;
     settings.lightColor = LIGHT_COLOR;
     for (const SceneOfMaterials& scene : SCENES) {
-        MaterialPicture picture{scene.name, scene.caption, {}, 0.0};
+        MaterialPicture picture{scene.name, scene.caption, nullptr, 0.0};
         if (!drawScene(session, stock, scene, settings, picture, error) || !take(picture, error))
             return false;
     }

@@ -1,82 +1,55 @@
 #include <veldris/effects/EffectChain.h>
 
 #include <ovGraphics/System.h>
-#include <ovGraphics/compositor/Compositor.h>
-#include <ovGraphics/compositor/RenderContext.h>
 #include <ovGraphics/resources/Camera.h>
-#include <ovGraphics/resources/Shader.h>
-#include <ovGraphics/resources/Texture.h>
-#include <ovImages/Conversion.h>
 #include <ovVeldris/System.h>
 #include <veldris/Session.h>
+#include <veldris/pictures/PictureShader.h>
+#include <veldris/pictures/PictureTextures.h>
 
 namespace veldris {
 
 namespace {
 
-using ovImages::COLOUR_ENCODING;
-using ovImages::COMPONENT_TYPE;
-using ovImages::Image;
-using ovImages::ImageView;
-using ovMemory::Buffer;
+using ovGraphics::Texture;
 using ovMemory::String;
 using ovMemory::UniquePtr;
 
 constexpr auto PICTURE_FORMAT = ovGraphics::FORMAT::R32G32B32A32_FLOAT;
 
-COLOUR_ENCODING encodingOf(PICTURE_CONTENT content) {
-    return content == PICTURE_CONTENT::SRGB_ENCODED ? COLOUR_ENCODING::SRGB : COLOUR_ENCODING::LINEAR;
+ovImages::COLOUR_ENCODING encodingOf(PICTURE_CONTENT content) {
+    return content == PICTURE_CONTENT::SRGB_ENCODED ? ovImages::COLOUR_ENCODING::SRGB
+                                                    : ovImages::COLOUR_ENCODING::LINEAR;
 }
 
-/// The picture as four floats; encodings are converted where content says so.
-Image toFloats(const ImageView& picture, COLOUR_ENCODING from, COLOUR_ENCODING to) {
-    ImageView source = picture;
-    source.encoding = from;
-    return ovImages::convertImage(source, COMPONENT_TYPE::FLOAT, 4, to);
-}
-
-/// Draws single effects from texture to texture.
-class EffectRunner {
+/// Draws single steps of a chain from texture to texture. A step's source goes when the step is done.
+class ChainRunner {
 public:
-    explicit EffectRunner(Session& session)
+    ChainRunner(Session& session, UniquePtr<Texture> picture)
         : _session(session)
-        , _camera(ovGraphics::Camera::create(&session.getGraphics())) {}
+        , _graphics(session.getGraphics())
+        , _camera(ovGraphics::Camera::create(&_graphics))
+        , _picture(std::move(picture)) {}
 
-    bool upload(const ImageView& picture) {
-        _picture = _makeTexture(picture.width, picture.height);
-        _picture->setCpuData(0, 0, picture.bytes);
-        return _picture->load();
+    bool drawEffect(const PlannedEffect& planned) {
+        const UniquePtr<ovVeldris::Effect> effect = makeEffect(_session, planned);
+        _setSource(planned, *effect);
+        return effect->load() && _draw(*effect->getShader(), planned.text);
     }
 
-    bool draw(const PlannedEffect& planned, ovVeldris::Effect& effect, ChainResult& result) {
-        UniquePtr<ovGraphics::Texture> target = _makeTexture(_picture->getWidth(), _picture->getHeight());
-        target->setUsableAsRenderTarget(true);
-        _setSource(planned, effect);
-        if (!target->load() || !effect.load())
+    bool convert(const ContentConversion& conversion) {
+        const String name = toText(conversion.from) + " to " + toText(conversion.to);
+        const auto shader = conversion.to == PICTURE_CONTENT::SRGB_ENCODED
+                                ? PictureShader::encodeSrgb(_graphics)
+                                : PictureShader::decodeSrgb(_graphics);
+        if (!shader)
             return false;
-
-        ovGraphics::System& graphics = _session.getGraphics();
-        const auto compositor = ovGraphics::Compositor::create(&graphics);
-        ovGraphics::CompositorOperationsBlock* block = compositor->appendNode()->appendOperationsBlock();
-        block->setTarget(0, target.get());
-        ovGraphics::PostProcessPass* pass = block->appendPostProcessPass();
-        pass->setShader(effect.getShader());
-        pass->setName(planned.text);
-
-        const auto context = ovGraphics::RenderContext::create(&graphics);
-        context->setDescriptor({target.get(), false});
-        context->setCompositor(compositor.get());
-        if (graphics.getPassTimingEnabled())
-            graphics.frame(context.get()); // the first draw compiles: not what a user wants measured
-        if (!graphics.frame(context.get()))
-            return false;
-        for (const ovGraphics::PassTiming& timing : graphics.getPassTimings())
-            result.timings.push_back({timing.name, timing.milliseconds});
-        _picture = std::move(target);
-        return true;
+        shader->setSource(*_picture);
+        return _draw(*shader->getShader(), name);
     }
 
-    UniquePtr<Image> download() { return _picture->convertToImage(); }
+    UniquePtr<Texture> takePicture() { return std::move(_picture); }
+    const ovMemory::Buffer<EffectTiming>& getTimings() const { return _timings; }
 
 private:
     /// Gives the effect the picture, and a camera wherever it asks for one.
@@ -90,44 +63,32 @@ private:
                 setting.set(effect, _camera.get());
     }
 
-    UniquePtr<ovGraphics::Texture> _makeTexture(unsigned int width, unsigned int height) {
-        auto texture = ovGraphics::Texture::create(&_session.getGraphics());
-        texture->setName("picture");
-        texture->setWidth(width);
-        texture->setHeight(height);
-        texture->setFormat(PICTURE_FORMAT);
-        return texture;
+    bool _draw(ovGraphics::Shader& shader, ovMemory::StringView name) {
+        UniquePtr<Texture> target =
+            makeTarget(_graphics, "picture", PICTURE_FORMAT, _picture->getWidth(), _picture->getHeight());
+        if (!target || !drawPicture(_graphics, shader, *target, name))
+            return false;
+        for (const ovGraphics::PassTiming& timing : _graphics.getPassTimings())
+            _timings.push_back({timing.name, timing.milliseconds});
+        _picture = std::move(target);
+        return true;
     }
 
     Session& _session;
+    ovGraphics::System& _graphics;
     UniquePtr<ovGraphics::Camera> _camera;
-    UniquePtr<ovGraphics::Texture> _picture;
+    UniquePtr<Texture> _picture;
+    ovMemory::Buffer<EffectTiming> _timings;
 };
 
-bool convert(EffectRunner& runner, const ContentConversion& conversion) {
-    const UniquePtr<Image> picture = runner.download();
-    return picture &&
-           runner.upload(
-               toFloats(picture->view(), encodingOf(conversion.from), encodingOf(conversion.to)).view());
-}
-
-/// All effects, made before anything is drawn.
-Buffer<UniquePtr<ovVeldris::Effect>> makeEffects(Session& session, const ChainPlan& plan) {
-    Buffer<UniquePtr<ovVeldris::Effect>> effects;
-    for (const PlannedEffect& planned : plan.effects)
-        effects.push_back(makeEffect(session, planned));
-    return effects;
-}
-
-bool drawAll(EffectRunner& runner, const ChainPlan& plan, const Buffer<UniquePtr<ovVeldris::Effect>>& effects,
-             ChainResult& result) {
+bool drawAll(ChainRunner& runner, const ChainPlan& plan) {
     auto next = plan.conversions.begin();
-    for (std::size_t i = 0; i <= effects.size(); ++i) {
+    for (std::size_t i = 0; i <= plan.effects.size(); ++i) {
         for (; next != plan.conversions.end() && next->beforeEffect == i; ++next) {
-            if (!convert(runner, *next))
+            if (!runner.convert(*next))
                 return false;
         }
-        if (i < effects.size() && !runner.draw(plan.effects[i], *effects[i], result))
+        if (i < plan.effects.size() && !runner.drawEffect(plan.effects[i]))
             return false;
     }
     return true;
@@ -143,22 +104,27 @@ UniquePtr<ovVeldris::Effect> makeEffect(Session& session, const PlannedEffect& p
     return effect;
 }
 
-ChainResult runChain(Session& session, const ImageView& picture, const ChainPlan& plan) {
+ChainResult runChain(Session& session, UniquePtr<Texture> picture, const ChainPlan& plan) {
     ChainResult result;
     result.content = plan.content;
-    const COLOUR_ENCODING encoding = encodingOf(plan.input);
-    EffectRunner runner(session);
-    if (!runner.upload(toFloats(picture, encoding, encoding).view()) ||
-        !drawAll(runner, plan, makeEffects(session, plan), result)) {
+    ChainRunner runner(session, std::move(picture));
+    if (drawAll(runner, plan))
+        result.image = downloadPicture(runner.takePicture());
+    if (!result.image) {
         result.error = session.getLogger().take();
         return result;
     }
-    result.image = runner.download();
-    if (result.image)
-        result.image->setEncoding(encodingOf(result.content));
-    else
-        result.error = session.getLogger().take();
+    result.image->setEncoding(encodingOf(result.content));
+    result.timings = runner.getTimings();
     return result;
+}
+
+ChainResult runChain(Session& session, const ovImages::ImageView& picture, const ChainPlan& plan) {
+    if (UniquePtr<Texture> uploaded = uploadPicture(session.getGraphics(), picture))
+        return runChain(session, std::move(uploaded), plan);
+    ChainResult failure;
+    failure.error = session.getLogger().take();
+    return failure;
 }
 
 } // namespace veldris

@@ -73,9 +73,18 @@ bool planChain(Buffer<PlannedEffect> effects, const ChainOptions& options, Chain
         contents.push_back({effect.kind->getName(), effect.kind->takes, effect.kind->gives});
     plan.effects = std::move(effects);
     plan.conversions.clear();
-    plan.input = plan.content = options.input;
-    return options.raw || planConversions(options.input, contents, options.output, options.outputName,
-                                          plan.conversions, plan.content, error);
+    plan.content = plan.output = options.input;
+    if (options.raw)
+        return true;
+    if (!planConversions(options.input, contents, options.output, options.outputName, plan.conversions,
+                         plan.output, error))
+        return false;
+    plan.content = plan.output;
+    if (!plan.conversions.empty() && plan.conversions.back().beforeEffect == plan.effects.size()) {
+        plan.content = plan.conversions.back().from;
+        plan.conversions.pop_back();
+    }
+    return true;
 }
 
 } // namespace veldris

@@ -34,12 +34,13 @@ struct ChainOptions {
     bool raw = false; ///< numbers in, numbers out: no conversions, no checks
 };
 
-/// Effects with the conversions between them.
+/// Effects with the conversions between them. A conversion at the end is not among them: whoever writes the
+/// result does it, once and to the precision of the file.
 struct ChainPlan {
     ovMemory::Buffer<PlannedEffect> effects;
     ovMemory::Buffer<ContentConversion> conversions;
-    PICTURE_CONTENT input = PICTURE_CONTENT::SCENE_LINEAR;
     PICTURE_CONTENT content = PICTURE_CONTENT::SCENE_LINEAR; ///< of the result
+    PICTURE_CONTENT output = PICTURE_CONTENT::SCENE_LINEAR;  ///< what it is written as
 };
 
 /// Finds the conversions that effects need. @return false with one line in error when no conversion will do

@@ -1,7 +1,7 @@
 #include <veldris/scene/ScenePicture.h>
 
+#include <algorithm>
 #include <cmath>
-#include <cstring>
 #include <fmt/format.h>
 #include <ovGraphics/Managers.h>
 #include <ovGraphics/System.h>
@@ -13,6 +13,8 @@
 #include <ovGraphics/resources/Texture.h>
 #include <ovVeldris/core/GraphicsEngine.h>
 #include <veldris/Session.h>
+#include <veldris/pictures/PictureShader.h>
+#include <veldris/pictures/PictureTextures.h>
 #include <veldris/scene/EnvironmentLight.h>
 
 namespace veldris {
@@ -33,45 +35,17 @@ constexpr float SHADOW_SLOPE_BIAS = 2.5f;
 // Of surfaces that blend, what covers less casts no shadow.
 constexpr float SHADOW_COVERAGE = 0.5f;
 
-ovMemory::UniquePtr<Texture> makeTarget(System& system, ovMemory::StringView name, FORMAT format,
-                                        unsigned int width, unsigned int height) {
-    auto texture = Texture::create(&system);
-    texture->setName(name);
-    texture->setFormat(format);
-    texture->setWidth(width);
-    texture->setHeight(height);
-    texture->setMipCount(1);
-    texture->setUsableAsRenderTarget(true);
-    return texture->load() ? std::move(texture) : nullptr;
+// Pixels along a side of what a texel counts; strips are whole blocks high.
+constexpr unsigned int COUNT_BLOCK = 8;
+
+unsigned int blocksIn(unsigned int pixels) {
+    return (pixels + COUNT_BLOCK - 1) / COUNT_BLOCK;
 }
 
-/// Averages blocks of scale x scale samples; counts those that are not finite and takes them as black.
-ovMemory::UniquePtr<ovImages::Image> reduced(const float* samples, unsigned int width, unsigned int height,
-                                             unsigned int scale, std::size_t& wrong) {
-    auto image = std::make_unique<ovImages::Image>(width, height, 4, ovImages::COMPONENT_TYPE::FLOAT,
-                                                   ovImages::COLOUR_ENCODING::LINEAR);
-    const std::size_t pitch = std::size_t{width} * scale * 4;
-    const double weight = 1.0 / (static_cast<double>(scale) * scale);
-    ovMemory::Buffer<float> row(std::size_t{width} * 4);
-    for (unsigned int y = 0; y < height; ++y) {
-        for (std::size_t component = 0; component < row.size(); ++component) {
-            const std::size_t x = component / 4;
-            const std::size_t channel = component % 4;
-            double sum = 0.0;
-            for (unsigned int j = 0; j < scale; ++j) {
-                for (unsigned int i = 0; i < scale; ++i) {
-                    const float sample =
-                        samples[(std::size_t{y} * scale + j) * pitch + (x * scale + i) * 4 + channel];
-                    wrong += std::isfinite(sample) ? 0 : 1;
-                    sum += std::isfinite(sample) ? static_cast<double>(sample) : 0.0;
-                }
-            }
-            row[component] = channel == 3 ? 1.0f : static_cast<float>(sum * weight);
-        }
-        std::memcpy(image->getBytes().data() + y * row.size() * sizeof(float), row.data(),
-                    row.size() * sizeof(float));
-    }
-    return image;
+unsigned int stripRowsOf(const SceneSettings& settings) {
+    const std::size_t rows = settings.stripSamples / (std::size_t{settings.width} * settings.samples);
+    const std::size_t blocks = std::max<std::size_t>(rows / COUNT_BLOCK, 1);
+    return static_cast<unsigned int>(std::min<std::size_t>(blocks * COUNT_BLOCK, settings.height));
 }
 
 /// The sampler that a shader reads a texture of the surface with, so that holes and their shadows agree.
@@ -97,7 +71,7 @@ ovMemory::UniquePtr<ScenePicture> ScenePicture::create(Session& session, const S
             settings.height * scale, limit);
         return nullptr;
     }
-    if (!picture->_makeTextures(error))
+    if (!picture->_makeTextures(error) || !picture->_makeShaders(error))
         return nullptr;
     picture->_makePasses();
     return picture;
@@ -107,6 +81,10 @@ ScenePicture::ScenePicture(Session& session, const SceneSettings& settings)
     : _session(session)
     , _settings(settings)
     , _scale(static_cast<unsigned int>(std::lround(std::sqrt(settings.samples))))
+    , _stripRows(stripRowsOf(settings))
+    , _sampleViewport(Viewport::create(&session.getGraphics()))
+    , _averageViewport(Viewport::create(&session.getGraphics()))
+    , _countViewport(Viewport::create(&session.getGraphics()))
     , _camera(Camera::create(&session.getGraphics()))
     , _shadowCamera(Camera::create(&session.getGraphics()))
     , _solid(RenderQueue::create(&session.getGraphics()))
@@ -123,28 +101,45 @@ float ScenePicture::getAspect() const {
 bool ScenePicture::_makeTextures(String& error) {
     System& graphics = _session.getGraphics();
     const unsigned int width = _settings.width * _scale;
-    const unsigned int height = _settings.height * _scale;
+    const unsigned int height = _stripRows * _scale;
     _colour = makeTarget(graphics, "scene", FORMAT::R32G32B32A32_FLOAT, width, height);
     _depth = makeTarget(graphics, "scene depth", FORMAT::D32_FLOAT, width, height);
     if (_settings.shadows)
         _shadowMap = makeTarget(graphics, "shadow map", FORMAT::D32_FLOAT, SHADOW_SIDE, SHADOW_SIDE);
-    const bool made = _colour && _depth && (_shadowMap || !_settings.shadows);
+    _notFinite = makeTarget(graphics, "numbers that are none", FORMAT::R32_FLOAT, blocksIn(_settings.width),
+                            blocksIn(_settings.height));
+    const bool made = _colour && _depth && _notFinite && (_shadowMap || !_settings.shadows);
     if (!made)
         error = _session.getLogger().take();
     return made;
+}
+
+bool ScenePicture::_makeShaders(String& error) {
+    System& graphics = _session.getGraphics();
+    _average = PictureShader::averageSamples(graphics);
+    _count = PictureShader::countNotFinite(graphics, COUNT_BLOCK);
+    if (!_average || !_count) {
+        error = _session.getLogger().take();
+        return false;
+    }
+    _average->setSource(*_colour);
+    _count->setSource(*_colour);
+    return true;
 }
 
 void ScenePicture::_makePasses() {
     if (_shadowMap)
         _appendShadowPasses();
     _appendColourPasses();
+    _appendSamplePasses();
     _context->setName("scene");
     _context->setDescriptor({.texture = _colour.get()});
     _context->setCompositor(_compositor.get());
 }
 
 void ScenePicture::_appendShadowPasses() {
-    CompositorOperationsBlock* block = _compositor->appendNode()->appendOperationsBlock();
+    _shadowNode = _compositor->appendNode();
+    CompositorOperationsBlock* block = _shadowNode->appendOperationsBlock();
     block->setDepthBuffer(_shadowMap.get());
     block->appendClearPass();
     for (RenderQueue* queue : {_solid.get(), _blended.get()}) {
@@ -162,6 +157,7 @@ void ScenePicture::_appendColourPasses() {
     _colourBlock = block;
     block->setTarget(0, _colour.get());
     block->setDepthBuffer(_depth.get());
+    block->setViewport(_sampleViewport.get());
     const Vector& background = _settings.background;
     block->appendClearPass()->setColour(0, background.x, background.y, background.z, 1.0f);
     ScenePass* solid = block->appendScenePass();
@@ -178,6 +174,22 @@ void ScenePicture::_appendColourPasses() {
     blend.setBlendEnabled(true, 0);
     blend.setSourceFactor(BLEND::SRC_ALPHA, 0);
     blend.setDestinationFactor(BLEND::INV_SRC_ALPHA, 0);
+}
+
+void ScenePicture::_appendSamplePasses() {
+    CompositorNode* node = _compositor->appendNode();
+    _averageBlock = node->appendOperationsBlock();
+    _averageBlock->setViewport(_averageViewport.get());
+    PostProcessPass* average = _averageBlock->appendPostProcessPass();
+    average->setName("average of samples");
+    average->setShader(_average->getShader());
+
+    CompositorOperationsBlock* block = node->appendOperationsBlock();
+    block->setTarget(0, _notFinite.get());
+    block->setViewport(_countViewport.get());
+    PostProcessPass* count = block->appendPostProcessPass();
+    count->setName("check of samples");
+    count->setShader(_count->getShader());
 }
 
 bool ScenePicture::setEnvironment(const EnvironmentLight* environment) {
@@ -255,22 +267,68 @@ void ScenePicture::fitShadow(const BoundingBox& box) {
     _shadowCamera->setOrthographic(2.0f * radius, 2.0f * radius, 0.5f * radius, 3.5f * radius);
 }
 
-ovMemory::UniquePtr<ovImages::Image> ScenePicture::draw(String& warning, String& error) {
-    if (!_session.getGraphics().frame(_context.get())) {
+ovMemory::UniquePtr<Texture> ScenePicture::draw(String& warning, String& error) {
+    auto picture = makeTarget(_session.getGraphics(), "picture", FORMAT::R32G32B32A32_FLOAT, _settings.width,
+                              _settings.height);
+    _averageBlock->setTarget(0, picture.get());
+    _timings.clear();
+    bool drawn = picture != nullptr;
+    for (unsigned int top = 0; drawn && top < _settings.height; top += _stripRows)
+        drawn = _drawStrip(top);
+    if (!drawn) {
         error = _session.getLogger().take();
         return nullptr;
     }
-    const auto bytes = _colour->readBack();
-    if (!bytes) {
-        error = _session.getLogger().take();
-        return nullptr;
+    if (const double wrong = _countNotFinite(); wrong > 0.0)
+        warning = fmt::format("{:.0f} components of the picture are not numbers and were made black.", wrong);
+    return picture;
+}
+
+/// Draws the rows from top on, as many as a strip has, or as are left.
+bool ScenePicture::_drawStrip(unsigned int top) {
+    const unsigned int rows = std::min(_stripRows, _settings.height - top);
+    const int firstSample = static_cast<int>(top * _scale);
+    const int firstRow = static_cast<int>(top);
+    const int firstBlock = static_cast<int>(top / COUNT_BLOCK);
+    _sampleViewport->setOrigin(0, -firstSample);
+    _sampleViewport->setSize(_settings.width * _scale, _settings.height * _scale);
+    _averageViewport->setOrigin(0, firstRow);
+    _averageViewport->setSize(_settings.width, rows);
+    _countViewport->setOrigin(0, firstBlock);
+    _countViewport->setSize(blocksIn(_settings.width), blocksIn(rows));
+
+    const auto scale = static_cast<float>(_scale);
+    const auto width = static_cast<float>(_settings.width * _scale);
+    const auto height = static_cast<float>(rows * _scale);
+    _average->setConstants({scale, static_cast<float>(firstRow), width, height});
+    _count->setConstants({scale, static_cast<float>(firstBlock), width, height});
+    if (_shadowNode)
+        _shadowNode->setActive(top == 0); // it serves all strips
+    if (!_session.getGraphics().frame(_context.get()))
+        return false;
+    _addTimings();
+    return true;
+}
+
+void ScenePicture::_addTimings() {
+    const auto& strip = _session.getGraphics().getPassTimings();
+    if (_timings.empty()) {
+        _timings = strip;
+        return;
     }
-    std::size_t wrong = 0;
-    auto image = reduced(reinterpret_cast<const float*>(bytes->data()), _settings.width, _settings.height,
-                         _scale, wrong);
-    if (wrong > 0)
-        warning = fmt::format("{} components of the picture are not numbers and were made black.", wrong);
-    return image;
+    // The passes of the shadow map come first, and in the first strip only.
+    const std::size_t shadowPasses = _timings.size() - strip.size();
+    for (std::size_t i = 0; i < strip.size(); ++i)
+        _timings[shadowPasses + i].milliseconds += strip[i].milliseconds;
+}
+
+double ScenePicture::_countNotFinite() {
+    const auto counts = _notFinite->convertToImage();
+    double sum = 0.0;
+    for (unsigned int y = 0; counts && y < counts->getHeight(); ++y)
+        for (unsigned int x = 0; x < counts->getWidth(); ++x)
+            sum += static_cast<double>(counts->getComponent(x, y, 0));
+    return sum;
 }
 
 } // namespace veldris

@@ -2,8 +2,10 @@
 #pragma once
 
 #include <optional>
+#include <ovGraphics/System.h>
 #include <ovGraphics/compositor/Compositor.h>
 #include <ovGraphics/compositor/RenderContext.h>
+#include <ovGraphics/resources/Viewport.h>
 #include <ovGraphics/scene/BoundingBox.h>
 #include <ovGraphics/scene/DepthShader.h>
 #include <ovGraphics/scene/RenderQueue.h>
@@ -14,6 +16,7 @@
 namespace veldris {
 
 class EnvironmentLight;
+class PictureShader;
 class Session;
 
 /// What a scene is lit by, and how large its picture is.
@@ -26,11 +29,17 @@ struct SceneSettings {
     std::optional<ovMaths::Vector> lightDirection;
     std::optional<ovMaths::Vector> lightColor; ///< linear; nothing: as the materials say
     bool shadows = false;
+    /// Samples that are drawn at once, in whole rows: 20 bytes each. A picture of more is drawn strip by
+    /// strip.
+    unsigned int stripSamples = 1u << 21;
     bool lightBesideEnvironment = true; ///< false: an environment is all the light there is
 };
 
 /// Two queues of entities, a light with its shadow map, and the passes that draw them. What is added is
 /// borrowed.
+///
+/// The samples of a large picture take several times its memory, so they are drawn and averaged strip by
+/// strip.
 class ScenePicture {
 public:
     /// @return null with one line in error when the device cannot draw the size
@@ -56,29 +65,48 @@ public:
     /// Turns the light's view so that everything in the box casts its shadow.
     void fitShadow(const ovGraphics::BoundingBox& box);
 
-    /// Draws. @return scene-linear floats, alpha 1; null with one line in error when it cannot be read back.
-    /// Pixels that are not numbers become black and are counted in warning.
-    ovMemory::UniquePtr<ovImages::Image> draw(ovMemory::String& warning, ovMemory::String& error);
+    /// Draws. @return a texture of four scene-linear floats, alpha 1; null with one line in error when it
+    /// cannot be drawn. Samples that are not numbers become black and are counted in warning.
+    ovMemory::UniquePtr<ovGraphics::Texture> draw(ovMemory::String& warning, ovMemory::String& error);
+    /// The passes of the last draw(), when the session measures: each once, whatever the number of strips.
+    const ovMemory::Buffer<ovGraphics::PassTiming>& getTimings() const { return _timings; }
 
 private:
     ScenePicture(Session& session, const SceneSettings& settings);
     bool _makeTextures(ovMemory::String& error);
+    bool _makeShaders(ovMemory::String& error);
     void _makePasses();
     void _appendShadowPasses();
     void _appendColourPasses();
     ovGraphics::DepthShader* _makeHolesShader(const ovVeldris::PbsMaterial& material);
     ovGraphics::DepthShader* _getSolidShader();
+    void _appendSamplePasses();
+    bool _drawStrip(unsigned int top);
+    void _addTimings();
+    double _countNotFinite();
 
     Session& _session;
     SceneSettings _settings;
     ovMaths::Vector _lightDirection;
     const EnvironmentLight* _environment = nullptr;
     ovMemory::UniquePtr<ovVeldris::ImageEnvironmentEffect> _surroundings;
+    ovGraphics::CompositorNode* _shadowNode = nullptr;
     ovGraphics::CompositorOperationsBlock* _colourBlock = nullptr;
+    ovGraphics::CompositorOperationsBlock* _averageBlock = nullptr;
     const ovGraphics::CompositorPass* _surroundingsPass = nullptr;
-    unsigned int _scale; ///< samples along a side of a pixel
-    ovMemory::UniquePtr<ovGraphics::Texture> _colour;
+    unsigned int _scale;                              ///< samples along a side of a pixel
+    unsigned int _stripRows;                          ///< pixels
+    ovMemory::UniquePtr<ovGraphics::Texture> _colour; ///< the samples of a strip
     ovMemory::UniquePtr<ovGraphics::Texture> _depth;
+    ovMemory::UniquePtr<ovGraphics::Texture> _notFinite; ///< components that are none, a texel for a block
+    ovMemory::UniquePtr<PictureShader> _average;
+    ovMemory::UniquePtr<PictureShader> _count;
+    // The whole picture, moved up until its strip lies in the target.
+    ovMemory::UniquePtr<ovGraphics::Viewport> _sampleViewport;
+    // The strip in the whole picture.
+    ovMemory::UniquePtr<ovGraphics::Viewport> _averageViewport;
+    ovMemory::UniquePtr<ovGraphics::Viewport> _countViewport;
+    ovMemory::Buffer<ovGraphics::PassTiming> _timings;
     ovMemory::UniquePtr<ovGraphics::Texture> _shadowMap;
     ovMemory::UniquePtr<ovGraphics::Camera> _camera;
     ovMemory::UniquePtr<ovGraphics::Camera> _shadowCamera;

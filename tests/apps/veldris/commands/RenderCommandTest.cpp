@@ -200,9 +200,8 @@ TEST_F(RenderCommandTest, reportsForMachines) {
     ovMemory::String passes;
     for (const auto& pass : timed["passes"].GetArray())
         passes += ovMemory::String(pass["pass"].GetString()) + ";";
-    EXPECT_EQ(
-        passes,
-        "clear;shadow;shadow;clear;scene;blended scene;tone-mapping:operator=reinhard,max-white=6,6,6;");
+    EXPECT_EQ(passes, "clear;shadow;shadow;clear;scene;blended scene;average of samples;check of samples;"
+                      "tone-mapping:operator=reinhard,max-white=6,6,6;");
 }
 
 } // namespace

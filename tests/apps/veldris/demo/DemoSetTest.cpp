@@ -43,8 +43,9 @@ TEST_F(DemoSetTest, framesItsSpheres) {
     veldris::MaterialPicture picture;
     ovMemory::String error;
     ASSERT_TRUE(set.draw(front, picture, error)) << error;
-    EXPECT_GT(picture.image.getComponent(16, 16, 0), 0.3f) << "the sphere is in the middle";
-    EXPECT_EQ(picture.image.getComponent(0, 0, 0), 0.0f) << "and its corner is empty";
+    const auto image = picture.texture->convertToImage();
+    EXPECT_GT(image->getComponent(16, 16, 0), 0.3f) << "the sphere is in the middle";
+    EXPECT_EQ(image->getComponent(0, 0, 0), 0.0f) << "and its corner is empty";
     EXPECT_GT(picture.milliseconds, 0.0);
     EXPECT_EQ(&set.getGraphics(), &_session.getGraphics());
     const ovGraphics::Texture* kept = set.keep(ovGraphics::Texture::create(&set.getGraphics()));

@@ -19,8 +19,9 @@ TEST(EnvironmentScenesTest, drawsEnvironmentsTheirFilteringAndProjections) {
     std::map<ovMemory::String, ovImages::Image> pictures;
     const bool drawn = veldris::drawEnvironmentPictures(
         session, 64, 36,
-        [&](const veldris::MaterialPicture& picture, ovMemory::String&) {
-            EXPECT_TRUE(pictures.emplace(picture.name, picture.image).second) << picture.name;
+        [&](veldris::MaterialPicture& picture, ovMemory::String&) {
+            EXPECT_TRUE(pictures.emplace(picture.name, *picture.texture->convertToImage()).second)
+                << picture.name;
             return true;
         },
         error);

@@ -25,13 +25,14 @@ TEST_F(MaterialScenesTest, drawsPicturesThatDifferAndHoldNumbers) {
     ovMemory::String error;
     const bool drawn = veldris::drawMaterialPictures(
         _session, 64, 36,
-        [&](const veldris::MaterialPicture& picture, ovMemory::String&) {
+        [&](veldris::MaterialPicture& picture, ovMemory::String&) {
             EXPECT_TRUE(names.insert(picture.name).second) << picture.name;
             EXPECT_FALSE(picture.caption.empty());
-            EXPECT_EQ(picture.image.getWidth(), 64u);
+            const auto image = picture.texture->convertToImage();
+            EXPECT_EQ(image->getWidth(), 64u);
             std::set<float> values;
             for (unsigned int x = 0; x < 64; ++x) {
-                const float value = picture.image.getComponent(x, 18, 0);
+                const float value = image->getComponent(x, 18, 0);
                 EXPECT_TRUE(std::isfinite(value)) << picture.name;
                 values.insert(value);
             }
@@ -46,7 +47,7 @@ TEST_F(MaterialScenesTest, drawsPicturesThatDifferAndHoldNumbers) {
 TEST_F(MaterialScenesTest, stopsWhereThePicturesGoWrong) {
     int taken = 0;
     ovMemory::String error;
-    const auto refuse = [&](const veldris::MaterialPicture&, ovMemory::String& reason) {
+    const auto refuse = [&](veldris::MaterialPicture&, ovMemory::String& reason) {
         ++taken;
         reason = "the disk is full";
         return false;

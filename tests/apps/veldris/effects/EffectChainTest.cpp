@@ -102,11 +102,32 @@ TEST_P(EffectChainTest, encodedPicturesStayAsTheyAreUntilSomethingElseIsWanted) 
     EXPECT_FLOAT_EQ(kept.image->getComponent(0, 0, 1), 128.0f / 255.0f);
     EXPECT_EQ(kept.image->getEncoding(), COLOUR_ENCODING::SRGB);
 
+    // A conversion at the end is the writer's: the numbers stay.
     options.output = PICTURE_CONTENT::DISPLAY_LINEAR;
-    const ChainResult decoded = run(image, "texture-copy", options);
+    const ChainResult atTheEnd = run(image, "texture-copy", options);
+    ASSERT_TRUE(atTheEnd) << atTheEnd.error;
+    EXPECT_FLOAT_EQ(atTheEnd.image->getComponent(0, 0, 1), 128.0f / 255.0f);
+    EXPECT_EQ(atTheEnd.image->getEncoding(), COLOUR_ENCODING::SRGB);
+}
+
+TEST_P(EffectChainTest, conversionsBetweenEffectsArePasses) {
+    Image image = onePixel(128.0f / 255.0f, 0.0f, 1.0f, 0.5f);
+    veldris::ChainPlan plan;
+    ovMemory::String error;
+    ASSERT_TRUE(veldris::planEffects("texture-copy;texture-copy", plan.effects, error)) << error;
+    plan.content = PICTURE_CONTENT::SRGB_ENCODED;
+    plan.conversions = {{0, PICTURE_CONTENT::SRGB_ENCODED, PICTURE_CONTENT::DISPLAY_LINEAR}};
+    const ChainResult decoded = veldris::runChain(_session, image.view(), plan);
     ASSERT_TRUE(decoded) << decoded.error;
-    EXPECT_NEAR(decoded.image->getComponent(0, 0, 1), std::pow((128.0 / 255.0 + 0.055) / 1.055, 2.4), 1e-6);
-    EXPECT_EQ(decoded.image->getEncoding(), COLOUR_ENCODING::LINEAR);
+    EXPECT_NEAR(decoded.image->getComponent(0, 0, 0), std::pow((128.0 / 255.0 + 0.055) / 1.055, 2.4), 1e-5);
+    EXPECT_EQ(decoded.image->getComponent(0, 0, 3), 0.5f);
+    ASSERT_EQ(decoded.timings.size(), 3u);
+    EXPECT_EQ(decoded.timings[0].effect, "srgb-encoded to display-linear");
+
+    plan.conversions.push_back({1, PICTURE_CONTENT::DISPLAY_LINEAR, PICTURE_CONTENT::SRGB_ENCODED});
+    const ChainResult back = veldris::runChain(_session, image.view(), plan);
+    ASSERT_TRUE(back) << back.error;
+    EXPECT_NEAR(back.image->getComponent(0, 0, 0), 128.0 / 255.0, 1e-5);
 }
 
 TEST_P(EffectChainTest, wrongOrdersAreRefusedUnlessRaw) {

@@ -123,10 +123,9 @@ TEST(EffectPlanTest, chainsHaveTheirConversions) {
     veldris::ChainPlan plan;
     ASSERT_TRUE(veldris::planChain(effects, options, plan, error)) << error;
     EXPECT_EQ(plan.effects.size(), 2u);
-    EXPECT_EQ(plan.content, veldris::PICTURE_CONTENT::SRGB_ENCODED);
-    const Buffer<veldris::ContentConversion> expected = {
-        {2, veldris::PICTURE_CONTENT::DISPLAY_LINEAR, veldris::PICTURE_CONTENT::SRGB_ENCODED}};
-    EXPECT_EQ(plan.conversions, expected);
+    EXPECT_EQ(plan.content, veldris::PICTURE_CONTENT::DISPLAY_LINEAR);
+    EXPECT_EQ(plan.output, veldris::PICTURE_CONTENT::SRGB_ENCODED);
+    EXPECT_TRUE(plan.conversions.empty()) << "the one at the end is the writer's";
 
     ASSERT_TRUE(veldris::planEffects("texture-copy", effects, error)) << error;
     options.outputName = "the file";

@@ -1,0 +1,32 @@
+// Pictures on the device.
+#pragma once
+
+#include <ovGraphics/resources/Texture.h>
+#include <ovImages/Image.h>
+
+namespace ovGraphics {
+class Shader;
+}
+
+namespace veldris {
+
+/// A loaded texture to draw into, with one mip. @return null after one log line when it cannot be loaded
+ovMemory::UniquePtr<ovGraphics::Texture> makeTarget(ovGraphics::System& graphics, ovMemory::StringView name,
+                                                    ovGraphics::FORMAT format, unsigned int width,
+                                                    unsigned int height);
+
+/// The numbers of a picture as a texture of four floats, without any conversion of colours; alpha that is not
+/// there is 1. @return null after one log line when the device cannot hold it
+ovMemory::UniquePtr<ovGraphics::Texture> uploadPicture(ovGraphics::System& graphics,
+                                                       const ovImages::ImageView& picture);
+
+/// Reads a texture of four linear floats back. The texture goes before the image is made: a large picture is
+/// in memory twice at most. @return null after one log line when it cannot be read
+ovMemory::UniquePtr<ovImages::Image> downloadPicture(ovMemory::UniquePtr<ovGraphics::Texture> picture);
+
+/// Draws a shader over a whole target, in one frame of one pass; when passes are measured, a second time, so
+/// that what is measured compiles nothing. @return false after one log line when that fails
+bool drawPicture(ovGraphics::System& graphics, ovGraphics::Shader& shader, ovGraphics::Texture& target,
+                 ovMemory::StringView name);
+
+} // namespace veldris

@@ -1,0 +1,129 @@
+#include <veldris/pictures/PictureShader.h>
+
+#include <cmath>
+#include <gtest/gtest.h>
+#include <limits>
+#include <veldris/Session.h>
+#include <veldris/pictures/PictureTextures.h>
+
+namespace {
+
+using ovGraphics::FORMAT;
+using ovImages::Image;
+using veldris::PictureShader;
+
+constexpr float NOT_A_NUMBER = std::numeric_limits<float>::quiet_NaN();
+constexpr float INFINITE = std::numeric_limits<float>::infinity();
+
+class PictureShaderTest : public testing::TestWithParam<const char*> {
+protected:
+    void SetUp() override {
+        veldris::DrawingOptions options;
+        options.language = GetParam();
+        options.device = "software";
+        options.noCache = true;
+        ovMemory::String error;
+        ASSERT_TRUE(_session.open(options, error)) << error;
+    }
+
+    Image draw(PictureShader& shader, const Image& source, unsigned int width, unsigned int height) {
+        ovGraphics::System& graphics = _session.getGraphics();
+        const auto texture = veldris::uploadPicture(graphics, source.view());
+        const auto target =
+            veldris::makeTarget(graphics, "target", FORMAT::R32G32B32A32_FLOAT, width, height);
+        shader.setSource(*texture);
+        EXPECT_TRUE(veldris::drawPicture(graphics, *shader.getShader(), *target, "pass"));
+        return *target->convertToImage();
+    }
+
+    Image draw(const ovMemory::UniquePtr<PictureShader>& shader, const Image& source) {
+        EXPECT_NE(shader, nullptr) << _session.getLogger().take();
+        return shader ? draw(*shader, source, source.getWidth(), source.getHeight()) : Image();
+    }
+
+    veldris::Session _session;
+};
+
+Image floats(unsigned int width, unsigned int height) {
+    return {width, height, 4, ovImages::COMPONENT_TYPE::FLOAT, ovImages::COLOUR_ENCODING::LINEAR};
+}
+
+TEST_P(PictureShaderTest, coloursAreConvertedByTheTransferFunction) {
+    constexpr float NUMBERS[] = {-0.5f,  0.0f,  0.001f, 0.0031308f, 0.0032f, 0.02f, 0.04045f,
+                                 0.041f, 0.18f, 0.5f,   0.9f,       1.0f,    1.5f,  16.0f};
+    Image source = floats(unsigned(std::size(NUMBERS)), 1);
+    for (unsigned int x = 0; x < source.getWidth(); ++x) {
+        for (unsigned int channel = 0; channel < 3; ++channel)
+            source.setComponent(x, 0, channel, NUMBERS[x]);
+        source.setComponent(x, 0, 3, 0.25f);
+    }
+    const Image encoded = draw(PictureShader::encodeSrgb(_session.getGraphics()), source);
+    const Image decoded = draw(PictureShader::decodeSrgb(_session.getGraphics()), source);
+    for (unsigned int x = 0; x < source.getWidth(); ++x) {
+        const double v = static_cast<double>(NUMBERS[x]);
+        const double code = v <= 0.0031308 ? 12.92 * v : 1.055 * std::pow(v, 1.0 / 2.4) - 0.055;
+        const double light = v <= 0.04045 ? v / 12.92 : std::pow((v + 0.055) / 1.055, 2.4);
+        for (unsigned int channel = 0; channel < 3; ++channel) {
+            // The device's power is one of exp2 and log2, each good to a few units in the last place.
+            EXPECT_NEAR(encoded.getComponent(x, 0, channel), code, 1e-5 * (1.0 + std::abs(code))) << v;
+            EXPECT_NEAR(decoded.getComponent(x, 0, channel), light, 1e-5 * (1.0 + std::abs(light))) << v;
+        }
+        EXPECT_EQ(encoded.getComponent(x, 0, 3), 0.25f);
+        EXPECT_EQ(decoded.getComponent(x, 0, 3), 0.25f);
+    }
+}
+
+/// Samples of 3 x 2 pixels, 2 x 2 each, with every kind of number and one that is none in each channel.
+Image makeSamples() {
+    Image samples = floats(6, 4);
+    for (unsigned int y = 0; y < 4; ++y)
+        for (unsigned int x = 0; x < 6; ++x)
+            for (unsigned int channel = 0; channel < 4; ++channel)
+                samples.setComponent(x, y, channel,
+                                     std::pow(-1.7f, static_cast<float>(5 * x + 3 * y + channel)) * 0.01f);
+    samples.setComponent(0, 0, 0, NOT_A_NUMBER);
+    samples.setComponent(3, 1, 1, INFINITE);
+    samples.setComponent(5, 3, 2, -INFINITE);
+    samples.setComponent(2, 2, 3, NOT_A_NUMBER);
+    return samples;
+}
+
+TEST_P(PictureShaderTest, samplesAreAveragedToTheLastBit) {
+    const Image samples = makeSamples();
+    const auto shader = PictureShader::averageSamples(_session.getGraphics());
+    ASSERT_NE(shader, nullptr) << _session.getLogger().take();
+    shader->setConstants({2.0f, 0.0f, 6.0f, 4.0f});
+    const Image picture = draw(*shader, samples, 3, 2);
+    for (unsigned int y = 0; y < 2; ++y) {
+        for (unsigned int x = 0; x < 3; ++x) {
+            for (unsigned int channel = 0; channel < 3; ++channel) {
+                double sum = 0.0;
+                for (unsigned int i = 0; i < 4; ++i) {
+                    const float sample = samples.getComponent(2 * x + i % 2, 2 * y + i / 2, channel);
+                    sum += std::isfinite(sample) ? static_cast<double>(sample) : 0.0;
+                }
+                EXPECT_EQ(picture.getComponent(x, y, channel), static_cast<float>(sum / 4.0)) << x << y;
+            }
+            EXPECT_EQ(picture.getComponent(x, y, 3), 1.0f);
+        }
+    }
+}
+
+TEST_P(PictureShaderTest, whatIsNoNumberIsCountedInBlocks) {
+    const auto shader = PictureShader::countNotFinite(_session.getGraphics(), 2);
+    ASSERT_NE(shader, nullptr) << _session.getLogger().take();
+    shader->setConstants({2.0f, 0.0f, 6.0f, 4.0f});
+    const Image counts = draw(*shader, makeSamples(), 2, 1); // blocks of 4 x 4 samples, the second half empty
+    EXPECT_EQ(counts.getComponent(0, 0, 0), 3.0f);
+    EXPECT_EQ(counts.getComponent(1, 0, 0), 1.0f);
+}
+
+TEST_P(PictureShaderTest, aTextThatDoesNotCompileIsReported) {
+    EXPECT_EQ(PictureShader::create(_session.getGraphics(), "broken", "no shader", {}), nullptr);
+    EXPECT_NE(_session.getLogger().take().find("broken"), ovMemory::String::npos);
+}
+
+INSTANTIATE_TEST_SUITE_P(Languages, PictureShaderTest, testing::Values("glsl", "hlsl"),
+                         [](const auto& language) { return language.param; });
+
+} // namespace
