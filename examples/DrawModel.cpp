@@ -100,7 +100,7 @@ ovMemory::UniquePtr<ovImages::Image> draw(ovGraphics::System& graphics, ovGraphi
     ovGraphics::CompositorOperationsBlock* block = compositor->appendNode()->appendOperationsBlock();
     block->setTarget(0, target);
     block->setDepthBuffer(depth);
-    block->appendClearPass()->setColour(0, 0.05f, 0.05f, 0.06f, 1.0f);
+    block->appendClearPass()->setColor(0, 0.05f, 0.05f, 0.06f, 1.0f);
     ovGraphics::ScenePass* pass = block->appendScenePass();
     pass->setRenderQueue(&queue);
     pass->setCamera(camera);

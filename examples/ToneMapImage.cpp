@@ -27,7 +27,7 @@ int fail(const ovMemory::String& message) {
 
 // From 2^-6 at the left to 2^6 at the right; reddish at the top, bluish at the bottom.
 ovImages::Image makeGradient() {
-    ovImages::Image image(512, 128, 4, ovImages::COMPONENT_TYPE::FLOAT, ovImages::COLOUR_ENCODING::LINEAR);
+    ovImages::Image image(512, 128, 4, ovImages::COMPONENT_TYPE::FLOAT, ovImages::COLOR_ENCODING::LINEAR);
     for (unsigned y = 0; y < image.getHeight(); ++y)
         for (unsigned x = 0; x < image.getWidth(); ++x) {
             const float light = std::exp2(12.0f * (x + 0.5f) / image.getWidth() - 6.0f);

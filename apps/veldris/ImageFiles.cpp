@@ -8,7 +8,7 @@ namespace veldris {
 
 namespace {
 
-using ovImages::COLOUR_ENCODING;
+using ovImages::COLOR_ENCODING;
 using ovImages::COMPONENT_TYPE;
 using ovImages::ImageView;
 using ovMemory::String;
@@ -40,8 +40,8 @@ const ovImages::Encoder* findFormat(const ovImages::CompositeEncoder& encoders, 
 } // namespace
 
 PICTURE_CONTENT contentOf(const ImageView& image) {
-    return image.encoding == COLOUR_ENCODING::SRGB ? PICTURE_CONTENT::SRGB_ENCODED
-                                                   : PICTURE_CONTENT::SCENE_LINEAR;
+    return image.encoding == COLOR_ENCODING::SRGB ? PICTURE_CONTENT::SRGB_ENCODED
+                                                  : PICTURE_CONTENT::SCENE_LINEAR;
 }
 
 bool contentOfFormat(const String& path, std::optional<PICTURE_CONTENT>& content, String& error) {
@@ -59,7 +59,7 @@ bool writePicture(const String& path, const ImageView& picture, bool raw, String
     if (!format)
         return false;
     const bool floats = holdsFloats(*format);
-    const COLOUR_ENCODING wanted = floats ? COLOUR_ENCODING::LINEAR : COLOUR_ENCODING::SRGB;
+    const COLOR_ENCODING wanted = floats ? COLOR_ENCODING::LINEAR : COLOR_ENCODING::SRGB;
     ImageView source = picture;
     // Only the label changes, so that the conversion below leaves the numbers as they are.
     if (raw)

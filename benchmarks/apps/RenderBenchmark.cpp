@@ -125,7 +125,7 @@ double reportedMilliseconds(const Workplace& workplace) {
 /// The time to write a picture of the size, with as many colours.
 double writingMilliseconds(const Workplace& workplace) {
     ovImages::Image picture(WIDTH, HEIGHT, 4, ovImages::COMPONENT_TYPE::FLOAT,
-                            ovImages::COLOUR_ENCODING::LINEAR);
+                            ovImages::COLOR_ENCODING::LINEAR);
     for (unsigned int y = 0; y < HEIGHT; ++y)
         for (unsigned int x = 0; x < WIDTH; ++x)
             for (unsigned int channel = 0; channel < 4; ++channel)

@@ -174,14 +174,14 @@ private:
     }
 
     void _makeMaterial(std::size_t material) {
-        const std::array<float, 4> colour = {static_cast<float>(material) / MATERIALS, 1.0f, 1.0f, 1.0f};
+        const std::array<float, 4> color = {static_cast<float>(material) / MATERIALS, 1.0f, 1.0f, 1.0f};
         const std::array<unsigned char, 4> texel = {255, static_cast<unsigned char>(material), 0, 255};
         GLuint texture = 0;
         glCreateTextures(GL_TEXTURE_2D, 1, &texture);
         glTextureStorage2D(texture, 1, GL_RGBA8, 1, 1);
         glTextureSubImage2D(texture, 0, 0, 0, 1, 1, GL_RGBA, GL_UNSIGNED_BYTE, texel.data());
         _textures.push_back(texture);
-        _constants.push_back(makeBuffer(colour.data(), sizeof(colour)));
+        _constants.push_back(makeBuffer(color.data(), sizeof(color)));
     }
 
     GLuint _program;

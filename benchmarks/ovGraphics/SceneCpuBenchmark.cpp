@@ -73,8 +73,8 @@ public:
                 _error));
         }
         for (std::size_t i = 0; i < MATERIALS; ++i) {
-            const float colour[4] = {static_cast<float>(i), 1.0f, 1.0f, 1.0f};
-            _materials.push_back(_makeBuffer(device::BUFFER_USAGE::CONSTANTS, sizeof(colour), colour));
+            const float color[4] = {static_cast<float>(i), 1.0f, 1.0f, 1.0f};
+            _materials.push_back(_makeBuffer(device::BUFFER_USAGE::CONSTANTS, sizeof(color), color));
             _textures.push_back(_device.createTexture({}, _error));
         }
         moveAll(0.0f);
@@ -100,7 +100,7 @@ public:
         constexpr auto IN_A_DRAW = static_cast<unsigned int>(ENTITIES / MATERIALS / MESHES);
         const device::Rectangle area{0, 0, SIDE, SIDE};
         _device.setTarget(*_target, area);
-        _device.clearColour(0, {});
+        _device.clearColor(0, {});
         _device.setTarget(*_target, area);
         _device.setBlendState({});
         _device.setDepthStencilState(_depth);

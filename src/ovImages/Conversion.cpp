@@ -13,7 +13,7 @@ namespace ovImages {
 
 namespace {
 
-constexpr unsigned colourChannels(unsigned channels) {
+constexpr unsigned colorChannels(unsigned channels) {
     return channels < 3 ? 1 : 3;
 }
 constexpr bool hasAlpha(unsigned channels) {
@@ -42,11 +42,11 @@ public:
         , _target(target)
         , _loaded(std::size_t(source.width) * source.channels)
         , _mapped(std::size_t(source.width) * target.getChannels()) {
-        const bool isSourceSrgb = source.encoding == COLOUR_ENCODING::SRGB;
-        const bool isTargetSrgb = target.getEncoding() == COLOUR_ENCODING::SRGB;
+        const bool isSourceSrgb = source.encoding == COLOR_ENCODING::SRGB;
+        const bool isTargetSrgb = target.getEncoding() == COLOR_ENCODING::SRGB;
         // Luminance is a property of light. A grey picture of sRGB numbers is therefore decoded first and
         // encoded again.
-        _collapses = colourChannels(source.channels) == 3 && colourChannels(target.getChannels()) == 1;
+        _collapses = colorChannels(source.channels) == 3 && colorChannels(target.getChannels()) == 1;
         _decodes = isSourceSrgb && (!isTargetSrgb || _collapses);
         _encodes = isTargetSrgb && (!isSourceSrgb || _collapses);
     }
@@ -73,23 +73,23 @@ private:
     void _decode(const unsigned char* source) {
         const bool isByte = _source.componentType == COMPONENT_TYPE::UINT8;
         const ByteTable& table = getSrgbByteTable();
-        const unsigned colours = colourChannels(_source.channels);
+        const unsigned colors = colorChannels(_source.channels);
         for (std::size_t pixel = 0; pixel < _loaded.size(); pixel += _source.channels)
-            for (std::size_t i = pixel; i < pixel + colours; ++i)
+            for (std::size_t i = pixel; i < pixel + colors; ++i)
                 _loaded[i] = isByte ? table[source[i]] : srgbToLinear(_loaded[i]);
     }
 
     void _encode() {
-        const unsigned colours = colourChannels(_target.getChannels());
+        const unsigned colors = colorChannels(_target.getChannels());
         for (std::size_t pixel = 0; pixel < _mapped.size(); pixel += _target.getChannels())
-            for (std::size_t i = pixel; i < pixel + colours; ++i)
+            for (std::size_t i = pixel; i < pixel + colors; ++i)
                 _mapped[i] = linearToSrgb(_mapped[i]);
     }
 
     void _map() {
         const unsigned targetChannels = _target.getChannels();
-        const unsigned targetColours = colourChannels(targetChannels);
-        const unsigned sourceColours = colourChannels(_source.channels);
+        const unsigned targetColors = colorChannels(targetChannels);
+        const unsigned sourceColors = colorChannels(_source.channels);
         const float* from = _loaded.data();
         float* to = _mapped.data();
         for (unsigned x = 0; x < _source.width; ++x, from += _source.channels, to += targetChannels) {
@@ -97,10 +97,10 @@ private:
                 // The luminance of light with the primaries of Rec. 709, which are those of sRGB.
                 to[0] = 0.2126f * from[0] + 0.7152f * from[1] + 0.0722f * from[2];
             else
-                for (unsigned i = 0; i < targetColours; ++i)
-                    to[i] = from[sourceColours == 1 ? 0 : i];
+                for (unsigned i = 0; i < targetColors; ++i)
+                    to[i] = from[sourceColors == 1 ? 0 : i];
             if (hasAlpha(targetChannels))
-                to[targetColours] = hasAlpha(_source.channels) ? from[sourceColours] : 1.0f;
+                to[targetColors] = hasAlpha(_source.channels) ? from[sourceColors] : 1.0f;
         }
     }
 
@@ -140,7 +140,7 @@ float linearToSrgb(float linear) {
     return 1.055f * std::pow(linear, 1.0f / 2.4f) - 0.055f;
 }
 
-Image convertImage(const ImageView& source, COMPONENT_TYPE type, unsigned channels, COLOUR_ENCODING encoding,
+Image convertImage(const ImageView& source, COMPONENT_TYPE type, unsigned channels, COLOR_ENCODING encoding,
                    ovMemory::String* warning) {
     if (warning)
         warning->clear();

@@ -27,6 +27,6 @@ OV_API float linearToSrgb(float linear);
 /// @return the empty picture when the view is not valid (isValid), channels is out of range or the memory or
 ///         MAX_IMAGE_BYTES does not suffice
 OV_API Image convertImage(const ImageView& source, COMPONENT_TYPE type, unsigned channels,
-                          COLOUR_ENCODING encoding, ovMemory::String* warning = nullptr);
+                          COLOR_ENCODING encoding, ovMemory::String* warning = nullptr);
 
 } // namespace ovImages

@@ -158,7 +158,7 @@ DecodeResult readLuminanceChroma(Bytes bytes, const Imf::Header& header, const C
     DecodeResult result;
     if (!detail::allocateImage(result, NAME, static_cast<unsigned>(size.width),
                                static_cast<unsigned>(size.height), channels, COMPONENT_TYPE::HALF,
-                               COLOUR_ENCODING::LINEAR))
+                               COLOR_ENCODING::LINEAR))
         return result;
     // Row by row, so that the picture is not in memory twice.
     ovMemory::Buffer<Imf::Rgba> row(size.width);
@@ -172,9 +172,9 @@ DecodeResult readLuminanceChroma(Bytes bytes, const Imf::Header& header, const C
             file.setFrameBuffer(row.data() - window.min.x, 1, 0);
             file.readPixels(y);
             for (const Imf::Rgba& pixel : row) {
-                const std::array<std::uint16_t, 4> colour = {pixel.r.bits(), pixel.g.bits(), pixel.b.bits(),
-                                                             pixel.a.bits()};
-                std::memcpy(target, colour.data(), channels * sizeof(std::uint16_t));
+                const std::array<std::uint16_t, 4> color = {pixel.r.bits(), pixel.g.bits(), pixel.b.bits(),
+                                                            pixel.a.bits()};
+                std::memcpy(target, color.data(), channels * sizeof(std::uint16_t));
                 target += channels * sizeof(std::uint16_t);
             }
         }
@@ -215,7 +215,7 @@ DecodeResult readChannels(Imf::MultiPartInputFile& file, const Choice& choice, c
     if (!detail::allocateImage(result, NAME, static_cast<unsigned>(size.width),
                                static_cast<unsigned>(size.height), static_cast<unsigned>(names.size()),
                                type == Imf::HALF ? COMPONENT_TYPE::HALF : COMPONENT_TYPE::FLOAT,
-                               COLOUR_ENCODING::LINEAR))
+                               COLOR_ENCODING::LINEAR))
         return result;
     Imf::FrameBuffer frame;
     for (std::size_t i = 0; i < names.size(); ++i)
@@ -273,7 +273,7 @@ EncodeResult encodeExr(const ImageView& view) {
         file.setFrameBuffer(frame);
         file.writePixels(static_cast<int>(view.height));
     }
-    detail::warnOfEncoding(result.warning, view, NAME, COLOUR_ENCODING::LINEAR);
+    detail::warnOfEncoding(result.warning, view, NAME, COLOR_ENCODING::LINEAR);
     return result;
 }
 

@@ -128,12 +128,11 @@ public:
     void decode(ovMemory::BufferView<const Rgbe> line, unsigned char* target) const {
         constexpr double LARGEST = std::numeric_limits<float>::max();
         for (const Rgbe& pixel : line) {
-            std::array<float, 3> colour;
+            std::array<float, 3> color;
             for (std::size_t i = 0; i < 3; ++i)
-                colour[i] =
-                    static_cast<float>(std::min(_mantissas[pixel[i]] * _scales[pixel[3]][i], LARGEST));
-            std::memcpy(target, colour.data(), sizeof(colour));
-            target += sizeof(colour);
+                color[i] = static_cast<float>(std::min(_mantissas[pixel[i]] * _scales[pixel[3]][i], LARGEST));
+            std::memcpy(target, color.data(), sizeof(color));
+            target += sizeof(color);
         }
     }
 
@@ -162,7 +161,7 @@ DecodeResult decodeHdr(Bytes bytes, const DecodeOptions& options) {
                                                             left, header.scanlines, header.scanlineLength));
     DecodeResult result;
     if (!detail::allocateImage(result, NAME, header.scanlineLength, header.scanlines, 3,
-                               COMPONENT_TYPE::FLOAT, COLOUR_ENCODING::LINEAR))
+                               COMPONENT_TYPE::FLOAT, COLOR_ENCODING::LINEAR))
         return result;
     if (header.gamma != 1.0)
         detail::appendWarning(result.warning,
@@ -203,9 +202,9 @@ float makeStorable(float value, Changes& changes) {
     return std::clamp(value, 0.0f, LARGEST_VALUE);
 }
 
-Rgbe encodePixel(const float* colour, Changes& changes) {
-    const std::array<float, 3> light = {makeStorable(colour[0], changes), makeStorable(colour[1], changes),
-                                        makeStorable(colour[2], changes)};
+Rgbe encodePixel(const float* color, Changes& changes) {
+    const std::array<float, 3> light = {makeStorable(color[0], changes), makeStorable(color[1], changes),
+                                        makeStorable(color[2], changes)};
     const float largest = *std::max_element(light.begin(), light.end());
     int exponent = 0;
     std::frexp(largest, &exponent);
@@ -298,15 +297,15 @@ EncodeResult encodeHdr(const ImageView& view) {
     const unsigned char* source = image.getBytes().data();
     for (unsigned y = 0; y < view.height; ++y) {
         for (Rgbe& pixel : line) {
-            std::array<float, 3> colour;
-            std::memcpy(colour.data(), source, sizeof(colour));
-            source += sizeof(colour);
-            pixel = encodePixel(colour.data(), changes);
+            std::array<float, 3> color;
+            std::memcpy(color.data(), source, sizeof(color));
+            source += sizeof(color);
+            pixel = encodePixel(color.data(), changes);
         }
         writeScanline(line, result.bytes);
     }
     detail::warnOfDroppedAlpha(result.warning, view, NAME);
-    detail::warnOfEncoding(result.warning, view, NAME, COLOUR_ENCODING::LINEAR);
+    detail::warnOfEncoding(result.warning, view, NAME, COLOR_ENCODING::LINEAR);
     const ovMemory::String text = describeChanges(changes);
     if (!text.empty())
         detail::appendWarning(result.warning, text);

@@ -59,7 +59,7 @@ ovMemory::String describeFault(const ImageView& view) {
         return fmt::format("the picture has {} channels: expected 1 to 4", view.channels);
     if (getComponentSize(view.componentType) == 0)
         return fmt::format("the component type {} is unknown", static_cast<unsigned>(view.componentType));
-    if (view.encoding != COLOUR_ENCODING::LINEAR && view.encoding != COLOUR_ENCODING::SRGB)
+    if (view.encoding != COLOR_ENCODING::LINEAR && view.encoding != COLOR_ENCODING::SRGB)
         return fmt::format("the colour encoding {} is unknown", static_cast<unsigned>(view.encoding));
     const std::size_t expected = getImageSize(view.width, view.height, view.channels, view.componentType);
     if (view.bytes.size() != expected)
@@ -78,7 +78,7 @@ bool isValid(const ImageView& view, ovMemory::String* error) {
 }
 
 Image::Image(unsigned width, unsigned height, unsigned channels, COMPONENT_TYPE type,
-             COLOUR_ENCODING encoding) {
+             COLOR_ENCODING encoding) {
     if (width > MAX_IMAGE_SIDE || height > MAX_IMAGE_SIDE || channels > 4)
         return;
     const std::size_t size = getImageSize(width, height, channels, type);

@@ -28,17 +28,17 @@ constexpr ovMemory::EnumTable<COMPONENT_TYPE> enumTable(COMPONENT_TYPE) {
 }
 
 /// What the numbers of the colour components mean. Alpha is always linear coverage.
-enum class COLOUR_ENCODING : unsigned int {
+enum class COLOR_ENCODING : unsigned int {
     LINEAR, ///< proportional to light
     SRGB    ///< encoded with the transfer function of IEC 61966-2-1
 };
 
-inline constexpr ovMemory::EnumEntry<COLOUR_ENCODING> COLOUR_ENCODING_ENTRIES[] = {
-    {COLOUR_ENCODING::LINEAR, "LINEAR"},
-    {COLOUR_ENCODING::SRGB, "SRGB"},
+inline constexpr ovMemory::EnumEntry<COLOR_ENCODING> COLOR_ENCODING_ENTRIES[] = {
+    {COLOR_ENCODING::LINEAR, "LINEAR"},
+    {COLOR_ENCODING::SRGB, "SRGB"},
 };
-constexpr ovMemory::EnumTable<COLOUR_ENCODING> enumTable(COLOUR_ENCODING) {
-    return {"COLOUR_ENCODING", COLOUR_ENCODING_ENTRIES};
+constexpr ovMemory::EnumTable<COLOR_ENCODING> enumTable(COLOR_ENCODING) {
+    return {"COLOR_ENCODING", COLOR_ENCODING_ENTRIES};
 }
 
 /// The longest side that an Image, a decoder or an encoder takes, in pixels.
@@ -59,7 +59,7 @@ struct ImageView {
     unsigned height = 0;   ///< pixels
     unsigned channels = 0; ///< 1 grey, 2 grey + alpha, 3 RGB, 4 RGBA
     COMPONENT_TYPE componentType = COMPONENT_TYPE::UINT8;
-    COLOUR_ENCODING encoding = COLOUR_ENCODING::SRGB;
+    COLOR_ENCODING encoding = COLOR_ENCODING::SRGB;
     /// Rows without padding, the top row first; channels interleaved. Needs no alignment.
     ovMemory::BufferView<const unsigned char> bytes;
 };
@@ -80,7 +80,7 @@ public:
     /// A picture filled with zero bytes. Sides up to MAX_IMAGE_SIDE, 1 to 4 channels, at most
     /// MAX_IMAGE_BYTES; a shape outside these, or one that there is no memory for, gives the empty picture
     /// instead.
-    Image(unsigned width, unsigned height, unsigned channels, COMPONENT_TYPE type, COLOUR_ENCODING encoding);
+    Image(unsigned width, unsigned height, unsigned channels, COMPONENT_TYPE type, COLOR_ENCODING encoding);
 
     Image(const Image&) = default;
     Image& operator=(const Image&) = default;
@@ -93,10 +93,10 @@ public:
     unsigned getHeight() const { return _height; }
     unsigned getChannels() const { return _channels; }
     COMPONENT_TYPE getComponentType() const { return _type; }
-    COLOUR_ENCODING getEncoding() const { return _encoding; }
+    COLOR_ENCODING getEncoding() const { return _encoding; }
 
     /// Declares what the numbers mean without changing them; convertImage changes them.
-    void setEncoding(COLOUR_ENCODING encoding) { _encoding = encoding; }
+    void setEncoding(COLOR_ENCODING encoding) { _encoding = encoding; }
 
     bool isEmpty() const { return _bytes.empty(); }
 
@@ -121,7 +121,7 @@ private:
     unsigned _height = 0;
     unsigned _channels = 0;
     COMPONENT_TYPE _type = COMPONENT_TYPE::UINT8;
-    COLOUR_ENCODING _encoding = COLOUR_ENCODING::SRGB;
+    COLOR_ENCODING _encoding = COLOR_ENCODING::SRGB;
     ovMemory::Buffer<unsigned char> _bytes;
 };
 

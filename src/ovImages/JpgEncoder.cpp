@@ -73,9 +73,9 @@ struct Header {
     int width = 0;
     int height = 0;
     int subsampling = 0;
-    int colourSpace = -1;
-    bool isCmyk() const { return colourSpace == TJCS_CMYK || colourSpace == TJCS_YCCK; }
-    bool isGrey() const { return colourSpace == TJCS_GRAY; }
+    int colorSpace = -1;
+    bool isCmyk() const { return colorSpace == TJCS_CMYK || colorSpace == TJCS_YCCK; }
+    bool isGrey() const { return colorSpace == TJCS_GRAY; }
 };
 
 unsigned char multiply(unsigned char a, unsigned char b) {
@@ -117,7 +117,7 @@ DecodeResult decodePixels(tjhandle handle, ovMemory::BufferView<const unsigned c
     const auto width = static_cast<unsigned>(header.width);
     const auto height = static_cast<unsigned>(header.height);
     if (!detail::allocateImage(result, NAME, width, height, header.isGrey() ? 1 : 3, COMPONENT_TYPE::UINT8,
-                               COLOUR_ENCODING::SRGB))
+                               COLOR_ENCODING::SRGB))
         return result;
     ovMemory::Buffer<unsigned char> cmyk;
     if (header.isCmyk())
@@ -147,9 +147,9 @@ DecodeResult decodeJpg(ovMemory::BufferView<const unsigned char> bytes, const De
         return detail::failFormat<DecodeResult>(NAME, tjGetErrorStr2(nullptr));
     Header header;
     const int status = tjDecompressHeader3(handle.get(), bytes.data(), bytes.size(), &header.width,
-                                           &header.height, &header.subsampling, &header.colourSpace);
+                                           &header.height, &header.subsampling, &header.colorSpace);
     // Sampling factors without a name in the library's list fail here, but decode.
-    const bool isOnlyUnnamed = header.subsampling < 0 && header.colourSpace >= 0;
+    const bool isOnlyUnnamed = header.subsampling < 0 && header.colorSpace >= 0;
     if (status != 0 && !isOnlyUnnamed && !isOnlyWarning(handle.get(), options))
         return detail::failFormat<DecodeResult>(NAME,
                                                 fmt::format("bad header: {}", tjGetErrorStr2(handle.get())));
@@ -194,7 +194,7 @@ EncodeResult encodeJpg(const ImageView& view, const EncodeOptions& options) {
     EncodeResult result;
     result.bytes.assign(encoded, encoded + size);
     detail::warnOfDroppedAlpha(result.warning, view, NAME);
-    detail::warnOfEncoding(result.warning, view, NAME, COLOUR_ENCODING::SRGB);
+    detail::warnOfEncoding(result.warning, view, NAME, COLOR_ENCODING::SRGB);
     return result;
 }
 

@@ -66,20 +66,20 @@ Layout chooseLayout(const spng_ihdr& header, bool hasTransparency) {
 }
 
 // The order is the PNG specification's: an sRGB chunk or a profile wins over a gamma.
-COLOUR_ENCODING readEncoding(spng_ctx* context, ovMemory::String& warning) {
+COLOR_ENCODING readEncoding(spng_ctx* context, ovMemory::String& warning) {
     std::uint8_t intent = 0;
     spng_iccp profile = {};
     std::uint32_t gamma = 0;
     if (spng_get_srgb(context, &intent) == SPNG_OK || spng_get_iccp(context, &profile) == SPNG_OK ||
         spng_get_gama_int(context, &gamma) != SPNG_OK)
-        return COLOUR_ENCODING::SRGB;
+        return COLOR_ENCODING::SRGB;
     if (gamma == LINEAR_GAMMA)
-        return COLOUR_ENCODING::LINEAR;
+        return COLOR_ENCODING::LINEAR;
     // Writers round 1/2.2 in many ways.
     if (std::abs(static_cast<double>(gamma) - SRGB_GAMMA) > 2000.0)
         detail::appendWarning(warning, fmt::format("PNG: the file's gamma of {} is read as sRGB",
                                                    static_cast<double>(gamma) / LINEAR_GAMMA));
-    return COLOUR_ENCODING::SRGB;
+    return COLOR_ENCODING::SRGB;
 }
 
 unsigned readOrientation(spng_ctx* context) {
@@ -158,7 +158,7 @@ DecodeResult decodePng(ovMemory::BufferView<const unsigned char> bytes, const De
         return detail::failFormat<DecodeResult>(NAME, fault);
 
     DecodeResult result;
-    const COLOUR_ENCODING encoding = readEncoding(context.get(), result.warning);
+    const COLOR_ENCODING encoding = readEncoding(context.get(), result.warning);
     if (!detail::allocateImage(result, NAME, header.width, header.height, layout.channels, layout.type,
                                encoding))
         return result;
@@ -176,7 +176,7 @@ DecodeResult decodePng(ovMemory::BufferView<const unsigned char> bytes, const De
     return result;
 }
 
-std::uint8_t getColourType(unsigned channels) {
+std::uint8_t getColorType(unsigned channels) {
     constexpr std::array<std::uint8_t, 4> TYPES = {SPNG_COLOR_TYPE_GRAYSCALE, SPNG_COLOR_TYPE_GRAYSCALE_ALPHA,
                                                    SPNG_COLOR_TYPE_TRUECOLOR,
                                                    SPNG_COLOR_TYPE_TRUECOLOR_ALPHA};
@@ -191,12 +191,12 @@ EncodeResult encodePng(const ImageView& view) {
     header.width = view.width;
     header.height = view.height;
     header.bit_depth = view.componentType == COMPONENT_TYPE::UINT16 ? 16 : 8;
-    header.color_type = getColourType(view.channels);
+    header.color_type = getColorType(view.channels);
     spng_set_option(context.get(), SPNG_ENCODE_TO_BUFFER, 1);
     int status = spng_set_ihdr(context.get(), &header);
     if (status == SPNG_OK)
-        status = view.encoding == COLOUR_ENCODING::SRGB ? spng_set_srgb(context.get(), 0)
-                                                        : spng_set_gama_int(context.get(), LINEAR_GAMMA);
+        status = view.encoding == COLOR_ENCODING::SRGB ? spng_set_srgb(context.get(), 0)
+                                                       : spng_set_gama_int(context.get(), LINEAR_GAMMA);
     if (status == SPNG_OK)
         status = spng_encode_image(context.get(), view.bytes.data(), view.bytes.size(), SPNG_FMT_PNG,
                                    SPNG_ENCODE_FINALIZE);

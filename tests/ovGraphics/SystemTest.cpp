@@ -89,9 +89,9 @@ TEST_P(SystemTest, inactiveNodesAreSkipped) {
     TestShader shader(getGraphics(), UV_TEXT);
     const auto target = makeTarget(1, 1);
     Canvas canvas(getGraphics(), target.get());
-    canvas.addBlock()->appendClearPass()->setColour(0, 1, 0, 0, 0);
+    canvas.addBlock()->appendClearPass()->setColor(0, 1, 0, 0, 0);
     CompositorNode* second = canvas.compositor->appendNode();
-    second->appendOperationsBlock()->appendClearPass()->setColour(0, 2, 0, 0, 0);
+    second->appendOperationsBlock()->appendClearPass()->setColor(0, 2, 0, 0, 0);
     ASSERT_TRUE(canvas.frame());
     EXPECT_EQ(readFloats(*target).at(0, 0)[0], 2.0f); // nodes in order
     second->setActive(false);
@@ -109,10 +109,10 @@ TEST_P(SystemTest, codeInsideAFrameMayDrawAndEraseContexts) {
     RenderContext* outer = contexts.createOrRetrieve("outer", {.texture = outerTarget.get()});
     outer->setCompositor(canvas.compositor.get());
     CompositorOperationsBlock* block = canvas.addBlock();
-    block->appendClearPass()->setColour(0, -1, -1, -1, -1);
+    block->appendClearPass()->setColor(0, -1, -1, -1, -1);
     block->insertPass(1, std::make_unique<CodePass>([&] { // a frame within the frame
                           Canvas inner(getGraphics(), innerTarget.get());
-                          inner.addBlock()->appendClearPass()->setColour(0, 5, 5, 5, 5);
+                          inner.addBlock()->appendClearPass()->setColor(0, 5, 5, 5, 5);
                           return inner.frame();
                       }));
     block->appendPostProcessPass()->setShader(shader.shader.get()); // still into the outer target, all of it

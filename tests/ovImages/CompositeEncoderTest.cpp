@@ -47,7 +47,7 @@ TEST(CompositeEncoderTest, contentChoosesTheFormatToReadWhateverTheName) {
         for (const char* named : {"png", "jpg", "hdr", "exr", "txt"}) {
             const bool isFloat = written[0] == 'h' || written[0] == 'e';
             const Image image = pictures::makePattern(
-                8, 8, 3, isFloat ? COMPONENT_TYPE::FLOAT : COMPONENT_TYPE::UINT8, COLOUR_ENCODING::LINEAR);
+                8, 8, 3, isFloat ? COMPONENT_TYPE::FLOAT : COMPONENT_TYPE::UINT8, COLOR_ENCODING::LINEAR);
             const Encoder* encoder = ENCODER.findByExtension(ovMemory::String("a.") + written);
             const EncodeResult encoded = encoder->encode(image.view());
             const ovMemory::String path = folder.getPath(ovMemory::String("picture.") + named);
@@ -63,7 +63,7 @@ TEST(CompositeEncoderTest, contentChoosesTheFormatToReadWhateverTheName) {
 TEST(CompositeEncoderTest, withoutANameEncodesWithoutLoss) {
     for (const COMPONENT_TYPE type :
          {COMPONENT_TYPE::UINT8, COMPONENT_TYPE::UINT16, COMPONENT_TYPE::HALF, COMPONENT_TYPE::FLOAT}) {
-        const Image image = pictures::makePattern(5, 4, 4, type, COLOUR_ENCODING::LINEAR);
+        const Image image = pictures::makePattern(5, 4, 4, type, COLOR_ENCODING::LINEAR);
         const EncodeResult encoded = ENCODER.encode(image.view());
         ASSERT_TRUE(encoded) << encoded.error;
         const DecodeResult decoded = ENCODER.decode(encoded.bytes);
@@ -74,7 +74,7 @@ TEST(CompositeEncoderTest, withoutANameEncodesWithoutLoss) {
 
 TEST(CompositeEncoderTest, filesReturnAndWarningsNameThem) {
     const TemporaryFolder folder;
-    const Image image = pictures::makePattern(5, 4, 4, COMPONENT_TYPE::UINT8, COLOUR_ENCODING::SRGB);
+    const Image image = pictures::makePattern(5, 4, 4, COMPONENT_TYPE::UINT8, COLOR_ENCODING::SRGB);
     const ovMemory::String png = folder.getPath("a b \xc3\xa9.png");
     ovMemory::Result written = ENCODER.encodeFile(png, image.view());
     EXPECT_EQ(written.error + written.warning, "");
@@ -85,7 +85,7 @@ TEST(CompositeEncoderTest, filesReturnAndWarningsNameThem) {
     EXPECT_EQ(written.getStatus(), ovMemory::RESULT_STATUS::PARTLY_DONE) << written.error;
     EXPECT_EQ(written.warning,
               "Encoding file '" + jpg + "': JPEG: the format has no alpha, which was dropped");
-    const Image other = pictures::makePattern(3, 2, 1, COMPONENT_TYPE::UINT8, COLOUR_ENCODING::SRGB);
+    const Image other = pictures::makePattern(3, 2, 1, COMPONENT_TYPE::UINT8, COLOR_ENCODING::SRGB);
     written = ENCODER.encodeFile(png, other.view());
     ASSERT_TRUE(written) << written.error;
     pictures::expectEqual(*ENCODER.decodeFile(png).image, other);
@@ -100,7 +100,7 @@ TEST(CompositeEncoderTest, filesThatCannotBeReadAreNamed) {
     const ovMemory::String empty = folder.getPath("empty.png");
     writeBytes(empty, {});
     const ovMemory::String cut = folder.getPath("cut.jpg");
-    const Image image = pictures::makePattern(8, 8, 3, COMPONENT_TYPE::UINT8, COLOUR_ENCODING::SRGB);
+    const Image image = pictures::makePattern(8, 8, 3, COMPONENT_TYPE::UINT8, COLOR_ENCODING::SRGB);
     const EncodeResult png = ENCODER.encode(image.view());
     writeBytes(cut, ovMemory::BufferView<const unsigned char>(png.bytes).first(60));
     struct Case {
@@ -133,7 +133,7 @@ TEST(CompositeEncoderTest, filesThatCannotBeReadAreNamed) {
 
 TEST(CompositeEncoderTest, filesThatCannotBeWrittenAreNamedAndNothingIsLeft) {
     const TemporaryFolder folder;
-    const Image image = pictures::makePattern(3, 2, 3, COMPONENT_TYPE::UINT8, COLOUR_ENCODING::SRGB);
+    const Image image = pictures::makePattern(3, 2, 3, COMPONENT_TYPE::UINT8, COLOR_ENCODING::SRGB);
     const ovMemory::String file = folder.getPath("file.txt");
     writeBytes(file, image.getBytes());
     std::filesystem::create_directory(folder.getPath("folder.png"));

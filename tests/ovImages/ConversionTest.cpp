@@ -27,25 +27,25 @@ double encode(double v) {
 struct Target {
     COMPONENT_TYPE type;
     unsigned channels;
-    COLOUR_ENCODING encoding;
+    COLOR_ENCODING encoding;
 };
 
 // One pixel the long way: always to linear RGBA and back, which comes to the same.
 std::array<double, 4> convertPixel(const Image& source, unsigned x, unsigned y, const Target& target) {
     const unsigned channels = source.getChannels();
     const auto read = [&](unsigned c) { return static_cast<double>(source.getComponent(x, y, c)); };
-    const bool isColoured = channels >= 3;
-    std::array<double, 4> colour = {read(0), read(isColoured ? 1 : 0), read(isColoured ? 2 : 0),
-                                    channels % 2 == 0 ? read(channels - 1) : 1.0};
+    const bool isColored = channels >= 3;
+    std::array<double, 4> color = {read(0), read(isColored ? 1 : 0), read(isColored ? 2 : 0),
+                                   channels % 2 == 0 ? read(channels - 1) : 1.0};
     for (unsigned c = 0; c < 3; ++c)
-        colour[c] = source.getEncoding() == COLOUR_ENCODING::SRGB ? decode(colour[c]) : colour[c];
-    if (isColoured && target.channels < 3)
-        colour[0] = 0.2126 * colour[0] + 0.7152 * colour[1] + 0.0722 * colour[2];
+        color[c] = source.getEncoding() == COLOR_ENCODING::SRGB ? decode(color[c]) : color[c];
+    if (isColored && target.channels < 3)
+        color[0] = 0.2126 * color[0] + 0.7152 * color[1] + 0.0722 * color[2];
     for (unsigned c = 0; c < 3; ++c)
-        colour[c] = target.encoding == COLOUR_ENCODING::SRGB ? encode(colour[c]) : colour[c];
+        color[c] = target.encoding == COLOR_ENCODING::SRGB ? encode(color[c]) : color[c];
     if (target.channels == 2)
-        colour[1] = colour[3];
-    return colour;
+        color[1] = color[3];
+    return color;
 }
 
 // Rounding to the target's steps, and what float arithmetic loses before it.
@@ -83,50 +83,50 @@ void expectConverted(const Image& source, const Target& target) {
 TEST(ConversionTest, everyKindToEveryKind) {
     constexpr std::array TYPES = {COMPONENT_TYPE::UINT8, COMPONENT_TYPE::UINT16, COMPONENT_TYPE::HALF,
                                   COMPONENT_TYPE::FLOAT};
-    constexpr std::array ENCODINGS = {COLOUR_ENCODING::LINEAR, COLOUR_ENCODING::SRGB};
+    constexpr std::array ENCODINGS = {COLOR_ENCODING::LINEAR, COLOR_ENCODING::SRGB};
     for (const COMPONENT_TYPE sourceType : TYPES)
         for (unsigned sourceChannels = 1; sourceChannels <= 4; ++sourceChannels)
-            for (const COLOUR_ENCODING sourceEncoding : ENCODINGS) {
+            for (const COLOR_ENCODING sourceEncoding : ENCODINGS) {
                 const Image source = pictures::makePattern(5, 4, sourceChannels, sourceType, sourceEncoding);
                 for (const COMPONENT_TYPE type : TYPES)
                     for (unsigned channels = 1; channels <= 4; ++channels)
-                        for (const COLOUR_ENCODING encoding : ENCODINGS)
+                        for (const COLOR_ENCODING encoding : ENCODINGS)
                             ASSERT_NO_FATAL_FAILURE(expectConverted(source, {type, channels, encoding}));
             }
 }
 
 TEST(ConversionTest, equalKindsAreCopiedBitByBit) {
-    Image source(2, 1, 1, COMPONENT_TYPE::HALF, COLOUR_ENCODING::LINEAR);
+    Image source(2, 1, 1, COMPONENT_TYPE::HALF, COLOR_ENCODING::LINEAR);
     const std::array<unsigned char, 4> bits = {0x01, 0x7c, 0x00, 0xfc}; // a signalling NaN and minus infinity
     std::copy(bits.begin(), bits.end(), source.getBytes().begin());
     ovMemory::String warning = "old";
     pictures::expectEqual(
-        convertImage(source.view(), COMPONENT_TYPE::HALF, 1, COLOUR_ENCODING::LINEAR, &warning), source);
+        convertImage(source.view(), COMPONENT_TYPE::HALF, 1, COLOR_ENCODING::LINEAR, &warning), source);
     EXPECT_EQ(warning, "");
 }
 
 TEST(ConversionTest, specialNumbers) {
     struct Case {
         COMPONENT_TYPE type;
-        COLOUR_ENCODING encoding;
+        COLOR_ENCODING encoding;
         std::array<float, 4> expected;
         ovMemory::String warning;
     };
     const std::array<float, 4> source = {NAN_VALUE, INFINITE, -INFINITE, 110000.0f};
     const Case cases[] = {{COMPONENT_TYPE::UINT8,
-                           COLOUR_ENCODING::LINEAR,
+                           COLOR_ENCODING::LINEAR,
                            {0, 1, 0, 1},
                            "1 components that are not a number became 0"},
                           {COMPONENT_TYPE::UINT16,
-                           COLOUR_ENCODING::SRGB,
+                           COLOR_ENCODING::SRGB,
                            {0, 1, 0, 1},
                            "1 components that are not a number became 0"},
                           {COMPONENT_TYPE::HALF,
-                           COLOUR_ENCODING::LINEAR,
+                           COLOR_ENCODING::LINEAR,
                            {NAN_VALUE, 65504, -65504, 65504},
                            "3 components beyond 65504, the largest half float, were clamped to it"},
-                          {COMPONENT_TYPE::FLOAT, COLOUR_ENCODING::LINEAR, source, ""}};
-    Image image(4, 1, 1, COMPONENT_TYPE::FLOAT, COLOUR_ENCODING::LINEAR);
+                          {COMPONENT_TYPE::FLOAT, COLOR_ENCODING::LINEAR, source, ""}};
+    Image image(4, 1, 1, COMPONENT_TYPE::FLOAT, COLOR_ENCODING::LINEAR);
     for (unsigned x = 0; x < source.size(); ++x)
         image.setComponent(x, 0, 0, source[x]);
     for (const Case& c : cases) {
@@ -153,20 +153,20 @@ TEST(ConversionTest, transferFunctionsAreExactAndInverse) {
 }
 
 TEST(ConversionTest, eightBitsSurviveLinearFloatAndHalf) {
-    Image bytes(256, 1, 1, COMPONENT_TYPE::UINT8, COLOUR_ENCODING::SRGB);
+    Image bytes(256, 1, 1, COMPONENT_TYPE::UINT8, COLOR_ENCODING::SRGB);
     for (unsigned i = 0; i < 256; ++i)
         bytes.getBytes()[i] = static_cast<unsigned char>(i);
     for (const COMPONENT_TYPE type : {COMPONENT_TYPE::FLOAT, COMPONENT_TYPE::HALF}) {
-        const Image linear = convertImage(bytes.view(), type, 1, COLOUR_ENCODING::LINEAR);
-        pictures::expectEqual(convertImage(linear.view(), COMPONENT_TYPE::UINT8, 1, COLOUR_ENCODING::SRGB),
+        const Image linear = convertImage(bytes.view(), type, 1, COLOR_ENCODING::LINEAR);
+        pictures::expectEqual(convertImage(linear.view(), COMPONENT_TYPE::UINT8, 1, COLOR_ENCODING::SRGB),
                               bytes);
     }
 }
 
 TEST(ConversionTest, nonsenseGivesTheEmptyPicture) {
-    const Image image(2, 2, 1, COMPONENT_TYPE::UINT8, COLOUR_ENCODING::SRGB);
+    const Image image(2, 2, 1, COMPONENT_TYPE::UINT8, COLOR_ENCODING::SRGB);
     const auto convert = [](const ImageView& view, unsigned channels, COMPONENT_TYPE type) {
-        return convertImage(view, type, channels, COLOUR_ENCODING::LINEAR);
+        return convertImage(view, type, channels, COLOR_ENCODING::LINEAR);
     };
     EXPECT_TRUE(convert({}, 3, COMPONENT_TYPE::UINT8).isEmpty());
     EXPECT_TRUE(convert(image.view(), 0, COMPONENT_TYPE::UINT8).isEmpty());

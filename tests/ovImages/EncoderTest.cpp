@@ -63,7 +63,7 @@ TEST(EncoderTest, sidesOfOneAndOfAHundredThousandPixels) {
     constexpr std::array<std::array<unsigned, 2>, 3> SIZES = {{{1, 1}, {100000, 1}, {1, 100000}}};
     for (const Format& format : makeFormats())
         for (const auto& [width, height] : SIZES) {
-            const Image image = pictures::makePattern(width, height, 3, format.type, COLOUR_ENCODING::LINEAR);
+            const Image image = pictures::makePattern(width, height, 3, format.type, COLOR_ENCODING::LINEAR);
             const EncodeResult encoded = format.encoder->encode(image.view());
             if (width > format.maxSide || height > format.maxSide) {
                 EXPECT_FALSE(encoded);
@@ -88,7 +88,7 @@ TEST(EncoderTest, sidesOfOneAndOfAHundredThousandPixels) {
 TEST(EncoderTest, picturesThatCannotBeEncoded) {
     const ovMemory::Buffer<unsigned char> bytes(16);
     for (const Format& format : makeFormats()) {
-        ImageView view{2, 2, 1, format.type, COLOUR_ENCODING::LINEAR, bytes};
+        ImageView view{2, 2, 1, format.type, COLOR_ENCODING::LINEAR, bytes};
         view.bytes = view.bytes.first(4 * getComponentSize(format.type));
         EXPECT_TRUE(format.encoder->encode(view));
         for (const ImageView& wrong :

@@ -44,7 +44,7 @@ TEST(ExrEncoderTest, everyCompressionScanlineAndTiled) {
             ASSERT_EQ(result.image->getWidth(), 37u);
             ASSERT_EQ(result.image->getHeight(), 35u);
             EXPECT_EQ(result.image->getComponentType(), COMPONENT_TYPE::HALF);
-            EXPECT_EQ(result.image->getEncoding(), COLOUR_ENCODING::LINEAR);
+            EXPECT_EQ(result.image->getEncoding(), COLOR_ENCODING::LINEAR);
             const bool isLossy = compression >= Imf::B44_COMPRESSION;
             if (!isLossy) {
                 ASSERT_NO_FATAL_FAILURE(expectValues(*result.image, header.dataWindow()));
@@ -63,7 +63,7 @@ TEST(ExrEncoderTest, dataWindowsTypesAndParts) {
     upward.lineOrder() = Imf::DECREASING_Y;
     const ovMemory::Buffer<exrFiles::Channel> halves = {{"R"}, {"G"}, {"B"}, {"A"}};
     const ovMemory::Buffer<exrFiles::Channel> mixed = {{"R"}, {"G", Imf::FLOAT}, {"B", Imf::UINT}};
-    const ovMemory::Buffer<exrFiles::Channel> noColour = {{"U"}, {"V"}};
+    const ovMemory::Buffer<exrFiles::Channel> noColor = {{"U"}, {"V"}};
     const Imf::Header small(5, 3);
     struct Case {
         Bytes file;
@@ -77,8 +77,8 @@ TEST(ExrEncoderTest, dataWindowsTypesAndParts) {
         {exrFiles::writeScanlines(upward, halves), 4, COMPONENT_TYPE::HALF, upward.dataWindow()},
         {exrFiles::writeScanlines(cropped, mixed), 3, COMPONENT_TYPE::FLOAT, cropped.dataWindow()},
         {exrFiles::writeTiles(small, mixed, true), 3, COMPONENT_TYPE::FLOAT, small.dataWindow()},
-        {exrFiles::writeTwoParts(halves, noColour), 4, COMPONENT_TYPE::HALF, small.dataWindow()},
-        {exrFiles::writeTwoParts(noColour, halves), 4, COMPONENT_TYPE::HALF, small.dataWindow()}};
+        {exrFiles::writeTwoParts(halves, noColor), 4, COMPONENT_TYPE::HALF, small.dataWindow()},
+        {exrFiles::writeTwoParts(noColor, halves), 4, COMPONENT_TYPE::HALF, small.dataWindow()}};
     for (const Case& c : cases) {
         const DecodeResult result = ENCODER.decode(c.file);
         ASSERT_TRUE(result) << result.error;
@@ -90,7 +90,7 @@ TEST(ExrEncoderTest, dataWindowsTypesAndParts) {
     }
 }
 
-TEST(ExrEncoderTest, luminanceAndChromaBecomeColours) {
+TEST(ExrEncoderTest, luminanceAndChromaBecomeColors) {
     const DecodeResult result = ENCODER.decode(exrFiles::writeLuminanceChroma(14, 10, 0.75f, 0.5f, 0.25f));
     ASSERT_TRUE(result) << result.error;
     ASSERT_EQ(result.image->getChannels(), 4u);
@@ -116,7 +116,7 @@ TEST(ExrEncoderTest, encodedFilesReturnAndTheLibraryReadsThem) {
         {{"Y"}, {"Y", "A"}, {"R", "G", "B"}, {"R", "G", "B", "A"}}};
     for (const COMPONENT_TYPE type : {COMPONENT_TYPE::HALF, COMPONENT_TYPE::FLOAT})
         for (unsigned channels = 1; channels <= 4; ++channels) {
-            const Image image = pictures::makePattern(19, 6, channels, type, COLOUR_ENCODING::LINEAR);
+            const Image image = pictures::makePattern(19, 6, channels, type, COLOR_ENCODING::LINEAR);
             const EncodeResult encoded = ENCODER.encode(image.view());
             ASSERT_TRUE(encoded) << encoded.error;
             EXPECT_EQ(encoded.warning, "");
@@ -146,7 +146,7 @@ TEST(ExrEncoderTest, encodedFilesReturnAndTheLibraryReadsThem) {
 TEST(ExrEncoderTest, specialNumbersAreKept) {
     const std::array<float, 4> values = {std::numeric_limits<float>::infinity(), -3e38f, 1e-45f,
                                          std::numeric_limits<float>::quiet_NaN()};
-    Image image(1, 1, 4, COMPONENT_TYPE::FLOAT, COLOUR_ENCODING::LINEAR);
+    Image image(1, 1, 4, COMPONENT_TYPE::FLOAT, COLOR_ENCODING::LINEAR);
     std::memcpy(image.getBytes().data(), values.data(), sizeof(values));
     const DecodeResult decoded = ENCODER.decode(ENCODER.encode(image.view()).bytes);
     ASSERT_TRUE(decoded) << decoded.error;
@@ -208,7 +208,7 @@ TEST(ExrEncoderTest, damageIsRefusedOrReadAsFarAsItGoes) {
 }
 
 TEST(ExrEncoderTest, hostileFiles) {
-    const Image image = pictures::makePattern(5, 3, 3, COMPONENT_TYPE::HALF, COLOUR_ENCODING::LINEAR);
+    const Image image = pictures::makePattern(5, 3, 3, COMPONENT_TYPE::HALF, COLOR_ENCODING::LINEAR);
     hostile::expectCutsRefused(ENCODER, ENCODER.encode(image.view()).bytes);
     hostile::expectMutationsSurvived(ENCODER, ENCODER.encode(image.view()).bytes, 3000);
     for (const Imf::Compression compression :

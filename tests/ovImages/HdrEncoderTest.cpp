@@ -70,7 +70,7 @@ TEST(HdrEncoderTest, flatOldAndNewScanlinesFromHandMadeFiles) {
         ASSERT_TRUE(result) << c.what << ": " << result.error;
         EXPECT_EQ(readRed(*result.image), c.red) << c.what;
         EXPECT_EQ(result.image->getComponentType(), COMPONENT_TYPE::FLOAT);
-        EXPECT_EQ(result.image->getEncoding(), COLOUR_ENCODING::LINEAR);
+        EXPECT_EQ(result.image->getEncoding(), COLOR_ENCODING::LINEAR);
         EXPECT_EQ(result.image->getChannels(), 3u);
     }
     const DecodeResult mixed = ENCODER.decode(makeFile("-Y 1 +X 9", newLine));
@@ -137,7 +137,7 @@ TEST(HdrEncoderTest, unsoundScanlines) {
 TEST(HdrEncoderTest, encodedFilesReturnAndOthersReadThem) {
     // 7 and 32768 have no run-length form; 300 has runs longer than a code holds.
     for (const unsigned width : {1u, 7u, 8u, 300u, 32767u, 32768u}) {
-        Image image = pictures::makePattern(width, 3, 3, COMPONENT_TYPE::FLOAT, COLOUR_ENCODING::LINEAR);
+        Image image = pictures::makePattern(width, 3, 3, COMPONENT_TYPE::FLOAT, COLOR_ENCODING::LINEAR);
         for (unsigned x = 0; x < width; ++x)
             for (unsigned c = 0; c < 3; ++c) {
                 image.setComponent(x, 0, c, std::fabs(image.getComponent(x, 0, c)));
@@ -200,7 +200,7 @@ TEST(HdrEncoderTest, specialNumbersAndOtherKinds) {
         {COMPONENT_TYPE::HALF, 2, {4, 1}, {4, 4, 4}, ""},
         {COMPONENT_TYPE::FLOAT, 4, {4, 2, 1, 1}, {4, 2, 1}, ""}};
     for (const Case& c : cases) {
-        Image image(1, 1, c.channels, c.type, COLOUR_ENCODING::LINEAR);
+        Image image(1, 1, c.channels, c.type, COLOR_ENCODING::LINEAR);
         for (unsigned i = 0; i < c.channels; ++i)
             image.setComponent(0, 0, i, c.source[i]);
         // Half clamps infinity when set like that; the bits of minus infinity put it back.
@@ -217,7 +217,7 @@ TEST(HdrEncoderTest, specialNumbersAndOtherKinds) {
 }
 
 TEST(HdrEncoderTest, hostileFiles) {
-    Image image = pictures::makePattern(12, 3, 3, COMPONENT_TYPE::FLOAT, COLOUR_ENCODING::LINEAR);
+    Image image = pictures::makePattern(12, 3, 3, COMPONENT_TYPE::FLOAT, COLOR_ENCODING::LINEAR);
     hostile::expectCutsRefused(ENCODER, ENCODER.encode(image.view()).bytes);
     hostile::expectMutationsSurvived(ENCODER, ENCODER.encode(image.view()).bytes, 6000);
     const Bytes old = makeFile("+X 2 -Y 302", {10, 0, 0, 136, 1, 1, 1, 44, 1, 1, 1, 1, 20, 0, 0, 136,

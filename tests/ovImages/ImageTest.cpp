@@ -34,7 +34,7 @@ TEST(ImageTest, shapesAreKeptAndZeroFilledOrRefused) {
                           {0xffffffffu, 0xffffffffu, 4, COMPONENT_TYPE::FLOAT, 0},
                           {2, 2, 1, static_cast<COMPONENT_TYPE>(9), 0}};
     for (const Case& c : cases) {
-        const Image image(c.width, c.height, c.channels, c.type, COLOUR_ENCODING::LINEAR);
+        const Image image(c.width, c.height, c.channels, c.type, COLOR_ENCODING::LINEAR);
         ASSERT_EQ(image.getBytes().size(), c.size);
         EXPECT_EQ(image.isEmpty(), c.size == 0);
         EXPECT_EQ(image.getWidth(), c.size ? c.width : 0);
@@ -47,7 +47,7 @@ TEST(ImageTest, shapesAreKeptAndZeroFilledOrRefused) {
 }
 
 TEST(ImageTest, copiesAreDeepAndMovedFromPicturesEmpty) {
-    Image original(2, 1, 1, COMPONENT_TYPE::UINT8, COLOUR_ENCODING::LINEAR);
+    Image original(2, 1, 1, COMPONENT_TYPE::UINT8, COLOR_ENCODING::LINEAR);
     original.setComponent(1, 0, 0, 1.0f);
     Image copy = original;
     copy.setComponent(1, 0, 0, 0.0f);
@@ -57,15 +57,15 @@ TEST(ImageTest, copiesAreDeepAndMovedFromPicturesEmpty) {
     const unsigned char* bytes = original.getBytes().data();
     Image moved = std::move(original);
     EXPECT_EQ(moved.getBytes().data(), bytes);
-    EXPECT_EQ(moved.getEncoding(), COLOUR_ENCODING::LINEAR);
+    EXPECT_EQ(moved.getEncoding(), COLOR_ENCODING::LINEAR);
     EXPECT_TRUE(original.isEmpty());
     EXPECT_EQ(original.getWidth(), 0u);
     EXPECT_EQ(original.getComponent(0, 0, 0), 0.0f);
     Image& self = moved;
     moved = std::move(self);
     EXPECT_EQ(moved.getBytes().size(), 2u);
-    moved.setEncoding(COLOUR_ENCODING::SRGB);
-    EXPECT_EQ(moved.view().encoding, COLOUR_ENCODING::SRGB);
+    moved.setEncoding(COLOR_ENCODING::SRGB);
+    EXPECT_EQ(moved.view().encoding, COLOR_ENCODING::SRGB);
 }
 
 TEST(ImageTest, invalidViewsAreExplained) {
@@ -75,14 +75,14 @@ TEST(ImageTest, invalidViewsAreExplained) {
         ovMemory::String error;
     };
     const auto type = COMPONENT_TYPE::UINT8;
-    const auto srgb = COLOUR_ENCODING::SRGB;
+    const auto srgb = COLOR_ENCODING::SRGB;
     const Case cases[] = {
         {{2, 2, 3, type, srgb, bytes}, ""},
         {{0, 2, 3, type, srgb, bytes}, "the picture is 0 x 2 pixels: it has none"},
         {{2000000, 1, 3, type, srgb, bytes}, "the picture is 2000000 x 1 pixels: a side has at most 1048576"},
         {{2, 2, 5, type, srgb, bytes}, "the picture has 5 channels: expected 1 to 4"},
         {{2, 2, 3, static_cast<COMPONENT_TYPE>(7), srgb, bytes}, "the component type 7 is unknown"},
-        {{2, 2, 3, type, static_cast<COLOUR_ENCODING>(5), bytes}, "the colour encoding 5 is unknown"},
+        {{2, 2, 3, type, static_cast<COLOR_ENCODING>(5), bytes}, "the colour encoding 5 is unknown"},
         {{2, 2, 2, type, srgb, bytes}, "the picture of 2 x 2 pixels has 12 bytes: expected 8"}};
     for (const Case& c : cases) {
         ovMemory::String error;

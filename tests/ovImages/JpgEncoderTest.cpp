@@ -57,7 +57,7 @@ TEST(JpgEncoderTest, flatBlocksFromHandMadeFiles) {
             ENCODER.decode(handMade::makeJpeg(1, 1, c.components, c.block, c.segments));
         ASSERT_TRUE(result) << result.error;
         ASSERT_EQ(result.image->getChannels(), c.expected.size());
-        EXPECT_EQ(result.image->getEncoding(), COLOUR_ENCODING::SRGB);
+        EXPECT_EQ(result.image->getEncoding(), COLOR_ENCODING::SRGB);
         for (std::size_t i = 0; i < result.image->getBytes().size(); ++i)
             // One step for the rounding of the colour transform.
             ASSERT_NEAR(result.image->getBytes()[i], c.expected[i % c.expected.size()], 1)
@@ -102,7 +102,7 @@ TEST(JpgEncoderTest, progressiveEqualsBaseline) {
 }
 
 TEST(JpgEncoderTest, qualityAndSubsamplingMakeFilesSmaller) {
-    const Image image = pictures::makePattern(64, 64, 3, COMPONENT_TYPE::UINT8, COLOUR_ENCODING::SRGB);
+    const Image image = pictures::makePattern(64, 64, 3, COMPONENT_TYPE::UINT8, COLOR_ENCODING::SRGB);
     std::size_t previous = std::numeric_limits<std::size_t>::max();
     for (const EncodeOptions& options :
          {EncodeOptions{0, 1.0f}, EncodeOptions{0, 0.92f}, EncodeOptions{1, 0.92f}, EncodeOptions{2, 0.92f},
@@ -127,7 +127,7 @@ TEST(JpgEncoderTest, qualityAndSubsamplingMakeFilesSmaller) {
 
 TEST(JpgEncoderTest, chromaIsSmoothedUnlessToldNotTo) {
     // Columns of red and blue two pixels wide: a sample of 4:2:2 chroma each.
-    Image image(32, 16, 3, COMPONENT_TYPE::UINT8, COLOUR_ENCODING::SRGB);
+    Image image(32, 16, 3, COMPONENT_TYPE::UINT8, COLOR_ENCODING::SRGB);
     for (unsigned y = 0; y < 16; ++y)
         for (unsigned x = 0; x < 32; ++x)
             image.setComponent(x, y, x / 2 % 2 == 0 ? 0 : 2, 1.0f);

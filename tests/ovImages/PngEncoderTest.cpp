@@ -32,7 +32,7 @@ ovMemory::Buffer<unsigned> readAll(const Image& image) {
     return values;
 }
 
-TEST(PngEncoderTest, everyColourTypeAndDepthFromHandMadeFiles) {
+TEST(PngEncoderTest, everyColorTypeAndDepthFromHandMadeFiles) {
     struct Case {
         handMade::PngHeader header;
         ovMemory::Buffer<Bytes> rows;
@@ -75,9 +75,9 @@ TEST(PngEncoderTest, everyColourTypeAndDepthFromHandMadeFiles) {
         EXPECT_EQ(result.warning, "");
         EXPECT_EQ(result.image->getChannels(), c.channels);
         EXPECT_EQ(result.image->getComponentType(), c.type);
-        EXPECT_EQ(result.image->getEncoding(), COLOUR_ENCODING::SRGB);
+        EXPECT_EQ(result.image->getEncoding(), COLOR_ENCODING::SRGB);
         EXPECT_EQ(readAll(*result.image), c.expected)
-            << "type " << int(c.header.colourType) << ", depth " << int(c.header.bitDepth);
+            << "type " << int(c.header.colorType) << ", depth " << int(c.header.bitDepth);
     }
 }
 
@@ -102,15 +102,15 @@ TEST(PngEncoderTest, interlacedEqualsNot) {
 TEST(PngEncoderTest, chunksTellWhatTheNumbersMean) {
     struct Case {
         ovMemory::Buffer<handMade::PngChunk> chunks;
-        COLOUR_ENCODING encoding;
+        COLOR_ENCODING encoding;
         ovMemory::String warning;
     };
-    const auto srgb = COLOUR_ENCODING::SRGB;
+    const auto srgb = COLOR_ENCODING::SRGB;
     const Case cases[] = {
         {{}, srgb, ""},
         {{{"sRGB", {0}}}, srgb, ""},
         {{{"gAMA", big32(45455)}}, srgb, ""},
-        {{{"gAMA", big32(100000)}}, COLOUR_ENCODING::LINEAR, ""},
+        {{{"gAMA", big32(100000)}}, COLOR_ENCODING::LINEAR, ""},
         {{{"gAMA", big32(100000)}, {"sRGB", {0}}}, srgb, ""},
         {{{"gAMA", big32(55556)}}, srgb, "PNG: the file's gamma of 0.55556 is read as sRGB"}};
     for (const Case& c : cases) {
@@ -124,7 +124,7 @@ TEST(PngEncoderTest, chunksTellWhatTheNumbersMean) {
 TEST(PngEncoderTest, encodedFilesReturnAndOthersReadThem) {
     for (const COMPONENT_TYPE type : {COMPONENT_TYPE::UINT8, COMPONENT_TYPE::UINT16})
         for (unsigned channels = 1; channels <= 4; ++channels)
-            for (const COLOUR_ENCODING encoding : {COLOUR_ENCODING::SRGB, COLOUR_ENCODING::LINEAR}) {
+            for (const COLOR_ENCODING encoding : {COLOR_ENCODING::SRGB, COLOR_ENCODING::LINEAR}) {
                 Image image = pictures::makePattern(13, 7, channels, type, encoding);
                 const EncodeResult encoded = ENCODER.encode(image.view());
                 ASSERT_TRUE(encoded) << encoded.error;
@@ -133,13 +133,13 @@ TEST(PngEncoderTest, encodedFilesReturnAndOthersReadThem) {
                 const DecodeResult decoded = ENCODER.decode(encoded.bytes);
                 ASSERT_TRUE(decoded) << decoded.error;
                 pictures::expectEqual(*decoded.image, image);
-                image.setEncoding(COLOUR_ENCODING::SRGB);
+                image.setEncoding(COLOR_ENCODING::SRGB);
                 pictures::expectEqual(pictures::decodeWithStb(encoded.bytes, type), image);
             }
 }
 
 TEST(PngEncoderTest, damageIsRefusedOrReadAsFarAsItGoes) {
-    const Image image = pictures::makePattern(40, 40, 3, COMPONENT_TYPE::UINT8, COLOUR_ENCODING::SRGB);
+    const Image image = pictures::makePattern(40, 40, 3, COMPONENT_TYPE::UINT8, COLOR_ENCODING::SRGB);
     Bytes file = ENCODER.encode(image.view()).bytes;
     file.resize(file.size() / 2);
     const DecodeResult strict = ENCODER.decode(file);
@@ -162,7 +162,7 @@ TEST(PngEncoderTest, damageIsRefusedOrReadAsFarAsItGoes) {
 }
 
 TEST(PngEncoderTest, hostileFiles) {
-    const Image image = pictures::makePattern(6, 5, 4, COMPONENT_TYPE::UINT16, COLOUR_ENCODING::LINEAR);
+    const Image image = pictures::makePattern(6, 5, 4, COMPONENT_TYPE::UINT16, COLOR_ENCODING::LINEAR);
     hostile::expectCutsRefused(ENCODER, ENCODER.encode(image.view()).bytes);
     hostile::expectMutationsSurvived(ENCODER, ENCODER.encode(image.view()).bytes, 4000);
     const Bytes palette =

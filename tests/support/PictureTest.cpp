@@ -96,7 +96,7 @@ FloatPicture PictureTest::draw(Shader& shader, unsigned int width, unsigned int 
     const ovMemory::UniquePtr<Texture> target = makeTarget(width, height);
     const ovMemory::UniquePtr<Compositor> compositor = Compositor::create(&getGraphics());
     CompositorOperationsBlock* block = compositor->appendNode()->appendOperationsBlock();
-    block->appendClearPass()->setColour(0, UNDRAWN[0], UNDRAWN[1], UNDRAWN[2], UNDRAWN[3]);
+    block->appendClearPass()->setColor(0, UNDRAWN[0], UNDRAWN[1], UNDRAWN[2], UNDRAWN[3]);
     block->appendPostProcessPass()->setShader(&shader);
 
     const ovMemory::UniquePtr<RenderContext> context = RenderContext::create(&getGraphics());

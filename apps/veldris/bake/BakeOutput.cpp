@@ -9,7 +9,7 @@
 
 namespace veldris {
 
-using ovImages::COLOUR_ENCODING;
+using ovImages::COLOR_ENCODING;
 using ovImages::COMPONENT_TYPE;
 using ovImages::Image;
 using ovImages::ImageView;
@@ -41,7 +41,7 @@ bool writeImage(const BakeOutput& output, const String& path, const ImageView& p
     String warning;
     const Image converted =
         ovImages::convertImage(picture, isLinear ? floats : COMPONENT_TYPE::UINT8, RGB,
-                               isLinear ? COLOUR_ENCODING::LINEAR : COLOUR_ENCODING::SRGB, &warning);
+                               isLinear ? COLOR_ENCODING::LINEAR : COLOR_ENCODING::SRGB, &warning);
     const ovMemory::Result written = encoders.encodeFile(path, converted.view());
     error = written.error;
     if (!written)
@@ -81,7 +81,7 @@ bool writeOneFile(const BakeOutput& output, const CubeMap& cube, BakeFiles& file
     for (const Image& mip : cube.mips) {
         String warning;
         converted.mips.push_back(ovImages::convertImage(mip.view(), output.components, mip.getChannels(),
-                                                        COLOUR_ENCODING::LINEAR, &warning));
+                                                        COLOR_ENCODING::LINEAR, &warning));
         if (!warning.empty())
             files.warning = warning;
     }

@@ -113,7 +113,7 @@ bool readCube(Session& session, Texture& texture, unsigned int firstMip, unsigne
             // Floats throughout, and converted once when a file is written: half floats in between would
             // round every mip again.
             cube.mips.emplace_back(side, side * FACE_COUNT, CUBE_CHANNELS, ovImages::COMPONENT_TYPE::FLOAT,
-                                   ovImages::COLOUR_ENCODING::LINEAR);
+                                   ovImages::COLOR_ENCODING::LINEAR);
         for (unsigned int face = 0; face < FACE_COUNT; ++face) {
             const auto texels = texture.readBack(face, mip);
             if (!texels || texels->size() * FACE_COUNT != image.getBytes().size())

@@ -62,7 +62,7 @@ bool allocateCube(const CubeFileHeader& header, CubeMap& cube, String& error) {
     for (unsigned int mip = 0; mip < header.mipCount; ++mip) {
         const unsigned int side = sideOf(header.width, mip);
         cube.mips.emplace_back(side, side * FACE_COUNT, CUBE_CHANNELS, header.type,
-                               ovImages::COLOUR_ENCODING::LINEAR);
+                               ovImages::COLOR_ENCODING::LINEAR);
         if (cube.mips.back().isEmpty()) {
             error = fmt::format("faces of {} texels a side need more memory than there is.", side);
             return false;

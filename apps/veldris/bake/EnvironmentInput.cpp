@@ -22,7 +22,7 @@ constexpr StringView NO_MEMORY = "it needs more memory than there is, or than a 
 // Every input becomes the same kind of picture, so that baking knows one.
 Image asFloats(const ImageView& image) {
     return ovImages::convertImage(image, ovImages::COMPONENT_TYPE::FLOAT, CUBE_CHANNELS,
-                                  ovImages::COLOUR_ENCODING::LINEAR);
+                                  ovImages::COLOR_ENCODING::LINEAR);
 }
 
 bool decode(const String& path, EnvironmentInput& input, Image& image, String& error) {
@@ -59,7 +59,7 @@ bool readFaces(const String& pattern, EnvironmentInput& input, String& error) {
         // The first face sets the size that the others must have.
         if (face == 0)
             input.image = Image(image.getWidth(), image.getWidth() * FACE_COUNT, CUBE_CHANNELS,
-                                ovImages::COMPONENT_TYPE::FLOAT, ovImages::COLOUR_ENCODING::LINEAR);
+                                ovImages::COMPONENT_TYPE::FLOAT, ovImages::COLOR_ENCODING::LINEAR);
         const Image floats = asFloats(image.view());
         if (input.image.isEmpty() || floats.isEmpty()) {
             error = fmt::format("the face '{}' cannot be read: {}", path, NO_MEMORY);

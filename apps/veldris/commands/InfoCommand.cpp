@@ -21,7 +21,7 @@ JsonObject limitsOf(const DeviceInfo& info) {
         .number("cubeSize", info.maxCubeSize)
         .number("arraySlices", info.maxArraySlices)
         .number("samples", info.maxSamples)
-        .number("colourTargets", info.maxColourTargets)
+        .number("colourTargets", info.maxColorTargets)
         .number("textureUnits", info.maxTextureUnits)
         .number("constantBufferBytes", info.maxConstantBufferSize)
         .number("anisotropy", static_cast<double>(info.maxAnisotropy));
@@ -54,7 +54,7 @@ void printInfoAsText(const DeviceInfo& info, const ovMemory::Buffer<String>& dev
     fmt::print("limits      textures {0} x {0}, cube faces {1} x {1}, {2} slices, {3} samples\n",
                info.maxTextureSize, info.maxCubeSize, info.maxArraySlices, info.maxSamples);
     fmt::print("            {} colour targets, {} texture units, {} bytes a constant buffer\n",
-               info.maxColourTargets, info.maxTextureUnits, info.maxConstantBufferSize);
+               info.maxColorTargets, info.maxTextureUnits, info.maxConstantBufferSize);
     fmt::print("devices of --device:\n");
     for (std::size_t i = 0; i < devices.size(); ++i)
         fmt::print("  {}  {}\n", i, devices[i]);

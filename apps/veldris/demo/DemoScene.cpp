@@ -177,7 +177,7 @@ Vec pictureRadiance(double u, double v, double aspect) {
 
 ovImages::Image drawDemoScene(unsigned int width, unsigned int height) {
     ovImages::Image image(width, height, 4, ovImages::COMPONENT_TYPE::FLOAT,
-                          ovImages::COLOUR_ENCODING::LINEAR);
+                          ovImages::COLOR_ENCODING::LINEAR);
     constexpr int SAMPLES = 3; // a side, of every pixel
     const double aspect = static_cast<double>(width) / height;
     for (unsigned int row = 0; row < height; ++row) {

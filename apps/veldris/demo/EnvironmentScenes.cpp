@@ -100,7 +100,7 @@ ovImages::Image drawStrip(const EnvironmentLight& light) {
     constexpr unsigned int SIDE = 128; // pixels of a face
     const unsigned int mips = light.getPrefiltered()->getMipCount();
     ovImages::Image strip(6 * SIDE, (mips + 1) * SIDE, 4, ovImages::COMPONENT_TYPE::FLOAT,
-                          ovImages::COLOUR_ENCODING::LINEAR);
+                          ovImages::COLOR_ENCODING::LINEAR);
     for (unsigned int face = 0; face < 6; ++face) {
         for (unsigned int mip = 0; mip < mips; ++mip)
             copyFace(*light.getPrefiltered(), face, mip, strip, face * SIDE, mip * SIDE, SIDE);

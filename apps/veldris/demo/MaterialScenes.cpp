@@ -34,14 +34,14 @@ struct Stock {
 };
 
 /// A texture of side x side texels, each computed from its place.
-ovMemory::UniquePtr<Texture> paint(ovGraphics::System& graphics, unsigned int side, bool isColour,
-                                   const std::function<Vector(float u, float v)>& colour) {
+ovMemory::UniquePtr<Texture> paint(ovGraphics::System& graphics, unsigned int side, bool isColor,
+                                   const std::function<Vector(float u, float v)>& color) {
     ovImages::Image image(side, side, 4, ovImages::COMPONENT_TYPE::UINT8,
-                          isColour ? ovImages::COLOUR_ENCODING::SRGB : ovImages::COLOUR_ENCODING::LINEAR);
+                          isColor ? ovImages::COLOR_ENCODING::SRGB : ovImages::COLOR_ENCODING::LINEAR);
     for (unsigned int y = 0; y < side; ++y) {
         for (unsigned int x = 0; x < side; ++x) {
-            const Vector value = colour((static_cast<float>(x) + 0.5f) / static_cast<float>(side),
-                                        (static_cast<float>(y) + 0.5f) / static_cast<float>(side));
+            const Vector value = color((static_cast<float>(x) + 0.5f) / static_cast<float>(side),
+                                       (static_cast<float>(y) + 0.5f) / static_cast<float>(side));
             const float components[] = {value.x, value.y, value.z, value.w};
             for (unsigned int channel = 0; channel < 4; ++channel)
                 image.setComponent(x, y, channel, components[channel]);
@@ -115,7 +115,7 @@ float brickHeight(float u, float v) {
     return std::clamp((edge - JOINT) / JOINT, 0.0f, 1.0f);
 }
 
-Vector brickColour(float u, float v) {
+Vector brickColor(float u, float v) {
     const float tone = 0.5f + 0.5f * std::sin(37.0f * std::floor(u * 4.0f) + 91.0f * std::floor(v * 8.0f));
     const Vector brick(0.62f + 0.12f * tone, 0.36f + 0.06f * tone, 0.28f + 0.04f * tone, 1.0f);
     const Vector joint(0.68f, 0.66f, 0.62f, 1.0f);
@@ -134,21 +134,21 @@ Vector brickNormal(float u, float v) {
 
 void buildGround(DemoSet& set, const Stock& stock, CameraChoice& camera) {
     constexpr unsigned int SIDE = 512;
-    Texture* colour = set.keep(paint(set.getGraphics(), SIDE, true, brickColour));
+    Texture* color = set.keep(paint(set.getGraphics(), SIDE, true, brickColor));
     Texture* normals = set.keep(paint(set.getGraphics(), SIDE, false, brickNormal));
     set.addGround(*stock.ground, -1.0f, 14.0f, [&](PbsMaterial& material) {
-        material.setAlbedoTexture(colour, THREE_CHANNEL_PACK::RGB);
+        material.setAlbedoTexture(color, THREE_CHANNEL_PACK::RGB);
         material.setNormalMapTexture(normals, THREE_CHANNEL_PACK::RGB);
         material.setSpecularColor(WHITE * 0.04f);
         material.setMetalness(1.0f);
         material.setRoughnessGlossiness(0.75f);
     });
-    const Vector colours[] = {{0.6f, 0.6f, 0.6f}, {0.5f, 0.05f, 0.04f}, {0.05f, 0.25f, 0.08f}};
+    const Vector colors[] = {{0.6f, 0.6f, 0.6f}, {0.5f, 0.05f, 0.04f}, {0.05f, 0.25f, 0.08f}};
     for (int i = 0; i < 3; ++i) {
         set.addSphere(*stock.sphere,
                       {2.6f * static_cast<float>(i - 1), 0.0f, 0.8f * static_cast<float>(i % 2)}, 1.0f,
                       [&](PbsMaterial& material) {
-                          material.setAlbedoColor(colours[i]);
+                          material.setAlbedoColor(colors[i]);
                           material.setSpecularColor(WHITE * 0.04f);
                           material.setMetalness(1.0f);
                           material.setRoughnessGlossiness(0.15f + 0.3f * static_cast<float>(i));

@@ -17,9 +17,9 @@ using ovMemory::UniquePtr;
 
 constexpr auto PICTURE_FORMAT = ovGraphics::FORMAT::R32G32B32A32_FLOAT;
 
-ovImages::COLOUR_ENCODING encodingOf(PICTURE_CONTENT content) {
-    return content == PICTURE_CONTENT::SRGB_ENCODED ? ovImages::COLOUR_ENCODING::SRGB
-                                                    : ovImages::COLOUR_ENCODING::LINEAR;
+ovImages::COLOR_ENCODING encodingOf(PICTURE_CONTENT content) {
+    return content == PICTURE_CONTENT::SRGB_ENCODED ? ovImages::COLOR_ENCODING::SRGB
+                                                    : ovImages::COLOR_ENCODING::LINEAR;
 }
 
 /// Draws single steps of a chain from texture to texture. A step's source goes when the step is done.

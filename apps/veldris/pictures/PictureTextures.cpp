@@ -48,7 +48,7 @@ UniquePtr<ovImages::Image> downloadPicture(UniquePtr<Texture> picture) {
     if (!bytes)
         return nullptr;
     auto image = std::make_unique<ovImages::Image>(width, height, 4, ovImages::COMPONENT_TYPE::FLOAT,
-                                                   ovImages::COLOUR_ENCODING::LINEAR);
+                                                   ovImages::COLOR_ENCODING::LINEAR);
     std::copy(bytes->begin(), bytes->end(), image->getBytes().begin());
     return image;
 }

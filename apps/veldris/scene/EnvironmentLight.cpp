@@ -34,7 +34,7 @@ ovMemory::UniquePtr<Texture> makeTexture(Session& session, ovMemory::StringView 
 
 ovImages::Image clampedPanorama(const ovImages::ImageView& panorama, String& warning) {
     ovImages::Image image = ovImages::convertImage(panorama, ovImages::COMPONENT_TYPE::FLOAT, 4,
-                                                   ovImages::COLOUR_ENCODING::LINEAR);
+                                                   ovImages::COLOR_ENCODING::LINEAR);
     auto* values = reinterpret_cast<float*>(image.getBytes().data());
     std::size_t clamped = 0;
     for (float* value = values; value != values + image.getBytes().size() / sizeof(float); ++value) {

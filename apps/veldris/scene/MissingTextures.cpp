@@ -11,7 +11,7 @@
 namespace veldris {
 
 using ovGraphics::Texture;
-using ovImages::COLOUR_ENCODING;
+using ovImages::COLOR_ENCODING;
 using ovMemory::String;
 using ovVeldris::PbsMaterial;
 
@@ -20,23 +20,23 @@ namespace {
 /// A texture of a material, and how its numbers are read.
 struct Slot {
     Texture* (PbsMaterial::*get)() const;
-    COLOUR_ENCODING encoding;
+    COLOR_ENCODING encoding;
 };
 
 // Colours first: they decide how a shared texture is read.
 constexpr Slot SLOTS[] = {
-    {&PbsMaterial::getAlbedoTexture, COLOUR_ENCODING::SRGB},
-    {&PbsMaterial::getSpecularTexture, COLOUR_ENCODING::SRGB},
-    {&PbsMaterial::getEmissiveTexture, COLOUR_ENCODING::SRGB},
-    {&PbsMaterial::getMetalnessTexture, COLOUR_ENCODING::LINEAR},
-    {&PbsMaterial::getRoughnessGlossinessTexture, COLOUR_ENCODING::LINEAR},
-    {&PbsMaterial::getAlphaTexture, COLOUR_ENCODING::LINEAR},
-    {&PbsMaterial::getOcclusionTexture, COLOUR_ENCODING::LINEAR},
-    {&PbsMaterial::getNormalMapTexture, COLOUR_ENCODING::LINEAR},
+    {&PbsMaterial::getAlbedoTexture, COLOR_ENCODING::SRGB},
+    {&PbsMaterial::getSpecularTexture, COLOR_ENCODING::SRGB},
+    {&PbsMaterial::getEmissiveTexture, COLOR_ENCODING::SRGB},
+    {&PbsMaterial::getMetalnessTexture, COLOR_ENCODING::LINEAR},
+    {&PbsMaterial::getRoughnessGlossinessTexture, COLOR_ENCODING::LINEAR},
+    {&PbsMaterial::getAlphaTexture, COLOR_ENCODING::LINEAR},
+    {&PbsMaterial::getOcclusionTexture, COLOR_ENCODING::LINEAR},
+    {&PbsMaterial::getNormalMapTexture, COLOR_ENCODING::LINEAR},
 };
 
 /// Reads a picture, or explains in warning why it is a stand-in.
-ovImages::Image readPicture(const String& name, const String& folder, COLOUR_ENCODING encoding,
+ovImages::Image readPicture(const String& name, const String& folder, COLOR_ENCODING encoding,
                             String& warning) {
     const String path = (std::filesystem::path(folder) / name).native();
     ovImages::DecodeResult decoded = ovImages::CompositeEncoder().decodeFile(path);

@@ -41,18 +41,18 @@ ovImages::Image drawPanorama(unsigned int width,
                              const std::function<Vector(const Vector& direction)>& radiance) {
     const unsigned int height = width / 2;
     ovImages::Image image(width, height, 4, ovImages::COMPONENT_TYPE::FLOAT,
-                          ovImages::COLOUR_ENCODING::LINEAR);
+                          ovImages::COLOR_ENCODING::LINEAR);
     constexpr float PI = std::numbers::pi_v<float>;
     for (unsigned int row = 0; row < height; ++row) {
         const float latitude = PI * (0.5f - (static_cast<float>(row) + 0.5f) / static_cast<float>(height));
         for (unsigned int column = 0; column < width; ++column) {
             const float longitude =
                 2.0f * PI * ((static_cast<float>(column) + 0.5f) / static_cast<float>(width) - 0.5f);
-            const Vector colour = radiance({std::cos(longitude) * std::cos(latitude), std::sin(latitude),
-                                            std::sin(longitude) * std::cos(latitude)});
-            image.setComponent(column, row, 0, colour.x);
-            image.setComponent(column, row, 1, colour.y);
-            image.setComponent(column, row, 2, colour.z);
+            const Vector color = radiance({std::cos(longitude) * std::cos(latitude), std::sin(latitude),
+                                           std::sin(longitude) * std::cos(latitude)});
+            image.setComponent(column, row, 0, color.x);
+            image.setComponent(column, row, 1, color.y);
+            image.setComponent(column, row, 2, color.z);
             image.setComponent(column, row, 3, 1.0f);
         }
     }
@@ -61,7 +61,7 @@ ovImages::Image drawPanorama(unsigned int width,
 
 ovImages::Image turnedPhotograph(const ovImages::ImageView& photograph, float degrees) {
     const ovImages::Image source = ovImages::convertImage(photograph, ovImages::COMPONENT_TYPE::FLOAT, 4,
-                                                          ovImages::COLOUR_ENCODING::LINEAR);
+                                                          ovImages::COLOR_ENCODING::LINEAR);
     ovImages::Image turned = source;
     if (source.isEmpty())
         return turned;

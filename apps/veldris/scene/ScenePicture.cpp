@@ -26,7 +26,7 @@ using ovMemory::String;
 namespace {
 
 constexpr unsigned int EVERY_STAGE = 0;
-constexpr unsigned int COLOUR_VARIANT = 0;
+constexpr unsigned int COLOR_VARIANT = 0;
 constexpr unsigned int DEPTH_VARIANT = 1;
 constexpr unsigned int SHADOW_SIDE = 2048; // texels
 // Pushes what casts shadows away from the light, so that surfaces do not shadow themselves.
@@ -102,13 +102,13 @@ bool ScenePicture::_makeTextures(String& error) {
     System& graphics = _session.getGraphics();
     const unsigned int width = _settings.width * _scale;
     const unsigned int height = _stripRows * _scale;
-    _colour = makeTarget(graphics, "scene", FORMAT::R32G32B32A32_FLOAT, width, height);
+    _color = makeTarget(graphics, "scene", FORMAT::R32G32B32A32_FLOAT, width, height);
     _depth = makeTarget(graphics, "scene depth", FORMAT::D32_FLOAT, width, height);
     if (_settings.shadows)
         _shadowMap = makeTarget(graphics, "shadow map", FORMAT::D32_FLOAT, SHADOW_SIDE, SHADOW_SIDE);
     _notFinite = makeTarget(graphics, "numbers that are none", FORMAT::R32_FLOAT, blocksIn(_settings.width),
                             blocksIn(_settings.height));
-    const bool made = _colour && _depth && _notFinite && (_shadowMap || !_settings.shadows);
+    const bool made = _color && _depth && _notFinite && (_shadowMap || !_settings.shadows);
     if (!made)
         error = _session.getLogger().take();
     return made;
@@ -122,18 +122,18 @@ bool ScenePicture::_makeShaders(String& error) {
         error = _session.getLogger().take();
         return false;
     }
-    _average->setSource(*_colour);
-    _count->setSource(*_colour);
+    _average->setSource(*_color);
+    _count->setSource(*_color);
     return true;
 }
 
 void ScenePicture::_makePasses() {
     if (_shadowMap)
         _appendShadowPasses();
-    _appendColourPasses();
+    _appendColorPasses();
     _appendSamplePasses();
     _context->setName("scene");
-    _context->setDescriptor({.texture = _colour.get()});
+    _context->setDescriptor({.texture = _color.get()});
     _context->setCompositor(_compositor.get());
 }
 
@@ -152,14 +152,14 @@ void ScenePicture::_appendShadowPasses() {
     }
 }
 
-void ScenePicture::_appendColourPasses() {
+void ScenePicture::_appendColorPasses() {
     CompositorOperationsBlock* block = _compositor->appendNode()->appendOperationsBlock();
-    _colourBlock = block;
-    block->setTarget(0, _colour.get());
+    _colorBlock = block;
+    block->setTarget(0, _color.get());
     block->setDepthBuffer(_depth.get());
     block->setViewport(_sampleViewport.get());
     const Vector& background = _settings.background;
-    block->appendClearPass()->setColour(0, background.x, background.y, background.z, 1.0f);
+    block->appendClearPass()->setColor(0, background.x, background.y, background.z, 1.0f);
     ScenePass* solid = block->appendScenePass();
     solid->setRenderQueue(_solid.get());
     solid->setCamera(_camera.get());
@@ -195,7 +195,7 @@ void ScenePicture::_appendSamplePasses() {
 bool ScenePicture::setEnvironment(const EnvironmentLight* environment) {
     constexpr unsigned int AFTER_CLEARING = 1;
     _environment = environment;
-    _colourBlock->removePass(_surroundingsPass);
+    _colorBlock->removePass(_surroundingsPass);
     _surroundingsPass = nullptr;
     _surroundings.reset();
     if (!environment)
@@ -209,7 +209,7 @@ bool ScenePicture::setEnvironment(const EnvironmentLight* environment) {
     auto pass = std::make_unique<PostProcessPass>();
     pass->setName("surroundings");
     pass->setShader(_surroundings->getShader());
-    _surroundingsPass = _colourBlock->insertPass(AFTER_CLEARING, std::move(pass));
+    _surroundingsPass = _colorBlock->insertPass(AFTER_CLEARING, std::move(pass));
     return true;
 }
 
@@ -235,7 +235,7 @@ bool ScenePicture::castShadow(const ovVeldris::PbsMaterial& material, bool hasHo
     for (RenderQueue* queue : {_solid.get(), _blended.get()}) {
         for (unsigned int i = 0; i < queue->getEntityCount(); ++i) {
             Entity* entity = queue->getEntity(i);
-            if (entity->getShader(COLOUR_VARIANT) == material.getShader())
+            if (entity->getShader(COLOR_VARIANT) == material.getShader())
                 entity->setShader(depthShader->getShader(), DEPTH_VARIANT);
         }
     }

@@ -77,7 +77,7 @@ private:
     bool _makeShaders(ovMemory::String& error);
     void _makePasses();
     void _appendShadowPasses();
-    void _appendColourPasses();
+    void _appendColorPasses();
     ovGraphics::DepthShader* _makeHolesShader(const ovVeldris::PbsMaterial& material);
     ovGraphics::DepthShader* _getSolidShader();
     void _appendSamplePasses();
@@ -91,12 +91,12 @@ private:
     const EnvironmentLight* _environment = nullptr;
     ovMemory::UniquePtr<ovVeldris::ImageEnvironmentEffect> _surroundings;
     ovGraphics::CompositorNode* _shadowNode = nullptr;
-    ovGraphics::CompositorOperationsBlock* _colourBlock = nullptr;
+    ovGraphics::CompositorOperationsBlock* _colorBlock = nullptr;
     ovGraphics::CompositorOperationsBlock* _averageBlock = nullptr;
     const ovGraphics::CompositorPass* _surroundingsPass = nullptr;
-    unsigned int _scale;                              ///< samples along a side of a pixel
-    unsigned int _stripRows;                          ///< pixels
-    ovMemory::UniquePtr<ovGraphics::Texture> _colour; ///< the samples of a strip
+    unsigned int _scale;                             ///< samples along a side of a pixel
+    unsigned int _stripRows;                         ///< pixels
+    ovMemory::UniquePtr<ovGraphics::Texture> _color; ///< the samples of a strip
     ovMemory::UniquePtr<ovGraphics::Texture> _depth;
     ovMemory::UniquePtr<ovGraphics::Texture> _notFinite; ///< components that are none, a texel for a block
     ovMemory::UniquePtr<PictureShader> _average;

@@ -160,7 +160,7 @@ public:
         view.height = HEIGHT;
         view.channels = 3;
         view.componentType = ovImages::COMPONENT_TYPE::FLOAT;
-        view.encoding = ovImages::COLOUR_ENCODING::LINEAR;
+        view.encoding = ovImages::COLOR_ENCODING::LINEAR;
         view.bytes = {reinterpret_cast<const unsigned char*>(texels.data()), texels.size() * sizeof(float)};
         ovImages::CompositeEncoder().encodeFile((_folder / "light.hdr").native(), view);
     }

@@ -204,14 +204,14 @@ CompositorOperationsBlock::_createTarget(System& system, Texture* backBuffer, ov
             error = "the block has no target and the context no back buffer; set one of them.";
             return nullptr;
         }
-        target.colours.push_back(attach(backBuffer, 0, 0));
+        target.colors.push_back(attach(backBuffer, 0, 0));
         _gpuTargetBackBuffer = backBuffer;
         _backBufferLoadCount = backBuffer->getLoadCount();
     }
     if (_depth.set)
         target.depth = attachTarget(_depth);
     for (unsigned int i = 0; i < _targetCount; ++i)
-        target.colours.push_back(_targets[i].set ? attachTarget(_targets[i]) : device::TargetAttachment());
+        target.colors.push_back(_targets[i].set ? attachTarget(_targets[i]) : device::TargetAttachment());
     return error.empty() ? system.getDevice()->createTarget(target, error) : nullptr;
 }
 

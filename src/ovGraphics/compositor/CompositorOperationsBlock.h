@@ -68,7 +68,7 @@ private:
     ovMemory::UniquePtr<device::GpuTarget> _createTarget(System& system, Texture* backBuffer,
                                                          ovMemory::String& error);
 
-    std::array<Target, device::MAX_COLOUR_TARGETS> _targets;
+    std::array<Target, device::MAX_COLOR_TARGETS> _targets;
     unsigned int _targetCount = 0;
     Target _depth;
     ovMemory::Borrowed<Viewport> _viewport;

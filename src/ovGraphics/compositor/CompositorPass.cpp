@@ -12,15 +12,15 @@ CompositorPass::~CompositorPass() = default;
 ClearPass::ClearPass()
     : CompositorPass("clear") {}
 
-void ClearPass::setColour(unsigned int index, float red, float green, float blue, float alpha) {
-    if (index < _colours.size())
-        _colours[index] = {red, green, blue, alpha};
+void ClearPass::setColor(unsigned int index, float red, float green, float blue, float alpha) {
+    if (index < _colors.size())
+        _colors[index] = {red, green, blue, alpha};
 }
 
 bool ClearPass::execute(const PassExecution& execution) {
-    if (_clearColour) {
-        for (unsigned int index = 0; index < execution.colourTargetCount; ++index)
-            execution.device->clearColour(index, _colours[index]);
+    if (_clearColor) {
+        for (unsigned int index = 0; index < execution.colorTargetCount; ++index)
+            execution.device->clearColor(index, _colors[index]);
     }
     if (execution.hasDepth)
         execution.device->clearDepthStencil(_clearDepth, _depth, _clearStencil, _stencil);

@@ -24,7 +24,7 @@ class Device;
 struct PassExecution {
     const System* system = nullptr;
     device::Device* device = nullptr;
-    unsigned int colourTargetCount = 0;
+    unsigned int colorTargetCount = 0;
     bool hasDepth = false;
     Camera* activeCamera = nullptr;
 };
@@ -63,8 +63,8 @@ class OV_API ClearPass : public CompositorPass {
 public:
     ClearPass();
     /// @param index of a colour target, 0 to 7; others are ignored
-    void setColour(unsigned int index, float red, float green, float blue, float alpha);
-    void setClearColour(bool clear) { _clearColour = clear; }
+    void setColor(unsigned int index, float red, float green, float blue, float alpha);
+    void setClearColor(bool clear) { _clearColor = clear; }
     void setDepth(bool clear, float depth) {
         _clearDepth = clear;
         _depth = depth;
@@ -76,8 +76,8 @@ public:
     bool execute(const PassExecution& execution) override;
 
 private:
-    std::array<std::array<float, 4>, device::MAX_COLOUR_TARGETS> _colours{};
-    bool _clearColour = true;
+    std::array<std::array<float, 4>, device::MAX_COLOR_TARGETS> _colors{};
+    bool _clearColor = true;
     bool _clearDepth = true;
     bool _clearStencil = false;
     float _depth = 1.0f;

@@ -66,7 +66,7 @@ CountingDevice::CountingDevice() {
     _info.maxCubeSize = 16384;
     _info.maxArraySlices = 2048;
     _info.maxSamples = 4;
-    _info.maxColourTargets = MAX_COLOUR_TARGETS;
+    _info.maxColorTargets = MAX_COLOR_TARGETS;
     _info.maxTextureUnits = MAX_UNITS;
     _info.maxConstantBufferSize = 16384;
 }
@@ -200,7 +200,7 @@ void CountingDevice::setTarget(GpuTarget& target, const Rectangle& viewport) {
     _state.viewport = viewport;
 }
 
-void CountingDevice::clearColour(unsigned int, const std::array<float, 4>&) {
+void CountingDevice::clearColor(unsigned int, const std::array<float, 4>&) {
     ++_counts.clears;
 }
 

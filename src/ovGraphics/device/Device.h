@@ -25,7 +25,7 @@ struct DeviceInfo {
     unsigned int maxCubeSize = 0;    ///< texels a side of a cube face
     unsigned int maxArraySlices = 0;
     unsigned int maxSamples = 0;
-    unsigned int maxColourTargets = 0;
+    unsigned int maxColorTargets = 0;
     unsigned int maxTextureUnits = 0;       ///< of both stages together
     unsigned int maxConstantBufferSize = 0; ///< bytes
     float maxAnisotropy = 1.0f;
@@ -48,7 +48,7 @@ struct SamplerDesc {
     TEXTURE_ADDRESS addressU = TEXTURE_ADDRESS::CLAMP;
     TEXTURE_ADDRESS addressV = TEXTURE_ADDRESS::CLAMP;
     TEXTURE_ADDRESS addressW = TEXTURE_ADDRESS::CLAMP;
-    std::array<float, 4> borderColour = {0.0f, 0.0f, 0.0f, 0.0f};
+    std::array<float, 4> borderColor = {0.0f, 0.0f, 0.0f, 0.0f};
     float minLod = 0.0f;
     float maxLod = 3.402823466e+38f;
     float lodBias = 0.0f;
@@ -163,8 +163,8 @@ struct TargetAttachment {
 };
 
 struct TargetDesc {
-    ovMemory::Buffer<TargetAttachment> colours; ///< in the order of the pixel stage's outputs
-    TargetAttachment depth;                     ///< no depth buffer when its texture is null
+    ovMemory::Buffer<TargetAttachment> colors; ///< in the order of the pixel stage's outputs
+    TargetAttachment depth;                    ///< no depth buffer when its texture is null
 };
 
 /// A rectangle of a target in texels; (0, 0) is the top left.
@@ -250,7 +250,7 @@ public:
 
     // Drawing. State that is set again unchanged costs no API call.
     virtual void setTarget(GpuTarget&, const Rectangle& viewport) = 0;
-    virtual void clearColour(unsigned int index, const std::array<float, 4>& colour) = 0;
+    virtual void clearColor(unsigned int index, const std::array<float, 4>& color) = 0;
     virtual void clearDepthStencil(bool clearDepth, float depth, bool clearStencil, unsigned int stencil) = 0;
     virtual void setProgram(GpuProgram&) = 0;
     virtual void setBlendState(const BlendStateDesc&) = 0;

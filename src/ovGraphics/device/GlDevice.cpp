@@ -120,8 +120,8 @@ void GlDevice::_readInfo() {
     // Colour and depth are drawn with the same number of samples, so the smaller limit counts for both.
     info.maxSamples =
         std::min(numberOf(GL_MAX_COLOR_TEXTURE_SAMPLES), numberOf(GL_MAX_DEPTH_TEXTURE_SAMPLES));
-    info.maxColourTargets =
-        std::min({numberOf(GL_MAX_COLOR_ATTACHMENTS), numberOf(GL_MAX_DRAW_BUFFERS), MAX_COLOUR_TARGETS});
+    info.maxColorTargets =
+        std::min({numberOf(GL_MAX_COLOR_ATTACHMENTS), numberOf(GL_MAX_DRAW_BUFFERS), MAX_COLOR_TARGETS});
     info.maxTextureUnits = numberOf(GL_MAX_COMBINED_TEXTURE_IMAGE_UNITS);
     info.maxConstantBufferSize = numberOf(GL_MAX_UNIFORM_BLOCK_SIZE);
     // Anisotropic filters became core in 4.6 only; every desktop driver has the extension under one of its
@@ -233,9 +233,9 @@ void GlDevice::setTarget(GpuTarget& target, const Rectangle& viewport) {
     _core.pipeline.setTarget(static_cast<GlTarget&>(target), viewport);
 }
 
-void GlDevice::clearColour(unsigned int index, const std::array<float, 4>& colour) {
+void GlDevice::clearColor(unsigned int index, const std::array<float, 4>& color) {
     _core.makeCurrent();
-    _core.pipeline.clearColour(index, colour);
+    _core.pipeline.clearColor(index, color);
 }
 
 void GlDevice::clearDepthStencil(bool clearDepth, float depth, bool clearStencil, unsigned int stencil) {

@@ -49,7 +49,7 @@ public:
                     unsigned int targetOffset, unsigned int size) override;
 
     void setTarget(GpuTarget& target, const Rectangle& viewport) override;
-    void clearColour(unsigned int index, const std::array<float, 4>& colour) override;
+    void clearColor(unsigned int index, const std::array<float, 4>& color) override;
     void clearDepthStencil(bool clearDepth, float depth, bool clearStencil, unsigned int stencil) override;
     void setProgram(GpuProgram& program) override;
     void setBlendState(const BlendStateDesc& state) override;

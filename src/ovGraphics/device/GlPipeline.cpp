@@ -46,12 +46,12 @@ bool biased(const RasterStateDesc& state) {
 // Clear colours are floats in the interface. Converting a float outside an integer's range is undefined in
 // C++, so the number is clamped first; doubles hold every 32-bit integer exactly, floats do not.
 template <typename INTEGER>
-std::array<INTEGER, 4> toIntegers(const std::array<float, 4>& colour) {
+std::array<INTEGER, 4> toIntegers(const std::array<float, 4>& color) {
     std::array<INTEGER, 4> result{};
     for (std::size_t i = 0; i < result.size(); ++i) {
         const double lowest = static_cast<double>(std::numeric_limits<INTEGER>::lowest());
         const double highest = static_cast<double>(std::numeric_limits<INTEGER>::max());
-        const double value = std::isnan(colour[i]) ? 0.0 : static_cast<double>(colour[i]);
+        const double value = std::isnan(color[i]) ? 0.0 : static_cast<double>(color[i]);
         result[i] = static_cast<INTEGER>(std::clamp(value, lowest, highest));
     }
     return result;
@@ -191,10 +191,10 @@ void GlPipeline::setTarget(GlTarget& target, const Rectangle& viewport) {
     _viewport = viewport;
 }
 
-void GlPipeline::clearColour(unsigned int index, const std::array<float, 4>& colour) {
-    if (!_target || index >= _target->getColourCount()) {
+void GlPipeline::clearColor(unsigned int index, const std::array<float, 4>& color) {
+    if (!_target || index >= _target->getColorCount()) {
         _core.report(fmt::format("Colour {} was not cleared: {}", index,
-                                 _target ? fmt::format("the target has {}", _target->getColourCount())
+                                 _target ? fmt::format("the target has {}", _target->getColorCount())
                                          : ovMemory::String("no target is set")));
         return;
     }
@@ -203,13 +203,13 @@ void GlPipeline::clearColour(unsigned int index, const std::array<float, 4>& col
     _sendWriteMask(index, 1, COLOR_WRITE_ALL);
     switch (_target->getClearKind(index)) {
     case GL_CLEAR_KIND::FLOAT:
-        glClearNamedFramebufferfv(_target->getName(), GL_COLOR, buffer, colour.data());
+        glClearNamedFramebufferfv(_target->getName(), GL_COLOR, buffer, color.data());
         break;
     case GL_CLEAR_KIND::SIGNED:
-        glClearNamedFramebufferiv(_target->getName(), GL_COLOR, buffer, toIntegers<GLint>(colour).data());
+        glClearNamedFramebufferiv(_target->getName(), GL_COLOR, buffer, toIntegers<GLint>(color).data());
         break;
     case GL_CLEAR_KIND::UNSIGNED:
-        glClearNamedFramebufferuiv(_target->getName(), GL_COLOR, buffer, toIntegers<GLuint>(colour).data());
+        glClearNamedFramebufferuiv(_target->getName(), GL_COLOR, buffer, toIntegers<GLuint>(color).data());
         break;
     case GL_CLEAR_KIND::NOTHING:
         break;
@@ -399,14 +399,14 @@ void GlPipeline::_sendBlend() {
     _blendSent.blendFactor = wanted.blendFactor;
     // One call for all. Values are kept for each target, as clears open single masks.
     if (!wanted.independentBlend)
-        _sendTargetBlend(0, MAX_COLOUR_TARGETS, wanted.targets[0]);
+        _sendTargetBlend(0, MAX_COLOR_TARGETS, wanted.targets[0]);
     else
-        for (unsigned int i = 0; i < MAX_COLOUR_TARGETS; ++i)
+        for (unsigned int i = 0; i < MAX_COLOR_TARGETS; ++i)
             _sendTargetBlend(i, 1, wanted.targets[i]);
     _blendDirty = false;
 }
 
-// Sends to one target, or to all of them at once (count is then MAX_COLOUR_TARGETS and index 0).
+// Sends to one target, or to all of them at once (count is then MAX_COLOR_TARGETS and index 0).
 void GlPipeline::_sendTargetBlend(unsigned int index, unsigned int count, const TargetBlendDesc& wanted) {
     const bool all = count > 1;
     TargetBlendDesc* sent = &_blendSent.targets[index];
@@ -434,9 +434,9 @@ void GlPipeline::_sendTargetBlend(unsigned int index, unsigned int count, const 
     if (!wanted.enabled)
         return;
     if (differs(&T::operation, &T::alphaOperation)) {
-        const GLenum colour = glBlendOperationOf(wanted.operation);
+        const GLenum color = glBlendOperationOf(wanted.operation);
         const GLenum alpha = glBlendOperationOf(wanted.alphaOperation);
-        all ? glBlendEquationSeparate(colour, alpha) : glBlendEquationSeparatei(index, colour, alpha);
+        all ? glBlendEquationSeparate(color, alpha) : glBlendEquationSeparatei(index, color, alpha);
         store(&T::operation, &T::alphaOperation);
     }
     if (differs(&T::sourceFactor, &T::destinationFactor, &T::alphaSourceFactor, &T::alphaDestinationFactor)) {

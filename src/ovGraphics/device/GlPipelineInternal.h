@@ -25,7 +25,7 @@ public:
     void reset();
 
     void setTarget(GlTarget& target, const Rectangle& viewport);
-    void clearColour(unsigned int index, const std::array<float, 4>& colour);
+    void clearColor(unsigned int index, const std::array<float, 4>& color);
     void clearDepthStencil(bool clearDepth, float depth, bool clearStencil, unsigned int stencil);
     void setProgram(GlProgram& program);
     void setBlendState(const BlendStateDesc& state);

@@ -34,7 +34,7 @@ void GlSampler::_apply(const SamplerDesc& desc) {
     setInt(GL_TEXTURE_WRAP_S, glAddressOf(desc.addressU));
     setInt(GL_TEXTURE_WRAP_T, glAddressOf(desc.addressV));
     setInt(GL_TEXTURE_WRAP_R, glAddressOf(desc.addressW));
-    glSamplerParameterfv(_name, GL_TEXTURE_BORDER_COLOR, desc.borderColour.data());
+    glSamplerParameterfv(_name, GL_TEXTURE_BORDER_COLOR, desc.borderColor.data());
     glSamplerParameterf(_name, GL_TEXTURE_MIN_LOD, desc.minLod);
     glSamplerParameterf(_name, GL_TEXTURE_MAX_LOD, desc.maxLod);
     glSamplerParameterf(_name, GL_TEXTURE_LOD_BIAS, desc.lodBias);

@@ -33,14 +33,14 @@ ovMemory::String problemOf(const TargetAttachment& attachment, bool depth) {
     return {};
 }
 
-ovMemory::String problemOf(const TargetDesc& desc, unsigned int maxColourTargets) {
-    if (desc.colours.size() > maxColourTargets)
-        return fmt::format("Target of {} colours has more than the device's limit of {}", desc.colours.size(),
-                           maxColourTargets);
+ovMemory::String problemOf(const TargetDesc& desc, unsigned int maxColorTargets) {
+    if (desc.colors.size() > maxColorTargets)
+        return fmt::format("Target of {} colours has more than the device's limit of {}", desc.colors.size(),
+                           maxColorTargets);
     bool any = desc.depth.texture != nullptr;
-    for (const TargetAttachment& colour : desc.colours) {
-        any = any || colour.texture;
-        if (auto problem = problemOf(colour, false); !problem.empty())
+    for (const TargetAttachment& color : desc.colors) {
+        any = any || color.texture;
+        if (auto problem = problemOf(color, false); !problem.empty())
             return problem;
     }
     return any ? problemOf(desc.depth, true) : "A target needs a texture to draw to, and has none";
@@ -75,8 +75,8 @@ ovMemory::String describe(const TargetDesc& desc) {
                             texture.getMipWidth(attachment.mip), texture.getMipHeight(attachment.mip),
                             texture.getDesc().samples);
     };
-    for (const TargetAttachment& colour : desc.colours)
-        add(colour);
+    for (const TargetAttachment& color : desc.colors)
+        add(color);
     add(desc.depth);
     return text;
 }
@@ -98,7 +98,7 @@ const char* reasonOf(GLenum status) {
 
 ovMemory::UniquePtr<GlTarget> GlTarget::create(GlCore& core, const TargetDesc& desc,
                                                ovMemory::String& error) {
-    error = problemOf(desc, core.info.maxColourTargets);
+    error = problemOf(desc, core.info.maxColorTargets);
     if (!error.empty())
         return nullptr;
     ovMemory::UniquePtr<GlTarget> target(new GlTarget(core));
@@ -108,18 +108,18 @@ ovMemory::UniquePtr<GlTarget> GlTarget::create(GlCore& core, const TargetDesc& d
 
 void GlTarget::_attach(const TargetDesc& desc) {
     glCreateFramebuffers(1, &_name);
-    _colourCount = static_cast<unsigned int>(desc.colours.size());
-    std::array<GLenum, MAX_COLOUR_TARGETS> drawBuffers{};
-    for (unsigned int i = 0; i < _colourCount; ++i) {
-        const TargetAttachment& colour = desc.colours[i];
+    _colorCount = static_cast<unsigned int>(desc.colors.size());
+    std::array<GLenum, MAX_COLOR_TARGETS> drawBuffers{};
+    for (unsigned int i = 0; i < _colorCount; ++i) {
+        const TargetAttachment& color = desc.colors[i];
         // A gap between the targets is allowed: the output of that number goes nowhere.
-        drawBuffers[i] = colour.texture ? GL_COLOR_ATTACHMENT0 + i : GLenum{GL_NONE};
-        if (!colour.texture)
+        drawBuffers[i] = color.texture ? GL_COLOR_ATTACHMENT0 + i : GLenum{GL_NONE};
+        if (!color.texture)
             continue;
-        glAttach(_name, drawBuffers[i], imageOf(colour));
-        _clearKinds[i] = clearKindOf(colour.texture->getDesc().format);
+        glAttach(_name, drawBuffers[i], imageOf(color));
+        _clearKinds[i] = clearKindOf(color.texture->getDesc().format);
     }
-    glNamedFramebufferDrawBuffers(_name, static_cast<GLsizei>(_colourCount), drawBuffers.data());
+    glNamedFramebufferDrawBuffers(_name, static_cast<GLsizei>(_colorCount), drawBuffers.data());
     if (desc.depth.texture) {
         const GLenum attachment = glDepthAttachmentOf(desc.depth.texture->getDesc().format);
         glAttach(_name, attachment, imageOf(desc.depth));
@@ -131,7 +131,7 @@ void GlTarget::_attach(const TargetDesc& desc) {
         if (attachment.texture && attachment.texture->getDesc().samples > 1)
             _multisampled.push_back(textureOf(attachment).getStaleMark());
     };
-    std::for_each(desc.colours.begin(), desc.colours.end(), remember);
+    std::for_each(desc.colors.begin(), desc.colors.end(), remember);
     remember(desc.depth);
 }
 

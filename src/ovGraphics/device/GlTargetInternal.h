@@ -18,7 +18,7 @@ public:
     GlTarget& operator=(const GlTarget&) = delete;
 
     GLuint getName() const { return _name; }
-    unsigned int getColourCount() const { return _colourCount; }
+    unsigned int getColorCount() const { return _colorCount; }
     GL_CLEAR_KIND getClearKind(unsigned int index) const { return _clearKinds[index]; }
     bool hasDepth() const { return _hasDepth; }
     bool hasStencil() const { return _hasStencil; }
@@ -37,8 +37,8 @@ private:
 
     GlCore& _core;
     GLuint _name = 0;
-    unsigned int _colourCount = 0;
-    std::array<GL_CLEAR_KIND, MAX_COLOUR_TARGETS> _clearKinds{};
+    unsigned int _colorCount = 0;
+    std::array<GL_CLEAR_KIND, MAX_COLOR_TARGETS> _clearKinds{};
     bool _hasDepth = false;
     bool _hasStencil = false;
     ovMemory::Buffer<std::shared_ptr<bool>> _multisampled; ///< shared, as a texture may go before its targets

@@ -6,7 +6,7 @@
 
 namespace ovGraphics::device {
 
-inline constexpr unsigned int MAX_COLOUR_TARGETS = 8;
+inline constexpr unsigned int MAX_COLOR_TARGETS = 8;
 
 /// Blending into one colour target: operation(source * sourceFactor, destination * destinationFactor).
 struct TargetBlendDesc {
@@ -25,7 +25,7 @@ struct BlendStateDesc {
     bool alphaToCoverage = false;
     bool independentBlend = false; ///< false: every target blends as the first
     std::array<float, 4> blendFactor = {1.0f, 1.0f, 1.0f, 1.0f};
-    std::array<TargetBlendDesc, MAX_COLOUR_TARGETS> targets;
+    std::array<TargetBlendDesc, MAX_COLOR_TARGETS> targets;
     bool operator==(const BlendStateDesc&) const = default;
 };
 

@@ -6,7 +6,7 @@
 
 namespace ovGraphics {
 
-ovImages::DecodeResult GltfImage::decode(ovImages::COLOUR_ENCODING encoding, std::size_t maxBytes) const {
+ovImages::DecodeResult GltfImage::decode(ovImages::COLOR_ENCODING encoding, std::size_t maxBytes) const {
     ovImages::DecodeResult result;
     if (isMissing()) {
         result.error = fmt::format("image {} is missing", detail::quoteGltf(name));

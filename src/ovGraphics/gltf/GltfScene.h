@@ -59,8 +59,8 @@ struct GltfTexture {
     bool mipmapped = true; ///< false: mip 0 only, whatever the filter says of mips
     TEXTURE_ADDRESS addressU = TEXTURE_ADDRESS::WRAP;
     TEXTURE_ADDRESS addressV = TEXTURE_ADDRESS::WRAP;
-    bool usedAsColour = false; ///< a material reads it as a colour: sRGB, decoded when sampled
-    bool usedAsData = false;   ///< a material reads it as numbers: linear. Both may be true, or neither
+    bool usedAsColor = false; ///< a material reads it as a colour: sRGB, decoded when sampled
+    bool usedAsData = false;  ///< a material reads it as numbers: linear. Both may be true, or neither
 };
 
 /// A picture as the file holds it.
@@ -77,7 +77,7 @@ struct GltfImage {
     /// @param encoding what the image's numbers mean: SRGB for textures used as colour, LINEAR for data
     /// @return no image and an error that names this one if it is missing or cannot be decoded; draw a
     /// stand-in
-    OV_API ovImages::DecodeResult decode(ovImages::COLOUR_ENCODING encoding,
+    OV_API ovImages::DecodeResult decode(ovImages::COLOR_ENCODING encoding,
                                          std::size_t maxBytes = ovImages::MAX_IMAGE_BYTES) const;
 };
 

@@ -38,7 +38,7 @@ void Sampler::setAddressW(TEXTURE_ADDRESS address) {
 }
 
 void Sampler::setBorderColor(float red, float green, float blue, float alpha) {
-    _set(_desc->borderColour, {red, green, blue, alpha});
+    _set(_desc->borderColor, {red, green, blue, alpha});
 }
 
 void Sampler::setLodRange(float minLod, float maxLod) {

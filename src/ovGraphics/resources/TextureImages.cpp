@@ -10,7 +10,7 @@ namespace ovGraphics {
 
 namespace {
 
-using ovImages::COLOUR_ENCODING;
+using ovImages::COLOR_ENCODING;
 using ovImages::COMPONENT_TYPE;
 
 struct ImageFormat {
@@ -52,7 +52,7 @@ FORMAT formatOf(COMPONENT_TYPE type, unsigned int channels) {
 }
 
 TextureContent convertedContent(const ovImages::ImageView& image, COMPONENT_TYPE type, unsigned int channels,
-                                COLOUR_ENCODING encoding) {
+                                COLOR_ENCODING encoding) {
     TextureContent content;
     content.format = formatOf(type, channels);
     if (image.componentType == type && image.channels == channels && image.encoding == encoding)
@@ -72,16 +72,16 @@ void swapRedAndBlue(ovMemory::BufferView<unsigned char> bytes) {
 } // namespace
 
 TextureContent textureContentOf(const ovImages::ImageView& image, bool raw) {
-    const bool encoded = image.encoding == COLOUR_ENCODING::SRGB && !raw;
+    const bool encoded = image.encoding == COLOR_ENCODING::SRGB && !raw;
     const bool isFloat = image.componentType == COMPONENT_TYPE::FLOAT;
     if (encoded && image.componentType == COMPONENT_TYPE::UINT8) {
-        TextureContent content = convertedContent(image, COMPONENT_TYPE::UINT8, 4, COLOUR_ENCODING::SRGB);
+        TextureContent content = convertedContent(image, COMPONENT_TYPE::UINT8, 4, COLOR_ENCODING::SRGB);
         content.gammaCorrected = true;
         return content;
     }
     if (encoded)
         return convertedContent(image, COMPONENT_TYPE::FLOAT,
-                                image.channels == 2 || image.channels == 4 ? 4 : 3, COLOUR_ENCODING::LINEAR);
+                                image.channels == 2 || image.channels == 4 ? 4 : 3, COLOR_ENCODING::LINEAR);
     // Of three channels the device has 32-bit formats only.
     const unsigned int channels = image.channels == 3 && !isFloat ? 4 : image.channels;
     return convertedContent(image, image.componentType, channels, image.encoding);
@@ -95,7 +95,7 @@ ovMemory::UniquePtr<ovImages::Image> imageOf(ovMemory::BufferView<const unsigned
         return nullptr;
     const bool encoded = gammaCorrected || TextureUtils::isFormatSrgb(format);
     auto image = std::make_unique<ovImages::Image>(width, height, entry->channels, entry->type,
-                                                   encoded ? COLOUR_ENCODING::SRGB : COLOUR_ENCODING::LINEAR);
+                                                   encoded ? COLOR_ENCODING::SRGB : COLOR_ENCODING::LINEAR);
     if (image->getBytes().size() != texels.size())
         return nullptr;
     std::copy(texels.begin(), texels.end(), image->getBytes().begin());

@@ -90,7 +90,7 @@ struct CompiledProgram {
     ovMemory::Buffer<AttributeInfo> attributes;
     ovMemory::Buffer<ConstantBufferInfo> constantBuffers;
     ovMemory::Buffer<TextureUnitInfo> textureUnits;
-    unsigned int colourOutputs = 0; ///< number of colour targets that the pixel stage writes
+    unsigned int colorOutputs = 0; ///< number of colour targets that the pixel stage writes
     bool operator==(const CompiledProgram&) const = default;
 };
 

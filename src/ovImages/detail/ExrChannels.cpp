@@ -57,7 +57,7 @@ public:
     std::size_t countWithoutAlpha() const { return _countWithoutAlpha; }
 
     // Undecided when the layer has neither RGB nor luminance.
-    ExrSelection selectColours() const {
+    ExrSelection selectColors() const {
         if (_has(ROLE::RED) && _has(ROLE::GREEN) && _has(ROLE::BLUE))
             return _withAlpha({_name(ROLE::RED), _name(ROLE::GREEN), _name(ROLE::BLUE)});
         if (!_has(ROLE::LUMINANCE))
@@ -108,10 +108,10 @@ Layers groupByLayer(ovMemory::BufferView<const String> names) {
     return layers;
 }
 
-ExrSelection selectOnlyColoured(const Layers& layers) {
+ExrSelection selectOnlyColored(const Layers& layers) {
     ExrSelection found;
     for (const auto& [name, layer] : layers) {
-        ExrSelection selection = layer.selectColours();
+        ExrSelection selection = layer.selectColors();
         if (selection.channels.empty())
             continue;
         // Two layers with colours: any choice would be a guess, and the user can name one.
@@ -127,16 +127,16 @@ ExrSelection selectNamed(const Layers& layers, StringView name) {
     const auto found = layers.find(name);
     if (found == layers.end())
         return {};
-    ExrSelection selection = found->second.selectColours();
+    ExrSelection selection = found->second.selectColors();
     if (selection.channels.empty())
         selection = found->second.selectSingle();
     selection.layer = name;
     return selection;
 }
 
-bool hasColours(const Layers& layers) {
+bool hasColors(const Layers& layers) {
     return std::any_of(layers.begin(), layers.end(),
-                       [](const auto& entry) { return !entry.second.selectColours().channels.empty(); });
+                       [](const auto& entry) { return !entry.second.selectColors().channels.empty(); });
 }
 
 } // namespace
@@ -148,12 +148,12 @@ ExrSelection selectExrChannels(ovMemory::BufferView<const String> names, StringV
     // The unnamed layer is the picture itself in files of renderers; named layers are its passes.
     const auto unnamed = layers.find("");
     if (unnamed != layers.end()) {
-        ExrSelection selection = unnamed->second.selectColours();
+        ExrSelection selection = unnamed->second.selectColors();
         if (!selection.channels.empty())
             return selection;
     }
-    if (hasColours(layers))
-        return selectOnlyColoured(layers);
+    if (hasColors(layers))
+        return selectOnlyColored(layers);
     // Without colours, one channel beside alpha in the whole part decides.
     ExrSelection selection;
     std::size_t count = 0;

@@ -77,7 +77,7 @@ ovMemory::String readFactor(Text key, Text value, double& product) {
     return {};
 }
 
-ovMemory::String readColourFactors(Text value, std::array<double, 3>& products) {
+ovMemory::String readColorFactors(Text value, std::array<double, 3>& products) {
     Text rest = value;
     for (double& product : products) {
         const ovMemory::String fault = readFactor("COLORCORR", takeWord(rest), product);
@@ -99,7 +99,7 @@ ovMemory::String readVariable(Text line, HdrHeader& header) {
     if (key == "GAMMA")
         return readFactor(key, value, header.gamma);
     if (key == "COLORCORR")
-        return readColourFactors(value, header.exposure);
+        return readColorFactors(value, header.exposure);
     if (key != "EXPOSURE")
         return {};
     double exposure = 1.0;

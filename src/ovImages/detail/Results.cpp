@@ -25,7 +25,7 @@ ovMemory::String describeExcessiveSize(std::uint64_t width, std::uint64_t height
 }
 
 bool allocateImage(DecodeResult& result, ovMemory::StringView format, unsigned width, unsigned height,
-                   unsigned channels, COMPONENT_TYPE type, COLOUR_ENCODING encoding) {
+                   unsigned channels, COMPONENT_TYPE type, COLOR_ENCODING encoding) {
     result.image = std::make_unique<Image>(width, height, channels, type, encoding);
     if (!result.image->isEmpty())
         return true;
@@ -42,10 +42,10 @@ void appendWarning(ovMemory::String& warning, ovMemory::StringView text) {
 }
 
 void warnOfEncoding(ovMemory::String& warning, const ImageView& view, ovMemory::StringView format,
-                    COLOUR_ENCODING expected) {
+                    COLOR_ENCODING expected) {
     if (view.encoding == expected)
         return;
-    const bool isLinear = view.encoding == COLOUR_ENCODING::LINEAR;
+    const bool isLinear = view.encoding == COLOR_ENCODING::LINEAR;
     appendWarning(warning,
                   fmt::format("{}: the numbers are {} and stored as they are, but readers take them for {}",
                               format, isLinear ? "linear" : "sRGB-encoded", isLinear ? "sRGB" : "linear"));

@@ -32,14 +32,14 @@ ovMemory::String describeExcessiveSize(std::uint64_t width, std::uint64_t height
 
 /// Allocates the picture of a result; false, with the error set, when there is no memory for it.
 bool allocateImage(DecodeResult& result, ovMemory::StringView format, unsigned width, unsigned height,
-                   unsigned channels, COMPONENT_TYPE type, COLOUR_ENCODING encoding);
+                   unsigned channels, COMPONENT_TYPE type, COLOR_ENCODING encoding);
 
 /// Adds a sentence to a warning.
 void appendWarning(ovMemory::String& warning, ovMemory::StringView text);
 
 /// Warns that the format cannot record what the numbers mean, so that readers will take them for `expected`.
 void warnOfEncoding(ovMemory::String& warning, const ImageView& view, ovMemory::StringView format,
-                    COLOUR_ENCODING expected);
+                    COLOR_ENCODING expected);
 
 /// Whether the picture has alpha that is not 1 everywhere.
 bool hasTransparency(const ImageView& view);

@@ -2,7 +2,7 @@
 
 namespace ovVeldris {
 
-ovImages::Image makeStandInPicture(ovImages::COLOUR_ENCODING encoding) {
+ovImages::Image makeStandInPicture(ovImages::COLOR_ENCODING encoding) {
     constexpr unsigned int SIDE = 8;
     ovImages::Image image(SIDE, SIDE, 4, ovImages::COMPONENT_TYPE::UINT8, encoding);
     for (unsigned int y = 0; y < SIDE; ++y) {

@@ -7,12 +7,12 @@
 
 namespace {
 
-using ovImages::COLOUR_ENCODING;
+using ovImages::COLOR_ENCODING;
 using ovImages::COMPONENT_TYPE;
 using ovImages::Image;
 using veldris::PICTURE_CONTENT;
 
-Image floatPixel(float value, float alpha, COLOUR_ENCODING encoding) {
+Image floatPixel(float value, float alpha, COLOR_ENCODING encoding) {
     Image image(1, 1, 4, COMPONENT_TYPE::FLOAT, encoding);
     for (unsigned int channel = 0; channel < 3; ++channel)
         image.setComponent(0, 0, channel, value);
@@ -41,21 +41,21 @@ TEST(ImageFilesTest, theFormatSaysWhatItHolds) {
     EXPECT_EQ(error.rfind("'a.bmp' names no image format by its extension; write .png", 0), 0u) << error;
 }
 
-TEST(ImageFilesTest, colourIsEncodedOnce) {
+TEST(ImageFilesTest, colorIsEncodedOnce) {
     const TemporaryFolder folder;
     const struct {
         const char* name;
-        COLOUR_ENCODING encoding;
+        COLOR_ENCODING encoding;
         bool raw;
         float stored; // of the linear or encoded value 0.5
     } cases[] = {
-        {"linear.png", COLOUR_ENCODING::LINEAR, false,
+        {"linear.png", COLOR_ENCODING::LINEAR, false,
          188.0f / 255.0f}, // 1.055 * 0.5^(1/2.4) - 0.055 = 0.7354
-        {"encoded.png", COLOUR_ENCODING::SRGB, false, 128.0f / 255.0f},
-        {"raw.png", COLOUR_ENCODING::LINEAR, true, 128.0f / 255.0f},
-        {"linear.exr", COLOUR_ENCODING::LINEAR, false, 0.5f},
-        {"encoded.exr", COLOUR_ENCODING::SRGB, false, 0.21404114f}, // ((0.5 + 0.055) / 1.055)^2.4
-        {"raw.exr", COLOUR_ENCODING::SRGB, true, 0.5f},
+        {"encoded.png", COLOR_ENCODING::SRGB, false, 128.0f / 255.0f},
+        {"raw.png", COLOR_ENCODING::LINEAR, true, 128.0f / 255.0f},
+        {"linear.exr", COLOR_ENCODING::LINEAR, false, 0.5f},
+        {"encoded.exr", COLOR_ENCODING::SRGB, false, 0.21404114f}, // ((0.5 + 0.055) / 1.055)^2.4
+        {"raw.exr", COLOR_ENCODING::SRGB, true, 0.5f},
     };
     for (const auto& test : cases) {
         const ovMemory::String path = folder.getPath(test.name);
@@ -76,7 +76,7 @@ TEST(ImageFilesTest, alphaIsKeptWhereItSaysSomething) {
     const ovMemory::String path = folder.getPath("alpha.png");
     ovMemory::String warning;
     ovMemory::String error;
-    ASSERT_TRUE(veldris::writePicture(path, floatPixel(0.5f, 0.2f, COLOUR_ENCODING::SRGB).view(), false,
+    ASSERT_TRUE(veldris::writePicture(path, floatPixel(0.5f, 0.2f, COLOR_ENCODING::SRGB).view(), false,
                                       warning, error));
     const ovImages::DecodeResult read = ovImages::CompositeEncoder().decodeFile(path);
     ASSERT_TRUE(read) << read.error;
@@ -85,9 +85,9 @@ TEST(ImageFilesTest, alphaIsKeptWhereItSaysSomething) {
 }
 
 TEST(ImageFilesTest, decodedImagesSayWhatTheyHold) {
-    EXPECT_EQ(veldris::contentOf(floatPixel(1, 1, COLOUR_ENCODING::LINEAR).view()),
+    EXPECT_EQ(veldris::contentOf(floatPixel(1, 1, COLOR_ENCODING::LINEAR).view()),
               PICTURE_CONTENT::SCENE_LINEAR);
-    EXPECT_EQ(veldris::contentOf(floatPixel(1, 1, COLOUR_ENCODING::SRGB).view()),
+    EXPECT_EQ(veldris::contentOf(floatPixel(1, 1, COLOR_ENCODING::SRGB).view()),
               PICTURE_CONTENT::SRGB_ENCODED);
 }
 
@@ -96,8 +96,7 @@ TEST(ImageFilesTest, aFailedWriteLeavesWhatWasThere) {
     ovMemory::String warning;
     ovMemory::String error;
     EXPECT_FALSE(veldris::writePicture(folder.getPath("missing/a.png"),
-                                       floatPixel(1, 1, COLOUR_ENCODING::SRGB).view(), false, warning,
-                                       error));
+                                       floatPixel(1, 1, COLOR_ENCODING::SRGB).view(), false, warning, error));
     EXPECT_NE(error.find("missing/a.png"), ovMemory::String::npos) << error;
     EXPECT_TRUE(std::filesystem::is_empty(folder.getPath()));
 }

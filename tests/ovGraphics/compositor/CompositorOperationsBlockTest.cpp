@@ -55,7 +55,7 @@ TEST_P(CompositorOperationsBlockTest, drawsIntoOneMipOfOneSlice) {
             for (unsigned int mip = 0; mip < texture->getMipCount(); ++mip) {
                 CompositorOperationsBlock* block = canvas.addBlock();
                 block->setTarget(0, texture.get(), slice, mip);
-                block->appendClearPass()->setColour(0, -1, float(slice), float(mip), 0);
+                block->appendClearPass()->setColor(0, -1, float(slice), float(mip), 0);
             }
         }
         canvas.addDraw(*shader, texture.get(), row.slice, row.mip);
@@ -90,7 +90,7 @@ TEST_P(CompositorOperationsBlockTest, viewportCountsFromTheTopLeft) {
     viewport->setOrigin(2, 1);
     viewport->setSize(4, 2);
     Canvas canvas(getGraphics(), target.get());
-    canvas.addBlock()->appendClearPass()->setColour(0, -1, -1, -1, -1);
+    canvas.addBlock()->appendClearPass()->setColor(0, -1, -1, -1, -1);
     CompositorOperationsBlock* block = canvas.addDraw(*shader);
     block->setViewport(viewport.get());
     EXPECT_EQ(block->getViewport(), viewport.get());
@@ -109,7 +109,7 @@ TEST_P(CompositorOperationsBlockTest, viewportCountsFromTheTopLeft) {
     }
     // A clear does not keep to the viewport.
     auto fill = std::make_unique<ClearPass>();
-    fill->setColour(0, 9, 9, 9, 9);
+    fill->setColor(0, 9, 9, 9, 9);
     block->insertPass(1, std::move(fill));
     ASSERT_TRUE(canvas.frame());
     drawn = readFloats(*target);
@@ -250,11 +250,11 @@ TEST_P(CompositorOperationsBlockTest, depthAlone) {
     const auto backBuffer = makeTarget(4, 4);
     Canvas canvas(getGraphics(), backBuffer.get());
     CompositorOperationsBlock* fill = canvas.addBlock();
-    fill->appendClearPass()->setColour(0, 1, 1, 1, 1);
+    fill->appendClearPass()->setColor(0, 1, 1, 1, 1);
     CompositorOperationsBlock* block = canvas.addBlock();
     block->setDepthBuffer(depth.get());
     ClearPass* clear = block->appendClearPass();
-    clear->setColour(0, 7, 7, 7, 7);
+    clear->setColor(0, 7, 7, 7, 7);
     clear->setDepth(true, 0.5f);
     ASSERT_TRUE(canvas.frame());
     EXPECT_EQ(getGraphicsLogger().getText(), "");

@@ -121,18 +121,18 @@ TEST_P(CompositorPassTest, clearFillsWhatItIsToldTo) {
     block->setTarget(2, second.get()); // nothing at 1
     block->setDepthBuffer(depth.get());
     ClearPass* clear = block->appendClearPass();
-    clear->setColour(0, 1, -2, 3e10f, 0.25f); // floats as they are
-    clear->setColour(1, 99, 99, 99, 99);
-    clear->setColour(2, 5, 6, 7, 8);
-    clear->setColour(8, 99, 99, 99, 99); // ignored
+    clear->setColor(0, 1, -2, 3e10f, 0.25f); // floats as they are
+    clear->setColor(1, 99, 99, 99, 99);
+    clear->setColor(2, 5, 6, 7, 8);
+    clear->setColor(8, 99, 99, 99, 99); // ignored
     clear->setDepth(true, 0.375f);
     ASSERT_TRUE(canvas.frame()) << getGraphicsLogger().getText();
     EXPECT_EQ(readFloats(*first).pixels, FloatPicture(4, 4, {1, -2, 3e10f, 0.25f}).pixels);
     EXPECT_EQ(readFloats(*second).pixels, FloatPicture(4, 4, {5, 6, 7, 8}).pixels);
     EXPECT_EQ(readDepth(*depth, 3, 3), 0.375f);
 
-    clear->setClearColour(false);
-    clear->setColour(0, 0, 0, 0, 0);
+    clear->setClearColor(false);
+    clear->setColor(0, 0, 0, 0, 0);
     clear->setDepth(true, 1.0f);
     ASSERT_TRUE(canvas.frame());
     EXPECT_EQ(readFloats(*first).at(0, 0)[1], -2.0f);
@@ -153,7 +153,7 @@ TEST_P(CompositorPassTest, drawingMasksDoNotHoldClearsBack) {
     PostProcessPass* pass = block->appendPostProcessPass();
     pass->setShader(shader.shader.get());
     pass->getBlendState().setWriteMask(COLOR_WRITE_RED, 0);
-    block->appendClearPass()->setColour(0, 2, 3, 4, 5);
+    block->appendClearPass()->setColor(0, 2, 3, 4, 5);
     ASSERT_TRUE(canvas.frame()) << getGraphicsLogger().getText();
     EXPECT_EQ(readFloats(*target).at(0, 0), (FloatPixel{2, 3, 4, 5}));
 }
@@ -165,7 +165,7 @@ TEST_P(CompositorPassTest, blendStates) {
     const auto target = makeTarget(1, 1);
     Canvas canvas(getGraphics(), target.get());
     CompositorOperationsBlock* block = canvas.addBlock();
-    block->appendClearPass()->setColour(0, 1, 10, 100, 0.25f);
+    block->appendClearPass()->setColor(0, 1, 10, 100, 0.25f);
     PostProcessPass* pass = block->appendPostProcessPass();
     pass->setShader(shader.shader.get());
     struct Row {
@@ -252,7 +252,7 @@ TEST_P(CompositorPassTest, projectionPutsViewSpaceWhereItBelongs) {
     CompositorOperationsBlock* block = canvas.addBlock();
     block->setTarget(0, target.get());
     block->setDepthBuffer(depth.get());
-    block->appendClearPass()->setColour(0, -1, -1, -1, -1);
+    block->appendClearPass()->setColor(0, -1, -1, -1, -1);
     PostProcessPass* pass = block->appendPostProcessPass();
     pass->setShader(shader.shader.get());
     pass->setCamera(camera.get());
@@ -359,7 +359,7 @@ TEST_P(CompositorPassTest, aPassThatCannotDrawIsLoggedOnceAndTheFrameGoesOn) {
     CompositorOperationsBlock* block = canvas.addBlock();
     PostProcessPass* pass = block->appendPostProcessPass();
     pass->setName("MY_PASS");
-    block->appendClearPass()->setColour(0, 1, 2, 3, 4);
+    block->appendClearPass()->setColor(0, 1, 2, 3, 4);
     const auto lines = [&] { return getGraphicsLogger().messages.size(); };
     ASSERT_TRUE(canvas.frame());
     ASSERT_TRUE(canvas.frame());

@@ -25,8 +25,8 @@ protected:
     }
     void TearDown() override { EXPECT_EQ(_logger.getText(), ""); }
 
-    SceneShader& addShader(float colour) {
-        return *_shaders.emplace_back(std::make_unique<SceneShader>(_system, Vector(colour, 0.0f)));
+    SceneShader& addShader(float color) {
+        return *_shaders.emplace_back(std::make_unique<SceneShader>(_system, Vector(color, 0.0f)));
     }
     /// A frame; how much it uploaded.
     uint64_t uploadsOfAFrame() {

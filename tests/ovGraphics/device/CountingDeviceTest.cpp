@@ -87,7 +87,7 @@ TEST_F(CountingDeviceTest, countsEveryCallAndTheStatesThatChange) {
     EXPECT_EQ(_device.getCounts().setCalls, 5u);
     EXPECT_EQ(_device.getStatistics().stateChanges, 3u) << "target, program, raster state";
     _device.drawFullScreenQuad();
-    _device.clearColour(0, {});
+    _device.clearColor(0, {});
     _device.clearDepthStencil(true, 1.0f, false, 0);
     EXPECT_EQ(_device.getCounts().draws, 1u);
     EXPECT_EQ(_device.getCounts().clears, 2u);

@@ -34,8 +34,8 @@ TEST(Device, severalDevicesTakeTurns) {
     for (Bench& bench : benches) {
         const auto values = readFloats(*bench.device, *bench.texture);
         const float mark = &bench == benches ? 1.0f : 2.0f;
-        expectColour(texelOf(values, 1, 0, 0), {0.5f, 0.25f, mark, 1.0f}, 1e-5f, "row 0");
-        expectColour(texelOf(values, 1, 0, 1), {0.5f, 0.75f, mark, 1.0f}, 1e-5f, "row 1");
+        expectColor(texelOf(values, 1, 0, 0), {0.5f, 0.25f, mark, 1.0f}, 1e-5f, "row 0");
+        expectColor(texelOf(values, 1, 0, 1), {0.5f, 0.75f, mark, 1.0f}, 1e-5f, "row 1");
     }
     expectNoDriverErrors(*glsl);
     expectNoDriverErrors(*hlsl);

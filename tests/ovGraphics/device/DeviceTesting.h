@@ -8,7 +8,7 @@
 
 namespace ovGraphics::device::testing {
 
-using Colour = std::array<float, 4>;
+using Color = std::array<float, 4>;
 using Bytes = ovMemory::Buffer<unsigned char>;
 
 inline constexpr std::array BOTH_LANGUAGES = {SHADER_LANGUAGE::GLSL, SHADER_LANGUAGE::HLSL};
@@ -69,10 +69,10 @@ inline ovMemory::UniquePtr<GpuSampler> makeSampler(Device& device, const Sampler
 }
 
 inline ovMemory::UniquePtr<GpuTarget> makeTarget(Device& device,
-                                                 const ovMemory::Buffer<TargetAttachment>& colours,
+                                                 const ovMemory::Buffer<TargetAttachment>& colors,
                                                  const TargetAttachment& depth = {}) {
     ovMemory::String error;
-    auto target = device.createTarget({colours, depth}, error);
+    auto target = device.createTarget({colors, depth}, error);
     EXPECT_TRUE(target) << error;
     return target;
 }
@@ -139,9 +139,9 @@ inline ovMemory::Buffer<float> readFloats(Device& device, GpuTexture& texture, u
 }
 
 /// The four values of a texel of an R32G32B32A32_FLOAT texture of this width.
-inline Colour texelOf(const ovMemory::Buffer<float>& values, unsigned int width, unsigned int x,
-                      unsigned int y) {
-    Colour texel{};
+inline Color texelOf(const ovMemory::Buffer<float>& values, unsigned int width, unsigned int x,
+                     unsigned int y) {
+    Color texel{};
     const std::size_t at = (std::size_t{y} * width + x) * 4;
     if (at + 4 <= values.size())
         std::copy_n(values.begin() + static_cast<std::ptrdiff_t>(at), 4, texel.begin());
@@ -150,8 +150,8 @@ inline Colour texelOf(const ovMemory::Buffer<float>& values, unsigned int width,
     return texel;
 }
 
-inline void expectColour(const Colour& actual, const Colour& expected, float tolerance,
-                         const ovMemory::String& what) {
+inline void expectColor(const Color& actual, const Color& expected, float tolerance,
+                        const ovMemory::String& what) {
     for (std::size_t i = 0; i < actual.size(); ++i)
         EXPECT_NEAR(actual[i], expected[i], tolerance) << what << ", component " << i;
 }

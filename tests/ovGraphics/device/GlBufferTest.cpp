@@ -21,13 +21,13 @@ TEST(GlBuffer, shadersReadWhatWasWritten) {
     const auto write = [&](unsigned int offset, const ovMemory::Buffer<float>& values) {
         device->updateBuffer(*buffer, offset, bytesOf(values));
     };
-    EXPECT_EQ(draw(buffer.get()), (Colour{0, 0, 0, 0})); // new buffers hold zeros
+    EXPECT_EQ(draw(buffer.get()), (Color{0, 0, 0, 0})); // new buffers hold zeros
     write(0, {1, 2, 3, 4, 10, 20, 30, 40, 100, 200, 300, 400});
-    EXPECT_EQ(draw(buffer.get()), (Colour{111, 222, 333, 444}));
+    EXPECT_EQ(draw(buffer.get()), (Color{111, 222, 333, 444}));
     write(20, {50});
-    EXPECT_EQ(draw(buffer.get()), (Colour{111, 252, 333, 444}));
-    EXPECT_EQ(draw(nullptr), (Colour{0, 0, 0, 0})); // nothing bound reads zeros
-    EXPECT_EQ(draw(buffer.get()), (Colour{111, 252, 333, 444}));
+    EXPECT_EQ(draw(buffer.get()), (Color{111, 252, 333, 444}));
+    EXPECT_EQ(draw(nullptr), (Color{0, 0, 0, 0})); // nothing bound reads zeros
+    EXPECT_EQ(draw(buffer.get()), (Color{111, 252, 333, 444}));
     EXPECT_EQ(device->getStatistics().bufferUploads, 2u);
     expectNoDriverErrors(*device);
     write(44, {1, 2});
@@ -36,7 +36,7 @@ TEST(GlBuffer, shadersReadWhatWasWritten) {
     write(~0u, {1});
     EXPECT_EQ(device->takeDebugErrors(),
               "Nothing was written to a buffer: 4 bytes from byte 4294967295 do not fit in its 48 bytes");
-    EXPECT_EQ(draw(buffer.get()), (Colour{111, 252, 333, 444}));
+    EXPECT_EQ(draw(buffer.get()), (Color{111, 252, 333, 444}));
     device->updateBuffer(*buffer, 48, {}); // nothing, at the end
     expectNoDriverErrors(*device);
 }
@@ -57,9 +57,9 @@ TEST(GlBuffer, theDeviceCopiesBetweenBuffersInTheOrderOfDraws) {
     };
     device->updateBuffer(*source, 0, bytesOf(ovMemory::Buffer<float>{1, 2, 3, 4, 5, 6, 7, 8}));
     device->copyBuffer(*source, 8, *target, 0, 16);
-    EXPECT_EQ(draw(), (Colour{3, 4, 5, 6}));
+    EXPECT_EQ(draw(), (Color{3, 4, 5, 6}));
     device->copyBuffer(*source, 0, *target, 12, 4);
-    EXPECT_EQ(draw(), (Colour{3, 4, 5, 1}));
+    EXPECT_EQ(draw(), (Color{3, 4, 5, 1}));
     device->copyBuffer(*source, 32, *target, 16, 0); // nothing, at the ends
     expectNoDriverErrors(*device);
     device->copyBuffer(*source, 20, *target, 0, 16);
@@ -67,7 +67,7 @@ TEST(GlBuffer, theDeviceCopiesBetweenBuffersInTheOrderOfDraws) {
     EXPECT_EQ(device->takeDebugErrors(),
               "Nothing was copied between buffers: 16 bytes from byte 20 of 32 to byte 0 of 16\n"
               "Nothing was copied between buffers: 16 bytes from byte 0 of 32 to byte 4 of 16");
-    EXPECT_EQ(draw(), (Colour{3, 4, 5, 1}));
+    EXPECT_EQ(draw(), (Color{3, 4, 5, 1}));
 }
 
 TEST(GlBuffer, impossibleSizesAreRefused) {

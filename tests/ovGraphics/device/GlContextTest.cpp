@@ -26,7 +26,7 @@ TEST(GlContext, opensWithoutADisplay) {
         EXPECT_GE(info.maxCubeSize, 16384u);
         EXPECT_GE(info.maxArraySlices, 2048u);
         EXPECT_GE(info.maxSamples, 1u);
-        EXPECT_EQ(info.maxColourTargets, 8u);
+        EXPECT_EQ(info.maxColorTargets, 8u);
         EXPECT_GE(info.maxTextureUnits, 96u);
         EXPECT_GE(info.maxConstantBufferSize, 16384u);
         EXPECT_GE(info.maxAnisotropy, 1.0f);

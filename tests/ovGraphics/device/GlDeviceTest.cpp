@@ -17,8 +17,7 @@ TEST(GlDevice, quadCoversTheTargetFromTheTopLeftInBothLanguages) {
                 const float u = (static_cast<float>(x) + 0.5f) / SIDE;
                 const float v = (static_cast<float>(y) + 0.5f) / SIDE;
                 // A rasteriser interpolates with some 8 bits below the texel.
-                expectColour(texelOf(values, SIDE, x, y), {u, v, u * SIDE, v * SIDE}, 1e-5f,
-                             nameOf(language));
+                expectColor(texelOf(values, SIDE, x, y), {u, v, u * SIDE, v * SIDE}, 1e-5f, nameOf(language));
             }
         expectNoDriverErrors(*device);
     }

@@ -101,7 +101,7 @@ TEST(GlFormats, shadersReadTheNamedComponents) {
     struct Row {
         FORMAT format;
         Bytes bytes;
-        Colour expected;
+        Color expected;
     };
     const auto part = [](unsigned int value, unsigned int most) {
         return static_cast<float>(value) / static_cast<float>(most);
@@ -154,8 +154,8 @@ TEST(GlFormats, shadersReadTheNamedComponents) {
         device->setTextureUnit(0, texture.get(), nullptr, TEXTURE_TYPE::TEXTURE_2D, false);
         drawOver(*device, *result, *program);
         // Half a step of 16 bits: the rasteriser reads some formats through that many.
-        expectColour(texelOf(readFloats(*device, *result), 1, 0, 0), row.expected, 1.0f / 65535.0f,
-                     ovMemory::String(TextureUtils::getFormatName(row.format)));
+        expectColor(texelOf(readFloats(*device, *result), 1, 0, 0), row.expected, 1.0f / 65535.0f,
+                    ovMemory::String(TextureUtils::getFormatName(row.format)));
     }
     expectNoDriverErrors(*device);
 }

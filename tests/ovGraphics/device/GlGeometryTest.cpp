@@ -49,9 +49,9 @@ protected:
         EXPECT_TRUE(made) << error;
         return made;
     }
-    Colour draw(GpuGeometry& drawn, const GeometryDraw& how) {
+    Color draw(GpuGeometry& drawn, const GeometryDraw& how) {
         device->setTarget(*target, {0, 0, 1, 1});
-        device->clearColour(0, {0, 0, 0, 0});
+        device->clearColor(0, {0, 0, 0, 0});
         device->setProgram(*program);
         device->setBlendState(additive());
         device->setRasterState(noCulling());
@@ -79,29 +79,29 @@ constexpr auto TRIANGLES = PRIMITIVE_TOPOLOGY::TRIANGLELIST;
 } // namespace
 
 TEST_F(GlGeometryTest, drawsTheInstancesThatItIsAskedFor) {
-    EXPECT_EQ(draw(*geometry, {TRIANGLES, 3, instances.get(), 16, 0, 3}), (Colour{1, 2, 4, 3}));
-    EXPECT_EQ(draw(*geometry, {TRIANGLES, 3, instances.get(), 16, 1, 1}), (Colour{0, 2, 0, 1}));
-    EXPECT_EQ(draw(*geometry, {TRIANGLES, 3, instances.get(), 32, 1, 1}), (Colour{0, 0, 4, 1}))
+    EXPECT_EQ(draw(*geometry, {TRIANGLES, 3, instances.get(), 16, 0, 3}), (Color{1, 2, 4, 3}));
+    EXPECT_EQ(draw(*geometry, {TRIANGLES, 3, instances.get(), 16, 1, 1}), (Color{0, 2, 0, 1}));
+    EXPECT_EQ(draw(*geometry, {TRIANGLES, 3, instances.get(), 32, 1, 1}), (Color{0, 0, 4, 1}))
         << "another stride";
     const auto longIndices = make<uint32_t>(BUFFER_USAGE::INDICES, {2, 1, 0});
     const auto shortIndices = make<uint16_t>(BUFFER_USAGE::INDICES, {0, 1, 2});
     const GeometryDraw both{TRIANGLES, 3, instances.get(), 16, 1, 2};
-    EXPECT_EQ(draw(*makeGeometry(longIndices.get()), both), (Colour{0, 2, 4, 2}));
-    EXPECT_EQ(draw(*makeGeometry(shortIndices.get(), true), both), (Colour{0, 2, 4, 2}));
+    EXPECT_EQ(draw(*makeGeometry(longIndices.get()), both), (Color{0, 2, 4, 2}));
+    EXPECT_EQ(draw(*makeGeometry(shortIndices.get(), true), both), (Color{0, 2, 4, 2}));
     expectNoDriverErrors(*device);
 }
 
 TEST_F(GlGeometryTest, anotherBufferInTheSamePlaceIsNoticed) {
     const GeometryDraw first{TRIANGLES, 3, instances.get(), 16, 0, 1};
-    EXPECT_EQ(draw(*geometry, first), (Colour{1, 0, 0, 1}));
+    EXPECT_EQ(draw(*geometry, first), (Color{1, 0, 0, 1}));
     instances.reset(); // OpenGL gives its name to the next one
     instances = make<float>(BUFFER_USAGE::VERTICES, {8, 8, 8, 8});
-    EXPECT_EQ(draw(*geometry, {TRIANGLES, 3, instances.get(), 16, 0, 1}), (Colour{8, 8, 8, 8}));
+    EXPECT_EQ(draw(*geometry, {TRIANGLES, 3, instances.get(), 16, 0, 1}), (Color{8, 8, 8, 8}));
     expectNoDriverErrors(*device);
 }
 
 TEST_F(GlGeometryTest, whatIsNotThereIsNotDrawn) {
-    const Colour nothing{};
+    const Color nothing{};
     EXPECT_EQ(draw(*geometry, {TRIANGLES, 3, instances.get(), 16, 3, 2}), nothing);
     EXPECT_EQ(device->takeDebugErrors(),
               "Nothing was drawn: 2 instances of 16 bytes from instance 3 on are not in their buffer");

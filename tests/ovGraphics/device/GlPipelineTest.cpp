@@ -12,9 +12,9 @@ ovMemory::String vertexText(const ovMemory::String& change) {
            change + " gl_Position = p; }\n";
 }
 
-ovMemory::UniquePtr<GpuProgram> plainProgram(Device& device, const ovMemory::String& colour,
+ovMemory::UniquePtr<GpuProgram> plainProgram(Device& device, const ovMemory::String& color,
                                              const ovMemory::String& change = {}) {
-    return makeProgram(device, pixelText("colour = " + colour + ";"), vertexText(change));
+    return makeProgram(device, pixelText("colour = " + color + ";"), vertexText(change));
 }
 
 ovMemory::Buffer<float> redsOf(Device& device, GpuTexture& texture) {
@@ -52,7 +52,7 @@ TEST(GlPipeline, windingIsJudgedOnTheTargetInBothLanguages) {
             raster.cull = row.cull;
             raster.frontCounterClockwise = row.counterClockwise;
             device->setTarget(*target, {0, 0, 2, 2});
-            device->clearColour(0, {0, 0, 0, 0});
+            device->clearColor(0, {0, 0, 0, 0});
             device->setProgram(*program);
             device->setDepthStencilState(noDepth());
             device->setRasterState(raster);
@@ -109,9 +109,9 @@ TEST(GlPipeline, depthIsZeroNearAndOneFarInBothLanguages) {
 TEST(GlPipeline, depthComparisonsAndWrites) {
     const auto device = openDevice(SHADER_LANGUAGE::HLSL);
     ASSERT_TRUE(device);
-    const auto colour = makeTexture(*device, flat(FORMAT::R32G32B32A32_FLOAT, 1, 1));
+    const auto color = makeTexture(*device, flat(FORMAT::R32G32B32A32_FLOAT, 1, 1));
     const auto depth = makeTexture(*device, flat(FORMAT::D32_FLOAT, 1, 1));
-    const auto target = makeTarget(*device, {{colour.get(), 0, 0}}, {depth.get(), 0, 0});
+    const auto target = makeTarget(*device, {{color.get(), 0, 0}}, {depth.get(), 0, 0});
     // Outcomes of a new depth of 0.25, 0.5 and 0.75 against 0.5.
     constexpr bool PASSES[9][3] = {{},
                                    {false, false, false},
@@ -133,7 +133,7 @@ TEST(GlPipeline, depthComparisonsAndWrites) {
                     state.depthWrite = write;
                     state.depthComparison = static_cast<COMPARISON>(number);
                     device->setTarget(*target, {0, 0, 1, 1});
-                    device->clearColour(0, {0, 0, 0, 0});
+                    device->clearColor(0, {0, 0, 0, 0});
                     device->clearDepthStencil(true, 0.5f, true, 0);
                     device->setProgram(*program);
                     device->setDepthStencilState(state);
@@ -141,7 +141,7 @@ TEST(GlPipeline, depthComparisonsAndWrites) {
                     const bool drawn = !test || PASSES[number][at];
                     const ovMemory::String what =
                         "comparison " + std::to_string(number) + " of " + std::to_string(DEPTHS[at]);
-                    EXPECT_EQ(redsOf(*device, *colour)[0], drawn ? 1.0f : 0.0f) << what;
+                    EXPECT_EQ(redsOf(*device, *color)[0], drawn ? 1.0f : 0.0f) << what;
                     // Without the test nothing is written either, as in Direct3D.
                     EXPECT_EQ(readFloats(*device, *depth)[0], drawn && test && write ? DEPTHS[at] : 0.5f)
                         << what;
@@ -214,7 +214,7 @@ TEST(GlPipeline, viewportsCountFromTheTopLeftInBothLanguages) {
             {0, 0, 6, 5}, {1, 0, 2, 3}, {2, 3, 4, 2}, {5, 4, 1, 1}, {-1, -2, 3, 4}};
         for (const Rectangle& rectangle : RECTANGLES) {
             device->setTarget(*target, rectangle);
-            device->clearColour(0, {0, 0, 0, 0}); // the whole target, whatever the viewport
+            device->clearColor(0, {0, 0, 0, 0}); // the whole target, whatever the viewport
             device->setProgram(*program);
             device->setDepthStencilState(noDepth());
             device->drawFullScreenQuad();
@@ -241,7 +241,7 @@ TEST(GlPipeline, clearsReachWhatMasksHideAndLeaveTheMasksAlone) {
     ASSERT_TRUE(device);
     struct Row {
         FORMAT format;
-        Colour colour;
+        Color color;
         Bytes expected;
     };
     const Row rows[] = {{FORMAT::R8G8B8A8_UNORM, {1, 0, 0.2f, 2}, {255, 0, 51, 255}},
@@ -262,7 +262,7 @@ TEST(GlPipeline, clearsReachWhatMasksHideAndLeaveTheMasksAlone) {
         device->setDepthStencilState(noDepth());
         if (TextureUtils::getFormatComponent(row.format) == FORMAT_COMPONENT::UNORM)
             device->drawFullScreenQuad();
-        device->clearColour(0, row.colour);
+        device->clearColor(0, row.color);
         const Bytes cleared = readBytes(*device, *texture);
         for (std::size_t i = 0; i < 4; ++i)
             EXPECT_NEAR(cleared[i], row.expected[i], 1)
@@ -275,7 +275,7 @@ TEST(GlPipeline, clearsReachWhatMasksHideAndLeaveTheMasksAlone) {
     const auto texture = makeTexture(*device, flat(FORMAT::R8_UNORM, 1, 1));
     const auto target = makeTarget(*device, {{texture.get(), 0, 0}});
     device->setTarget(*target, {0, 0, 1, 1});
-    device->clearColour(1, {});
+    device->clearColor(1, {});
     EXPECT_EQ(device->takeDebugErrors(), "Colour 1 was not cleared: the target has 1");
     device->clearDepthStencil(true, 0.0f, true, 0); // there is none: nothing to do
     expectNoDriverErrors(*device);
@@ -323,7 +323,7 @@ TEST(GlPipeline, unchangedStateCostsNoCalls) {
     blend.independentBlend = true;
     blend.targets[1] = blend.targets[0];
     blend.targets[1].writeMask = 7;
-    for (unsigned int i = 2; i < MAX_COLOUR_TARGETS; ++i)
+    for (unsigned int i = 2; i < MAX_COLOR_TARGETS; ++i)
         blend.targets[i] = blend.targets[0];
     EXPECT_EQ(frame(), 1u);
     raster.cull = CULL_MODE::NONE;
@@ -335,7 +335,7 @@ TEST(GlPipeline, unchangedStateCostsNoCalls) {
     viewport.x = 1;
     EXPECT_EQ(frame(), 1u);
     EXPECT_EQ(frame(), 0u);
-    device->clearColour(0, {0, 0, 0, 0}); // mask of target 0 is full already
+    device->clearColor(0, {0, 0, 0, 0}); // mask of target 0 is full already
     EXPECT_EQ(frame(), 0u);
     device->invalidateState();
     EXPECT_GT(frame(), 5u);
@@ -348,7 +348,7 @@ TEST(GlPipeline, drawsWithoutATargetOrProgramAreRefused) {
     ASSERT_TRUE(device);
     device->drawFullScreenQuad();
     EXPECT_EQ(device->takeDebugErrors(), "Nothing was drawn: no target is set");
-    device->clearColour(0, {});
+    device->clearColor(0, {});
     EXPECT_EQ(device->takeDebugErrors(), "Colour 0 was not cleared: no target is set");
     device->clearDepthStencil(true, 1.0f, true, 0);
     EXPECT_EQ(device->takeDebugErrors(), "The depth buffer was not cleared: no target is set");

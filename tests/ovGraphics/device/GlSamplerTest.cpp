@@ -79,7 +79,7 @@ TEST(GlSampler, addressesOutsideTheTexture) {
             desc.filter = FILTER::MIN_MAG_MIP_POINT;
             desc.addressU = u;
             desc.addressV = v;
-            desc.borderColour = {BORDER, 0.0f, 0.0f, 1.0f};
+            desc.borderColor = {BORDER, 0.0f, 0.0f, 1.0f};
             const auto sampler = makeSampler(*device, desc);
             device->setTextureUnit(0, texture.get(), sampler.get(), TEXTURE_TYPE::TEXTURE_2D, false);
             drawOver(*device, *result, *program);

@@ -5,10 +5,10 @@ namespace ovGraphics::device::testing {
 
 namespace {
 
-constexpr Colour SOURCE = {0.25f, 0.5f, 0.75f, 0.375f};
-constexpr Colour SECOND_SOURCE = {0.125f, 0.875f, 0.5f, 0.625f};
-constexpr Colour DESTINATION = {0.625f, 0.3125f, 0.875f, 0.6875f};
-constexpr Colour FACTOR = {0.1875f, 0.4375f, 0.5625f, 0.8125f};
+constexpr Color SOURCE = {0.25f, 0.5f, 0.75f, 0.375f};
+constexpr Color SECOND_SOURCE = {0.125f, 0.875f, 0.5f, 0.625f};
+constexpr Color DESTINATION = {0.625f, 0.3125f, 0.875f, 0.6875f};
+constexpr Color FACTOR = {0.1875f, 0.4375f, 0.5625f, 0.8125f};
 // The inputs are exact in binary; sums and products of floats round in the last places.
 constexpr float TOLERANCE = 1e-6f;
 
@@ -91,7 +91,7 @@ void main() { colour = vec4(0.25, 0.5, 0.75, 0.375); second = vec4(0.125, 0.875,
         _device.uploadTexture(*_result, 0, 0,
                               bytesOf(ovMemory::Buffer<float>(DESTINATION.begin(), DESTINATION.end())), 0);
         drawOver(_device, *_result, *_program, state);
-        Colour expected = SOURCE;
+        Color expected = SOURCE;
         for (std::size_t i = 0; desc.enabled && i < 4; ++i) {
             const bool alpha = i == 3;
             expected[i] = combine(alpha ? desc.alphaOperation : desc.operation, SOURCE[i], DESTINATION[i],
@@ -101,7 +101,7 @@ void main() { colour = vec4(0.25, 0.5, 0.75, 0.375); second = vec4(0.125, 0.875,
         for (std::size_t i = 0; i < 4; ++i)
             if (!(desc.writeMask & (1u << i)))
                 expected[i] = DESTINATION[i];
-        expectColour(texelOf(readFloats(_device, *_result), 1, 0, 0), expected, TOLERANCE, what);
+        expectColor(texelOf(readFloats(_device, *_result), 1, 0, 0), expected, TOLERANCE, what);
     }
 
 private:
@@ -153,15 +153,15 @@ TEST(GlStates, everyBlendOperationAndWriteMask) {
     const auto device = openDevice();
     ASSERT_TRUE(device);
     BlendBench bench(*device);
-    for (unsigned int colour = 1; colour <= 5; ++colour) {
-        for (const unsigned int alpha : {1u, colour, 5u}) {
+    for (unsigned int color = 1; color <= 5; ++color) {
+        for (const unsigned int alpha : {1u, color, 5u}) {
             TargetBlendDesc desc;
             desc.enabled = true;
-            desc.operation = static_cast<BLEND_OPERATION>(colour);
+            desc.operation = static_cast<BLEND_OPERATION>(color);
             desc.alphaOperation = static_cast<BLEND_OPERATION>(alpha);
             desc.sourceFactor = desc.alphaSourceFactor = BLEND::DEST_COLOR;
             desc.destinationFactor = desc.alphaDestinationFactor = BLEND::SRC_ALPHA;
-            bench.check(desc, "operations " + std::to_string(colour) + ", " + std::to_string(alpha));
+            bench.check(desc, "operations " + std::to_string(color) + ", " + std::to_string(alpha));
         }
     }
     for (unsigned int mask = 0; mask <= 15; ++mask) {

@@ -2,18 +2,18 @@
 
 namespace ovGraphics::device::testing {
 
-TEST(GlTarget, severalColoursEachWithItsOwnBlendingAndMask) {
+TEST(GlTarget, severalColorsEachWithItsOwnBlendingAndMask) {
     const auto device = openDevice();
     ASSERT_TRUE(device);
     const FORMAT formats[] = {FORMAT::R32G32B32A32_FLOAT, FORMAT::R8G8B8A8_UNORM, FORMAT::R16G16B16A16_FLOAT};
     ovMemory::Buffer<ovMemory::UniquePtr<GpuTexture>> textures;
-    ovMemory::Buffer<TargetAttachment> colours;
+    ovMemory::Buffer<TargetAttachment> colors;
     for (const FORMAT format : formats) {
         textures.push_back(makeTexture(*device, flat(format, 1, 1)));
-        colours.push_back({textures.back().get(), 0, 0});
+        colors.push_back({textures.back().get(), 0, 0});
     }
-    colours.insert(colours.begin() + 1, TargetAttachment{}); // an output that goes nowhere
-    const auto target = makeTarget(*device, colours);
+    colors.insert(colors.begin() + 1, TargetAttachment{}); // an output that goes nowhere
+    const auto target = makeTarget(*device, colors);
     const auto program = makeProgram(*device, R"(#version 450
 layout(location = 0) out vec4 a;
 layout(location = 1) out vec4 b;
@@ -28,7 +28,7 @@ void main() { a = vec4(0.25); b = vec4(9.0); c = vec4(0.2, 0.4, 0.6, 1.0); d = v
     blend.targets[2].writeMask = COLOR_WRITE_GREEN | COLOR_WRITE_ALPHA;
     device->setTarget(*target, {0, 0, 1, 1});
     for (unsigned int i = 0; i < 4; ++i)
-        device->clearColour(i, {1.0f, 1.0f, 1.0f, 0.0f});
+        device->clearColor(i, {1.0f, 1.0f, 1.0f, 0.0f});
     device->setProgram(*program);
     device->setBlendState(blend);
     device->setDepthStencilState(noDepth());
@@ -55,7 +55,7 @@ TEST(GlTarget, drawsReachOneSliceAndMip) {
                 const auto target = makeTarget(*device, {{texture.get(), slice, mip}});
                 device->setTarget(*target, {0, 0, desc.width >> mip, desc.height >> mip});
                 const float mark = static_cast<float>(slice * 10 + mip);
-                device->clearColour(0, {mark, mark, mark, mark});
+                device->clearColor(0, {mark, mark, mark, mark});
             }
         }
         const unsigned int slice = desc.slices - 1;
@@ -75,10 +75,9 @@ TEST(GlTarget, drawsReachOneSliceAndMip) {
                     continue;
                 }
                 // The top left texel of the image, whatever face it is.
-                expectColour(
-                    texelOf(values, width, 0, 0),
-                    {0.5f / static_cast<float>(width), 0.5f / static_cast<float>(height), 0.5f, 1.0f}, 1e-5f,
-                    "slice " + std::to_string(s));
+                expectColor(texelOf(values, width, 0, 0),
+                            {0.5f / static_cast<float>(width), 0.5f / static_cast<float>(height), 0.5f, 1.0f},
+                            1e-5f, "slice " + std::to_string(s));
             }
         }
     }
@@ -88,7 +87,7 @@ TEST(GlTarget, drawsReachOneSliceAndMip) {
 TEST(GlTarget, impossibleTargetsAreRefusedWithTheReason) {
     const auto device = openDevice();
     ASSERT_TRUE(device);
-    const auto colour = makeTexture(*device, flat(FORMAT::R8G8B8A8_UNORM, 4, 4, 2));
+    const auto color = makeTexture(*device, flat(FORMAT::R8G8B8A8_UNORM, 4, 4, 2));
     const auto depth = makeTexture(*device, flat(FORMAT::D32_FLOAT, 4, 4));
     const auto shared = makeTexture(*device, flat(FORMAT::R9G9B9E5_SHAREDEXP, 4, 4));
     TextureDesc desc = flat(FORMAT::R8G8B8A8_UNORM, 4, 4);
@@ -101,14 +100,14 @@ TEST(GlTarget, impossibleTargetsAreRefusedWithTheReason) {
     const Row rows[] = {
         {{{}, {}}, "A target needs a texture to draw to, and has none"},
         {{{{}}, {}}, "A target needs a texture to draw to, and has none"},
-        {{ovMemory::Buffer<TargetAttachment>(9, {colour.get(), 0, 0}), {}},
+        {{ovMemory::Buffer<TargetAttachment>(9, {color.get(), 0, 0}), {}},
          "Target of 9 colours has more than the device's limit of 8"},
-        {{{{colour.get(), 1, 0}}, {}},
+        {{{{color.get(), 1, 0}}, {}},
          "Slice 1, mip 0 cannot be drawn to: the texture has 1 slices and 2 mips"},
-        {{{{colour.get(), 0, 2}}, {}},
+        {{{{color.get(), 0, 2}}, {}},
          "Slice 0, mip 2 cannot be drawn to: the texture has 1 slices and 2 mips"},
         {{{{depth.get(), 0, 0}}, {}}, "Texture of format D32_FLOAT cannot be a colour of a target"},
-        {{{}, {colour.get(), 0, 0}}, "Texture of format R8G8B8A8_UNORM cannot be a depth buffer of a target"},
+        {{{}, {color.get(), 0, 0}}, "Texture of format R8G8B8A8_UNORM cannot be a depth buffer of a target"},
         {{{{shared.get(), 0, 0}}, {}},
          "Texture of format R9G9B9E5_SHAREDEXP cannot be drawn to on this device"},
         {{{{multisampled.get(), 0, 0}}, {depth.get(), 0, 0}},

@@ -333,8 +333,8 @@ TEST(GlTexture, texturesAreReadAsTheDeclaredKind) {
     for (const Row& row : rows) {
         device->setTextureUnit(0, row.texture, nullptr, row.type, row.array);
         drawOver(*device, *result, *row.program);
-        expectColour(texelOf(readFloats(*device, *result), 1, 0, 0), {row.expected, 0.0f, 0.0f, 1.0f}, 0.0f,
-                     "row " + std::to_string(&row - rows));
+        expectColor(texelOf(readFloats(*device, *result), 1, 0, 0), {row.expected, 0.0f, 0.0f, 1.0f}, 0.0f,
+                    "row " + std::to_string(&row - rows));
     }
     expectNoDriverErrors(*device);
 }
@@ -365,7 +365,7 @@ void main() { uv = coordinates; gl_Position = vec4(position.x * 0.75 - 0.25, pos
         device->setRasterState(noCulling());
         device->setDepthStencilState(noDepth());
         device->setBlendState({});
-        device->clearColour(0, {background, background, background, background});
+        device->clearColor(0, {background, background, background, background});
         device->setProgram(*program);
         device->drawFullScreenQuad();
         const float half = (1.0f + background) / 2.0f;

@@ -57,8 +57,8 @@ public:
     Bytes readPixel(unsigned int x, unsigned int y) const {
         constexpr std::size_t HEADER_SIZE = 0;
         constexpr std::size_t BYTES_PER_LINE = 12;
-        constexpr std::size_t COLOUR_COUNT = 19;
-        constexpr std::size_t COLOUR_SIZE = 12;
+        constexpr std::size_t COLOR_COUNT = 19;
+        constexpr std::size_t COLOR_SIZE = 12;
         std::ifstream file(_folder.getPath() + "/Xvfb_screen0", std::ios::binary);
         const Bytes dump{std::istreambuf_iterator<char>(file), {}};
         const auto word = [&dump](std::size_t index) {
@@ -67,8 +67,8 @@ public:
                 value = value * 256 + dump[i];
             return value;
         };
-        const std::size_t at = word(HEADER_SIZE) + word(COLOUR_COUNT) * COLOUR_SIZE +
-                               y * word(BYTES_PER_LINE) + std::size_t{x} * 4;
+        const std::size_t at = word(HEADER_SIZE) + word(COLOR_COUNT) * COLOR_SIZE + y * word(BYTES_PER_LINE) +
+                               std::size_t{x} * 4;
         return at + 3 < dump.size() ? Bytes{dump[at + 2], dump[at + 1], dump[at]} : Bytes{};
     }
 

@@ -150,7 +150,7 @@ inline GltfBuilder makeTriangle(const std::string& primitive = "", const std::st
 
 /// A picture of one pixel as a PNG file.
 inline GltfBytes makePng() {
-    ovImages::Image image(1, 1, 4, ovImages::COMPONENT_TYPE::UINT8, ovImages::COLOUR_ENCODING::SRGB);
+    ovImages::Image image(1, 1, 4, ovImages::COMPONENT_TYPE::UINT8, ovImages::COLOR_ENCODING::SRGB);
     image.setComponent(0, 0, 0, 1.0f);
     image.setComponent(0, 0, 3, 1.0f);
     return ovImages::PngEncoder().encode(image.view()).bytes;

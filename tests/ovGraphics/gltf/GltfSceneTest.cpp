@@ -2,13 +2,13 @@
 #include <ovGraphics/gltf/GltfTesting.h>
 
 using namespace ovGraphics;
-using ovImages::COLOUR_ENCODING;
+using ovImages::COLOR_ENCODING;
 
 TEST(GltfSceneTest, decodesImagesAsTheirUseSays) {
     GltfImage image;
     image.name = "Red";
     image.bytes = makePng();
-    for (const COLOUR_ENCODING encoding : {COLOUR_ENCODING::SRGB, COLOUR_ENCODING::LINEAR}) {
+    for (const COLOR_ENCODING encoding : {COLOR_ENCODING::SRGB, COLOR_ENCODING::LINEAR}) {
         const ovImages::DecodeResult result = image.decode(encoding);
         ASSERT_TRUE(result) << result.error;
         EXPECT_EQ(result.image->getEncoding(), encoding);
@@ -22,13 +22,13 @@ TEST(GltfSceneTest, saysWhyAnImageCannotBeDecoded) {
     GltfImage image;
     image.name = "Red";
     EXPECT_TRUE(image.isMissing());
-    EXPECT_EQ(image.decode(COLOUR_ENCODING::SRGB).error, "image \"Red\" is missing");
+    EXPECT_EQ(image.decode(COLOR_ENCODING::SRGB).error, "image \"Red\" is missing");
     image.bytes = makePng();
     image.bytes.resize(image.bytes.size() / 2);
     EXPECT_FALSE(image.isMissing());
-    const ovImages::DecodeResult cut = image.decode(COLOUR_ENCODING::SRGB);
+    const ovImages::DecodeResult cut = image.decode(COLOR_ENCODING::SRGB);
     EXPECT_FALSE(cut);
     EXPECT_EQ(cut.error.rfind("image \"Red\": ", 0), 0u) << cut.error;
     image.bytes = makePng();
-    EXPECT_FALSE(image.decode(COLOUR_ENCODING::SRGB, 3));
+    EXPECT_FALSE(image.decode(COLOR_ENCODING::SRGB, 3));
 }

@@ -4,7 +4,7 @@
 #include <ovGraphics/resources/TextureImages.h>
 
 using namespace ovGraphics;
-using ovImages::COLOUR_ENCODING;
+using ovImages::COLOR_ENCODING;
 using ovImages::COMPONENT_TYPE;
 using ovImages::Image;
 
@@ -14,13 +14,13 @@ constexpr COMPONENT_TYPE UINT8 = COMPONENT_TYPE::UINT8;
 constexpr COMPONENT_TYPE UINT16 = COMPONENT_TYPE::UINT16;
 constexpr COMPONENT_TYPE HALF = COMPONENT_TYPE::HALF;
 constexpr COMPONENT_TYPE FLOAT = COMPONENT_TYPE::FLOAT;
-constexpr COLOUR_ENCODING LINEAR = COLOUR_ENCODING::LINEAR;
-constexpr COLOUR_ENCODING SRGB = COLOUR_ENCODING::SRGB;
+constexpr COLOR_ENCODING LINEAR = COLOR_ENCODING::LINEAR;
+constexpr COLOR_ENCODING SRGB = COLOR_ENCODING::SRGB;
 
 struct Row {
     COMPONENT_TYPE type;
     unsigned int channels;
-    COLOUR_ENCODING encoding;
+    COLOR_ENCODING encoding;
     bool raw;
     FORMAT format;
     bool gammaCorrected;
@@ -114,7 +114,7 @@ TEST(TextureImagesTest, texelsBecomeImages) {
         bool gammaCorrected;
         COMPONENT_TYPE type;
         unsigned int channels;
-        COLOUR_ENCODING encoding;
+        COLOR_ENCODING encoding;
     };
     const std::array rows = {
         FormatRow{FORMAT::R8_UNORM, false, UINT8, 1, LINEAR},

@@ -256,13 +256,13 @@ TEST_P(TextureTest, readingBackRefusesWhatIsNotThere) {
 }
 
 TEST_P(TextureTest, imagesComeBackAsTheyWent) {
-    using ovImages::COLOUR_ENCODING;
+    using ovImages::COLOR_ENCODING;
     using ovImages::COMPONENT_TYPE;
     for (const COMPONENT_TYPE type :
          {COMPONENT_TYPE::UINT8, COMPONENT_TYPE::UINT16, COMPONENT_TYPE::HALF, COMPONENT_TYPE::FLOAT}) {
         for (const unsigned int channels : {1u, 2u, 4u}) {
             for (const bool raw : {false, true}) {
-                ovImages::Image image(3, 2, channels, type, COLOUR_ENCODING::LINEAR);
+                ovImages::Image image(3, 2, channels, type, COLOR_ENCODING::LINEAR);
                 for (unsigned int i = 0; i < 6 * channels; ++i)
                     image.setComponent(i / channels % 3, i / channels / 3, i % channels,
                                        static_cast<float>(i) / 32.0f);

@@ -57,13 +57,13 @@ void main()
 
 /// A loaded shader of these texts.
 struct SceneShader : TestShader {
-    SceneShader(ovGraphics::System& system, const ovMaths::Vector& colour, bool addNormal = false)
+    SceneShader(ovGraphics::System& system, const ovMaths::Vector& color, bool addNormal = false)
         : TestShader(system, SCENE_PIXEL_TEXT, SCENE_VERTEX_TEXT) {
         ovGraphics::ConstantBuffer* pass = shader->addConstantBuffer(0, 0);
         pass->addPassMemorySlot()->setAsViewMatrix();
         pass->addPassMemorySlot()->setAsProjectionMatrix();
         ovGraphics::ConstantBuffer* constants = shader->addConstantBuffer(1, 0);
-        constants->addPassMemorySlot()->setFromVector(colour);
+        constants->addPassMemorySlot()->setFromVector(color);
         constants->addPassMemorySlot()->setFromVector({addNormal ? 1.0f : 0.0f, 0.0f});
         shader->addInstanceMemorySlot()->setAsWorldMatrix();
         shader->addInstanceMemorySlot()->setAsWorldMatrixInvTranspose();

@@ -177,7 +177,7 @@ void main () { gl_Position = POSITION; PIX_TEXCOORD = value.xy; }
 )";
     const struct {
         const char* declarations;
-        const char* colour;
+        const char* color;
         const char* expected;
     } rows[] = {
         {"ovConstantBufferDecl(P, 0) { ovFloat4 other; };\n", "other",
@@ -196,7 +196,7 @@ void main () { gl_Position = POSITION; PIX_TEXCOORD = value.xy; }
     for (const auto& row : rows) {
         for (const SHADER_LANGUAGE language : BOTH_LANGUAGES) {
             const CompileResult result = compile(makeProgram(
-                language, vertex, makePixelText(row.declarations, String("ovReturn(") + row.colour + ");")));
+                language, vertex, makePixelText(row.declarations, String("ovReturn(") + row.color + ");")));
             EXPECT_NE(result.error.find(row.expected), String::npos) << result.error;
         }
     }

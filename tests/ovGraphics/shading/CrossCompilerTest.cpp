@@ -124,7 +124,7 @@ TEST(CrossCompiler, EachMacroCompilesInBothLanguagesToOneInterface) {
             EXPECT_NE(program.pixelText.find(row.expected), String::npos) << program.pixelText;
             EXPECT_EQ(program.pixelText.find("row_major"), String::npos) << program.pixelText;
             EXPECT_EQ(program.pixelText.rfind("#version 450", 0), 0u);
-            EXPECT_EQ(program.colourOutputs, 1u);
+            EXPECT_EQ(program.colorOutputs, 1u);
         }
     }
 }
@@ -184,7 +184,7 @@ TEST(CrossCompiler, TextureUnitsAreThePairsThatAreUsed) {
     struct Row {
         const char* name;
         String declarations;
-        String colour;
+        String color;
         Buffer<TextureUnitInfo> expected;
     };
     constexpr unsigned int NONE = TextureUnitInfo::NO_SAMPLER;
@@ -229,7 +229,7 @@ TEST(CrossCompiler, TextureUnitsAreThePairsThatAreUsed) {
     for (const Row& row : rows) {
         SCOPED_TRACE(row.name);
         const CompiledProgram program =
-            compileBoth(QUAD_VERTEX, makePixelText(row.declarations, "ovReturn(" + row.colour + ");"));
+            compileBoth(QUAD_VERTEX, makePixelText(row.declarations, "ovReturn(" + row.color + ");"));
         ASSERT_EQ(program.textureUnits.size(), row.expected.size());
         for (std::size_t i = 0; i < row.expected.size(); ++i) {
             EXPECT_TRUE(program.textureUnits[i] == row.expected[i])
@@ -312,7 +312,7 @@ TEST(CrossCompiler, StagesAreJoinedByName) {
     EXPECT_EQ(program.constantBuffers[1].stages, VERTEX_MASK);
     EXPECT_EQ(program.constantBuffers[1].name, "ConstantsVertex");
     EXPECT_EQ(program.constantBuffers[1].size, 64u);
-    EXPECT_EQ(program.colourOutputs, 2u);
+    EXPECT_EQ(program.colorOutputs, 2u);
     for (const SHADER_LANGUAGE language : BOTH_LANGUAGES) {
         SCOPED_TRACE(getLanguageName(language));
         const CompiledProgram compiled =
@@ -400,7 +400,7 @@ TEST(CrossCompiler, HlslNamesAreMatchedAsHlslDoes) {
     const CompiledProgram program = compileOrFail(makeProgram(HLSL, vertex, pixel));
     const Buffer<AttributeInfo> attributes = {{"POSITION", 0, 4}, {"TEXCOORD1", 5, 4}};
     EXPECT_TRUE(program.attributes == attributes);
-    EXPECT_EQ(program.colourOutputs, 1u);
+    EXPECT_EQ(program.colorOutputs, 1u);
 }
 
 TEST(CrossCompiler, MatrixAttributesTakeALocationARow) {
@@ -419,9 +419,9 @@ TEST(CrossCompiler, MatrixAttributesTakeALocationARow) {
     }
 }
 
-TEST(CrossCompiler, DepthOnlyProgramsWriteNoColour) {
-    EXPECT_EQ(compileOrFail(makeProgram(GLSL, QUAD_VERTEX, "void main () {}")).colourOutputs, 0u);
-    EXPECT_EQ(compileOrFail(makeProgram(HLSL, QUAD_VERTEX, "void main() {}")).colourOutputs, 0u);
+TEST(CrossCompiler, DepthOnlyProgramsWriteNoColor) {
+    EXPECT_EQ(compileOrFail(makeProgram(GLSL, QUAD_VERTEX, "void main () {}")).colorOutputs, 0u);
+    EXPECT_EQ(compileOrFail(makeProgram(HLSL, QUAD_VERTEX, "void main() {}")).colorOutputs, 0u);
 }
 
 TEST(CrossCompiler, WarningsAreCollected) {

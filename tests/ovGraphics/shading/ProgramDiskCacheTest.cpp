@@ -29,7 +29,7 @@ CachedProgram makeCached(const String& mark = "a") {
     cached.program.textureUnits = {
         {"a", 1, "s", 2, TEXTURE_TYPE::CUBE, true, false, 2},
         {"b", 3, "", TextureUnitInfo::NO_SAMPLER, TEXTURE_TYPE::TEXTURE_2D, false, true, 1}};
-    cached.program.colourOutputs = 2;
+    cached.program.colorOutputs = 2;
     cached.driverBinary = {0, 255, 10, 13, 0};
     cached.driverBinaryFormat = 0x8e21;
     return cached;

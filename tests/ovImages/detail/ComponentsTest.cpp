@@ -41,7 +41,7 @@ TEST(ComponentsTest, storedBitsAndWhatTheyReadAs) {
                           {COMPONENT_TYPE::FLOAT, 110000.0f, 0x47d6d800, 110000.0f},
                           {COMPONENT_TYPE::FLOAT, INFINITE, 0x7f800000, INFINITE}};
     for (const Case& c : cases) {
-        Image image(2, 2, 2, c.type, COLOUR_ENCODING::LINEAR);
+        Image image(2, 2, 2, c.type, COLOR_ENCODING::LINEAR);
         image.setComponent(1, 0, 1, c.value);
         std::uint32_t bits = 0;
         const std::size_t size = getComponentSize(c.type);
@@ -54,7 +54,7 @@ TEST(ComponentsTest, storedBitsAndWhatTheyReadAs) {
 
 TEST(ComponentsTest, nanIsKeptInFloatsAndNothingOutsideIsTouched) {
     for (const COMPONENT_TYPE type : {COMPONENT_TYPE::HALF, COMPONENT_TYPE::FLOAT}) {
-        Image image(1, 1, 1, type, COLOUR_ENCODING::LINEAR);
+        Image image(1, 1, 1, type, COLOR_ENCODING::LINEAR);
         image.setComponent(0, 0, 0, NAN_VALUE);
         EXPECT_TRUE(std::isnan(image.getComponent(0, 0, 0)));
         image.setComponent(1, 0, 0, 1.0f);
@@ -67,8 +67,8 @@ TEST(ComponentsTest, nanIsKeptInFloatsAndNothingOutsideIsTouched) {
 }
 
 TEST(ComponentsTest, everyIntegerReturnsAsItself) {
-    Image bytes(256, 1, 1, COMPONENT_TYPE::UINT8, COLOUR_ENCODING::SRGB);
-    Image shorts(65536, 1, 1, COMPONENT_TYPE::UINT16, COLOUR_ENCODING::SRGB);
+    Image bytes(256, 1, 1, COMPONENT_TYPE::UINT8, COLOR_ENCODING::SRGB);
+    Image shorts(65536, 1, 1, COMPONENT_TYPE::UINT16, COLOR_ENCODING::SRGB);
     for (unsigned i = 0; i < 65536; ++i) {
         shorts.setComponent(i, 0, 0, static_cast<float>(i) / 65535.0f);
         std::uint16_t stored = 0;

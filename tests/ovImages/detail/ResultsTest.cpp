@@ -84,7 +84,7 @@ TEST(ResultsTest, componentTypesThatAFormatLacks) {
         {exr, COMPONENT_TYPE::HALF, ""},
         {exr, COMPONENT_TYPE::FLOAT, ""}};
     for (const Case& c : cases) {
-        const EncodeResult result = c.encoder.encode(Image(2, 2, 3, c.type, COLOUR_ENCODING::LINEAR).view());
+        const EncodeResult result = c.encoder.encode(Image(2, 2, 3, c.type, COLOR_ENCODING::LINEAR).view());
         EXPECT_EQ(result.error, c.error);
         EXPECT_EQ(static_cast<bool>(result), c.error.empty());
     }
@@ -98,7 +98,7 @@ TEST(ResultsTest, whatAFormatCannotHoldIsWarnedOf) {
         const Encoder& encoder;
         COMPONENT_TYPE type;
         unsigned channels;
-        COLOUR_ENCODING encoding;
+        COLOR_ENCODING encoding;
         float alpha;
         ovMemory::String warning;
     };
@@ -106,18 +106,18 @@ TEST(ResultsTest, whatAFormatCannotHoldIsWarnedOf) {
     const ovMemory::String jpegLinear =
         "JPEG: the numbers are linear and stored as they are, but readers take them for sRGB";
     const Case cases[] = {
-        {jpg, COMPONENT_TYPE::UINT8, 3, COLOUR_ENCODING::SRGB, 0, ""},
-        {jpg, COMPONENT_TYPE::UINT8, 4, COLOUR_ENCODING::SRGB, 1, ""},
-        {jpg, COMPONENT_TYPE::UINT8, 4, COLOUR_ENCODING::SRGB, 0.5f, jpegAlpha},
-        {jpg, COMPONENT_TYPE::UINT8, 2, COLOUR_ENCODING::SRGB, 1, ""},
-        {jpg, COMPONENT_TYPE::UINT8, 2, COLOUR_ENCODING::LINEAR, 0, jpegAlpha + "; " + jpegLinear},
-        {hdr, COMPONENT_TYPE::FLOAT, 4, COLOUR_ENCODING::LINEAR, 0,
+        {jpg, COMPONENT_TYPE::UINT8, 3, COLOR_ENCODING::SRGB, 0, ""},
+        {jpg, COMPONENT_TYPE::UINT8, 4, COLOR_ENCODING::SRGB, 1, ""},
+        {jpg, COMPONENT_TYPE::UINT8, 4, COLOR_ENCODING::SRGB, 0.5f, jpegAlpha},
+        {jpg, COMPONENT_TYPE::UINT8, 2, COLOR_ENCODING::SRGB, 1, ""},
+        {jpg, COMPONENT_TYPE::UINT8, 2, COLOR_ENCODING::LINEAR, 0, jpegAlpha + "; " + jpegLinear},
+        {hdr, COMPONENT_TYPE::FLOAT, 4, COLOR_ENCODING::LINEAR, 0,
          "HDR: the format has no alpha, which was dropped"},
-        {hdr, COMPONENT_TYPE::HALF, 2, COLOUR_ENCODING::LINEAR, 1, ""},
-        {hdr, COMPONENT_TYPE::HALF, 3, COLOUR_ENCODING::SRGB, 0,
+        {hdr, COMPONENT_TYPE::HALF, 2, COLOR_ENCODING::LINEAR, 1, ""},
+        {hdr, COMPONENT_TYPE::HALF, 3, COLOR_ENCODING::SRGB, 0,
          "HDR: the numbers are sRGB-encoded and stored as they are, but readers take them for linear"},
-        {exr, COMPONENT_TYPE::HALF, 4, COLOUR_ENCODING::LINEAR, 0, ""},
-        {exr, COMPONENT_TYPE::FLOAT, 1, COLOUR_ENCODING::SRGB, 0,
+        {exr, COMPONENT_TYPE::HALF, 4, COLOR_ENCODING::LINEAR, 0, ""},
+        {exr, COMPONENT_TYPE::FLOAT, 1, COLOR_ENCODING::SRGB, 0,
          "EXR: the numbers are sRGB-encoded and stored as they are, but readers take them for linear"}};
     for (const Case& c : cases) {
         Image image(3, 2, c.channels, c.type, c.encoding);

@@ -136,7 +136,7 @@ Bytes makePng(const PngHeader& header, const ovMemory::Buffer<Bytes>& rows,
     Bytes start;
     putBig32(start, header.width);
     putBig32(start, header.height);
-    append(start, {header.bitDepth, header.colourType, 0, 0, header.interlace});
+    append(start, {header.bitDepth, header.colorType, 0, 0, header.interlace});
     putChunk(png, {"IHDR", start});
     for (const PngChunk& chunk : chunks)
         putChunk(png, chunk);

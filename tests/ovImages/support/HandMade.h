@@ -24,7 +24,7 @@ struct PngHeader {
     std::uint32_t width;
     std::uint32_t height;
     unsigned char bitDepth;
-    unsigned char colourType;
+    unsigned char colorType;
     unsigned char interlace = 0;
 };
 

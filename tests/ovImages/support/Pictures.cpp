@@ -21,7 +21,7 @@ using ovImages::COMPONENT_TYPE;
 using ovImages::Image;
 
 Image makePattern(unsigned width, unsigned height, unsigned channels, COMPONENT_TYPE type,
-                  ovImages::COLOUR_ENCODING encoding) {
+                  ovImages::COLOR_ENCODING encoding) {
     Image image(width, height, channels, type, encoding);
     const bool isFloat = type == COMPONENT_TYPE::HALF || type == COMPONENT_TYPE::FLOAT;
     unsigned state = 12345;
@@ -36,7 +36,7 @@ Image makePattern(unsigned width, unsigned height, unsigned channels, COMPONENT_
 }
 
 Image makeGradient(unsigned width, unsigned height, unsigned channels) {
-    Image image(width, height, channels, COMPONENT_TYPE::UINT8, ovImages::COLOUR_ENCODING::SRGB);
+    Image image(width, height, channels, COMPONENT_TYPE::UINT8, ovImages::COLOR_ENCODING::SRGB);
     for (unsigned y = 0; y < height; ++y)
         for (unsigned x = 0; x < width; ++x)
             for (unsigned c = 0; c < channels; ++c) {
@@ -83,7 +83,7 @@ Image decodeWithStb(ovMemory::BufferView<const unsigned char> file, COMPONENT_TY
         return {};
     const bool isFloat = type == COMPONENT_TYPE::FLOAT;
     Image image(static_cast<unsigned>(width), static_cast<unsigned>(height), static_cast<unsigned>(channels),
-                type, isFloat ? ovImages::COLOUR_ENCODING::LINEAR : ovImages::COLOUR_ENCODING::SRGB);
+                type, isFloat ? ovImages::COLOR_ENCODING::LINEAR : ovImages::COLOR_ENCODING::SRGB);
     std::memcpy(image.getBytes().data(), pixels, image.getBytes().size());
     stbi_image_free(pixels);
     return image;

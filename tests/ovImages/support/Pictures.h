@@ -7,7 +7,7 @@ namespace pictures {
 
 /// A picture whose components all differ from their neighbours, the same each time.
 ovImages::Image makePattern(unsigned width, unsigned height, unsigned channels, ovImages::COMPONENT_TYPE type,
-                            ovImages::COLOUR_ENCODING encoding);
+                            ovImages::COLOR_ENCODING encoding);
 
 /// A smooth one, as lossy formats like it, in 8 bits.
 ovImages::Image makeGradient(unsigned width, unsigned height, unsigned channels);

@@ -21,7 +21,7 @@ using Texel = std::array<unsigned char, 4>;
 /// A PNG of a row of pixels.
 inline ovMemory::Buffer<unsigned char> pngOf(std::initializer_list<Texel> texels, unsigned int channels = 4) {
     ovImages::Image image(static_cast<unsigned int>(texels.size()), 1, channels,
-                          ovImages::COMPONENT_TYPE::UINT8, ovImages::COLOUR_ENCODING::SRGB);
+                          ovImages::COMPONENT_TYPE::UINT8, ovImages::COLOR_ENCODING::SRGB);
     unsigned char* out = image.getBytes().data();
     for (const Texel& texel : texels)
         out = std::copy_n(texel.begin(), channels, out);

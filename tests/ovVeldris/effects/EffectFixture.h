@@ -65,7 +65,7 @@ protected:
         EXPECT_EQ(int(desc.filter), filter);
         EXPECT_EQ(int(desc.addressU), 3);
         EXPECT_EQ(int(desc.addressV), 3);
-        EXPECT_EQ(desc.borderColour, (std::array{0.0f, 0.0f, 0.0f, 0.0f}));
+        EXPECT_EQ(desc.borderColor, (std::array{0.0f, 0.0f, 0.0f, 0.0f}));
         EXPECT_EQ(desc.minLod, 0.0f);
         EXPECT_EQ(desc.maxLod, 0.0f);
         EXPECT_TRUE(sampler->getHidden());

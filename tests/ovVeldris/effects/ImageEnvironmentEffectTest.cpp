@@ -54,10 +54,10 @@ protected:
             for (unsigned int x = 0; x < width; ++x) {
                 const Vector seen = camera.getDirectionAtPixelWorld((float(x) + 0.5f) / float(width),
                                                                     (float(y) + 0.5f) / float(height));
-                const Colour colour =
+                const Color color =
                     environment.sample(normalized({double(seen.x), double(seen.y), double(seen.z)}), 0.0);
                 for (std::size_t i = 0; i < 4; ++i)
-                    picture.at(x, y)[i] = float(colour[i]);
+                    picture.at(x, y)[i] = float(color[i]);
             }
         return picture;
     }
@@ -230,20 +230,20 @@ TEST_P(ImageEnvironmentEffectTest, readsMipZeroOnly) {
         EXPECT_LT(pixel[0], 10.0f);
 }
 
-TEST_P(ImageEnvironmentEffectTest, keepsColourAndAlphaOfEveryKind) {
+TEST_P(ImageEnvironmentEffectTest, keepsColorAndAlphaOfEveryKind) {
     constexpr float INF = std::numeric_limits<float>::infinity();
     constexpr float NAN_VALUE = std::numeric_limits<float>::quiet_NaN();
     const auto camera = makeCamera(1.0f);
-    for (const FloatPixel& colour :
+    for (const FloatPixel& color :
          {FloatPixel{-3.0f, 110000.0f, 1e-20f, -2.0f}, FloatPixel{INF, -INF, NAN_VALUE, 1.0f}}) {
-        const auto fill = [&](const Direction&) { return colour; };
+        const auto fill = [&](const Direction&) { return color; };
         for (const Environment& environment : {makeCube(1, fill), makeMap(1, 1, fill)}) {
             const auto texture = makeEnvironment(environment);
             const auto effect = makeEffect(texture.get(), PROJECTION::AUTO, camera.get());
             for (const FloatPixel& pixel : draw(*effect->getShader(), 2, 2).pixels)
                 for (std::size_t i = 0; i < 4; ++i) {
-                    if (std::isfinite(colour[i])) {
-                        EXPECT_NEAR(pixel[i], colour[i], 1e-6f * std::abs(colour[i]));
+                    if (std::isfinite(color[i])) {
+                        EXPECT_NEAR(pixel[i], color[i], 1e-6f * std::abs(color[i]));
                     } else { // between two infinities a device may find NaN
                         EXPECT_FALSE(std::isfinite(pixel[i]));
                     }

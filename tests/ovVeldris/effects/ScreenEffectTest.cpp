@@ -205,7 +205,7 @@ TEST_P(ScreenEffectTest, setsOnlyTheSamplerSettingsGiven) {
     EXPECT_EQ(sampler->getDesc().filter, MIN_MAG_LINEAR_MIP_POINT);
     EXPECT_EQ(sampler->getDesc().addressU, ovGraphics::TEXTURE_ADDRESS::MIRROR);
     EXPECT_EQ(sampler->getDesc().addressV, ovGraphics::TEXTURE_ADDRESS::WRAP);
-    EXPECT_EQ(sampler->getDesc().borderColour, (std::array{1.0f, 2.0f, 3.0f, 4.0f}));
+    EXPECT_EQ(sampler->getDesc().borderColor, (std::array{1.0f, 2.0f, 3.0f, 4.0f}));
     EXPECT_EQ(sampler->getDesc().maxLod, 2.0f);
     EXPECT_FALSE(sampler->getHidden());
     EXPECT_FALSE(sampler->isUnloaded());
@@ -218,7 +218,7 @@ TEST_P(ScreenEffectTest, setsOnlyTheSamplerSettingsGiven) {
     EXPECT_EQ(sampler->getDesc().addressU, ovGraphics::TEXTURE_ADDRESS::BORDER);
     EXPECT_EQ(sampler->getDesc().addressV, ovGraphics::TEXTURE_ADDRESS::BORDER);
     EXPECT_EQ(sampler->getDesc().addressW, ovGraphics::TEXTURE_ADDRESS::CLAMP);
-    EXPECT_EQ(sampler->getDesc().borderColour, (std::array{5.0f, 6.0f, 7.0f, 8.0f}));
+    EXPECT_EQ(sampler->getDesc().borderColor, (std::array{5.0f, 6.0f, 7.0f, 8.0f}));
     EXPECT_EQ(sampler->getDesc().minLod, 0.0f);
     EXPECT_EQ(sampler->getDesc().maxLod, 0.0f);
     EXPECT_TRUE(sampler->getHidden());

@@ -64,14 +64,14 @@ struct OperatorCase {
 
     FloatPixel expected(const FloatPixel& pixel) const {
         using namespace toneMappingReference;
-        const Colour colour = {pixel[0], pixel[1], pixel[2]};
-        Colour result;
+        const Color color = {pixel[0], pixel[1], pixel[2]};
+        Color result;
         if (tone == OPERATOR::REINHARD)
-            result = reinhard(colour, {white.x, white.y, white.z}, onLuminance);
+            result = reinhard(color, {white.x, white.y, white.z}, onLuminance);
         else if (tone == OPERATOR::HABLES)
-            result = hables(colour, curve, onLuminance);
+            result = hables(color, curve, onLuminance);
         else
-            result = aces(colour, look);
+            result = aces(color, look);
         return {float(result[0]), float(result[1]), float(result[2]), pixel[3]};
     }
 };
@@ -278,7 +278,7 @@ TEST_P(ToneMappingEffectTest, drawsEveryOperatorLikeItsReference) {
     }
 }
 
-TEST_P(ToneMappingEffectTest, passesColourThroughWithoutAnOperator) {
+TEST_P(ToneMappingEffectTest, passesColorThroughWithoutAnOperator) {
     const auto effect = makeEffect(CASES[0], nullptr);
     const auto program =
         makeProgram(effect->getShader()->getProgram()->getSources().getPixel().text, {"LUMINANCE"});

@@ -8,22 +8,22 @@
 
 namespace toneMappingReference {
 
-using Colour = std::array<double, 3>;
+using Color = std::array<double, 3>;
 
-inline double luminance(const Colour& c) {
+inline double luminance(const Color& c) {
     return 0.2126 * c[0] + 0.7152 * c[1] + 0.0722 * c[2];
 }
 
-inline Colour scaled(const Colour& c, double factor) {
+inline Color scaled(const Color& c, double factor) {
     return {c[0] * factor, c[1] * factor, c[2] * factor};
 }
 
-inline Colour reinhard(const Colour& c, const Colour& white, bool onLuminance) {
+inline Color reinhard(const Color& c, const Color& white, bool onLuminance) {
     if (onLuminance) {
         const double L = luminance(c), Lw = luminance(white);
         return scaled(c, (1.0 + L / (Lw * Lw)) / (1.0 + L));
     }
-    Colour result;
+    Color result;
     for (std::size_t i = 0; i < 3; ++i)
         result[i] = c[i] * (1.0 + c[i] / (white[i] * white[i])) / (1.0 + c[i]);
     return result;
@@ -80,8 +80,8 @@ private:
     Power _toe, _shoulder;
 };
 
-inline Colour hables(const Colour& c, const ovVeldris::ToneMappingHablesCurveDescriptor& descriptor,
-                     bool onLuminance) {
+inline Color hables(const Color& c, const ovVeldris::ToneMappingHablesCurveDescriptor& descriptor,
+                    bool onLuminance) {
     const HablesCurve curve(descriptor);
     if (!onLuminance)
         return {curve(c[0]), curve(c[1]), curve(c[2])};
@@ -89,14 +89,14 @@ inline Colour hables(const Colour& c, const ovVeldris::ToneMappingHablesCurveDes
     return scaled(c, L == 0.0 ? 0.0 : curve(L) / L);
 }
 
-inline Colour transformed(const double (&m)[3][3], const Colour& c) {
-    Colour result;
+inline Color transformed(const double (&m)[3][3], const Color& c) {
+    Color result;
     for (std::size_t row = 0; row < 3; ++row)
         result[row] = m[row][0] * c[0] + m[row][1] * c[1] + m[row][2] * c[2];
     return result;
 }
 
-inline Colour aces(const Colour& c, const ovMaths::Matrix& look) {
+inline Color aces(const Color& c, const ovMaths::Matrix& look) {
     constexpr double TO_ACESCG[3][3] = {{0.6131178129, 0.3411819959, 0.0457873443},
                                         {0.0699340823, 0.9181030375, 0.0119327755},
                                         {0.0204629926, 0.1067686634, 0.8727159106}};
@@ -104,7 +104,7 @@ inline Colour aces(const Colour& c, const ovMaths::Matrix& look) {
     for (int row = 0; row < 3; ++row)
         for (int column = 0; column < 3; ++column)
             lookRows[row][column] = look.m[row][column];
-    Colour result = transformed(lookRows, transformed(TO_ACESCG, c));
+    Color result = transformed(lookRows, transformed(TO_ACESCG, c));
     for (double& x : result) {
         const double numerator = x * x + 1.2813760808003791 * x + 0.015375055634866651;
         const double denominator =

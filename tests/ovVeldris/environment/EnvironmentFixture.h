@@ -58,10 +58,10 @@ protected:
         FloatPicture picture(size, size);
         for (unsigned int y = 0; y < size; ++y)
             for (unsigned int x = 0; x < size; ++x) {
-                const environmentReference::Colour colour =
+                const environmentReference::Color color =
                     function(environmentReference::texelDirection(face, x, y, size));
                 for (std::size_t i = 0; i < 4; ++i)
-                    picture.at(x, y)[i] = float(colour[i]);
+                    picture.at(x, y)[i] = float(color[i]);
             }
         return picture;
     }

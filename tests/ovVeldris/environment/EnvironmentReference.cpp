@@ -11,7 +11,7 @@ Direction cross(const Direction& a, const Direction& b) {
 }
 
 /// Adds a weighted pixel; a weight of 0 adds nothing, also of NaN.
-void add(Colour& sum, const FloatPixel& pixel, double weight) {
+void add(Color& sum, const FloatPixel& pixel, double weight) {
     for (std::size_t i = 0; i < 4 && weight != 0.0; ++i)
         sum[i] += weight * double(pixel[i]);
 }
@@ -106,7 +106,7 @@ Direction Frame::toWorld(const Direction& local) const {
     return world;
 }
 
-Colour Environment::sampleMap(double u, double v, unsigned int mip) const {
+Color Environment::sampleMap(double u, double v, unsigned int mip) const {
     const FloatPicture& picture = mips[mip][0];
     const int width = int(picture.width);
     const int height = int(picture.height);
@@ -114,7 +114,7 @@ Colour Environment::sampleMap(double u, double v, unsigned int mip) const {
     const double y = v * height - 0.5;
     const int left = int(std::floor(x));
     const int top = int(std::floor(y));
-    Colour sum{};
+    Color sum{};
     for (int dy = 0; dy < 2; ++dy)
         for (int dx = 0; dx < 2; ++dx)
             add(sum, picture.at(unsigned(wrap(left + dx, width)), unsigned(wrap(top + dy, height))),
@@ -122,7 +122,7 @@ Colour Environment::sampleMap(double u, double v, unsigned int mip) const {
     return sum;
 }
 
-Colour Environment::_sampleCube(const Direction& direction, unsigned int mip) const {
+Color Environment::_sampleCube(const Direction& direction, unsigned int mip) const {
     const ovMemory::Buffer<FloatPicture>& faces = mips[mip];
     const int size = int(faces[0].width);
     const FacePlace place = placeOf(direction);
@@ -131,7 +131,7 @@ Colour Environment::_sampleCube(const Direction& direction, unsigned int mip) co
     const int left = int(std::floor(x));
     const int top = int(std::floor(y));
     const auto isOutside = [size](int i) { return i < 0 || i >= size; };
-    Colour sum{};
+    Color sum{};
     for (int dy = 0; dy < 2; ++dy)
         for (int dx = 0; dx < 2; ++dx) {
             const double weight = (dx ? x - left : 1.0 - (x - left)) * (dy ? y - top : 1.0 - (y - top));
@@ -147,7 +147,7 @@ Colour Environment::_sampleCube(const Direction& direction, unsigned int mip) co
     return sum;
 }
 
-Colour Environment::sample(const Direction& direction, double level) const {
+Color Environment::sample(const Direction& direction, double level) const {
     const double clamped = std::clamp(level, 0.0, double(mips.size() - 1));
     const auto sampleMip = [&](unsigned int mip) {
         if (cube)
@@ -158,23 +158,23 @@ Colour Environment::sample(const Direction& direction, double level) const {
     };
     const unsigned int fine = unsigned(clamped);
     const double share = clamped - fine;
-    Colour colour = sampleMip(fine);
+    Color color = sampleMip(fine);
     if (share == 0.0)
-        return colour;
-    const Colour coarse = sampleMip(fine + 1);
+        return color;
+    const Color coarse = sampleMip(fine + 1);
     for (std::size_t i = 0; i < 4; ++i)
-        colour[i] += share * (coarse[i] - colour[i]);
-    return colour;
+        color[i] += share * (coarse[i] - color[i]);
+    return color;
 }
 
-Colour filter(const Environment& environment, const Direction& normal, double roughness) {
+Color filter(const Environment& environment, const Direction& normal, double roughness) {
     constexpr unsigned int COUNT = 1024;
     constexpr double PI = 3.14159;
     const Frame frame(normal);
     const double resolution = 0.5 * environment.mips[0][0].height;
     const double saTexel = 4.0 * PI / (6.0 * resolution * resolution);
     const double a = roughness * roughness;
-    Colour sum{};
+    Color sum{};
     double weights = 0.0;
     for (uint32_t i = 0; i < COUNT; ++i) {
         const double xiX = double(i) / COUNT;
@@ -195,7 +195,7 @@ Colour filter(const Environment& environment, const Direction& normal, double ro
         const double pdf = a * a / (PI * root * root) / 4.0 + 0.0001;
         const double saSample = 1.0 / (COUNT * pdf + 0.0001);
         const double mip = roughness == 0.0 ? 0.0 : 0.5 * std::log2(saSample / saTexel);
-        const Colour light = environment.sample(l, mip);
+        const Color light = environment.sample(l, mip);
         for (std::size_t k = 0; k < 3; ++k)
             sum[k] += light[k] * dotNL;
         weights += dotNL;

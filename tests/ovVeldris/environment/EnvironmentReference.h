@@ -11,7 +11,7 @@
 namespace environmentReference {
 
 using Direction = std::array<double, 3>;
-using Colour = std::array<double, 4>;
+using Color = std::array<double, 4>;
 
 Direction normalized(const Direction& direction);
 double dot(const Direction& a, const Direction& b);
@@ -31,12 +31,12 @@ struct Environment {
 
     /// Linear between texels and mips, which a level outside the chain stays at the ends of. A cube is read
     /// across its edges; a map repeats both ways.
-    Colour sample(const Direction& direction, double level) const;
+    Color sample(const Direction& direction, double level) const;
     /// One mip of a map, place in texture coordinates.
-    Colour sampleMap(double u, double v, unsigned int mip) const;
+    Color sampleMap(double u, double v, unsigned int mip) const;
 
 private:
-    Colour _sampleCube(const Direction& direction, unsigned int mip) const;
+    Color _sampleCube(const Direction& direction, unsigned int mip) const;
 };
 
 /// A cube whose texels are a function's values in their directions; every mip is sampled anew.
@@ -82,7 +82,7 @@ private:
 };
 
 /// The filter's sum over 1024 half vectors for a normal; resolution is half the height of the environment.
-Colour filter(const Environment& environment, const Direction& normal, double roughness);
+Color filter(const Environment& environment, const Direction& normal, double roughness);
 
 /// The integral that the filter's sum estimates, over a fine grid of directions, without mips:
 /// L(l) n.l D(h) / (4 v.h) with v = n, over the same without L.

@@ -70,7 +70,7 @@ struct DirectionShader {
     }
 };
 
-Colour directionColour(const Direction& d) {
+Color directionColor(const Direction& d) {
     return {d[0], d[1], d[2], 1.0};
 }
 
@@ -113,7 +113,7 @@ TEST_P(EnvironmentRendererTest, rendersFacesInTheCubesConvention) {
         for (unsigned int face = 0; face < 6; ++face)
             // Interpolated and normalised: a few roundings of 6e-8.
             EXPECT_TRUE(picturesMatch("cubemap_directions", readSlice(*output, face, 0),
-                                      drawFace(face, size, directionColour), {.worst = 5e-7f, .mean = 1e-7f}))
+                                      drawFace(face, size, directionColor), {.worst = 5e-7f, .mean = 1e-7f}))
                 << "size " << size << ", face " << face;
     }
 }
@@ -186,9 +186,9 @@ TEST_P(EnvironmentRendererTest, unwrapsACubePerTexel) {
         FloatPicture expected(row.width, row.height);
         for (unsigned int y = 0; y < row.height; ++y)
             for (unsigned int x = 0; x < row.width; ++x) {
-                const Colour colour =
+                const Color color =
                     cube.sample(mapDirection((x + 0.5) / row.width, (y + 0.5) / row.height), 0.0);
-                expected.at(x, y) = {float(colour[0]), float(colour[1]), float(colour[2]), 1.0f};
+                expected.at(x, y) = {float(color[0]), float(color[1]), float(color[2]), 1.0f};
             }
         // Sines and cosines of the driver, right to 1e-6, move the place by that; texels next to each other
         // differ by up to 10 over 1/32 and less of the sphere.

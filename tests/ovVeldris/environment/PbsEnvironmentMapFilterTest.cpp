@@ -116,7 +116,7 @@ TEST_P(PbsEnvironmentMapFilterTest, keepsAConstantAtEveryMip) {
     const auto output = filtered(*fromMap, GetParam() == ovGraphics::SHADER_LANGUAGE::GLSL ? 256 : 32);
     EXPECT_EQ(output->getMipCount(), GetParam() == ovGraphics::SHADER_LANGUAGE::GLSL ? 7u : 4u);
     const auto expected = [&](const Direction&, double) {
-        return Colour{double(light[0]), double(light[1]), double(light[2]), 1.0};
+        return Color{double(light[0]), double(light[1]), double(light[2]), 1.0};
     };
     // A sum of 1024 terms, rounded at each.
     const PictureLimits limits = {.worst = 2e-5f, .mean = 1e-5f, .floor = 0.01f};
@@ -149,7 +149,7 @@ TEST_P(PbsEnvironmentMapFilterTest, comesOutInTheCubesFaceConvention) {
     const auto output = filtered(*input, 32);
     for (unsigned int face = 0; face < 6; ++face) {
         const FloatPicture expected = drawFace(face, 32, [](const Direction& d) {
-            return Colour{d[0], d[1], d[2], 1.0};
+            return Color{d[0], d[1], d[2], 1.0};
         });
         // Chords of texels of 0.025 rad miss the sphere by an eighth of their square.
         EXPECT_TRUE(picturesMatch("filter_faces", readSlice(*output, face, 0), expected,
@@ -181,7 +181,7 @@ TEST_P(PbsEnvironmentMapFilterTest, spreadsALightAsTheLobeDoes) {
             const FloatPicture actual = readSlice(*output, face, mip);
             const FloatPicture expected = drawFace(face, actual.width, [&](const Direction& n) {
                 const double value = integrateLobe(disc, n, double(roughnessOf(mip, 4)), 128);
-                return Colour{value, value, value, 1.0};
+                return Color{value, value, value, 1.0};
             });
             // An estimate with 1024 samples and texels of 0.025 rad and more; the disc's edge is what they
             // miss.
@@ -284,7 +284,7 @@ TEST_P(PbsEnvironmentMapFilterTest, endsItsMipsAtFourTexels) {
         EXPECT_EQ(filtered(*input, row.resolution)->getMipCount(), row.mips) << row.resolution;
 }
 
-TEST_P(PbsEnvironmentMapFilterTest, keepsColoursOfCompressedAndGammaCorrectedInput) {
+TEST_P(PbsEnvironmentMapFilterTest, keepsColorsOfCompressedAndGammaCorrectedInput) {
     // One block of one colour: both ends are 565 red 31, green 0, blue 15, all indices 0.
     const unsigned char block[] = {0x0f, 0xf8, 0x0f, 0xf8, 0, 0, 0, 0};
     for (const bool gammaCorrected : {false, true}) {

@@ -13,7 +13,7 @@ class PbsMaterialLiveTest : public PbsMaterialFixture {};
 
 INSTANTIATE_TEST_SUITE_P(, PbsMaterialLiveTest, bothLanguages(), languageName);
 
-TEST_P(PbsMaterialLiveTest, ColoursAndFactorsReachALoadedShaderAtOnce) {
+TEST_P(PbsMaterialLiveTest, ColorsAndFactorsReachALoadedShaderAtOnce) {
     load();
     for (const ColorProperty& row : COLORS) {
         EXPECT_EQ(vector(row.slot), row.byDefault) << row.name;
@@ -32,7 +32,7 @@ TEST_P(PbsMaterialLiveTest, ColoursAndFactorsReachALoadedShaderAtOnce) {
     EXPECT_EQ(vector(ALPHA), Vector(0.75f, 0.5f));
 }
 
-TEST_P(PbsMaterialLiveTest, ColoursAndFactorsBesideTheirTexturesReachItWithTheMixSwitchOnly) {
+TEST_P(PbsMaterialLiveTest, ColorsAndFactorsBesideTheirTexturesReachItWithTheMixSwitchOnly) {
     const auto giveTextures = [&] {
         for (const auto& row : VECTOR_TEXTURES)
             (material().*row.set)(texture(), THREE_CHANNEL_PACK::RGB);
@@ -74,7 +74,7 @@ TEST_P(PbsMaterialLiveTest, ColoursAndFactorsBesideTheirTexturesReachItWithTheMi
     }
 }
 
-TEST_P(PbsMaterialLiveTest, TheEnvironmentColourOfAMapWithoutIrradianceStaysAsLoaded) {
+TEST_P(PbsMaterialLiveTest, TheEnvironmentColorOfAMapWithoutIrradianceStaysAsLoaded) {
     material().setEnvironmentTexture(texture(), THREE_CHANNEL_PACK::RGB, true);
     material().setEnvironmentColor({0.5f, 0.25f, 0.125f});
     load();

@@ -49,7 +49,7 @@ TEST_F(PbsParametersTreeTest, WritesTheDefaults) {
     EXPECT_EQ(exportText(), LIGHT + COLORS + FACTORS + "}");
 }
 
-TEST_F(PbsParametersTreeTest, WritesTexturesInsteadOfColoursAndFactors) {
+TEST_F(PbsParametersTreeTest, WritesTexturesInsteadOfColorsAndFactors) {
     parameters.albedoTexture = texture("a");
     parameters.albedoTextureChannels = THREE_CHANNEL_PACK::BGR;
     parameters.specularTexture = texture("b");
@@ -143,14 +143,14 @@ TEST_F(PbsParametersTreeTest, EveryMemberIsOptionalAndOfItsKind) {
     EXPECT_EQ(graphics.getTextureManager()->getCount(), 0u);
 }
 
-TEST_F(PbsParametersTreeTest, ATextureObjectHidesTheColourAndTheFactor) {
+TEST_F(PbsParametersTreeTest, ATextureObjectHidesTheColorAndTheFactor) {
     parameters.albedoColor = {1.0f, 2.0f, 3.0f};
     parameters.metalness = 0.25f;
-    const ovMemory::String colour = R"j("albedoColor":"Vec(9, 9, 9, 9)","metalnessValue":9)j";
-    importText(R"j({"albedoTexture":{},"metalnessTexture":{},)j" + colour + "}");
+    const ovMemory::String color = R"j("albedoColor":"Vec(9, 9, 9, 9)","metalnessValue":9)j";
+    importText(R"j({"albedoTexture":{},"metalnessTexture":{},)j" + color + "}");
     EXPECT_EQ(parameters.albedoColor, ovMaths::Vector(1.0f, 2.0f, 3.0f));
     EXPECT_EQ(parameters.metalness, 0.25f);
-    importText(R"j({"albedoTexture":"a","metalnessTexture":1,)j" + colour + "}");
+    importText(R"j({"albedoTexture":"a","metalnessTexture":1,)j" + color + "}");
     EXPECT_EQ(parameters.albedoColor, ovMaths::Vector(9.0f, 9.0f, 9.0f, 9.0f));
     EXPECT_EQ(parameters.metalness, 9.0f);
 }

@@ -449,7 +449,7 @@ FloatPicture PbsPictureFixture::_drawMesh(ovGraphics::Shader& shader, const PbsS
     const auto target = makeTarget(SIZE, SIZE);
     const auto compositor = Compositor::create(&getGraphics());
     CompositorOperationsBlock* block = compositor->appendNode()->appendOperationsBlock();
-    block->appendClearPass()->setColour(0, UNDRAWN[0], UNDRAWN[1], UNDRAWN[2], UNDRAWN[3]);
+    block->appendClearPass()->setColor(0, UNDRAWN[0], UNDRAWN[1], UNDRAWN[2], UNDRAWN[3]);
     ScenePass* pass = block->appendScenePass();
     pass->setRenderQueue(queue.get());
     pass->setCamera(camera.get());

@@ -98,7 +98,7 @@ TEST_P(PbsShaderBindingsTest, MakesTheShadowSamplerOnFirstUse) {
     EXPECT_EQ(unsigned(desc.filter), 149u);
     EXPECT_EQ(unsigned(desc.addressU), 4u);
     EXPECT_EQ(unsigned(desc.addressV), 4u);
-    EXPECT_EQ(desc.borderColour, (std::array{1.0f, 1.0f, 1.0f, 1.0f}));
+    EXPECT_EQ(desc.borderColor, (std::array{1.0f, 1.0f, 1.0f, 1.0f}));
     EXPECT_EQ(unsigned(desc.comparison), 4u);
     made->setAddressU(ovGraphics::TEXTURE_ADDRESS::CLAMP);
     bind(parameters);

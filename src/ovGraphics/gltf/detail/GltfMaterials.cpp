@@ -73,7 +73,7 @@ private:
         GltfUvSource uvs;
     };
 
-    bool _readTexture(const GltfObject& owner, StringView slot, bool colour, int& texture) {
+    bool _readTexture(const GltfObject& owner, StringView slot, bool color, int& texture) {
         const GltfObject info = owner.getObject(slot);
         if (!info.readIndex("index", _scene.textures.size(), "textures", texture))
             return false;
@@ -82,7 +82,7 @@ private:
         // Noted on the texture, because one image may be a colour to one material and data to another; then
         // it is needed in both encodings.
         GltfTexture& used = _scene.textures[static_cast<std::size_t>(texture)];
-        (colour ? used.usedAsColour : used.usedAsData) = true;
+        (color ? used.usedAsColor : used.usedAsData) = true;
         _uses.push_back({slot, readUvSource(info)});
         return true;
     }

@@ -169,7 +169,7 @@ void describe(auto& archive, auto& value) requires
     archive.list(value.program.attributes);
     archive.list(value.program.constantBuffers);
     archive.list(value.program.textureUnits);
-    archive.number(value.program.colourOutputs);
+    archive.number(value.program.colorOutputs);
     archive.binary(value.driverBinary);
     archive.number(value.driverBinaryFormat);
 }

@@ -20,7 +20,7 @@ constexpr std::array<StringView, 5> FIXED_ATTRIBUTES = {"POSITION", "NORMAL", "T
 constexpr unsigned int MAX_ATTRIBUTE_LOCATIONS = 16;   // what every device of OpenGL 4.5 offers
 constexpr unsigned int MAX_VARYING_LOCATIONS = 31;     // 128 components less the position
 constexpr unsigned int MAX_CONSTANT_BUFFER_SLOTS = 14; // of a stage, on every device of OpenGL 4.5
-constexpr unsigned int MAX_COLOUR_OUTPUTS = 8;
+constexpr unsigned int MAX_COLOR_OUTPUTS = 8;
 
 /// Fixed attributes in the table's order, then the others by name.
 // Sorted by name and not by declaration: HLSL and GLSL declare inputs in different orders, and both must get
@@ -217,13 +217,13 @@ void numberUnits(StageInterface& stage, const Buffer<TextureUnitInfo>& units) {
     }
 }
 
-String countColourOutputs(const Buffer<StageVariable>& outputs, unsigned int& count) {
+String countColorOutputs(const Buffer<StageVariable>& outputs, unsigned int& count) {
     for (const StageVariable& output : outputs) {
         count = std::max(count, output.location + output.locations);
     }
-    if (count > MAX_COLOUR_OUTPUTS) {
+    if (count > MAX_COLOR_OUTPUTS) {
         return fmt::format("the colour outputs reach to target {}; {} targets are offered", count - 1,
-                           MAX_COLOUR_OUTPUTS);
+                           MAX_COLOR_OUTPUTS);
     }
     return {};
 }
@@ -246,7 +246,7 @@ JoinError joinStages(StageInterface& vertex, StageInterface& pixel, CompiledProg
         words = collectUnits(vertex, pixel, program.textureUnits);
     }
     if (words.empty()) {
-        words = countColourOutputs(pixel.outputs, program.colourOutputs);
+        words = countColorOutputs(pixel.outputs, program.colorOutputs);
     }
     std::sort(program.constantBuffers.begin(), program.constantBuffers.end(),
               [](const auto& a, const auto& b) { return a.slot < b.slot; });

@@ -9,7 +9,7 @@
 namespace ovVeldris::detail {
 
 using ovGraphics::GltfMaterial;
-using ovImages::COLOUR_ENCODING;
+using ovImages::COLOR_ENCODING;
 using ovMaths::Vector;
 using ovMemory::String;
 
@@ -23,22 +23,22 @@ constexpr float LOWEST_ROUGHNESS = 0.045f;
 const Vector WHITE(1.0f, 1.0f, 1.0f);
 
 // By way of the text itself, so that it is exactly what reading a saved file gives.
-Vector rounded(const Vector& colour) {
+Vector rounded(const Vector& color) {
     Vector result;
-    result.fromString(colour.toString());
+    result.fromString(color.toString());
     return result;
 }
 
-Vector colourOf(const Vector& vector) {
+Vector colorOf(const Vector& vector) {
     return {vector.x, vector.y, vector.z};
 }
 
 Vector diffuseOf(const Vector& baseColor, float metalness) {
-    return colourOf(baseColor) * (1.0f - metalness);
+    return colorOf(baseColor) * (1.0f - metalness);
 }
 
 Vector reflectanceOf(const Vector& baseColor, float metalness) {
-    return WHITE * (DIELECTRIC_REFLECTANCE * (1.0f - metalness)) + colourOf(baseColor) * metalness;
+    return WHITE * (DIELECTRIC_REFLECTANCE * (1.0f - metalness)) + colorOf(baseColor) * metalness;
 }
 
 /// Sets a material up from one of a file.
@@ -64,8 +64,8 @@ public:
     }
 
 private:
-    ovGraphics::Texture* _colour(int texture) { return _textures.get(texture, COLOUR_ENCODING::SRGB); }
-    ovGraphics::Texture* _data(int texture) { return _textures.get(texture, COLOUR_ENCODING::LINEAR); }
+    ovGraphics::Texture* _color(int texture) { return _textures.get(texture, COLOR_ENCODING::SRGB); }
+    ovGraphics::Texture* _data(int texture) { return _textures.get(texture, COLOR_ENCODING::LINEAR); }
 
     void _setAlbedo(ovGraphics::Texture* texture, const Vector& factor) {
         _material.setAlbedoTexture(texture, THREE_CHANNEL_PACK::RGB);
@@ -88,8 +88,8 @@ private:
 
     void _buildGlossiness() {
         _material.setPbsModel(PBS_MODEL::SPECULAR_GLOSSINESS);
-        _setAlbedo(_colour(_source.baseColorTexture), colourOf(_source.baseColor));
-        ovGraphics::Texture* reflectance = _colour(_source.specularGlossinessTexture);
+        _setAlbedo(_color(_source.baseColorTexture), colorOf(_source.baseColor));
+        ovGraphics::Texture* reflectance = _color(_source.specularGlossinessTexture);
         _setSpecular(reflectance, _source.specular);
         _setRoughnessGlossiness(reflectance, ONE_CHANNEL_PACK::A,
                                 reflectance ? _source.glossiness
@@ -113,7 +113,7 @@ private:
         if (_source.metallicRoughnessTexture < 0 || _source.metallic == 0.0f)
             return _source.metallic;
         const LinearPicture surface =
-            _textures.read(_source.metallicRoughnessTexture, COLOUR_ENCODING::LINEAR);
+            _textures.read(_source.metallicRoughnessTexture, COLOR_ENCODING::LINEAR);
         const float first = surface.read(0, 0, surface.getWidth(), surface.getHeight()).z;
         for (unsigned int y = 0; y < surface.getHeight(); ++y) {
             for (unsigned int x = 0; x < surface.getWidth(); ++x) {
@@ -127,13 +127,13 @@ private:
     void _buildUniform(float metalness) {
         const bool isMetal = metalness == 1.0f;
         const bool isDielectric = metalness == 0.0f;
-        ovGraphics::Texture* base = _colour(_source.baseColorTexture);
+        ovGraphics::Texture* base = _color(_source.baseColorTexture);
         // Metals scatter nothing, and reading a texture to multiply it by black would be a waste.
         _setAlbedo(isMetal ? nullptr : base, diffuseOf(_source.baseColor, metalness));
         if (!base || isDielectric)
             _setSpecular(nullptr, reflectanceOf(_source.baseColor, metalness));
         else if (isMetal)
-            _setSpecular(base, colourOf(_source.baseColor));
+            _setSpecular(base, colorOf(_source.baseColor));
         else
             // A picture of one pixel that holds the metalness, so that one function serves both cases.
             _buildReflectance(LinearPicture(Vector(1.0f, 1.0f, metalness / _source.metallic)));
@@ -141,15 +141,15 @@ private:
 
     void _buildVarying() {
         const LinearPicture surface =
-            _textures.read(_source.metallicRoughnessTexture, COLOUR_ENCODING::LINEAR);
-        const LinearPicture base = _textures.read(_source.baseColorTexture, COLOUR_ENCODING::SRGB);
+            _textures.read(_source.metallicRoughnessTexture, COLOR_ENCODING::LINEAR);
+        const LinearPicture base = _textures.read(_source.baseColorTexture, COLOR_ENCODING::SRGB);
         const unsigned int width = std::max(base.getWidth(), surface.getWidth());
         const unsigned int height = std::max(base.getHeight(), surface.getHeight());
         _setAlbedo(_textures.compute(
-                       _source.name + " diffuse", width, height, COLOUR_ENCODING::SRGB, _sampled(),
+                       _source.name + " diffuse", width, height, COLOR_ENCODING::SRGB, _sampled(),
                        [&](unsigned int x, unsigned int y) {
-                           const Vector colour = base.read(x, y, width, height) * _source.baseColor;
-                           Vector result = diffuseOf(colour, _metalnessAt(surface, x, y, width, height));
+                           const Vector color = base.read(x, y, width, height) * _source.baseColor;
+                           Vector result = diffuseOf(color, _metalnessAt(surface, x, y, width, height));
                            // The alpha comes along, because blended and masked materials read it from this
                            // texture.
                            result.w = base.read(x, y, width, height).w;
@@ -160,16 +160,16 @@ private:
     }
 
     void _buildReflectance(const LinearPicture& surface) {
-        const LinearPicture base = _textures.read(_source.baseColorTexture, COLOUR_ENCODING::SRGB);
+        const LinearPicture base = _textures.read(_source.baseColorTexture, COLOR_ENCODING::SRGB);
         const unsigned int width = std::max(base.getWidth(), surface.getWidth());
         const unsigned int height = std::max(base.getHeight(), surface.getHeight());
         const auto reflectance = [&](unsigned int x, unsigned int y) {
-            const Vector colour = base.read(x, y, width, height) * _source.baseColor;
-            Vector result = reflectanceOf(colour, _metalnessAt(surface, x, y, width, height));
+            const Vector color = base.read(x, y, width, height) * _source.baseColor;
+            Vector result = reflectanceOf(color, _metalnessAt(surface, x, y, width, height));
             result.w = 1.0f;
             return result;
         };
-        _setSpecular(_textures.compute(_source.name + " reflectance", width, height, COLOUR_ENCODING::SRGB,
+        _setSpecular(_textures.compute(_source.name + " reflectance", width, height, COLOR_ENCODING::SRGB,
                                        _sampled(), reflectance),
                      WHITE);
     }
@@ -185,15 +185,15 @@ private:
     }
 
     void _buildEmission() {
-        ovGraphics::Texture* texture = _colour(_source.emissiveTexture);
+        ovGraphics::Texture* texture = _color(_source.emissiveTexture);
         _material.setEmissiveTexture(texture, THREE_CHANNEL_PACK::RGB);
         _material.setEmissiveColor(rounded(_source.emissive));
         _material.setMixEmissiveColorAndTexture(texture && rounded(_source.emissive) != WHITE);
         if (!_source.unlit)
             return;
         // Its own colour, whatever the light: emitted, with nothing left to reflect.
-        _material.setEmissiveTexture(_colour(_source.baseColorTexture), THREE_CHANNEL_PACK::RGB);
-        _material.setEmissiveColor(rounded(colourOf(_source.baseColor)));
+        _material.setEmissiveTexture(_color(_source.baseColorTexture), THREE_CHANNEL_PACK::RGB);
+        _material.setEmissiveColor(rounded(colorOf(_source.baseColor)));
         _material.setMixEmissiveColorAndTexture(_source.baseColorTexture >= 0);
         _setAlbedo(nullptr, Vector());
         _setSpecular(nullptr, Vector());
@@ -206,7 +206,7 @@ private:
         ovGraphics::Texture* texture = _material.getAlbedoTexture();
         // A metal has no albedo texture, but its alpha is still in the file's.
         if (!texture)
-            texture = _colour(_source.baseColorTexture);
+            texture = _color(_source.baseColorTexture);
         _material.setAlphaTexture(texture, ONE_CHANNEL_PACK::A);
         _material.setAlpha(_source.baseColor.w);
         _material.setMixAlphaFactorAndTexture(texture && _source.baseColor.w != 1.0f);
@@ -244,11 +244,11 @@ private:
 
     template <typename Adjust>
     ovGraphics::Texture* _adjusted(ovMemory::StringView suffix, int texture, Adjust adjust) {
-        const LinearPicture picture = _textures.read(texture, COLOUR_ENCODING::LINEAR);
+        const LinearPicture picture = _textures.read(texture, COLOR_ENCODING::LINEAR);
         const unsigned int width = picture.getWidth();
         const unsigned int height = picture.getHeight();
         return _textures.compute(
-            _source.name + String(suffix), width, height, COLOUR_ENCODING::LINEAR, texture,
+            _source.name + String(suffix), width, height, COLOR_ENCODING::LINEAR, texture,
             [&](unsigned int x, unsigned int y) { return adjust(picture.read(x, y, width, height)); });
     }
 

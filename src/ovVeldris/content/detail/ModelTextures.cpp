@@ -13,7 +13,7 @@
 
 namespace ovVeldris::detail {
 
-using ovImages::COLOUR_ENCODING;
+using ovImages::COLOR_ENCODING;
 using ovImages::COMPONENT_TYPE;
 using ovImages::Image;
 using ovMaths::Vector;
@@ -46,15 +46,15 @@ Neighbours neighboursOf(unsigned int at, unsigned int count, unsigned int size) 
 
 } // namespace
 
-LinearPicture::LinearPicture(const Vector& colour)
-    : _image(1, 1, 4, COMPONENT_TYPE::FLOAT, COLOUR_ENCODING::LINEAR) {
-    const float components[] = {colour.x, colour.y, colour.z, colour.w};
+LinearPicture::LinearPicture(const Vector& color)
+    : _image(1, 1, 4, COMPONENT_TYPE::FLOAT, COLOR_ENCODING::LINEAR) {
+    const float components[] = {color.x, color.y, color.z, color.w};
     for (unsigned int channel = 0; channel < 4; ++channel)
         _image.setComponent(0, 0, channel, components[channel]);
 }
 
 LinearPicture::LinearPicture(Image image)
-    : _image(convertImage(image.view(), COMPONENT_TYPE::FLOAT, 4, COLOUR_ENCODING::LINEAR)) {}
+    : _image(convertImage(image.view(), COMPONENT_TYPE::FLOAT, 4, COLOR_ENCODING::LINEAR)) {}
 
 Vector LinearPicture::_pixel(unsigned int x, unsigned int y) const {
     float components[4];
@@ -78,7 +78,7 @@ ModelTextures::ModelTextures(ovGraphics::System& graphics, const ovGraphics::Glt
     , _scene(scene)
     , _warnings(warnings) {}
 
-ovGraphics::Texture* ModelTextures::get(int texture, COLOUR_ENCODING encoding) {
+ovGraphics::Texture* ModelTextures::get(int texture, COLOR_ENCODING encoding) {
     if (texture < 0)
         return nullptr;
     // By encoding too: a texture that one material reads as colour and another as data becomes two.
@@ -93,16 +93,16 @@ ovGraphics::Texture* ModelTextures::get(int texture, COLOUR_ENCODING encoding) {
     return made;
 }
 
-LinearPicture ModelTextures::read(int texture, COLOUR_ENCODING encoding) {
+LinearPicture ModelTextures::read(int texture, COLOR_ENCODING encoding) {
     Image image = _decode(texture, encoding);
     return image.isEmpty() ? LinearPicture(Vector(1.0f, 1.0f, 1.0f, 1.0f)) : LinearPicture(std::move(image));
 }
 
 ovGraphics::Texture*
-ModelTextures::compute(StringView name, unsigned int width, unsigned int height, COLOUR_ENCODING encoding,
+ModelTextures::compute(StringView name, unsigned int width, unsigned int height, COLOR_ENCODING encoding,
                        int like, const std::function<Vector(unsigned int x, unsigned int y)>& pixel) {
     // Floats in between, and rounded once at the end.
-    Image image(width, height, 4, COMPONENT_TYPE::FLOAT, COLOUR_ENCODING::LINEAR);
+    Image image(width, height, 4, COMPONENT_TYPE::FLOAT, COLOR_ENCODING::LINEAR);
     for (unsigned int y = 0; y < height; ++y) {
         for (unsigned int x = 0; x < width; ++x) {
             const Vector value = pixel(x, y);
@@ -116,7 +116,7 @@ ModelTextures::compute(StringView name, unsigned int width, unsigned int height,
 }
 
 // The picture of a texture; empty, with one warning for each image, when it is missing.
-Image ModelTextures::_decode(int texture, COLOUR_ENCODING encoding) {
+Image ModelTextures::_decode(int texture, COLOR_ENCODING encoding) {
     if (texture < 0)
         return {};
     const int index = _scene.textures[static_cast<std::size_t>(texture)].image;
@@ -136,12 +136,12 @@ Image ModelTextures::_decode(int texture, COLOUR_ENCODING encoding) {
 
 ovGraphics::Texture* ModelTextures::_add(StringView name, const Image& image, int like) {
     // Grey pictures become colours, for shaders read the channels that the material names.
-    const Image colours = image.getChannels() == 4
-                              ? image
-                              : convertImage(image.view(), image.getComponentType(), 4, image.getEncoding());
+    const Image colors = image.getChannels() == 4
+                             ? image
+                             : convertImage(image.view(), image.getComponentType(), 4, image.getEncoding());
     ovGraphics::Texture* texture = _graphics.getTextureManager()->createOrRetrieve(_freeName(name));
     const bool mipmapped = like < 0 || _scene.textures[static_cast<std::size_t>(like)].mipmapped;
-    texture->setFromImage(colours.view());
+    texture->setFromImage(colors.view());
     texture->setMipCount(mipmapped ? FULL_CHAIN : 1);
     texture->setMightManuallyGenerateMip(mipmapped);
     if (!texture->load())

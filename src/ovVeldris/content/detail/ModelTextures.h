@@ -19,7 +19,7 @@ namespace ovVeldris::detail {
 class OV_API LinearPicture {
 public:
     /// One pixel of a colour.
-    explicit LinearPicture(const ovMaths::Vector& colour);
+    explicit LinearPicture(const ovMaths::Vector& color);
     explicit LinearPicture(ovImages::Image image);
 
     unsigned int getWidth() const { return _image.getWidth(); }
@@ -46,22 +46,22 @@ public:
                   ovMemory::Buffer<ovMemory::String>& warnings);
 
     /// A texture of the file as a shader reads it; null for -1. A missing picture gives the stand-in.
-    ovGraphics::Texture* get(int texture, ovImages::COLOUR_ENCODING encoding);
+    ovGraphics::Texture* get(int texture, ovImages::COLOR_ENCODING encoding);
 
     /// The picture behind a texture; one white pixel for -1 and for a missing picture.
-    LinearPicture read(int texture, ovImages::COLOUR_ENCODING encoding);
+    LinearPicture read(int texture, ovImages::COLOR_ENCODING encoding);
 
     /// A texture of 8 bits a component whose pixels a function computes from the place in it.
     /// @param like gives the sampler: a texture of the file or -1
     ovGraphics::Texture* compute(ovMemory::StringView name, unsigned int width, unsigned int height,
-                                 ovImages::COLOUR_ENCODING encoding, int like,
+                                 ovImages::COLOR_ENCODING encoding, int like,
                                  const std::function<ovMaths::Vector(unsigned int x, unsigned int y)>& pixel);
 
     /// Everything made so far.
     const ovMemory::Buffer<Made>& getMade() const { return _made; }
 
 private:
-    ovImages::Image _decode(int texture, ovImages::COLOUR_ENCODING encoding);
+    ovImages::Image _decode(int texture, ovImages::COLOR_ENCODING encoding);
     ovGraphics::Texture* _add(ovMemory::StringView name, const ovImages::Image& image, int like);
     ovGraphics::Sampler* _makeSampler(ovMemory::StringView name, int like);
     ovMemory::String _freeName(ovMemory::StringView wanted) const;
@@ -69,7 +69,7 @@ private:
     ovGraphics::System& _graphics;
     const ovGraphics::GltfScene& _scene;
     ovMemory::Buffer<ovMemory::String>& _warnings;
-    std::map<std::pair<int, ovImages::COLOUR_ENCODING>, ovGraphics::Texture*> _ofFile;
+    std::map<std::pair<int, ovImages::COLOR_ENCODING>, ovGraphics::Texture*> _ofFile;
     std::map<int, bool> _reported; ///< images that a warning was written for
     ovMemory::Buffer<Made> _made;
 };

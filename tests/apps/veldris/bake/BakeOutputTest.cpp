@@ -33,7 +33,7 @@ veldris::CubeMap smallCube() {
 }
 
 /// Whether the colours of a written picture are those of another, exactly.
-bool hasColours(const Image& written, const ovImages::ImageView& expected) {
+bool hasColors(const Image& written, const ovImages::ImageView& expected) {
     if (written.getWidth() != expected.width || written.getHeight() != expected.height)
         return false;
     const auto* values = reinterpret_cast<const float*>(expected.bytes.data());
@@ -119,7 +119,7 @@ TEST_F(BakeOutputTest, writesAFileForEachFaceAndMip) {
     ASSERT_EQ(files.paths.size(), 18u);
     EXPECT_EQ(files.paths[6], _folder.getPath("1_px.exr"));
     for (unsigned int i = 0; i < 18; ++i)
-        EXPECT_TRUE(hasColours(readImage(files.paths[i]), veldris::faceOf(cube.mips[i / 6], i % 6)))
+        EXPECT_TRUE(hasColors(readImage(files.paths[i]), veldris::faceOf(cube.mips[i / 6], i % 6)))
             << files.paths[i];
 }
 
@@ -127,7 +127,7 @@ TEST_F(BakeOutputTest, withoutAPlaceForMipsWritesTheFirst) {
     const veldris::CubeMap cube = smallCube();
     const BakeFiles files = write({.path = _folder.getPath("{face}.exr"), .form = BAKE_FORM::FACES}, cube);
     ASSERT_EQ(files.paths.size(), 6u);
-    EXPECT_TRUE(hasColours(readImage(files.paths[3]), veldris::faceOf(cube.mips[0], 3)));
+    EXPECT_TRUE(hasColors(readImage(files.paths[3]), veldris::faceOf(cube.mips[0], 3)));
 }
 
 TEST_F(BakeOutputTest, crossesFoldBackToTheFaces) {
@@ -136,7 +136,7 @@ TEST_F(BakeOutputTest, crossesFoldBackToTheFaces) {
     ASSERT_EQ(files.paths.size(), 3u);
     for (unsigned int mip = 0; mip < 3; ++mip) {
         const Image cross = readImage(files.paths[mip]);
-        EXPECT_TRUE(hasColours(veldris::facesOfCross(cross.view()), cube.mips[mip].view()));
+        EXPECT_TRUE(hasColors(veldris::facesOfCross(cross.view()), cube.mips[mip].view()));
         EXPECT_EQ(cross.getComponent(0, 0, 0), 0.0f);
     }
 }
@@ -153,11 +153,11 @@ TEST_F(BakeOutputTest, keepsTheComponentsThatWereAskedFor) {
         ASSERT_EQ(back.mips.size(), 3u);
         EXPECT_EQ(back.mips[0].getComponentType(), type);
         for (unsigned int mip = 0; mip < 3; ++mip)
-            EXPECT_TRUE(hasColours(back.mips[mip], cube.mips[mip].view()));
+            EXPECT_TRUE(hasColors(back.mips[mip], cube.mips[mip].view()));
     }
 }
 
-TEST_F(BakeOutputTest, displayFormatsGetEncodedColours) {
+TEST_F(BakeOutputTest, displayFormatsGetEncodedColors) {
     Image panorama = floatImage(2, 1);
     panorama.setComponent(0, 0, 0, 0.2158f);
     panorama.setComponent(1, 0, 1, 7.0f);

@@ -12,7 +12,7 @@ constexpr unsigned int SIDE = 3;
 /// A mip each of whose pixels has a number of its own.
 Image numberedMip(unsigned int side) {
     Image mip(side, side * veldris::FACE_COUNT, 1, ovImages::COMPONENT_TYPE::FLOAT,
-              ovImages::COLOUR_ENCODING::LINEAR);
+              ovImages::COLOR_ENCODING::LINEAR);
     for (unsigned int y = 0; y < mip.getHeight(); ++y) {
         for (unsigned int x = 0; x < side; ++x)
             mip.setComponent(x, y, 0, static_cast<float>(1 + y * side + x));
@@ -63,7 +63,7 @@ TEST(CrossLayoutTest, whatWasUnfoldedFoldsBack) {
 TEST(CrossLayoutTest, theLastFaceOfAVerticalCrossIsTurned) {
     const Image mip = numberedMip(SIDE);
     const Image horizontal = veldris::crossOfFaces(mip);
-    Image vertical(3 * SIDE, 4 * SIDE, 1, ovImages::COMPONENT_TYPE::FLOAT, ovImages::COLOUR_ENCODING::LINEAR);
+    Image vertical(3 * SIDE, 4 * SIDE, 1, ovImages::COMPONENT_TYPE::FLOAT, ovImages::COLOR_ENCODING::LINEAR);
     for (unsigned int y = 0; y < 3 * SIDE; ++y) {
         for (unsigned int x = 0; x < 3 * SIDE; ++x)
             vertical.setComponent(x, y, 0, horizontal.getComponent(x, y, 0));

@@ -27,9 +27,9 @@ Image uniformFaces(unsigned int side, float red, float green, float blue) {
     Image image = floatImage(side, 6 * side);
     for (unsigned int y = 0; y < 6 * side; ++y) {
         for (unsigned int x = 0; x < side; ++x) {
-            const float colour[] = {red, green, blue, 1.0f};
+            const float color[] = {red, green, blue, 1.0f};
             for (unsigned int channel = 0; channel < 4; ++channel)
-                image.setComponent(x, y, channel, colour[channel]);
+                image.setComponent(x, y, channel, color[channel]);
         }
     }
     return image;
@@ -106,7 +106,7 @@ TEST_F(CubeBakingTest, finePicturesAreAveragedRatherThanSkipped) {
     }
 }
 
-TEST_F(CubeBakingTest, prefilteringKeepsOneColour) {
+TEST_F(CubeBakingTest, prefilteringKeepsOneColor) {
     const CubeMap baked = prefiltered(inputOf(uniformFaces(16, 0.25f, 3.0f, 1000.0f), true), 32);
     ASSERT_EQ(baked.mips.size(), 4u); // 32, 16, 8, 4
     for (const Image& mip : baked.mips) {

@@ -68,9 +68,9 @@ TEST(CubeFilePartsTest, onlyWholeCubesHaveHeaders) {
     EXPECT_EQ(header.mipCount, 2u);
     EXPECT_EQ(header.type, COMPONENT_TYPE::FLOAT);
     CubeMap eightBits;
-    eightBits.mips.emplace_back(1, 6, 4, COMPONENT_TYPE::UINT8, ovImages::COLOUR_ENCODING::LINEAR);
+    eightBits.mips.emplace_back(1, 6, 4, COMPONENT_TYPE::UINT8, ovImages::COLOR_ENCODING::LINEAR);
     CubeMap threeChannels;
-    threeChannels.mips.emplace_back(1, 6, 3, COMPONENT_TYPE::HALF, ovImages::COLOUR_ENCODING::LINEAR);
+    threeChannels.mips.emplace_back(1, 6, 3, COMPONENT_TYPE::HALF, ovImages::COLOR_ENCODING::LINEAR);
     CubeMap oddMip = countingCube(4, 2, COMPONENT_TYPE::HALF);
     oddMip.mips[1] = oddMip.mips[0];
     CubeMap tooMany = countingCube(1, 2, COMPONENT_TYPE::HALF);

@@ -13,7 +13,7 @@ inline veldris::CubeMap countingCube(unsigned int side, unsigned int mipCount,
     unsigned char next = 0;
     for (unsigned int mip = 0; mip < mipCount; ++mip) {
         const unsigned int mipSide = std::max(side >> mip, 1u);
-        cube.mips.emplace_back(mipSide, mipSide * 6, 4, type, ovImages::COLOUR_ENCODING::LINEAR);
+        cube.mips.emplace_back(mipSide, mipSide * 6, 4, type, ovImages::COLOR_ENCODING::LINEAR);
         for (unsigned char& byte : cube.mips.back().getBytes())
             byte = next++;
     }

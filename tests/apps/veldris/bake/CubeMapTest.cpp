@@ -7,7 +7,7 @@ namespace {
 using ovImages::Image;
 
 TEST(CubeMapTest, facesLieBelowEachOther) {
-    Image mip(2, 12, 3, ovImages::COMPONENT_TYPE::FLOAT, ovImages::COLOUR_ENCODING::LINEAR);
+    Image mip(2, 12, 3, ovImages::COMPONENT_TYPE::FLOAT, ovImages::COLOR_ENCODING::LINEAR);
     for (unsigned int y = 0; y < 12; ++y)
         mip.setComponent(1, y, 2, static_cast<float>(y));
     for (unsigned int face = 0; face < veldris::FACE_COUNT; ++face) {
@@ -23,7 +23,7 @@ TEST(CubeMapTest, facesLieBelowEachOther) {
 TEST(CubeMapTest, theSideIsThatOfTheFirstMip) {
     veldris::CubeMap cube;
     EXPECT_EQ(cube.getSide(), 0u);
-    cube.mips.emplace_back(5, 30, 4, ovImages::COMPONENT_TYPE::HALF, ovImages::COLOUR_ENCODING::LINEAR);
+    cube.mips.emplace_back(5, 30, 4, ovImages::COMPONENT_TYPE::HALF, ovImages::COLOR_ENCODING::LINEAR);
     EXPECT_EQ(cube.getSide(), 5u);
 }
 

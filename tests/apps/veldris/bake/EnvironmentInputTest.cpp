@@ -86,7 +86,7 @@ TEST_F(EnvironmentInputTest, readsPanoramasOfAllFormatsAsLinearFloats) {
     for (const char* name : {"p.exr", "p.hdr", "p.png", "p.jpg"}) {
         const bool hasFloats = String(name).ends_with("r");
         Image image(4, 2, 3, hasFloats ? ovImages::COMPONENT_TYPE::FLOAT : ovImages::COMPONENT_TYPE::UINT8,
-                    hasFloats ? ovImages::COLOUR_ENCODING::LINEAR : ovImages::COLOUR_ENCODING::SRGB);
+                    hasFloats ? ovImages::COLOR_ENCODING::LINEAR : ovImages::COLOR_ENCODING::SRGB);
         for (unsigned int i = 0; i < 4 * 2 * 3; ++i)
             image.setComponent(i / 3 % 4, i / 12, i % 3, 0.5f);
         writeImage(_folder.getPath(name), image);

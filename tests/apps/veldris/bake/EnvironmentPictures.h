@@ -40,7 +40,7 @@ inline void setDirection(ovImages::Image& image, unsigned int x, unsigned int y,
 }
 
 inline ovImages::Image floatImage(unsigned int width, unsigned int height, unsigned int channels = 4) {
-    return {width, height, channels, ovImages::COMPONENT_TYPE::FLOAT, ovImages::COLOUR_ENCODING::LINEAR};
+    return {width, height, channels, ovImages::COMPONENT_TYPE::FLOAT, ovImages::COLOR_ENCODING::LINEAR};
 }
 
 inline ovImages::Image directionPanorama(unsigned int height) {

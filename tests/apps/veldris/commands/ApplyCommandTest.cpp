@@ -7,7 +7,7 @@
 
 namespace {
 
-using ovImages::COLOUR_ENCODING;
+using ovImages::COLOR_ENCODING;
 using ovImages::COMPONENT_TYPE;
 using ovImages::Image;
 
@@ -18,7 +18,7 @@ protected:
         const bool floats =
             ovMemory::StringView(name).ends_with("exr") || ovMemory::StringView(name).ends_with("hdr");
         Image image(2, 1, 3, floats ? COMPONENT_TYPE::FLOAT : COMPONENT_TYPE::UINT8,
-                    floats ? COLOUR_ENCODING::LINEAR : COLOUR_ENCODING::SRGB);
+                    floats ? COLOR_ENCODING::LINEAR : COLOR_ENCODING::SRGB);
         for (unsigned int x = 0; x < 2; ++x) {
             for (unsigned int channel = 0; channel < 3; ++channel)
                 image.setComponent(x, 0, channel, value);

@@ -20,7 +20,7 @@ inline ovMemory::String writeQuad(const TemporaryFolder& folder, const ovMemory:
     buffer.write(reinterpret_cast<const char*>(indices), sizeof(indices));
     buffer.close();
 
-    ovImages::Image picture(2, 2, 3, ovImages::COMPONENT_TYPE::UINT8, ovImages::COLOUR_ENCODING::SRGB);
+    ovImages::Image picture(2, 2, 3, ovImages::COMPONENT_TYPE::UINT8, ovImages::COLOR_ENCODING::SRGB);
     for (unsigned int i = 0; i < 4; ++i) { // red, green; blue, white
         for (unsigned int channel = 0; channel < 3; ++channel)
             picture.setComponent(i % 2, i / 2, channel, i == 3 || i == channel ? 1.0f : 0.0f);

@@ -6,7 +6,7 @@
 
 namespace {
 
-using ovImages::COLOUR_ENCODING;
+using ovImages::COLOR_ENCODING;
 using ovImages::COMPONENT_TYPE;
 using ovImages::Image;
 using veldris::ChainOptions;
@@ -39,7 +39,7 @@ protected:
 };
 
 Image onePixel(float red, float green, float blue, float alpha) {
-    Image image(1, 1, 4, COMPONENT_TYPE::FLOAT, COLOUR_ENCODING::LINEAR);
+    Image image(1, 1, 4, COMPONENT_TYPE::FLOAT, COLOR_ENCODING::LINEAR);
     image.setComponent(0, 0, 0, red);
     image.setComponent(0, 0, 1, green);
     image.setComponent(0, 0, 2, blue);
@@ -67,7 +67,7 @@ TEST_P(EffectChainTest, effectsFollowEachOther) {
 
 TEST_P(EffectChainTest, panoramasAreLookedInto) {
     // Four columns of different light: the middle of a panorama is +x, a quarter further on +z.
-    Image panorama(4, 2, 4, COMPONENT_TYPE::FLOAT, COLOUR_ENCODING::LINEAR);
+    Image panorama(4, 2, 4, COMPONENT_TYPE::FLOAT, COLOR_ENCODING::LINEAR);
     for (unsigned int y = 0; y < 2; ++y)
         for (unsigned int x = 0; x < 4; ++x)
             for (unsigned int channel = 0; channel < 4; ++channel)
@@ -93,21 +93,21 @@ TEST_P(EffectChainTest, panoramasAreLookedInto) {
 }
 
 TEST_P(EffectChainTest, encodedPicturesStayAsTheyAreUntilSomethingElseIsWanted) {
-    Image image(2, 1, 3, COMPONENT_TYPE::UINT8, COLOUR_ENCODING::SRGB);
+    Image image(2, 1, 3, COMPONENT_TYPE::UINT8, COLOR_ENCODING::SRGB);
     image.setComponent(0, 0, 1, 128.0f / 255.0f);
     ChainOptions options;
     options.input = PICTURE_CONTENT::SRGB_ENCODED;
     const ChainResult kept = run(image, "texture-copy", options);
     ASSERT_TRUE(kept) << kept.error;
     EXPECT_FLOAT_EQ(kept.image->getComponent(0, 0, 1), 128.0f / 255.0f);
-    EXPECT_EQ(kept.image->getEncoding(), COLOUR_ENCODING::SRGB);
+    EXPECT_EQ(kept.image->getEncoding(), COLOR_ENCODING::SRGB);
 
     // A conversion at the end is the writer's: the numbers stay.
     options.output = PICTURE_CONTENT::DISPLAY_LINEAR;
     const ChainResult atTheEnd = run(image, "texture-copy", options);
     ASSERT_TRUE(atTheEnd) << atTheEnd.error;
     EXPECT_FLOAT_EQ(atTheEnd.image->getComponent(0, 0, 1), 128.0f / 255.0f);
-    EXPECT_EQ(atTheEnd.image->getEncoding(), COLOUR_ENCODING::SRGB);
+    EXPECT_EQ(atTheEnd.image->getEncoding(), COLOR_ENCODING::SRGB);
 }
 
 TEST_P(EffectChainTest, conversionsBetweenEffectsArePasses) {
@@ -148,7 +148,7 @@ TEST_P(EffectChainTest, wrongOrdersAreRefusedUnlessRaw) {
 }
 
 TEST_P(EffectChainTest, pictureTooLargeForTheDeviceIsOneClearLine) {
-    const Image image(100000, 1, 4, COMPONENT_TYPE::UINT8, COLOUR_ENCODING::SRGB);
+    const Image image(100000, 1, 4, COMPONENT_TYPE::UINT8, COLOR_ENCODING::SRGB);
     ChainOptions options;
     options.input = PICTURE_CONTENT::SRGB_ENCODED;
     const ChainResult result = run(image, "texture-copy", options);

@@ -185,7 +185,7 @@ TEST(DeclarationCheckTest, checksTextures) {
         EXPECT_EQ(checkMembers(members), problems) << members;
 }
 
-TEST(DeclarationCheckTest, tellsOfReplacedColoursAndNumbers) {
+TEST(DeclarationCheckTest, tellsOfReplacedColorsAndNumbers) {
     struct Case {
         const char* member;
         const char* value;

@@ -45,10 +45,10 @@ protected:
 };
 
 Image floats(unsigned int width, unsigned int height) {
-    return {width, height, 4, ovImages::COMPONENT_TYPE::FLOAT, ovImages::COLOUR_ENCODING::LINEAR};
+    return {width, height, 4, ovImages::COMPONENT_TYPE::FLOAT, ovImages::COLOR_ENCODING::LINEAR};
 }
 
-TEST_P(PictureShaderTest, coloursAreConvertedByTheTransferFunction) {
+TEST_P(PictureShaderTest, colorsAreConvertedByTheTransferFunction) {
     constexpr float NUMBERS[] = {-0.5f,  0.0f,  0.001f, 0.0031308f, 0.0032f, 0.02f, 0.04045f,
                                  0.041f, 0.18f, 0.5f,   0.9f,       1.0f,    1.5f,  16.0f};
     Image source = floats(unsigned(std::size(NUMBERS)), 1);

@@ -7,7 +7,7 @@
 
 namespace {
 
-using ovImages::COLOUR_ENCODING;
+using ovImages::COLOR_ENCODING;
 using ovImages::COMPONENT_TYPE;
 using ovImages::Image;
 
@@ -26,7 +26,7 @@ protected:
 };
 
 TEST_F(PictureTexturesTest, uploadedNumbersAreFloatsAndNotConverted) {
-    Image picture(2, 1, 3, COMPONENT_TYPE::UINT8, COLOUR_ENCODING::SRGB);
+    Image picture(2, 1, 3, COMPONENT_TYPE::UINT8, COLOR_ENCODING::SRGB);
     picture.setComponent(1, 0, 2, 128.0f / 255.0f);
     const auto texture = veldris::uploadPicture(_session.getGraphics(), picture.view());
     ASSERT_NE(texture, nullptr);
@@ -38,7 +38,7 @@ TEST_F(PictureTexturesTest, uploadedNumbersAreFloatsAndNotConverted) {
 }
 
 TEST_F(PictureTexturesTest, whatTheDeviceCannotHoldIsNull) {
-    const Image wide(100000, 1, 4, COMPONENT_TYPE::UINT8, COLOUR_ENCODING::SRGB);
+    const Image wide(100000, 1, 4, COMPONENT_TYPE::UINT8, COLOR_ENCODING::SRGB);
     EXPECT_EQ(veldris::uploadPicture(_session.getGraphics(), wide.view()), nullptr);
     EXPECT_EQ(
         veldris::makeTarget(_session.getGraphics(), "wide", ovGraphics::FORMAT::R8G8B8A8_UNORM, 100000, 1),
@@ -47,7 +47,7 @@ TEST_F(PictureTexturesTest, whatTheDeviceCannotHoldIsNull) {
 }
 
 TEST_F(PictureTexturesTest, aShaderIsDrawnOverTheWholeTarget) {
-    Image picture(3, 2, 4, COMPONENT_TYPE::FLOAT, COLOUR_ENCODING::LINEAR);
+    Image picture(3, 2, 4, COMPONENT_TYPE::FLOAT, COLOR_ENCODING::LINEAR);
     for (unsigned int x = 0; x < 3; ++x)
         picture.setComponent(x, 1, 1, static_cast<float>(x) + 0.5f);
     ovGraphics::System& graphics = _session.getGraphics();

@@ -21,7 +21,7 @@ protected:
         String error;
         ASSERT_TRUE(_session.open(options, error)) << error;
         _panorama =
-            ovImages::Image(4, 2, 4, ovImages::COMPONENT_TYPE::FLOAT, ovImages::COLOUR_ENCODING::LINEAR);
+            ovImages::Image(4, 2, 4, ovImages::COMPONENT_TYPE::FLOAT, ovImages::COLOR_ENCODING::LINEAR);
     }
 
     /// A loaded cube of two mips whose texels tell their place.

@@ -11,7 +11,7 @@
 namespace {
 
 ovImages::Image panoramaOf(float value) {
-    ovImages::Image image(32, 16, 3, ovImages::COMPONENT_TYPE::FLOAT, ovImages::COLOUR_ENCODING::LINEAR);
+    ovImages::Image image(32, 16, 3, ovImages::COMPONENT_TYPE::FLOAT, ovImages::COLOR_ENCODING::LINEAR);
     for (unsigned int y = 0; y < 16; ++y)
         for (unsigned int x = 0; x < 32; ++x)
             for (unsigned int channel = 0; channel < 3; ++channel)

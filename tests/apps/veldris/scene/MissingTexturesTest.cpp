@@ -31,7 +31,7 @@ protected:
         return _session.getGraphics().getTextureManager()->createOrRetrieve(name);
     }
     void write(const char* name, float grey) {
-        ovImages::Image image(1, 1, 1, ovImages::COMPONENT_TYPE::UINT8, ovImages::COLOUR_ENCODING::SRGB);
+        ovImages::Image image(1, 1, 1, ovImages::COMPONENT_TYPE::UINT8, ovImages::COLOR_ENCODING::SRGB);
         image.setComponent(0, 0, 0, grey);
         ASSERT_TRUE(ovImages::CompositeEncoder().encodeFile(_folder.getPath(name), image.view()));
     }

@@ -26,7 +26,7 @@ TEST(PanoramasTest, putDirectionsWhereFiltersReadThem) {
 }
 
 TEST(PanoramasTest, photographsAreReversedAndTurned) {
-    ovImages::Image photograph(4, 2, 1, ovImages::COMPONENT_TYPE::FLOAT, ovImages::COLOUR_ENCODING::LINEAR);
+    ovImages::Image photograph(4, 2, 1, ovImages::COMPONENT_TYPE::FLOAT, ovImages::COLOR_ENCODING::LINEAR);
     for (unsigned int y = 0; y < 2; ++y)
         for (unsigned int x = 0; x < 4; ++x)
             photograph.setComponent(x, y, 0, static_cast<float>(10 * y + x));

@@ -48,11 +48,11 @@ protected:
     }
 
     /// A loaded diffuse material that nothing but the light reaches.
-    ovMemory::UniquePtr<PbsMaterial> makeDiffuse(ScenePicture& picture, const Vector& colour,
+    ovMemory::UniquePtr<PbsMaterial> makeDiffuse(ScenePicture& picture, const Vector& color,
                                                  float alpha = 1.0f) {
         auto material = PbsMaterial::create(&_session.getSystem());
         material->setReconstructBinormals(false);
-        material->setAlbedoColor(colour);
+        material->setAlbedoColor(color);
         material->setMetalness(0.0f);
         material->setRoughnessGlossiness(1.0f);
         material->setAlpha(alpha);
@@ -96,7 +96,7 @@ constexpr unsigned int MIDDLE = 16;
 /// covers. The slate shows four texels side by side, of which the picture's address decides the last two.
 ovGraphics::GltfScene makeSlate(ovGraphics::TEXTURE_ADDRESS address) {
     ovGraphics::GltfScene scene;
-    ovImages::Image picture(2, 1, 4, ovImages::COMPONENT_TYPE::UINT8, ovImages::COLOUR_ENCODING::SRGB);
+    ovImages::Image picture(2, 1, 4, ovImages::COMPONENT_TYPE::UINT8, ovImages::COLOR_ENCODING::SRGB);
     picture.setComponent(0, 0, 3, 1.0f);
     scene.images.push_back({"holes", ovImages::PngEncoder().encode(picture.view()).bytes});
     ovGraphics::GltfTexture& texture = scene.textures.emplace_back();
@@ -143,7 +143,7 @@ TEST_P(ScenePictureTest, showsTheBackgroundAndWhatIsInFrontOfIt) {
     picture->getSolid().addEntity(_ground.get(), material->getShader(), nullptr);
     const ovImages::Image image = draw(*picture);
     ASSERT_EQ(image.getWidth(), 32u);
-    EXPECT_EQ(image.getEncoding(), ovImages::COLOUR_ENCODING::LINEAR);
+    EXPECT_EQ(image.getEncoding(), ovImages::COLOR_ENCODING::LINEAR);
     EXPECT_EQ(pixel(image, 0, 0), Vector(0.25f, 0.5f, 0.75f, 1.0f));
     // Lit at right angles by white of 1; without metalness the surface reflects nothing head-on.
     const Vector lit = pixel(image, MIDDLE, MIDDLE);
@@ -297,7 +297,7 @@ TEST_P(ScenePictureTest, materialsSayHowTheyAreLitWhenTheSettingsDoNot) {
 
 TEST_P(ScenePictureTest, mirrorsShowTheEnvironmentTheRightWayRound) {
     // A colour for each axis, told by the largest component of the direction.
-    const auto axisColour = [](const Vector& d) {
+    const auto axisColor = [](const Vector& d) {
         const float x = std::abs(d.x);
         const float y = std::abs(d.y);
         const float z = std::abs(d.z);
@@ -310,7 +310,7 @@ TEST_P(ScenePictureTest, mirrorsShowTheEnvironmentTheRightWayRound) {
     ovMemory::String warning;
     ovMemory::String error;
     const auto light = veldris::EnvironmentLight::create(
-        _session, veldris::drawPanorama(128, axisColour).view(), warning, error);
+        _session, veldris::drawPanorama(128, axisColor).view(), warning, error);
     ASSERT_TRUE(light) << error;
     _settings.lightBesideEnvironment = false;
     const auto picture = makePicture();
@@ -332,7 +332,7 @@ TEST_P(ScenePictureTest, mirrorsShowTheEnvironmentTheRightWayRound) {
     // it.
     struct Case {
         unsigned int x, y;
-        Vector colour;
+        Vector color;
         const char* what;
     };
     const Case cases[] = {
@@ -343,7 +343,7 @@ TEST_P(ScenePictureTest, mirrorsShowTheEnvironmentTheRightWayRound) {
         {MIDDLE, MIDDLE + 5, {1.0f, 1.0f, 0.0f}, "below is -y"},
         {1, 1, {1.0f, 0.0f, 1.0f}, "behind the sphere is +z"}};
     for (const Case& current : cases)
-        EXPECT_LT(Vector::distanceVec3(pixel(image, current.x, current.y), current.colour), 0.1f)
+        EXPECT_LT(Vector::distanceVec3(pixel(image, current.x, current.y), current.color), 0.1f)
             << current.what << ": " << pixel(image, current.x, current.y).toString();
 }
 

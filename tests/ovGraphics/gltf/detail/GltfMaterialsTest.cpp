@@ -70,10 +70,10 @@ TEST(GltfMaterialsTest, readsMetalAndRoughness) {
     EXPECT_EQ(material.alphaMode, GLTF_ALPHA_MODE::MASK);
     EXPECT_EQ(material.alphaCutoff, 0.75f);
     EXPECT_TRUE(material.doubleSided);
-    const bool colours[] = {true, false, false, false, true, false};
+    const bool colors[] = {true, false, false, false, true, false};
     const bool numbers[] = {false, true, true, false, false, false};
     for (std::size_t i = 0; i < 6; ++i) {
-        EXPECT_EQ(scene.textures[i].usedAsColour, colours[i]) << i;
+        EXPECT_EQ(scene.textures[i].usedAsColor, colors[i]) << i;
         EXPECT_EQ(scene.textures[i].usedAsData, numbers[i]) << i;
     }
     EXPECT_EQ(scene.warnings, Strings());

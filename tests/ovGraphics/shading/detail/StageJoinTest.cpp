@@ -48,13 +48,13 @@ TEST(StageJoin, VaryingsFollowTheNames) {
 
 TEST(StageJoin, WhatDoesNotFitIsNamed) {
     const auto join = [](Buffer<StageVariable> attributes, Buffer<StageVariable> outputs,
-                         Buffer<StageVariable> inputs, Buffer<StageVariable> colours) {
+                         Buffer<StageVariable> inputs, Buffer<StageVariable> colors) {
         StageInterface vertex;
         StageInterface pixel;
         vertex.inputs = std::move(attributes);
         vertex.outputs = std::move(outputs);
         pixel.inputs = std::move(inputs);
-        pixel.outputs = std::move(colours);
+        pixel.outputs = std::move(colors);
         CompiledProgram program;
         return joinStages(vertex, pixel, program);
     };

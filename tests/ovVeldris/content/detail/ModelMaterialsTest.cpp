@@ -38,7 +38,7 @@ void expectNear(const Vector& actual, const Vector& expected, const char* what) 
 
 INSTANTIATE_TEST_SUITE_P(, ModelMaterialsTest, bothLanguages(), languageName);
 
-TEST_P(ModelMaterialsTest, numbersBecomeDiffuseColourAndReflectance) {
+TEST_P(ModelMaterialsTest, numbersBecomeDiffuseColorAndReflectance) {
     struct Case {
         float metallic;
         Vector diffuse, reflectance;
@@ -73,7 +73,7 @@ TEST_P(ModelMaterialsTest, mirrorsAreLeftALittleRough) {
     EXPECT_EQ(makeMaterial(source).getRoughnessGlossiness(), 0.955f);
 }
 
-TEST_P(ModelMaterialsTest, aPictureOfADielectricIsItsDiffuseColour) {
+TEST_P(ModelMaterialsTest, aPictureOfADielectricIsItsDiffuseColor) {
     GltfMaterial source;
     source.baseColorTexture = _scene.addTexture("wood", pngOf({RED, GREY}));
     source.baseColor = {1.0f, 0.5f, 1.0f, 1.0f};
@@ -111,11 +111,11 @@ TEST_P(ModelMaterialsTest, aPictureOfAMetalIsItsReflectance) {
 }
 
 TEST_P(ModelMaterialsTest, varyingMetalnessIsWorkedIntoPictures) {
-    const Texel colours[] = {{200, 100, 50, 255}, {200, 100, 50, 128}};
+    const Texel colors[] = {{200, 100, 50, 255}, {200, 100, 50, 128}};
     const Texel surfaces[] = {{0, 255, 255, 255}, {0, 255, 102, 255}}; // metal, and 0.4
     GltfMaterial source;
     source.name = "rust";
-    source.baseColorTexture = _scene.addTexture("colour", pngOf({colours[0], colours[1]}));
+    source.baseColorTexture = _scene.addTexture("colour", pngOf({colors[0], colors[1]}));
     source.metallicRoughnessTexture = _scene.addTexture("surface", pngOf({surfaces[0], surfaces[1]}));
     source.metallic = 0.5f;
     const PbsMaterial& material = makeMaterial(source);
@@ -127,12 +127,12 @@ TEST_P(ModelMaterialsTest, varyingMetalnessIsWorkedIntoPictures) {
         const Texel diffuse = texelOf(material.getAlbedoTexture(), x);
         const Texel reflectance = texelOf(material.getSpecularTexture(), x);
         for (std::size_t channel = 0; channel < 3; ++channel) {
-            const double base = linear(colours[x][channel]);
+            const double base = linear(colors[x][channel]);
             EXPECT_NEAR(diffuse[channel], encoded(base * (1.0 - metalness)), 1) << x << channel;
             EXPECT_NEAR(reflectance[channel], encoded(0.04 * (1.0 - metalness) + base * metalness), 1)
                 << x << channel;
         }
-        EXPECT_EQ(diffuse[3], colours[x][3]) << "alpha is kept";
+        EXPECT_EQ(diffuse[3], colors[x][3]) << "alpha is kept";
     }
     EXPECT_FALSE(material.getMixAlbedoColorAndTexture());
     EXPECT_FALSE(material.getMixSpecularColorAndTexture());
@@ -211,7 +211,7 @@ TEST_P(ModelMaterialsTest, aMetalWithHolesReadsThemFromItsPicture) {
     EXPECT_NE(material.getAlphaTexture(), nullptr);
 }
 
-TEST_P(ModelMaterialsTest, emissionIsAColourAndItsStrength) {
+TEST_P(ModelMaterialsTest, emissionIsAColorAndItsStrength) {
     GltfMaterial source;
     source.emissive = {4.0f, 2.0f, 1.0f};
     EXPECT_EQ(makeMaterial(source).getEmissiveColor(), Vector(4.0f, 2.0f, 1.0f));
@@ -223,7 +223,7 @@ TEST_P(ModelMaterialsTest, emissionIsAColourAndItsStrength) {
     EXPECT_FALSE(makeMaterial(source).getMixEmissiveColorAndTexture());
 }
 
-TEST_P(ModelMaterialsTest, unlitSurfacesGiveTheirColourOff) {
+TEST_P(ModelMaterialsTest, unlitSurfacesGiveTheirColorOff) {
     GltfMaterial source;
     source.unlit = true;
     source.baseColor = {0.5f, 0.25f, 0.125f, 1.0f};
@@ -259,12 +259,12 @@ TEST_P(ModelMaterialsTest, reliefIsReadAsItIsOrAdjusted) {
     EXPECT_EQ(texelOf(adjusted.getOcclusionTexture(), 1)[0], 179) << "1 + 0.5 * (0.4 - 1) = 0.7";
 }
 
-TEST_P(ModelMaterialsTest, coloursKeepSixDecimals) {
+TEST_P(ModelMaterialsTest, colorsKeepSixDecimals) {
     GltfMaterial source;
     source.metallic = 0.0f;
     source.baseColor = {0.123456789f, 1.0f / 3.0f, 0.0f, 1.0f};
-    const Vector colour = makeMaterial(source).getAlbedoColor();
+    const Vector color = makeMaterial(source).getAlbedoColor();
     Vector again;
-    ASSERT_TRUE(again.fromString(colour.toString()));
-    EXPECT_EQ(again, colour) << "saved and read, it is the same";
+    ASSERT_TRUE(again.fromString(color.toString()));
+    EXPECT_EQ(again, color) << "saved and read, it is the same";
 }

@@ -8,7 +8,7 @@ using detail::LinearPicture;
 using detail::ModelTextures;
 using ovGraphics::FILTER;
 using ovGraphics::TEXTURE_ADDRESS;
-using ovImages::COLOUR_ENCODING;
+using ovImages::COLOR_ENCODING;
 using ovMaths::Vector;
 
 namespace {
@@ -34,36 +34,36 @@ INSTANTIATE_TEST_SUITE_P(, ModelTexturesTest, bothLanguages(), languageName);
 
 TEST_P(ModelTexturesTest, makesEachTextureOnceForEachUse) {
     const int texture = _scene.addTexture("picture", pngOf({{10, 20, 30, 40}}));
-    ovGraphics::Texture* colour = _textures.get(texture, COLOUR_ENCODING::SRGB);
-    ovGraphics::Texture* data = _textures.get(texture, COLOUR_ENCODING::LINEAR);
-    EXPECT_EQ(_textures.get(texture, COLOUR_ENCODING::SRGB), colour);
-    EXPECT_NE(colour, data);
-    EXPECT_TRUE(colour->getGammaCorrected());
+    ovGraphics::Texture* color = _textures.get(texture, COLOR_ENCODING::SRGB);
+    ovGraphics::Texture* data = _textures.get(texture, COLOR_ENCODING::LINEAR);
+    EXPECT_EQ(_textures.get(texture, COLOR_ENCODING::SRGB), color);
+    EXPECT_NE(color, data);
+    EXPECT_TRUE(color->getGammaCorrected());
     EXPECT_FALSE(data->getGammaCorrected());
-    EXPECT_EQ(colour->getName(), "picture");
+    EXPECT_EQ(color->getName(), "picture");
     EXPECT_EQ(data->getName(), "picture (2)");
-    EXPECT_EQ(texelOf(colour, 0), (Texel{10, 20, 30, 40}));
+    EXPECT_EQ(texelOf(color, 0), (Texel{10, 20, 30, 40}));
     EXPECT_EQ(texelOf(data, 0), (Texel{10, 20, 30, 40}));
-    EXPECT_EQ(_textures.get(-1, COLOUR_ENCODING::SRGB), nullptr);
-    EXPECT_EQ(getGraphics().getTextureManager()->get("picture"), colour);
+    EXPECT_EQ(_textures.get(-1, COLOR_ENCODING::SRGB), nullptr);
+    EXPECT_EQ(getGraphics().getTextureManager()->get("picture"), color);
     EXPECT_EQ(_textures.getMade().size(), 2u);
 }
 
-TEST_P(ModelTexturesTest, greyPicturesBecomeColours) {
+TEST_P(ModelTexturesTest, greyPicturesBecomeColors) {
     const int texture = _scene.addTexture("grey", pngOf({{77, 0, 0, 0}}, 1));
-    EXPECT_EQ(texelOf(_textures.get(texture, COLOUR_ENCODING::LINEAR), 0), (Texel{77, 77, 77, 255}));
+    EXPECT_EQ(texelOf(_textures.get(texture, COLOR_ENCODING::LINEAR), 0), (Texel{77, 77, 77, 255}));
 }
 
 TEST_P(ModelTexturesTest, aMissingPictureIsSeen) {
     const int damaged = _scene.addTexture("damaged", {1, 2, 3, 4});
     const int missing = _scene.addTexture("missing", {});
     for (const int texture : {damaged, missing}) {
-        ovGraphics::Texture* standIn = _textures.get(texture, COLOUR_ENCODING::SRGB);
+        ovGraphics::Texture* standIn = _textures.get(texture, COLOR_ENCODING::SRGB);
         ASSERT_NE(standIn, nullptr);
         EXPECT_FALSE(standIn->isUnloaded());
         EXPECT_EQ(texelOf(standIn, 0), (Texel{255, 0, 255, 255}));
         EXPECT_EQ(texelOf(standIn, 1), (Texel{0, 0, 0, 255}));
-        _textures.get(texture, COLOUR_ENCODING::LINEAR);
+        _textures.get(texture, COLOR_ENCODING::LINEAR);
     }
     ASSERT_EQ(_warnings.size(), 1u)
         << "one for each picture, and the reader has told of those that are missing";
@@ -79,8 +79,8 @@ TEST_P(ModelTexturesTest, samplersAndMipsAreThoseOfTheFile) {
     described.addressU = TEXTURE_ADDRESS::CLAMP;
     described.addressV = TEXTURE_ADDRESS::MIRROR;
     described.mipmapped = false;
-    EXPECT_EQ(_textures.get(plain, COLOUR_ENCODING::LINEAR)->getMipCount(), 2u);
-    EXPECT_EQ(_textures.get(special, COLOUR_ENCODING::LINEAR)->getMipCount(), 1u);
+    EXPECT_EQ(_textures.get(plain, COLOR_ENCODING::LINEAR)->getMipCount(), 2u);
+    EXPECT_EQ(_textures.get(special, COLOR_ENCODING::LINEAR)->getMipCount(), 1u);
     ASSERT_EQ(_textures.getMade().size(), 2u);
     const auto& usual = _textures.getMade()[0].sampler->getDesc();
     EXPECT_EQ(usual.filter, FILTER::MIN_MAG_MIP_LINEAR);
@@ -94,7 +94,7 @@ TEST_P(ModelTexturesTest, samplersAndMipsAreThoseOfTheFile) {
 
 TEST_P(ModelTexturesTest, computesPictures) {
     ovGraphics::Texture* texture =
-        _textures.compute("computed", 3, 1, COLOUR_ENCODING::LINEAR, -1, [](unsigned int x, unsigned int y) {
+        _textures.compute("computed", 3, 1, COLOR_ENCODING::LINEAR, -1, [](unsigned int x, unsigned int y) {
             return Vector(static_cast<float>(x) * 0.4f, static_cast<float>(y), 2.0f, -1.0f);
         });
     EXPECT_EQ(texelOf(texture, 0), (Texel{0, 0, 255, 0}));
@@ -105,12 +105,12 @@ TEST_P(ModelTexturesTest, linearPicturesAreReadAtAnySize) {
     const LinearPicture one(Vector(1.0f, 2.0f, 3.0f, 4.0f));
     EXPECT_EQ(one.read(6, 0, 7, 1), Vector(1.0f, 2.0f, 3.0f, 4.0f));
     const int texture = _scene.addTexture("ramp", pngOf({{0, 0, 0, 255}, {255, 255, 255, 255}}));
-    const LinearPicture ramp = _textures.read(texture, COLOUR_ENCODING::LINEAR);
+    const LinearPicture ramp = _textures.read(texture, COLOR_ENCODING::LINEAR);
     EXPECT_EQ(ramp.read(0, 0, 2, 1).x, 0.0f);
     EXPECT_EQ(ramp.read(1, 0, 2, 1).x, 1.0f);
     // At twice the size the middles of pixels lie at 0.25 and 0.75 between the two.
     const float expected[] = {0.0f, 0.25f, 0.75f, 1.0f};
     for (unsigned int x = 0; x < 4; ++x)
         EXPECT_NEAR(ramp.read(x, 0, 4, 1).x, expected[x], 1e-6f) << x;
-    EXPECT_EQ(_textures.read(-1, COLOUR_ENCODING::SRGB).read(0, 0, 1, 1), Vector(1.0f, 1.0f, 1.0f, 1.0f));
+    EXPECT_EQ(_textures.read(-1, COLOR_ENCODING::SRGB).read(0, 0, 1, 1), Vector(1.0f, 1.0f, 1.0f, 1.0f));
 }

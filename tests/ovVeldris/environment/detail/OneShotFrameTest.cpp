@@ -17,8 +17,7 @@ INSTANTIATE_TEST_SUITE_P(, OneShotFrameTest, bothLanguages(), languageName);
 TEST_P(OneShotFrameTest, drawsOnceIntoTheBackBuffer) {
     const auto target = makeTarget(3, 2);
     const auto compositor = ovGraphics::Compositor::create(&getGraphics());
-    compositor->appendNode()->appendOperationsBlock()->appendClearPass()->setColour(0, 1.0f, 2.0f, 3.0f,
-                                                                                    4.0f);
+    compositor->appendNode()->appendOperationsBlock()->appendClearPass()->setColor(0, 1.0f, 2.0f, 3.0f, 4.0f);
     EXPECT_TRUE(drawOneShotFrame(*compositor, *target));
     EXPECT_TRUE(
         picturesAreIdentical("one_shot", readFloats(*target), FloatPicture(3, 2, {1.0f, 2.0f, 3.0f, 4.0f})));

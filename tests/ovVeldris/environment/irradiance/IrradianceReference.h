@@ -19,19 +19,19 @@ Direction direction(bool isCube, unsigned int face, unsigned int i, unsigned int
 
 Basis basis(const Direction& d);
 
-/// The nine coefficients from what colourOf(slice, i, j) gives.
-template <typename ColourOf>
+/// The nine coefficients from what colorOf(slice, i, j) gives.
+template <typename ColorOf>
 ovVeldris::IrradianceCoefficients project(const ovVeldris::IrradianceMapLayout& layout,
-                                          const ColourOf& colourOf) {
+                                          const ColorOf& colorOf) {
     ovVeldris::IrradianceCoefficients sums;
     for (unsigned int slice = 0; slice < layout.slices; ++slice)
         for (unsigned int j = 0; j < layout.height; ++j)
             for (unsigned int i = 0; i < layout.width; ++i) {
                 const Basis y = basis(direction(layout.isCube, slice, i, j, layout.width, layout.height));
-                const std::array<double, 3> colour = colourOf(slice, i, j);
+                const std::array<double, 3> color = colorOf(slice, i, j);
                 for (std::size_t k = 0; k < y.size(); ++k)
                     for (std::size_t channel = 0; channel < 3; ++channel)
-                        sums.values[k][channel] += colour[channel] * y[k];
+                        sums.values[k][channel] += color[channel] * y[k];
             }
     const double texels = double(layout.slices) * layout.height * layout.width;
     for (auto& value : sums.values)

@@ -94,11 +94,11 @@ IrradianceCoefficients project(IrradianceTransform& transform, const Slices& sli
 }
 
 /// Slices of one float colour.
-Slices constantSlices(const IrradianceMapLayout& layout, const std::array<float, 4>& colour) {
+Slices constantSlices(const IrradianceMapLayout& layout, const std::array<float, 4>& color) {
     const std::size_t texels = std::size_t{layout.width} * layout.height;
-    ovMemory::Buffer<unsigned char> slice(texels * sizeof(colour));
+    ovMemory::Buffer<unsigned char> slice(texels * sizeof(color));
     for (std::size_t i = 0; i < texels; ++i)
-        std::memcpy(&slice[i * sizeof(colour)], &colour, sizeof(colour));
+        std::memcpy(&slice[i * sizeof(color)], &color, sizeof(color));
     return Slices(layout.slices, slice);
 }
 
@@ -122,14 +122,14 @@ TEST(IrradianceTransformTest, sumsUpEveryFormatAndShape) {
             double size = 0.0;
             const IrradianceCoefficients expected =
                 irradianceReference::project(layout, [&](unsigned int slice, unsigned int i, unsigned int j) {
-                    std::array<double, 3> colour = {};
+                    std::array<double, 3> color = {};
                     for (std::size_t channel = 0; channel < std::min(texels.channels, 3u); ++channel) {
                         const std::size_t place =
                             j * pitch + i * texels.texelSize + channel * texels.componentSize;
-                        colour[channel] = texels.read(slices[slice], place) / texels.scale;
-                        size = std::max(size, std::abs(colour[channel]));
+                        color[channel] = texels.read(slices[slice], place) / texels.scale;
+                        size = std::max(size, std::abs(color[channel]));
                     }
-                    return colour;
+                    return color;
                 });
             IrradianceTransform transform(layout, instructions);
             EXPECT_EQ(transform.getTightPitch(), pitch - gap);
@@ -158,11 +158,11 @@ TEST(IrradianceTransformTest, drawsEveryFormatAndShape) {
                 ovMemory::Buffer<unsigned char> rest = bytes; // texels' components are put back as they were
                 for (unsigned int j = 0; j < layout.height; ++j)
                     for (unsigned int i = 0; i < layout.width; ++i) {
-                        const auto colour = irradianceReference::evaluate(coefficients, layout, slice, i, j);
+                        const auto color = irradianceReference::evaluate(coefficients, layout, slice, i, j);
                         for (std::size_t channel = 0; channel < texels.channels; ++channel) {
                             const std::size_t place =
                                 j * pitch + i * texels.texelSize + channel * texels.componentSize;
-                            const double value = channel < 3 ? colour[channel] * texels.scale : texels.scale;
+                            const double value = channel < 3 ? color[channel] * texels.scale : texels.scale;
                             const double actual = texels.read(bytes, place);
                             if (texels.read == readAs<float>)
                                 EXPECT_NEAR(actual, value, 1.2e-7 * std::abs(value) + 1e-14);
@@ -181,9 +181,9 @@ TEST(IrradianceTransformTest, drawsEveryFormatAndShape) {
 
 TEST(IrradianceTransformTest, keepsAConstantOnACube) {
     const IrradianceMapLayout layout = {true, FORMAT::R32G32B32A32_FLOAT, 256, 256, 6};
-    const std::array<float, 4> colour = {1.0f, 0.25f, 110000.0f, 7.0f};
+    const std::array<float, 4> color = {1.0f, 0.25f, 110000.0f, 7.0f};
     IrradianceTransform transform(layout);
-    const IrradianceCoefficients coefficients = project(transform, constantSlices(layout, colour));
+    const IrradianceCoefficients coefficients = project(transform, constantSlices(layout, color));
     double worst = 0.0;
     for (unsigned int face = 0; face < 6; ++face) {
         const ovMemory::Buffer<float> floats = drawFloats(transform, face, coefficients);
@@ -191,7 +191,7 @@ TEST(IrradianceTransformTest, keepsAConstantOnACube) {
             if (i % 4 == 3)
                 ASSERT_EQ(floats[i], 1.0f);
             else
-                worst = std::max(worst, std::abs(double(floats[i] / colour[i % 4]) - 1.0));
+                worst = std::max(worst, std::abs(double(floats[i] / color[i % 4]) - 1.0));
         }
     }
     // Corners stand for texels: a face is seen half a texel off, 1/256 of its half side, to the left and up.
