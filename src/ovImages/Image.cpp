@@ -98,6 +98,18 @@ Image::Image(unsigned width, unsigned height, unsigned channels, COMPONENT_TYPE 
     _encoding = encoding;
 }
 
+Image::Image(unsigned width, unsigned height, unsigned channels, COMPONENT_TYPE type, COLOR_ENCODING encoding,
+             ovMemory::Buffer<unsigned char> bytes) {
+    if (!isValid({width, height, channels, type, encoding, bytes}))
+        return;
+    _width = width;
+    _height = height;
+    _channels = channels;
+    _type = type;
+    _encoding = encoding;
+    _bytes = std::move(bytes);
+}
+
 Image::Image(Image&& other) noexcept
     : Image() {
     *this = std::move(other);

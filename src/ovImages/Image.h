@@ -81,6 +81,10 @@ public:
     /// MAX_IMAGE_BYTES; a shape outside these, or one that there is no memory for, gives the empty picture
     /// instead.
     Image(unsigned width, unsigned height, unsigned channels, COMPONENT_TYPE type, COLOR_ENCODING encoding);
+    /// A picture of these bytes, which it takes over, laid out as in ImageView. A view of the same that is
+    /// not valid gives the empty picture instead.
+    Image(unsigned width, unsigned height, unsigned channels, COMPONENT_TYPE type, COLOR_ENCODING encoding,
+          ovMemory::Buffer<unsigned char> bytes);
 
     Image(const Image&) = default;
     Image& operator=(const Image&) = default;

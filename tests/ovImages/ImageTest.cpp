@@ -13,6 +13,24 @@ using namespace ovImages;
 static_assert(std::is_nothrow_move_constructible_v<Image> && std::is_nothrow_move_assignable_v<Image>);
 static_assert(std::is_copy_constructible_v<Image> && std::is_copy_assignable_v<Image>);
 
+TEST(ImageTest, bytesAreTakenOverOrRefused) {
+    const auto take = [](unsigned width, unsigned height, unsigned channels, std::size_t size) {
+        ovMemory::Buffer<unsigned char> bytes(size, 7);
+        const unsigned char* place = bytes.data();
+        const Image image(width, height, channels, COMPONENT_TYPE::UINT16, COLOR_ENCODING::LINEAR,
+                          std::move(bytes));
+        EXPECT_TRUE(image.isEmpty() || image.getBytes().data() == place) << "no copy";
+        EXPECT_EQ(image.getWidth(), image.isEmpty() ? 0u : width);
+        return image.getBytes().size();
+    };
+    EXPECT_EQ(take(3, 2, 4, 48), 48u);
+    EXPECT_EQ(take(3, 2, 4, 47), 0u);
+    EXPECT_EQ(take(3, 2, 4, 49), 0u);
+    EXPECT_EQ(take(3, 2, 5, 60), 0u);
+    EXPECT_EQ(take(0, 2, 4, 0), 0u);
+    EXPECT_EQ(take(MAX_IMAGE_SIDE + 1, 1, 1, 2 * (std::size_t(MAX_IMAGE_SIDE) + 1)), 0u);
+}
+
 TEST(ImageTest, shapesAreKeptAndZeroFilledOrRefused) {
     struct Case {
         unsigned width, height, channels;

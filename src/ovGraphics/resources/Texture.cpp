@@ -161,11 +161,11 @@ std::optional<ovMemory::Buffer<unsigned char>> Texture::readBack(unsigned int sl
 }
 
 ovMemory::UniquePtr<ovImages::Image> Texture::convertToImage(unsigned int slice, unsigned int mip) {
-    const auto bytes = readBack(slice, mip);
+    auto bytes = readBack(slice, mip);
     if (!bytes)
         return nullptr;
     const device::TextureDesc& desc = _gpuTexture->getDesc(); // the settings may have changed since the load
-    auto image = imageOf(*bytes, desc.format, desc.gammaCorrected, mipSize(desc.width, mip),
+    auto image = imageOf(std::move(*bytes), desc.format, desc.gammaCorrected, mipSize(desc.width, mip),
                          mipSize(desc.height, mip));
     if (!image)
         _logFailure("make an image of",

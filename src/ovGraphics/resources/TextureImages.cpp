@@ -87,7 +87,7 @@ TextureContent textureContentOf(const ovImages::ImageView& image, bool raw) {
     return convertedContent(image, image.componentType, channels, image.encoding);
 }
 
-ovMemory::UniquePtr<ovImages::Image> imageOf(ovMemory::BufferView<const unsigned char> texels, FORMAT format,
+ovMemory::UniquePtr<ovImages::Image> imageOf(ovMemory::Buffer<unsigned char> texels, FORMAT format,
                                              bool gammaCorrected, unsigned int width, unsigned int height) {
     const auto entry = std::find_if(IMAGE_FORMATS.begin(), IMAGE_FORMATS.end(),
                                     [&](const ImageFormat& candidate) { return candidate.format == format; });
@@ -95,10 +95,10 @@ ovMemory::UniquePtr<ovImages::Image> imageOf(ovMemory::BufferView<const unsigned
         return nullptr;
     const bool encoded = gammaCorrected || TextureUtils::isFormatSrgb(format);
     auto image = std::make_unique<ovImages::Image>(width, height, entry->channels, entry->type,
-                                                   encoded ? COLOR_ENCODING::SRGB : COLOR_ENCODING::LINEAR);
-    if (image->getBytes().size() != texels.size())
+                                                   encoded ? COLOR_ENCODING::SRGB : COLOR_ENCODING::LINEAR,
+                                                   std::move(texels));
+    if (image->isEmpty())
         return nullptr;
-    std::copy(texels.begin(), texels.end(), image->getBytes().begin());
     if (entry->swapRedAndBlue)
         swapRedAndBlue(image->getBytes());
     return image;

@@ -23,8 +23,8 @@ OV_API TextureContent textureContentOf(const ovImages::ImageView& image, bool ra
 
 /// The image of tight texels of a format: UNORM of 8 and 16 bits, half and float, 1 to 4 channels, and depth.
 /// @return null when images cannot hold the format
-OV_API ovMemory::UniquePtr<ovImages::Image> imageOf(ovMemory::BufferView<const unsigned char> texels,
-                                                    FORMAT format, bool gammaCorrected, unsigned int width,
+OV_API ovMemory::UniquePtr<ovImages::Image> imageOf(ovMemory::Buffer<unsigned char> texels, FORMAT format,
+                                                    bool gammaCorrected, unsigned int width,
                                                     unsigned int height);
 
 } // namespace ovGraphics
