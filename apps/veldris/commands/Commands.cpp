@@ -2,12 +2,23 @@
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
+#include <malloc.h>
 
 namespace veldris {
 
 namespace {
 constexpr int FAILED = 1;
 constexpr int WRONG_USAGE = 2;
+
+// Pictures of tens of megabytes come and go. By default the C library gives each back to the system at once,
+// which clears the pages of the next one by one: a sixth of the time of a large picture.
+void keepFreedMemory() {
+    constexpr int LARGEST_PICTURE = 256 << 20; // bytes
+    constexpr int KEPT = 1 << 30;
+    mallopt(M_MMAP_THRESHOLD, LARGEST_PICTURE);
+    mallopt(M_TRIM_THRESHOLD, KEPT);
+}
+
 } // namespace
 
 void addDrawingOptions(CLI::App& command, DrawingOptions& options) {
@@ -34,6 +45,7 @@ void warn(ovMemory::StringView message) {
 }
 
 int runProgram(int argumentCount, const char* const* arguments) {
+    keepFreedMemory();
     CLI::App program("OrvaneVeldris on the command line: effects over images, headless or on a GPU.",
                      "veldris");
     program.set_version_flag("--version", OV_VERSION);

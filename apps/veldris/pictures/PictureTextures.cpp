@@ -1,6 +1,5 @@
 #include <veldris/pictures/PictureTextures.h>
 
-#include <algorithm>
 #include <ovGraphics/System.h>
 #include <ovGraphics/compositor/Compositor.h>
 #include <ovGraphics/compositor/RenderContext.h>
@@ -43,14 +42,12 @@ UniquePtr<Texture> uploadPicture(ovGraphics::System& graphics, const ovImages::I
 UniquePtr<ovImages::Image> downloadPicture(UniquePtr<Texture> picture) {
     const unsigned int width = picture->getWidth();
     const unsigned int height = picture->getHeight();
-    const auto bytes = picture->readBack();
+    auto bytes = picture->readBack();
     picture.reset();
     if (!bytes)
         return nullptr;
-    auto image = std::make_unique<ovImages::Image>(width, height, 4, ovImages::COMPONENT_TYPE::FLOAT,
-                                                   ovImages::COLOR_ENCODING::LINEAR);
-    std::copy(bytes->begin(), bytes->end(), image->getBytes().begin());
-    return image;
+    return std::make_unique<ovImages::Image>(width, height, 4, ovImages::COMPONENT_TYPE::FLOAT,
+                                             ovImages::COLOR_ENCODING::LINEAR, std::move(*bytes));
 }
 
 bool drawPicture(ovGraphics::System& graphics, ovGraphics::Shader& shader, Texture& target,

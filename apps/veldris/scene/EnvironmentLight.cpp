@@ -65,12 +65,14 @@ ovMemory::UniquePtr<EnvironmentLight> EnvironmentLight::create(Session& session,
     ovMemory::UniquePtr<EnvironmentLight> light(new EnvironmentLight);
     light->_prefiltered = makeTexture(session, "prefiltered environment");
     light->_irradiance = makeTexture(session, "irradiance");
-    if (!light->_makePanorama(session, image, error))
-        return nullptr;
     const EnvironmentCache cache(session.getGraphics(), image.view(),
                                  fmt::format("{} {}", PREFILTERED_SIDE, IRRADIANCE_SIDE));
     Texture* const filtered[] = {light->_prefiltered.get(), light->_irradiance.get()};
-    if (cache.load(filtered))
+    const bool isFiltered = cache.load(filtered);
+    // Only filtering reads the smaller mips.
+    if (!light->_makePanorama(session, image, isFiltered ? 1 : FULL_CHAIN, error))
+        return nullptr;
+    if (isFiltered)
         return light;
     if (!light->_filter(session, error))
         return nullptr;
@@ -80,16 +82,18 @@ ovMemory::UniquePtr<EnvironmentLight> EnvironmentLight::create(Session& session,
     return light;
 }
 
-bool EnvironmentLight::_makePanorama(Session& session, const ovImages::Image& panorama, String& error) {
+bool EnvironmentLight::_makePanorama(Session& session, const ovImages::Image& panorama, unsigned int mips,
+                                     String& error) {
     _panorama = makeTexture(session, "environment");
     _panorama->setFromImage(panorama.view());
-    _panorama->setMipCount(FULL_CHAIN);
+    _panorama->setMipCount(mips);
     _panorama->setMightManuallyGenerateMip(true);
     if (!_panorama->load()) {
         error = session.getLogger().take();
         return false;
     }
-    _panorama->generateMips();
+    if (mips != 1)
+        _panorama->generateMips();
     return true;
 }
 

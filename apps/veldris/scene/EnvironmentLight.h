@@ -37,7 +37,8 @@ public:
 
 private:
     EnvironmentLight();
-    bool _makePanorama(Session& session, const ovImages::Image& panorama, ovMemory::String& error);
+    bool _makePanorama(Session& session, const ovImages::Image& panorama, unsigned int mips,
+                       ovMemory::String& error);
     bool _filter(Session& session, ovMemory::String& error);
 
     ovMemory::UniquePtr<ovGraphics::Texture> _panorama;
