@@ -31,7 +31,7 @@ bool parseDevice(const String& text, ovGraphics::Configuration& configuration) {
 
 String defaultCacheFolder() {
     // Where the XDG base directory specification puts caches, so that cleaning tools find it.
-    // An empty variable counts as none, as the specification says.
+    // An empty variable counts as none: the XDG Base Directory rules have it so.
     if (const char* folder = std::getenv("XDG_CACHE_HOME"); folder && *folder)
         return String(folder) + "/veldris";
     if (const char* home = std::getenv("HOME"); home && *home)
