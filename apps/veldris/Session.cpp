@@ -58,11 +58,15 @@ bool toConfiguration(const DrawingOptions& options, ovGraphics::Configuration& c
 }
 
 void CollectingLogger::log(ovLog::StringView message, ovLog::StringView) {
-    _lines.append(_lines.empty() ? "" : "; ").append(message);
+    _lines.emplace_back(message);
 }
 
 String CollectingLogger::take() {
-    return std::exchange(_lines, String());
+    return fmt::format("{}", fmt::join(takeLines(), "; "));
+}
+
+ovMemory::Buffer<String> CollectingLogger::takeLines() {
+    return std::exchange(_lines, {});
 }
 
 Session::Session() = default;

@@ -38,9 +38,11 @@ public:
     void log(ovLog::StringView message, ovLog::StringView sender) override;
     /// The reports since the last call, joined by "; ".
     ovMemory::String take();
+    /// The reports since the last call, one by one.
+    ovMemory::Buffer<ovMemory::String> takeLines();
 
 private:
-    ovMemory::String _lines;
+    ovMemory::Buffer<ovMemory::String> _lines;
 };
 
 /// An initialised library.

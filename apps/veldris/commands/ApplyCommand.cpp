@@ -7,6 +7,7 @@
 #include <ovImages/CompositeEncoder.h>
 #include <veldris/ImageFiles.h>
 #include <veldris/JsonText.h>
+#include <veldris/console/Console.h>
 #include <veldris/effects/EffectChain.h>
 #include <veldris/effects/EffectHelp.h>
 
@@ -25,13 +26,13 @@ struct ApplyOptions {
     DrawingOptions drawing;
 };
 
-void printReport(const ApplyOptions& options, const ChainPlan& plan, const ChainResult& result,
-                 Session& session) {
+void printReport(Console& console, const ApplyOptions& options, const ChainPlan& plan,
+                 const ChainResult& result, Session& session) {
     const String method(session.getGraphics().getPassTimingMethod());
     if (!options.drawing.json) {
         for (const EffectTiming& timing : result.timings)
-            fmt::print("{:10.3f} ms  {} ({})\n", timing.milliseconds, timing.effect, method);
-        fmt::print("{}\n", options.output);
+            console.print(fmt::format("{:10.3f} ms  {} ({})", timing.milliseconds, timing.effect, method));
+        console.print(options.output);
         return;
     }
     ovMemory::Buffer<JsonObject> passes;
@@ -45,7 +46,7 @@ void printReport(const ApplyOptions& options, const ChainPlan& plan, const Chain
         .text("content", options.raw ? String("raw") : toText(plan.output));
     if (options.drawing.timings)
         report.text("timingMethod", method).array("passes", passes);
-    fmt::print("{}\n", report.toText());
+    console.print(report.toText());
 }
 
 /// Everything of the options that can be checked before the image is read and the device opened.
@@ -59,35 +60,35 @@ bool readOptions(const ApplyOptions& options, ovMemory::Buffer<PlannedEffect>& e
     return true;
 }
 
-int runApply(const ApplyOptions& options) {
+int runApply(Console& console, const ApplyOptions& options) {
     ovMemory::Buffer<PlannedEffect> effects;
     ChainOptions chain;
     String error;
     if (!readOptions(options, effects, chain, error))
-        return fail(error);
+        return console.fail(error);
 
     ovImages::DecodeResult input = ovImages::CompositeEncoder().decodeFile(options.input);
     if (!input)
-        return fail(input.error);
-    warn(input.warning);
+        return console.fail(input.error);
+    console.warn(input.warning);
     chain.input = ovVeldris::contentFromText(options.inputContent).value_or(contentOf(input.image->view()));
     ChainPlan plan;
     if (!planChain(std::move(effects), chain, plan, error))
-        return fail(error);
+        return console.fail(error);
 
     Session session;
     if (!session.open(options.drawing, error))
-        return fail(error);
+        return console.fail(error);
     ChainResult result = runChain(session, input.image->view(), plan);
     if (!result)
-        return fail(result.error);
-    warn(session.getLogger().take());
+        return console.fail(result.error);
+    console.warnEach(session.getLogger().takeLines());
 
     String warning;
     if (!writePicture(options.output, result.image->view(), options.raw, warning, error))
-        return fail(error);
-    warn(warning);
-    printReport(options, plan, result, session);
+        return console.fail(error);
+    console.warn(warning);
+    printReport(console, options, plan, result, session);
     return 0;
 }
 
@@ -110,7 +111,9 @@ void addApplyCommand(CLI::App& program, Command& command) {
     addDrawingOptions(*apply, options->drawing);
     apply->footer(effectHelp() + "\nExample: veldris apply sky.exr --effects "
                                  "\"tone-mapping:operator=reinhard,max-white=4,4,4\" -o sky.png");
-    apply->callback([options, &command] { command = [options] { return runApply(*options); }; });
+    apply->callback([options, &command] {
+        command = [options](Console& console) { return runApply(console, *options); };
+    });
 }
 
 } // namespace veldris

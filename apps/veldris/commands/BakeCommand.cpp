@@ -12,6 +12,7 @@
 #include <veldris/JsonText.h>
 #include <veldris/bake/BakeOutput.h>
 #include <veldris/bake/CubeBaking.h>
+#include <veldris/console/Console.h>
 #include <veldris/scene/Panoramas.h>
 
 namespace veldris {
@@ -142,11 +143,11 @@ bool write(const BakeOptions& options, const BakeOutput& output, BakeResult& res
     return true;
 }
 
-void printReport(const BakeOptions& options, const EnvironmentInput& input, const BakeResult& result,
-                 const JsonObject& seconds) {
+void printReport(Console& console, const BakeOptions& options, const EnvironmentInput& input,
+                 const BakeResult& result, const JsonObject& seconds) {
     if (!options.drawing.json) {
         for (const String& path : result.files.paths)
-            fmt::print("{}\n", path);
+            console.print(path);
         return;
     }
     const bool isPanorama = !result.panorama.isEmpty();
@@ -160,44 +161,44 @@ void printReport(const BakeOptions& options, const EnvironmentInput& input, cons
         .texts("files", result.files.paths);
     if (options.drawing.timings)
         report.object("seconds", seconds);
-    fmt::print("{}\n", report.toText());
+    console.print(report.toText());
 }
 
-int runBake(const BakeOptions& options) {
+int runBake(Console& console, const BakeOptions& options) {
     BakeOutput output;
     String error;
     // Wrong names are told before anything is read: a prefiltering may take a minute.
     if (!plan(options, output, error))
-        return fail(error);
+        return console.fail(error);
     Stopwatch stopwatch;
     JsonObject seconds;
     EnvironmentInput input;
     if (!readEnvironment(options.input, input, error))
-        return fail(error);
+        return console.fail(error);
     if (options.bake == BAKE::SPHERICAL && !input.isCube)
-        return fail(fmt::format("'{}' is a panorama already; spherical unwraps cubes.", options.input));
-    for (const String& warning : input.warnings)
-        warn(warning);
+        return console.fail(
+            fmt::format("'{}' is a panorama already; spherical unwraps cubes.", options.input));
+    console.warnEach(input.warnings);
     if (!input.isCube && !turnPanorama(options, input.image, error))
-        return fail(error);
+        return console.fail(error);
     seconds.number("read", stopwatch.lap());
     // After reading: a file that is missing is told without starting a device.
     Session session;
     if (!session.open(options.drawing, error))
-        return fail(error);
+        return console.fail(error);
     tellProgress(options, session);
     BakeResult result;
     if (!bake(options, session, input, result, error))
-        return fail(error);
-    warn(session.getLogger().take());
+        return console.fail(error);
+    console.warnEach(session.getLogger().takeLines());
     seconds.number("bake", stopwatch.lap());
     if (!write(options, output, result, error))
-        return fail(error);
-    warn(result.files.warning);
+        return console.fail(error);
+    console.warn(result.files.warning);
     seconds.number("write", stopwatch.lap());
     if (options.drawing.timings && !options.drawing.json)
-        fmt::print("seconds: {}\n", seconds.toText());
-    printReport(options, input, result, seconds);
+        console.print(fmt::format("seconds: {}", seconds.toText()));
+    printReport(console, options, input, result, seconds);
     return 0;
 }
 
@@ -236,7 +237,9 @@ void addBake(CLI::App& parent, Command& command, const BakeOptions& defaults, co
         mode->add_option("--coefficients", options->coefficients,
                          "JSON file to write the nine coefficients of spherical harmonics to");
     addDrawingOptions(*mode, options->drawing);
-    mode->callback([options, &command] { command = [options] { return runBake(*options); }; });
+    mode->callback([options, &command] {
+        command = [options](Console& console) { return runBake(console, *options); };
+    });
 }
 
 } // namespace

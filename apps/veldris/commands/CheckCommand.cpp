@@ -4,6 +4,7 @@
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
 #include <veldris/JsonText.h>
+#include <veldris/console/Console.h>
 #include <veldris/materials/DeclarationCheck.h>
 
 namespace veldris {
@@ -17,32 +18,32 @@ struct CheckOptions {
     bool json = false;
 };
 
-void printJson(const CheckOptions& options, const DeclarationFile& file) {
+void printJson(Console& console, const CheckOptions& options, const DeclarationFile& file) {
     ovMemory::Buffer<JsonObject> problems;
     for (const DeclarationProblem& problem : file.problems)
         problems.push_back(JsonObject().number("line", problem.line).text("message", problem.message));
-    fmt::print("{}\n", JsonObject()
-                           .text("file", options.file)
-                           .number("materials", static_cast<double>(file.entries.size()))
-                           .array("problems", problems)
-                           .toText());
+    console.print(JsonObject()
+                      .text("file", options.file)
+                      .number("materials", static_cast<double>(file.entries.size()))
+                      .array("problems", problems)
+                      .toText());
 }
 
-void printText(const CheckOptions& options, const DeclarationFile& file) {
+void printText(Console& console, const CheckOptions& options, const DeclarationFile& file) {
     for (const DeclarationProblem& problem : file.problems)
-        fmt::print("{}\n", toText(options.file, problem));
+        console.print(toText(options.file, problem));
     if (file.problems.empty())
-        fmt::print("{}: no problems; materials: {}\n", options.file, file.entries.size());
+        console.print(fmt::format("{}: no problems; materials: {}", options.file, file.entries.size()));
 }
 
 // Without a session: a file can be checked on a machine that has no device.
-int runCheck(const CheckOptions& options) {
+int runCheck(Console& console, const CheckOptions& options) {
     DeclarationFile file;
     String error;
     if (!checkDeclarationFile(options.file, file, error))
-        return fail(error);
+        return console.fail(error);
     const auto print = options.json ? printJson : printText;
-    print(options, file);
+    print(console, options, file);
     // A status that scripts and hooks of version control can act on.
     return file.problems.empty() ? 0 : 1;
 }
@@ -55,7 +56,9 @@ void addCheckCommand(CLI::App& program, Command& command) {
     check->add_option("FILE", options->file, "file of material declarations (JSON)")->required();
     check->add_flag("--json", options->json, "print the result for machines");
     check->footer("Prints FILE:LINE: and what is wrong there; the exit status is 1 if anything is.");
-    check->callback([options, &command] { command = [options] { return runCheck(*options); }; });
+    check->callback([options, &command] {
+        command = [options](Console& console) { return runCheck(console, *options); };
+    });
 }
 
 } // namespace veldris

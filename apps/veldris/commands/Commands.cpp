@@ -1,13 +1,19 @@
 #include <veldris/commands/Commands.h>
 
 #include <CLI/CLI.hpp>
-#include <fmt/format.h>
+#include <algorithm>
 #include <malloc.h>
+#include <span>
+#include <veldris/console/Console.h>
+#include <veldris/usage/HelpText.h>
+#include <veldris/usage/UsageMistakes.h>
 
 namespace veldris {
 
 namespace {
-constexpr int FAILED = 1;
+
+using ovMemory::StringView;
+
 constexpr int WRONG_USAGE = 2;
 
 // Pictures of tens of megabytes come and go. By default the C library gives each back to the system at once,
@@ -34,20 +40,31 @@ void addDrawingOptions(CLI::App& command, DrawingOptions& options) {
     command.add_flag("--json", options.json, "print the result for machines");
 }
 
-int fail(ovMemory::StringView message) {
-    fmt::print(stderr, "veldris: {}\n", message);
-    return FAILED;
+namespace {
+
+void addCommands(CLI::App& program, Command& command) {
+    addApplyCommand(program, command);
+    addBakeCommand(program, command);
+    addCheckCommand(program, command);
+    addDemoCommand(program, command);
+    addHelpCommand(program, command);
+    addInfoCommand(program, command);
+    addMaterialsCommand(program, command);
+    addRenderCommand(program, command);
+    addShadersCommand(program, command);
 }
 
-void warn(ovMemory::StringView message) {
-    if (!message.empty())
-        fmt::print(stderr, "veldris: warning: {}\n", message);
-}
+} // namespace
 
 int runProgram(int argumentCount, const char* const* arguments) {
     keepFreedMemory();
-    CLI::App program("OrvaneVeldris on the command line: effects over images, headless or on a GPU.",
-                     "veldris");
+    const std::span<const char* const> given(arguments + 1, arguments + std::max(argumentCount, 1));
+    // Before anything is parsed: what the parser refuses is told in the same form.
+    Console console(std::ranges::find(given, StringView("--json")) != given.end());
+    CLI::App program(
+        "Draws models with physically based materials under skies, runs effects over pictures and "
+        "bakes environments; without a display, on a GPU or in software.",
+        "veldris");
     program.set_version_flag("--version", OV_VERSION);
     program.require_subcommand(1);
     program.set_help_all_flag("--help-all", "help of every subcommand");
@@ -55,22 +72,19 @@ int runProgram(int argumentCount, const char* const* arguments) {
     // Parsing only chooses what to run. Nothing runs inside the parser, whose exceptions would otherwise mix
     // with ours.
     Command command;
-    addApplyCommand(program, command);
-    addBakeCommand(program, command);
-    addCheckCommand(program, command);
-    addDemoCommand(program, command);
-    addInfoCommand(program, command);
-    addMaterialsCommand(program, command);
-    addRenderCommand(program, command);
-    addShadersCommand(program, command);
+    addCommands(program, command);
+    wrapHelp(program);
     try {
         program.parse(argumentCount, arguments);
     } catch (const CLI::ParseError& error) {
+        if (error.get_exit_code() == 0)
+            return console.finish(program.exit(error)); // help, or the version
         // The parser's own statuses differ from error to error; scripts need to know only that the call was
-        // wrong. Help ends here too, with 0.
-        return program.exit(error) == 0 ? 0 : WRONG_USAGE;
+        // wrong.
+        console.fail(usageMistake(program, given, error.what()));
+        return WRONG_USAGE;
     }
-    return command();
+    return console.finish(command(console));
 }
 
 } // namespace veldris

@@ -11,14 +11,17 @@ class App;
 
 namespace veldris {
 
+class Console;
+
 /// What a subcommand runs when it was chosen. @return the process's exit status
-using Command = std::function<int()>;
+using Command = std::function<int(Console&)>;
 
 /// Each adds its subcommand to the program; the chosen one stores what it runs in command.
 void addApplyCommand(CLI::App& program, Command& command);
 void addBakeCommand(CLI::App& program, Command& command);
 void addCheckCommand(CLI::App& program, Command& command);
 void addDemoCommand(CLI::App& program, Command& command);
+void addHelpCommand(CLI::App& program, Command& command);
 void addInfoCommand(CLI::App& program, Command& command);
 void addMaterialsCommand(CLI::App& program, Command& command);
 void addRenderCommand(CLI::App& program, Command& command);
@@ -26,11 +29,6 @@ void addShadersCommand(CLI::App& program, Command& command);
 
 /// Adds --language, --device, --cache, --no-cache, --timings and --json to a subcommand.
 void addDrawingOptions(CLI::App& command, DrawingOptions& options);
-
-/// Prints "veldris: <message>" on the error stream. @return the exit status of a failure
-int fail(ovMemory::StringView message);
-/// Prints "veldris: warning: <message>" on the error stream, unless the message is empty.
-void warn(ovMemory::StringView message);
 
 /// Runs the program. @return its exit status: 0 done, 1 failed, 2 wrong usage
 int runProgram(int argumentCount, const char* const* arguments);

@@ -10,6 +10,7 @@
 #include <ovResources/Files.h>
 #include <veldris/ImageFiles.h>
 #include <veldris/JsonText.h>
+#include <veldris/console/Console.h>
 #include <veldris/demo/DemoScene.h>
 #include <veldris/demo/EnvironmentScenes.h>
 #include <veldris/demo/GalleryPage.h>
@@ -112,14 +113,15 @@ bool drawGallery(Session& session, const DemoOptions& options, Buffer<GalleryEnt
     return error.empty();
 }
 
-void printReport(const DemoOptions& options, const Buffer<GalleryEntry>& entries, Session& session) {
+void printReport(Console& console, const DemoOptions& options, const Buffer<GalleryEntry>& entries,
+                 Session& session) {
     const String page = options.folder + "/index.html";
     if (!options.drawing.json) {
         if (options.drawing.timings) {
             for (const GalleryEntry& entry : entries)
-                fmt::print("{:10.3f} ms  {}\n", entry.milliseconds, entry.title);
+                console.print(fmt::format("{:10.3f} ms  {}", entry.milliseconds, entry.title));
         }
-        fmt::print("{} pictures in {}\n{}\n", entries.size(), options.folder, page);
+        console.print(fmt::format("{} pictures in {}\n{}", entries.size(), options.folder, page));
         return;
     }
     const auto& programs = session.getGraphics().getProgramLibrary().getStatistics();
@@ -129,31 +131,31 @@ void printReport(const DemoOptions& options, const Buffer<GalleryEntry>& entries
                                .text("title", entry.title)
                                .text("file", entry.afterFile)
                                .number("milliseconds", entry.milliseconds));
-    fmt::print("{}\n", JsonObject()
-                           .text("page", page)
-                           .array("pictures", pictures)
-                           .number("programsCompiled", static_cast<double>(programs.compiled))
-                           .number("programsFromCache", static_cast<double>(programs.fromDisk))
-                           .toText());
+    console.print(JsonObject()
+                      .text("page", page)
+                      .array("pictures", pictures)
+                      .number("programsCompiled", static_cast<double>(programs.compiled))
+                      .number("programsFromCache", static_cast<double>(programs.fromDisk))
+                      .toText());
 }
 
-int runDemo(DemoOptions options) {
+int runDemo(Console& console, DemoOptions options) {
     std::error_code status;
     std::filesystem::create_directories(options.folder, status);
     if (status)
-        return fail(fmt::format("could not make the folder '{}': {}; name another with --out.",
-                                options.folder, status.message()));
+        return console.fail(fmt::format("could not make the folder '{}': {}; name another with --out.",
+                                        options.folder, status.message()));
     DrawingOptions measured = options.drawing;
     measured.timings = true; // the page shows them
     Session session;
     String error;
     if (!session.open(measured, error))
-        return fail(error);
+        return console.fail(error);
     Buffer<GalleryEntry> entries;
     if (!drawGallery(session, options, entries, error))
-        return fail(error);
-    warn(session.getLogger().take());
-    printReport(options, entries, session);
+        return console.fail(error);
+    console.warnEach(session.getLogger().takeLines());
+    printReport(console, options, entries, session);
     return 0;
 }
 
@@ -171,7 +173,9 @@ void addDemoCommand(CLI::App& program, Command& command) {
         ->check(CLI::Range(16, 16384))
         ->capture_default_str();
     addDrawingOptions(*demo, options->drawing);
-    demo->callback([options, &command] { command = [options] { return runDemo(*options); }; });
+    demo->callback([options, &command] {
+        command = [options](Console& console) { return runDemo(console, *options); };
+    });
 }
 
 } // namespace veldris

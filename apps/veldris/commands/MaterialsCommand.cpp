@@ -6,6 +6,7 @@
 #include <ovResources/Files.h>
 #include <ovVeldris/content/ModelLoader.h>
 #include <veldris/JsonText.h>
+#include <veldris/console/Console.h>
 #include <veldris/materials/MaterialFile.h>
 #include <veldris/scene/ModelLight.h>
 
@@ -21,32 +22,31 @@ struct MaterialsOptions {
     DrawingOptions drawing;
 };
 
-int runMaterials(const MaterialsOptions& options) {
+int runMaterials(Console& console, const MaterialsOptions& options) {
     // The loader uploads the textures too, so that even writing declarations needs a device.
     Session session;
     String error;
     if (!session.open(options.drawing, error))
-        return fail(error);
+        return console.fail(error);
     const ovVeldris::ModelLoadResult loaded =
         ovVeldris::ModelLoader(&session.getSystem()).load(options.model);
     if (!loaded)
-        return fail(loaded.error);
-    for (const String& warning : loaded.model->getWarnings())
-        warn(warning);
+        return console.fail(loaded.error);
+    console.warnEach(loaded.model->getWarnings());
     giveModelLight(*loaded.model);
     const ovMemory::Buffer<ovVeldris::PbsMaterial*> materials = materialsOf(*loaded.model);
     const String text = writeMaterialFile(materials);
     const ovMemory::Result written =
         ovResources::writeFileAtomically(options.output, ovMemory::BufferView<const char>(text));
     if (!written)
-        return fail(written.error);
+        return console.fail(written.error);
     if (options.drawing.json)
-        fmt::print("{}\n", JsonObject()
-                               .text("output", options.output)
-                               .number("materials", static_cast<double>(materials.size()))
-                               .toText());
+        console.print(JsonObject()
+                          .text("output", options.output)
+                          .number("materials", static_cast<double>(materials.size()))
+                          .toText());
     else
-        fmt::print("{}\n", options.output);
+        console.print(options.output);
     return 0;
 }
 
@@ -62,7 +62,9 @@ void addMaterialsCommand(CLI::App& program, Command& command) {
     materials->footer(
         "Example: veldris materials helmet.glb -o helmet.ovm, then edit it, then\n"
         "veldris check helmet.ovm; veldris render helmet.glb --materials helmet.ovm -o helmet.png");
-    materials->callback([options, &command] { command = [options] { return runMaterials(*options); }; });
+    materials->callback([options, &command] {
+        command = [options](Console& console) { return runMaterials(console, *options); };
+    });
 }
 
 } // namespace veldris

@@ -9,8 +9,10 @@
 #include <ovGraphics/System.h>
 #include <ovImages/CompositeEncoder.h>
 #include <ovVeldris/content/ModelLoader.h>
+#include <ovVeldris/core/NearestName.h>
 #include <veldris/ImageFiles.h>
 #include <veldris/JsonText.h>
+#include <veldris/console/Console.h>
 #include <veldris/effects/EffectChain.h>
 #include <veldris/materials/MaterialFile.h>
 #include <veldris/scene/BuiltInSky.h>
@@ -26,7 +28,9 @@ namespace veldris {
 namespace {
 
 using ovMaths::Vector;
+using ovMemory::Buffer;
 using ovMemory::String;
+using ovMemory::StringView;
 
 constexpr const char* BUILT_IN_SKY = "sky";
 constexpr unsigned int SKY_WIDTH = 512;
@@ -131,7 +135,8 @@ bool makePlan(const RenderOptions& options, RenderPlan& plan, String& error) {
 }
 
 /// The built-in sky or an image; null without an error for "none".
-ovMemory::UniquePtr<EnvironmentLight> makeEnvironment(Session& session, const RenderOptions& options,
+ovMemory::UniquePtr<EnvironmentLight> makeEnvironment(Console& console, Session& session,
+                                                      const RenderOptions& options,
                                                       const Vector& lightDirection, String& error) {
     if (options.environment == "none")
         return nullptr;
@@ -148,33 +153,36 @@ ovMemory::UniquePtr<EnvironmentLight> makeEnvironment(Session& session, const Re
         const ovImages::Image panorama = turnedPhotograph(decoded.image->view(), options.environmentRotation);
         light = EnvironmentLight::create(session, panorama.view(), warning, error);
     }
-    warn(warning);
+    console.warn(warning);
     return light;
 }
 
 /// Takes over what the user's file says of the model's materials.
-bool readMaterials(Session& session, const RenderOptions& options, const ovVeldris::Model& model,
-                   String& error) {
+bool readMaterials(Console& console, Session& session, const RenderOptions& options,
+                   const ovVeldris::Model& model, String& error) {
     if (options.materials.empty())
         return true;
     ovMemory::Buffer<DeclarationProblem> problems;
     const auto read = readMaterialFile(options.materials, session.getSystem(), problems);
     for (const DeclarationProblem& problem : problems)
-        warn(fmt::format("{}:{}: {}", options.materials, problem.line, problem.message));
+        console.warn(fmt::format("{}:{}: {}", options.materials, problem.line, problem.message));
     if (read.empty()) {
         error = fmt::format("the file '{}' has no material that can be used; veldris check {} tells more.",
                             options.materials, options.materials);
         return false;
     }
     const auto own = materialsOf(model);
+    Buffer<StringView> names;
+    for (const ovVeldris::PbsMaterial* material : own)
+        names.push_back(material->getName());
     for (const ovVeldris::PbsMaterial* material : read) {
         if (std::find(own.begin(), own.end(), material) == own.end())
-            warn(fmt::format("the material '{}' of '{}' is none of the model's.", material->getName(),
-                             options.materials));
+            console.warn(fmt::format("the material '{}' of '{}' is none of the model's.{}",
+                                     material->getName(), options.materials,
+                                     ovVeldris::nearestNameHint(material->getName(), names)));
     }
     const String folder = std::filesystem::path(options.materials).parent_path().native();
-    for (const String& warning : loadMissingTextures(own, folder))
-        warn(warning);
+    console.warnEach(loadMissingTextures(own, folder));
     return true;
 }
 
@@ -196,13 +204,13 @@ bool addModel(ScenePicture& picture, ovVeldris::Model& model) {
 using Timings = ovMemory::Buffer<ovGraphics::PassTiming>;
 
 /// @param timings of the passes of the scene; those of the effects are the chain's
-void printReport(const RenderOptions& options, const Timings& timings, const ChainResult& result,
-                 Session& session) {
+void printReport(Console& console, const RenderOptions& options, const Timings& timings,
+                 const ChainResult& result, Session& session) {
     const String method(session.getGraphics().getPassTimingMethod());
     ovMemory::Buffer<JsonObject> passes;
     const auto addPass = [&](const String& name, double milliseconds) {
         if (!options.drawing.json)
-            fmt::print("{:10.3f} ms  {} ({})\n", milliseconds, name, method);
+            console.print(fmt::format("{:10.3f} ms  {} ({})", milliseconds, name, method));
         passes.push_back(JsonObject().text("pass", name).number("milliseconds", milliseconds));
     };
     for (const ovGraphics::PassTiming& timing : timings)
@@ -210,7 +218,7 @@ void printReport(const RenderOptions& options, const Timings& timings, const Cha
     for (const EffectTiming& timing : result.timings)
         addPass(timing.effect, timing.milliseconds);
     if (!options.drawing.json) {
-        fmt::print("{}\n", options.output);
+        console.print(options.output);
         return;
     }
     JsonObject report;
@@ -219,30 +227,30 @@ void printReport(const RenderOptions& options, const Timings& timings, const Cha
         .number("height", result.image->getHeight());
     if (options.drawing.timings)
         report.text("timingMethod", method).array("passes", passes);
-    fmt::print("{}\n", report.toText());
+    console.print(report.toText());
 }
 
 /// The model's picture before any effect.
-ovMemory::UniquePtr<ovGraphics::Texture> drawModel(Session& session, const RenderOptions& options,
-                                                   const RenderPlan& plan, Timings& timings, String& error) {
+ovMemory::UniquePtr<ovGraphics::Texture> drawModel(Console& console, Session& session,
+                                                   const RenderOptions& options, const RenderPlan& plan,
+                                                   Timings& timings, String& error) {
     const ovVeldris::ModelLoadResult loaded =
         ovVeldris::ModelLoader(&session.getSystem()).load(options.model);
     error = loaded.error;
     if (!loaded)
         return nullptr;
     ovVeldris::Model& model = *loaded.model;
-    for (const String& warning : model.getWarnings())
-        warn(warning);
+    console.warnEach(model.getWarnings());
     if (model.getParts().empty()) {
         error = "the model '" + options.model + "' has nothing to draw.";
         return nullptr;
     }
     giveModelLight(model);
-    if (!readMaterials(session, options, model, error))
+    if (!readMaterials(console, session, options, model, error))
         return nullptr;
     const Vector lightDirection =
         plan.scene.lightDirection.value_or(model.getMaterials().front().material->getLightDirection());
-    const auto environment = makeEnvironment(session, options, lightDirection, error);
+    const auto environment = makeEnvironment(console, session, options, lightDirection, error);
     if (!error.empty())
         return nullptr;
     const auto picture = ScenePicture::create(session, plan.scene, error);
@@ -254,32 +262,32 @@ ovMemory::UniquePtr<ovGraphics::Texture> drawModel(Session& session, const Rende
     }
     String warning;
     auto drawn = picture->draw(warning, error);
-    warn(warning);
+    console.warn(warning);
     timings = picture->getTimings();
     return drawn;
 }
 
-int runRender(const RenderOptions& options) {
+int runRender(Console& console, const RenderOptions& options) {
     RenderPlan plan;
     String error;
     if (!makePlan(options, plan, error))
-        return fail(error);
+        return console.fail(error);
     Session session;
     if (!session.open(options.drawing, error))
-        return fail(error);
+        return console.fail(error);
     Timings timings;
-    auto picture = drawModel(session, options, plan, timings, error);
+    auto picture = drawModel(console, session, options, plan, timings, error);
     if (!picture)
-        return fail(error);
+        return console.fail(error);
     const ChainResult result = runChain(session, std::move(picture), plan.chain);
     if (!result)
-        return fail(result.error);
-    warn(session.getLogger().take());
+        return console.fail(result.error);
+    console.warnEach(session.getLogger().takeLines());
     String warning;
     if (!writePicture(options.output, result.image->view(), false, warning, error))
-        return fail(error);
-    warn(warning);
-    printReport(options, timings, result, session);
+        return console.fail(error);
+    console.warn(warning);
+    printReport(console, options, timings, result, session);
     return 0;
 }
 
@@ -321,7 +329,9 @@ void addRenderCommand(CLI::App& program, Command& command) {
         ->capture_default_str();
     addDrawingOptions(*render, options->drawing);
     render->footer("Example: veldris render helmet.glb --light 0.3,-1,0.5 --shadows -o helmet.png");
-    render->callback([options, &command] { command = [options] { return runRender(*options); }; });
+    render->callback([options, &command] {
+        command = [options](Console& console) { return runRender(console, *options); };
+    });
 }
 
 } // namespace veldris

@@ -8,6 +8,7 @@
 #include <ovGraphics/shading/CrossCompiler.h>
 #include <ovVeldris/core/settings/SettingCombinations.h>
 #include <veldris/JsonText.h>
+#include <veldris/console/Console.h>
 #include <veldris/effects/EffectChain.h>
 
 namespace veldris {
@@ -88,31 +89,30 @@ bool generate(Session& session, const String& onlyEffect, Buffer<GeneratedProgra
     return true;
 }
 
-void printStage(const GeneratedProgram& program, STAGE stage, bool translated) {
+void printStage(Console& console, const GeneratedProgram& program, STAGE stage, bool translated) {
     const bool isVertex = stage == STAGE::VERTEX;
-    fmt::print("// {} stage of {}\n", isVertex ? "vertex" : "pixel", program.text.name);
+    console.print(fmt::format("// {} stage of {}", isVertex ? "vertex" : "pixel", program.text.name));
     if (translated)
-        fmt::print("{}\n",
-                   isVertex ? program.compiled.program->vertexText : program.compiled.program->pixelText);
+        console.print(isVertex ? program.compiled.program->vertexText : program.compiled.program->pixelText);
     else
-        fmt::print("{}\n", ovGraphics::shading::getFullText(program.text, stage));
+        console.print(ovGraphics::shading::getFullText(program.text, stage));
 }
 
-int printProgram(const Buffer<GeneratedProgram>& programs, const ShadersOptions& options) {
+int printProgram(Console& console, const Buffer<GeneratedProgram>& programs, const ShadersOptions& options) {
     for (const GeneratedProgram& program : programs) {
         if (program.text.name != options.print)
             continue;
         if (options.stage != "pixel")
-            printStage(program, STAGE::VERTEX, options.translated);
+            printStage(console, program, STAGE::VERTEX, options.translated);
         if (options.stage != "vertex")
-            printStage(program, STAGE::PIXEL, options.translated);
+            printStage(console, program, STAGE::PIXEL, options.translated);
         return 0;
     }
-    return fail(
+    return console.fail(
         fmt::format("no effect generates a program '{}'; 'veldris shaders' lists them.", options.print));
 }
 
-void listPrograms(const Buffer<GeneratedProgram>& programs, const DrawingOptions& options) {
+void listPrograms(Console& console, const Buffer<GeneratedProgram>& programs, const DrawingOptions& options) {
     Buffer<JsonObject> list;
     for (const GeneratedProgram& program : programs) {
         const auto& compiled = *program.compiled.program;
@@ -123,26 +123,27 @@ void listPrograms(const Buffer<GeneratedProgram>& programs, const DrawingOptions
                            .number("textureUnits", static_cast<double>(compiled.textureUnits.size()))
                            .text("warnings", program.compiled.warning));
         if (!options.json)
-            fmt::print("{:<32} {}{}\n", program.text.name, program.spec,
-                       program.compiled.warning.empty() ? "" : "  warnings: " + program.compiled.warning);
+            console.print(fmt::format(
+                "{:<32} {}{}", program.text.name, program.spec,
+                program.compiled.warning.empty() ? "" : "  warnings: " + program.compiled.warning));
     }
     if (options.json)
-        fmt::print("{}\n", JsonObject().text("language", options.language).array("programs", list).toText());
+        console.print(JsonObject().text("language", options.language).array("programs", list).toText());
     else
-        fmt::print("{} programs compile in {}.\n", programs.size(), options.language);
+        console.print(fmt::format("{} programs compile in {}.", programs.size(), options.language));
 }
 
-int runShaders(const ShadersOptions& options) {
+int runShaders(Console& console, const ShadersOptions& options) {
     String error;
     if (!options.effect.empty() && !ovVeldris::findEffectKind(options.effect, error))
-        return fail(error);
+        return console.fail(error);
     Session session;
     Buffer<GeneratedProgram> programs;
     if (!session.open(options.drawing, error) || !generate(session, options.effect, programs, error))
-        return fail(error);
+        return console.fail(error);
     if (!options.print.empty())
-        return printProgram(programs, options);
-    listPrograms(programs, options.drawing);
+        return printProgram(console, programs, options);
+    listPrograms(console, programs, options.drawing);
     return 0;
 }
 
@@ -159,7 +160,9 @@ void addShadersCommand(CLI::App& program, Command& command) {
         ->capture_default_str();
     shaders->add_flag("--translated", options->translated, "print the text that the device gets instead");
     addDrawingOptions(*shaders, options->drawing);
-    shaders->callback([options, &command] { command = [options] { return runShaders(*options); }; });
+    shaders->callback([options, &command] {
+        command = [options](Console& console) { return runShaders(console, *options); };
+    });
 }
 
 } // namespace veldris

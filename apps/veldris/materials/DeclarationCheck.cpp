@@ -5,12 +5,12 @@
 #include <fmt/format.h>
 #include <ovExport/JsonExporter.h>
 #include <ovResources/Files.h>
+#include <ovVeldris/core/NearestName.h>
 #include <ovVeldris/materials/MaterialTypeUtils.h>
 #include <unordered_map>
 #include <unordered_set>
 #include <utility>
 #include <veldris/materials/MaterialMembers.h>
-#include <veldris/materials/NearestName.h>
 
 namespace veldris {
 
@@ -102,7 +102,7 @@ private:
 };
 
 String hintOf(StringView name, const Buffer<StringView>& known) {
-    const StringView nearest = findNearestName(name, known);
+    const StringView nearest = ovVeldris::findNearestName(name, known);
     return nearest.empty() ? String(".") : fmt::format("; did you mean \"{}\"?", nearest);
 }
 

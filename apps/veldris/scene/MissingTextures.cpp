@@ -6,6 +6,7 @@
 #include <ovImages/CompositeEncoder.h>
 #include <ovImages/Conversion.h>
 #include <ovVeldris/content/StandInPicture.h>
+#include <ovVeldris/core/NearestName.h>
 #include <ovVeldris/materials/PbsMaterial.h>
 
 namespace veldris {
@@ -13,6 +14,7 @@ namespace veldris {
 using ovGraphics::Texture;
 using ovImages::COLOR_ENCODING;
 using ovMemory::String;
+using ovMemory::StringView;
 using ovVeldris::PbsMaterial;
 
 namespace {
@@ -37,14 +39,14 @@ constexpr Slot SLOTS[] = {
 
 /// Reads a picture, or explains in warning why it is a stand-in.
 ovImages::Image readPicture(const String& name, const String& folder, COLOR_ENCODING encoding,
-                            String& warning) {
+                            const ovMemory::Buffer<StringView>& known, String& warning) {
     const String path = (std::filesystem::path(folder) / name).native();
     ovImages::DecodeResult decoded = ovImages::CompositeEncoder().decodeFile(path);
     if (!decoded) {
         warning = fmt::format(
             "the texture '{}' is neither of the model nor a picture, and is drawn as a chequerboard of "
-            "magenta and black: {}",
-            name, decoded.error);
+            "magenta and black: {}{}",
+            name, decoded.error, ovVeldris::nearestNameHint(name, known));
         return ovVeldris::makeStandInPicture(encoding);
     }
     if (decoded.image->getComponentType() == ovImages::COMPONENT_TYPE::UINT8)
@@ -62,11 +64,25 @@ void load(Texture& texture, const ovImages::Image& picture) {
         texture.generateMips();
 }
 
+/// The textures that the materials have already.
+ovMemory::Buffer<StringView> loadedNames(ovMemory::BufferView<PbsMaterial* const> materials) {
+    ovMemory::Buffer<StringView> names;
+    for (const Slot& slot : SLOTS) {
+        for (const PbsMaterial* material : materials) {
+            const Texture* texture = (material->*slot.get)();
+            if (texture && !texture->isUnloaded())
+                names.push_back(texture->getName());
+        }
+    }
+    return names;
+}
+
 } // namespace
 
 ovMemory::Buffer<String> loadMissingTextures(ovMemory::BufferView<PbsMaterial* const> materials,
                                              const String& folder) {
     ovMemory::Buffer<String> warnings;
+    const ovMemory::Buffer<StringView> known = loadedNames(materials);
     for (const Slot& slot : SLOTS) {
         for (const PbsMaterial* material : materials) {
             Texture* texture = (material->*slot.get)();
@@ -75,7 +91,7 @@ ovMemory::Buffer<String> loadMissingTextures(ovMemory::BufferView<PbsMaterial* c
             if (!texture || !texture->isUnloaded())
                 continue;
             String warning;
-            load(*texture, readPicture(String(texture->getName()), folder, slot.encoding, warning));
+            load(*texture, readPicture(String(texture->getName()), folder, slot.encoding, known, warning));
             if (!warning.empty())
                 warnings.push_back(warning);
         }

@@ -1,5 +1,6 @@
 #include <ovVeldris/effects/EffectKind.h>
 
+#include <ovVeldris/core/NearestName.h>
 #include <ovVeldris/effects/ImageEnvironmentEffect.h>
 #include <ovVeldris/effects/TextureCopyEffect.h>
 #include <ovVeldris/effects/ToneMappingEffect.h>
@@ -52,13 +53,16 @@ const EffectKind* findEffectKind(EFFECT_TYPE type) {
 }
 
 const EffectKind* findEffectKind(ovMemory::StringView name, ovMemory::String& error) {
-    ovMemory::String names;
+    ovMemory::Buffer<ovMemory::String> names;
+    ovMemory::String list;
     for (const EffectKind& kind : effectKinds()) {
         if (kind.getName() == name)
             return &kind;
-        names.append(names.empty() ? "" : ", ").append(kind.getName());
+        names.push_back(kind.getName());
+        list.append(list.empty() ? "" : ", ").append(names.back());
     }
-    error = "there is no effect '" + ovMemory::String(name) + "'; the effects are " + names + ".";
+    error = "there is no effect '" + ovMemory::String(name) + "'; the effects are " + list + "." +
+            nearestNameHint(name, {names.begin(), names.end()});
     return nullptr;
 }
 

@@ -93,7 +93,8 @@ TEST_P(EffectKindTest, namesAreTheTypesInLowerCaseAndAreFound) {
     EXPECT_EQ(findEffectKind("tonemapping", error), nullptr);
     EXPECT_EQ(
         error,
-        "there is no effect 'tonemapping'; the effects are image-environment, texture-copy, tone-mapping.");
+        "there is no effect 'tonemapping'; the effects are image-environment, texture-copy, tone-mapping. "
+        "Did you mean 'tone-mapping'?");
     EXPECT_EQ(findEffectKind(EFFECT_TYPE::UNKNOWN), nullptr);
 }
 

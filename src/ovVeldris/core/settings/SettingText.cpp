@@ -9,6 +9,7 @@
 #include <ovGraphics/resources/Sampler.h>
 #include <ovGraphics/resources/Texture.h>
 #include <ovGraphics/scene/Node.h>
+#include <ovVeldris/core/NearestName.h>
 
 namespace ovVeldris {
 
@@ -290,7 +291,10 @@ String rangeText(const Setting& setting) {
 String valueProblem(const Setting& setting, StringView value) {
     String problem = "'";
     problem.append(value).append("' is no value of the setting '").append(setting.name);
-    return problem.append("'; it takes ").append(expectedText(setting)).append(".");
+    return problem.append("'; it takes ")
+        .append(expectedText(setting))
+        .append(".")
+        .append(nearestNameHint(value, {setting.choices.begin(), setting.choices.end()}));
 }
 
 const Setting* findSetting(const SettingTable& settings, StringView name, String& error) {
@@ -301,7 +305,8 @@ const Setting* findSetting(const SettingTable& settings, StringView name, String
     for (const Setting& setting : settings)
         names.emplace_back(setting.name);
     error = "there is no setting '" + String(name) + "'; it has " +
-            (names.empty() ? String("none") : join(names, ", ")) + ".";
+            (names.empty() ? String("none") : join(names, ", ")) + "." +
+            nearestNameHint(name, {names.begin(), names.end()});
     return nullptr;
 }
 

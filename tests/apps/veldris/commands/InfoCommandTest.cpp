@@ -5,7 +5,8 @@ namespace {
 TEST(InfoCommandTest, tellsTheDeviceAndItsLimits) {
     const Outcome text = runVeldris({"info", "--device", "software", "--no-cache"});
     ASSERT_EQ(text.status, 0) << text.error;
-    for (const char* part : {"veldris", "(software)", "limits", "compilers", "devices of --device:", "  0  "})
+    for (const char* part :
+         {"veldris", "(software)", "limits", "compilers", "devices of --device:", "\n  0: "})
         EXPECT_NE(text.output.find(part), ovMemory::String::npos) << part;
 
     const Outcome json =

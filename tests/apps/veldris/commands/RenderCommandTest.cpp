@@ -125,11 +125,17 @@ TEST_F(RenderCommandTest, anEditedMaterialIsDrawnAsEdited) {
 
     std::ofstream(materials) << R"json([
         {"name": "paint", "type": "PBS", "albedoTexture": {"name": "nowhere.png", "packing": "rgb"}},
-        {"name": "other", "type": "PBS"}])json";
+        {"name": "other", "type": "PBS"}, {"name": "pain", "type": "PBS"}])json";
     const Outcome odd = render(model, output, {"--materials", materials, "--light", "0,0,1"});
     ASSERT_EQ(odd.status, 0) << odd.error;
     EXPECT_NE(odd.error.find("'nowhere.png'"), String::npos) << odd.error;
-    EXPECT_NE(odd.error.find("the material 'other' of"), String::npos) << odd.error;
+    EXPECT_NE(odd.error.find("the material 'other' of '" + materials + "' is none of the model's.\n"),
+              String::npos)
+        << odd.error;
+    std::ofstream(materials) << R"json([{"name": "pain", "type": "PBS"}])json";
+    const Outcome mistyped = render(model, output, {"--materials", materials});
+    EXPECT_NE(mistyped.error.find("is none of the model's. Did you mean 'paint'?\n"), String::npos)
+        << mistyped.error;
 }
 
 TEST_F(RenderCommandTest, aMissingPictureIsDrawnAsAStandInWithOneWarning) {

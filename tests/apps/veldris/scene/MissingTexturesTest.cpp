@@ -69,6 +69,15 @@ TEST_F(MissingTexturesTest, whatIsNoFileIsSeenAndTold) {
     EXPECT_EQ(texture("nowhere.png")->getWidth(), 8u);
 }
 
+TEST_F(MissingTexturesTest, aMistypedNameIsToldWithTheNearest) {
+    ASSERT_TRUE(texture("helmet diffuse")->load());
+    _material->setEmissiveTexture(texture("helmet diffuse"), THREE_CHANNEL_PACK::RGB);
+    _material->setAlbedoTexture(texture("helmet difuse"), THREE_CHANNEL_PACK::RGB);
+    const auto warnings = load();
+    ASSERT_EQ(warnings.size(), 1u);
+    EXPECT_TRUE(warnings[0].ends_with(" Did you mean 'helmet diffuse'?")) << warnings[0];
+}
+
 TEST_F(MissingTexturesTest, loadedTexturesAreLeftAlone) {
     ovGraphics::Texture* own = texture("own");
     ASSERT_TRUE(own->load());

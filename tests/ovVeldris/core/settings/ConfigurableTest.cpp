@@ -37,7 +37,7 @@ TEST(ConfigurableTest, unknownNamesAreToldWithTheKnownOnes) {
     String error;
     EXPECT_FALSE(sample.setSetting("colour", ovMaths::Vector(), error));
     EXPECT_EQ(error, "there is no setting 'colour'; it has is-on, fruit, count, angle, gamma, offset, color, "
-                     "look, place, title, map, reader, eye, anchor.");
+                     "look, place, title, map, reader, eye, anchor. Did you mean 'color'?");
     EXPECT_FALSE(sample.getSetting("colour").has_value());
     EXPECT_EQ(sample.getSettingAsText("colour"), "");
 }

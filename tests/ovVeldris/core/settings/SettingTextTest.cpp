@@ -72,8 +72,9 @@ TEST(SettingTextTest, otherTextsAreRefused) {
         SettingValue value = 77;
         String error;
         EXPECT_FALSE(parseSettingValue(row(setting), text, nullptr, value, error)) << setting << text;
+        const String hint = String(setting) == "fruit" ? " Did you mean 'sour-cherry'?" : "";
         EXPECT_EQ(error, "'" + String(text) + "' is no value of the setting '" + setting + "'; it takes " +
-                             expectedText(row(setting)) + ".");
+                             expectedText(row(setting)) + "." + hint);
         EXPECT_EQ(value, SettingValue(77));
     }
 }

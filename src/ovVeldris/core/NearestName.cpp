@@ -1,9 +1,9 @@
-#include <veldris/materials/NearestName.h>
+#include <ovVeldris/core/NearestName.h>
 
 #include <algorithm>
 #include <numeric>
 
-namespace veldris {
+namespace ovVeldris {
 
 namespace {
 
@@ -57,4 +57,9 @@ StringView findNearestName(StringView name, const ovMemory::Buffer<StringView>& 
     return nearest;
 }
 
-} // namespace veldris
+ovMemory::String nearestNameHint(StringView name, const ovMemory::Buffer<StringView>& known) {
+    const StringView nearest = findNearestName(name, known);
+    return nearest.empty() ? ovMemory::String() : " Did you mean '" + ovMemory::String(nearest) + "'?";
+}
+
+} // namespace ovVeldris

@@ -1,4 +1,4 @@
-#include <veldris/materials/NearestName.h>
+#include <ovVeldris/core/NearestName.h>
 
 #include <gtest/gtest.h>
 
@@ -26,6 +26,11 @@ TEST(NearestNameTest, findsWhatWasMeant) {
         {ovMemory::String(61, 'a') + "name", ""}, // too long for a name
     };
     for (const auto& [name, expected] : cases)
-        EXPECT_EQ(veldris::findNearestName(name, known), expected) << name;
-    EXPECT_EQ(veldris::findNearestName("name", {}), "");
+        EXPECT_EQ(ovVeldris::findNearestName(name, known), expected) << name;
+    EXPECT_EQ(ovVeldris::findNearestName("name", {}), "");
+}
+
+TEST(NearestNameTest, aHintEndsAMessage) {
+    EXPECT_EQ(ovVeldris::nearestNameHint("naem", {"type", "name"}), " Did you mean 'name'?");
+    EXPECT_EQ(ovVeldris::nearestNameHint("occlusion", {"type", "name"}), "");
 }

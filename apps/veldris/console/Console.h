@@ -1,0 +1,48 @@
+// What a run of the program says.
+#pragma once
+
+#include <ovMemory/Memory.h>
+
+namespace veldris {
+
+/// Results go to standard output, failures and warnings to standard error. In JSON each failure is a line
+/// {"error": ...}, each kind of warning a line {"warning": ..., "count": ...}.
+///
+/// Warnings are gathered: those that differ only in numbers and quoted names are one kind, which is told
+/// once, with the first of them as the example, when the run fails or ends.
+class Console {
+public:
+    /// @param isJson whether messages are for machines
+    explicit Console(bool isJson)
+        : _isJson(isJson) {}
+
+    /// Tells why the run failed, in one line. @return the exit status of a failure
+    int fail(ovMemory::StringView message);
+    /// Keeps a warning to be told, unless it is empty.
+    void warn(ovMemory::StringView message);
+    void warnEach(const ovMemory::Buffer<ovMemory::String>& messages);
+    /// Prints a line of the result.
+    void print(ovMemory::StringView line);
+
+    /// From here on standard output carries the picture itself, and the lines of the result go to standard
+    /// error.
+    void leaveOutputToData() { _outputIsData = true; }
+
+    /// Tells the warnings, and writes out what standard output still holds.
+    /// @return the status, or that of a failure when standard output could not take everything
+    int finish(int status);
+
+private:
+    struct Warning {
+        ovMemory::String kind;
+        ovMemory::String example;
+        unsigned int count = 1;
+    };
+    void _tellWarnings();
+
+    bool _isJson;
+    bool _outputIsData = false;
+    ovMemory::Buffer<Warning> _warnings;
+};
+
+} // namespace veldris

@@ -1,0 +1,48 @@
+#include <veldris/usage/HelpText.h>
+
+#include "veldris/commands/CommandTesting.h"
+
+#include <cstdlib>
+
+namespace {
+
+using ovMemory::String;
+using ovMemory::StringView;
+
+TEST(HelpTextTest, linesBreakBetweenWordsBelowTheirColumn) {
+    EXPECT_EQ(veldris::wrapText("one two three", 13), "one two three");
+    EXPECT_EQ(veldris::wrapText("one two three", 12), "one two\nthree");
+    EXPECT_EQ(veldris::wrapText("  one two three\n", 9), "  one two\n  three\n");
+    EXPECT_EQ(veldris::wrapText("  --a  one two three\n\nfour", 15), "  --a  one two\n       three\n\nfour");
+    EXPECT_EQ(veldris::wrapText("unbreakable-word next", 6), "unbreakable-word\nnext");
+    EXPECT_EQ(veldris::wrapText("", 6), "");
+}
+
+class Columns {
+public:
+    explicit Columns(const char* width) { setenv("COLUMNS", width, 1); }
+    ~Columns() { unsetenv("COLUMNS"); }
+};
+
+std::size_t longestLine(StringView text) {
+    std::size_t longest = 0;
+    while (!text.empty()) {
+        const StringView line = text.substr(0, text.find('\n'));
+        longest = std::max(longest, line.size());
+        text.remove_prefix(std::min(line.size() + 1, text.size()));
+    }
+    return longest;
+}
+
+TEST(HelpTextTest, helpFitsTheTerminal) {
+    for (const char* width : {"70", "120"}) {
+        const Columns columns(width);
+        for (const char* command :
+             {"apply", "bake", "check", "demo", "info", "materials", "render", "shaders"})
+            EXPECT_LE(longestLine(runVeldris({"help", command}).output), std::stoul(width)) << command;
+    }
+    const Columns narrow("1");
+    EXPECT_EQ(veldris::helpWidth(), 40u);
+}
+
+} // namespace
