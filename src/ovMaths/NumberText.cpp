@@ -11,6 +11,12 @@ void appendNumber(ovMemory::String& text, float value) {
     text.append(digits, end);
 }
 
+void appendExactNumber(ovMemory::String& text, float value) {
+    // The longest is like -1.17549435e-38.
+    char digits[32];
+    text.append(digits, std::to_chars(digits, digits + sizeof(digits), value).ptr);
+}
+
 void appendFour(ovMemory::String& text, ovMemory::StringView name, const float (&values)[4]) {
     text.append(name).append("(");
     for (int i = 0; i < 4; ++i) {

@@ -9,6 +9,9 @@ namespace ovMaths {
 /// locale must not change files and scripts, so this one does not look at it.
 void appendNumber(ovMemory::String& text, float value);
 
+/// Appends a number with the fewest digits that read back as the same float, in the "C" locale.
+void appendExactNumber(ovMemory::String& text, float value);
+
 /// Appends "name(x, y, z, w)".
 void appendFour(ovMemory::String& text, ovMemory::StringView name, const float (&values)[4]);
 

@@ -36,6 +36,16 @@ ovMemory::String Vector::toString() const {
     return text;
 }
 
+ovMemory::String Vector::toExactString() const {
+    ovMemory::String text = "Vec(";
+    for (const float value : {x, y, z, w}) {
+        appendExactNumber(text, value);
+        text.append(", ");
+    }
+    text.replace(text.size() - 2, 2, ")");
+    return text;
+}
+
 bool Vector::fromString(ovMemory::StringView text) {
     float values[4] = {};
     if (!skip(text, "Vec("))

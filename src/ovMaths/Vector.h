@@ -126,8 +126,13 @@ public:
     /// "Vec(x, y, z, w)", always four numbers with six decimals each and a point, whatever the locale.
     ovMemory::String toString() const;
 
-    /// Reads the form that toString() writes: "Vec(" four finite numbers separated by commas ")", with
-    /// optional spaces around the numbers. False, with this vector unchanged, for any other text.
+    /// "Vec(x, y, z, w)" with the fewest digits that fromString() reads back as the same bits, and a point,
+    /// whatever the locale: 0.1, 1e-07. Files hold this form. Numbers that are not finite become "inf" and
+    /// "nan", which fromString() refuses.
+    ovMemory::String toExactString() const;
+
+    /// Reads what toString() and toExactString() write: "Vec(" four finite numbers separated by commas ")",
+    /// with optional spaces around the numbers. False, with this vector unchanged, for any other text.
     bool fromString(ovMemory::StringView text);
 
 private:

@@ -50,7 +50,7 @@ void writeMember(const PbsMaterial& material, const MaterialMember& member, Node
         return entry.addMember(member.name)->setAsBool(std::get<bool>(value));
     case SETTING_KIND::VECTOR:
         if (isMissing(entry, member))
-            entry.addMember(member.name)->setAsString(std::get<ovMaths::Vector>(value).toString());
+            entry.addMember(member.name)->setAsString(std::get<ovMaths::Vector>(value).toExactString());
         return;
     case SETTING_KIND::NUMBER:
         if (isMissing(entry, member))

@@ -13,7 +13,8 @@ namespace {
 /// The default brightness in the hue of a light.
 Vector lightColorOf(const ovGraphics::GltfDirectionalLight& light) {
     const float brightest = std::max({light.color.x, light.color.y, light.color.z});
-    return brightest > 0.0f ? light.color * (DEFAULT_LIGHT_COLOR.x / brightest) : Vector();
+    // The hue first: the factor of a very faint light would be infinite.
+    return brightest > 0.0f ? light.color / brightest * DEFAULT_LIGHT_COLOR.x : Vector();
 }
 
 } // namespace

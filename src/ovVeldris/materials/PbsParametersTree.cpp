@@ -77,7 +77,7 @@ void exportPbsParameters(const PbsSettings& settings, Node& node) {
     for (const PbsProperty& property : pbsProperties())
         if (property.value.vector && !exportTexture(settings, property.texture, node))
             node.addMember(property.value.name.member)
-                ->setAsString((settings.*property.value.vector).toString());
+                ->setAsString((settings.*property.value.vector).toExactString());
     for (const PbsProperty& property : pbsProperties())
         if (property.value.number)
             exportFactor(settings, property, node);

@@ -35,10 +35,10 @@ protected:
     PbsMaterialParameters parameters;
 };
 
-const ovMemory::String ZERO = R"j("Vec(0.000000, 0.000000, 0.000000, 0.000000)")j";
-const ovMemory::String HALF = R"j("Vec(0.500000, 0.500000, 0.500000, 0.000000)")j";
-const ovMemory::String LIGHT = R"j({"lightDirection":"Vec(1.000000, -1.000000, 1.000000, 0.000000)",)j"
-                               R"j("lightColor":"Vec(1.000000, 1.000000, 1.000000, 0.000000)",)j";
+const ovMemory::String ZERO = R"j("Vec(0, 0, 0, 0)")j";
+const ovMemory::String HALF = R"j("Vec(0.5, 0.5, 0.5, 0)")j";
+const ovMemory::String LIGHT = R"j({"lightDirection":"Vec(1, -1, 1, 0)",)j"
+                               R"j("lightColor":"Vec(1, 1, 1, 0)",)j";
 const ovMemory::String COLORS = R"j("albedoColor":)j" + ZERO + R"j(,"specularColor":)j" + HALF +
                                 R"j(,"emissiveColor":)j" + ZERO + R"j(,"environmentColor":)j" + ZERO + ",";
 const ovMemory::String FACTORS = R"j("metalnessValue":0.5,"roughnessGlossinessValue":0.5,"alphaValue":1.0)j";
@@ -101,7 +101,7 @@ TEST_F(PbsParametersTreeTest, LeavesOutWhatIsNotKept) {
 
 TEST_F(PbsParametersTreeTest, ReadsWhatItWrites) {
     parameters.lightDirection = {1.0f, 2.0f, 3.0f, 4.0f};
-    parameters.lightColor = {0.5f, 0.25f, 0.125f};
+    parameters.lightColor = {1.0f / 3.0f, 1e-7f, 123456.789f};
     parameters.albedoTexture = texture("a");
     parameters.albedoTextureChannels = THREE_CHANNEL_PACK::ABR;
     parameters.emissiveColor = {7.0f, 8.0f, 9.0f};
@@ -119,8 +119,14 @@ TEST_F(PbsParametersTreeTest, ReadsWhatItWrites) {
     EXPECT_EQ(exportText(), written);
     EXPECT_EQ(parameters.albedoTexture.get(), texture("a"));
     EXPECT_EQ(parameters.lightDirection.w, 4.0f);
+    EXPECT_EQ(parameters.lightColor, ovMaths::Vector(1.0f / 3.0f, 1e-7f, 123456.789f));
     EXPECT_EQ(parameters.metalness, 0.1f);
     EXPECT_EQ(parameters.alphaCutoff, 0.3f);
+}
+
+TEST_F(PbsParametersTreeTest, ReadsVectorsOfSixDecimals) {
+    importText(R"j({"lightColor":"Vec(0.333333, 0.000000, 2.500000, 0.000000)"})j");
+    EXPECT_EQ(parameters.lightColor, ovMaths::Vector(0.333333f, 0.0f, 2.5f));
 }
 
 TEST_F(PbsParametersTreeTest, EveryMemberIsOptionalAndOfItsKind) {

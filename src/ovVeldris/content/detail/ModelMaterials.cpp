@@ -22,13 +22,6 @@ constexpr float LOWEST_ROUGHNESS = 0.045f;
 
 const Vector WHITE(1.0f, 1.0f, 1.0f);
 
-// By way of the text itself, so that it is exactly what reading a saved file gives.
-Vector rounded(const Vector& color) {
-    Vector result;
-    result.fromString(color.toString());
-    return result;
-}
-
 Vector colorOf(const Vector& vector) {
     return {vector.x, vector.y, vector.z};
 }
@@ -69,15 +62,15 @@ private:
 
     void _setAlbedo(ovGraphics::Texture* texture, const Vector& factor) {
         _material.setAlbedoTexture(texture, THREE_CHANNEL_PACK::RGB);
-        _material.setAlbedoColor(rounded(factor));
+        _material.setAlbedoColor(factor);
         // A factor of white is left out, so that most materials share the program without the product.
-        _material.setMixAlbedoColorAndTexture(texture && rounded(factor) != WHITE);
+        _material.setMixAlbedoColorAndTexture(texture && factor != WHITE);
     }
 
     void _setSpecular(ovGraphics::Texture* texture, const Vector& factor) {
         _material.setSpecularTexture(texture, THREE_CHANNEL_PACK::RGB);
-        _material.setSpecularColor(rounded(factor));
-        _material.setMixSpecularColorAndTexture(texture && rounded(factor) != WHITE);
+        _material.setSpecularColor(factor);
+        _material.setMixSpecularColorAndTexture(texture && factor != WHITE);
     }
 
     void _setRoughnessGlossiness(ovGraphics::Texture* texture, ONE_CHANNEL_PACK channel, float factor) {
@@ -187,13 +180,13 @@ private:
     void _buildEmission() {
         ovGraphics::Texture* texture = _color(_source.emissiveTexture);
         _material.setEmissiveTexture(texture, THREE_CHANNEL_PACK::RGB);
-        _material.setEmissiveColor(rounded(_source.emissive));
-        _material.setMixEmissiveColorAndTexture(texture && rounded(_source.emissive) != WHITE);
+        _material.setEmissiveColor(_source.emissive);
+        _material.setMixEmissiveColorAndTexture(texture && _source.emissive != WHITE);
         if (!_source.unlit)
             return;
         // Its own colour, whatever the light: emitted, with nothing left to reflect.
         _material.setEmissiveTexture(_color(_source.baseColorTexture), THREE_CHANNEL_PACK::RGB);
-        _material.setEmissiveColor(rounded(colorOf(_source.baseColor)));
+        _material.setEmissiveColor(colorOf(_source.baseColor));
         _material.setMixEmissiveColorAndTexture(_source.baseColorTexture >= 0);
         _setAlbedo(nullptr, Vector());
         _setSpecular(nullptr, Vector());
@@ -201,7 +194,10 @@ private:
     }
 
     void _buildAlpha() {
-        if (_source.alphaMode == ovGraphics::GLTF_ALPHA_MODE::OPAQUE)
+        const bool isMasked = _source.alphaMode == ovGraphics::GLTF_ALPHA_MODE::MASK;
+        // A cut-off of 0 keeps every alpha that there is.
+        if (_source.alphaMode == ovGraphics::GLTF_ALPHA_MODE::OPAQUE ||
+            (isMasked && _source.alphaCutoff <= 0.0f))
             return;
         ovGraphics::Texture* texture = _material.getAlbedoTexture();
         // A metal has no albedo texture, but its alpha is still in the file's.
@@ -210,9 +206,9 @@ private:
         _material.setAlphaTexture(texture, ONE_CHANNEL_PACK::A);
         _material.setAlpha(_source.baseColor.w);
         _material.setMixAlphaFactorAndTexture(texture && _source.baseColor.w != 1.0f);
-        if (_source.alphaMode ==
-            ovGraphics::GLTF_ALPHA_MODE::MASK) // what equals the cut-off is kept by files
-            _material.setAlphaCutoff(std::nextafter(_source.alphaCutoff, -1.0f));
+        // Files keep what equals the cut-off, the material does not. Above 1 nothing is kept by either.
+        if (isMasked)
+            _material.setAlphaCutoff(std::min(std::nextafter(_source.alphaCutoff, 0.0f), 1.0f));
     }
 
     void _buildRelief() {

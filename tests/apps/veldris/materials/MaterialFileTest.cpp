@@ -1,6 +1,5 @@
 #include <veldris/materials/MaterialFile.h>
 
-#include <bit>
 #include <cmath>
 #include <fmt/format.h>
 #include <fstream>
@@ -12,6 +11,7 @@
 #include <random>
 #include <support/TemporaryFolder.h>
 #include <veldris/Session.h>
+#include <veldris/materials/MaterialDescription.h>
 
 using namespace veldris;
 using ovMemory::Buffer;
@@ -58,49 +58,7 @@ protected:
     Buffer<DeclarationProblem> problems;
 };
 
-/// Every setting of a material that files keep, numbers by their bits.
-String describe(const PbsMaterial& material) {
-    String text;
-    const auto number = [&](float value) { text += fmt::format("{:08x} ", std::bit_cast<uint32_t>(value)); };
-    const auto vector = [&](const ovMaths::Vector& value) {
-        for (const float component : {value.x, value.y, value.z, value.w})
-            number(component);
-    };
-    const auto texture = [&](const ovGraphics::Texture* value, auto channels) {
-        text += fmt::format("{} {} ", static_cast<const void*>(value), static_cast<int>(channels));
-    };
-    const PbsMaterial& m = material;
-    text.append(m.getName()).append(" ").append(m.getPositionAttributeName()).append(" ");
-    text.append(m.getTexCoordAttributeName()).append(" ").append(m.getNormalAttributeName()).append(" ");
-    text.append(m.getTangentAttributeName()).append(" ").append(m.getBinormalAttributeName()).append(" ");
-    for (const ovMaths::Vector& value : {m.getLightDirection(), m.getLightColor(), m.getAlbedoColor(),
-                                         m.getSpecularColor(), m.getEmissiveColor(), m.getEnvironmentColor()})
-        vector(value);
-    for (const float value : {m.getMetalness(), m.getRoughnessGlossiness(), m.getAlpha(), m.getAlphaCutoff()})
-        number(value);
-    texture(m.getAlbedoTexture(), m.getAlbedoTextureChannels());
-    texture(m.getSpecularTexture(), m.getSpecularTextureChannels());
-    texture(m.getEmissiveTexture(), m.getEmissiveTextureChannels());
-    texture(m.getMetalnessTexture(), m.getMetalnessTextureChannels());
-    texture(m.getRoughnessGlossinessTexture(), m.getRoughnessGlossinessTextureChannels());
-    texture(m.getAlphaTexture(), m.getAlphaTextureChannels());
-    texture(m.getOcclusionTexture(), m.getOcclusionTextureChannels());
-    texture(m.getNormalMapTexture(), m.getNormalMapTextureChannels());
-    texture(m.getEnvironmentTexture(), m.getEnvironmentTextureChannels());
-    texture(m.getIrradianceTexture(), m.getIrradianceTextureChannels());
-    text += fmt::format("{} ", static_cast<int>(m.getPbsModel()));
-    for (const bool value :
-         {m.getEnvironmentPrefiltered(), m.getEnvironmentTextureIsCubeByDefault(),
-          m.getIrradianceTextureIsCubeByDefault(), m.getReconstructBinormals(),
-          m.getMixAlbedoColorAndTexture(), m.getMixSpecularColorAndTexture(),
-          m.getMixEmissiveColorAndTexture(), m.getMixMetalnessFactorAndTexture(),
-          m.getMixRoughnessGlossinessFactorAndTexture(), m.getMixEnvironmentColorAndTexture(),
-          m.getMixAlphaFactorAndTexture(), m.getCombineLightAndEnvironment()})
-        text += value ? '1' : '0';
-    return text;
-}
-
-/// Random settings: each switch both ways, each texture there or not, values where they are used.
+/// Random settings: each switch both ways, each texture there or not.
 class MaterialMaker {
 public:
     explicit MaterialMaker(ovGraphics::TextureManager& textures)
@@ -129,29 +87,24 @@ public:
         m.setLightDirection(_color());
         m.setLightColor(_color());
         m.setAlphaCutoff(factor());
-        if (!m.getAlbedoTexture() || m.getMixAlbedoColorAndTexture())
-            m.setAlbedoColor(_color());
-        if (!m.getSpecularTexture() || m.getMixSpecularColorAndTexture())
-            m.setSpecularColor(_color());
-        if (!m.getEmissiveTexture() || m.getMixEmissiveColorAndTexture())
-            m.setEmissiveColor(_color());
-        if (!m.getEnvironmentTexture() || m.getMixEnvironmentColorAndTexture() || !m.getIrradianceTexture())
-            m.setEnvironmentColor(_color());
-        if (!m.getMetalnessTexture() || m.getMixMetalnessFactorAndTexture())
-            m.setMetalness(factor());
-        if (!m.getRoughnessGlossinessTexture() || m.getMixRoughnessGlossinessFactorAndTexture())
-            m.setRoughnessGlossiness(factor());
-        if (!m.getAlphaTexture() || m.getMixAlphaFactorAndTexture())
-            m.setAlpha(factor());
+        m.setAlbedoColor(_color());
+        m.setSpecularColor(_color());
+        m.setEmissiveColor(_color());
+        m.setEnvironmentColor(_color());
+        m.setMetalness(factor());
+        m.setRoughnessGlossiness(factor());
+        m.setAlpha(factor());
     }
 
 private:
     int _choose(int count) { return std::uniform_int_distribution(0, count - 1)(_random); }
     bool _flip() { return _choose(2) == 1; }
 
-    /// With six decimals, as many as files have.
+    /// Of every size from 1e-9 to 1e9, with all digits that floats have.
     ovMaths::Vector _color() {
-        const auto component = [this] { return static_cast<float>(1 + _choose(4000000)) / 1e6f; };
+        const auto component = [this] {
+            return std::pow(10.0f, std::uniform_real_distribution(-9.0f, 9.0f)(_random));
+        };
         const float x = component();
         const float y = component();
         return {x, y, component(), 0.0f};
@@ -218,15 +171,15 @@ TEST_F(MaterialFileTest, writesNamedMembers) {
     {
         "name": "a",
         "type": "PBS",
-        "lightDirection": "Vec(1.000000, -1.000000, 1.000000, 0.000000)",
-        "lightColor": "Vec(1.000000, 1.000000, 1.000000, 0.000000)",
+        "lightDirection": "Vec(1, -1, 1, 0)",
+        "lightColor": "Vec(1, 1, 1, 0)",
         "albedoTexture": {
             "name": "wood",
             "packing": "bgr"
         },
-        "specularColor": "Vec(0.500000, 0.500000, 0.500000, 0.000000)",
-        "emissiveColor": "Vec(0.000000, 0.000000, 0.000000, 0.000000)",
-        "environmentColor": "Vec(0.000000, 0.000000, 0.000000, 0.000000)",
+        "specularColor": "Vec(0.5, 0.5, 0.5, 0)",
+        "emissiveColor": "Vec(0, 0, 0, 0)",
+        "environmentColor": "Vec(0, 0, 0, 0)",
         "metalnessValue": 0.5,
         "roughnessGlossinessValue": 0.5,
         "alphaValue": 1.0,
@@ -250,7 +203,7 @@ TEST_F(MaterialFileTest, writesNamedMembers) {
         "normalAttributeName": "NORMAL",
         "tangentAttributeName": "TANGENT",
         "binormalAttributeName": "BINORMAL",
-        "albedoColor": "Vec(0.250000, 0.500000, 1.000000, 0.000000)",
+        "albedoColor": "Vec(0.25, 0.5, 1, 0)",
         "alphaCutoff": 0.00001
     }
 ]

@@ -56,6 +56,8 @@ TEST_F(ModelLightTest, theFilesLightGivesDirectionAndHue) {
     const ovVeldris::PbsMaterial& material = *model->getMaterials()[0].material;
     EXPECT_EQ(material.getLightDirection(), Vector(0.0f, -1.0f, 0.0f));
     EXPECT_EQ(material.getLightColor(), Vector(1.5f, 3.0f, 0.75f));
+    light.color = {0.0f, 1e-40f, 0.0f};
+    EXPECT_EQ(lit()->getMaterials()[0].material->getLightColor(), Vector(0.0f, 3.0f, 0.0f)) << "faint";
     light.color = {};
     EXPECT_EQ(lit()->getMaterials()[0].material->getLightColor(), Vector());
 }

@@ -189,6 +189,12 @@ TEST_P(ModelMaterialsTest, alphaMeansWhatItsModeSays) {
     EXPECT_EQ(masked.getAlphaCutoff(), std::nextafter(0.25f, 0.0f))
         << "what equals the file's cut-off is kept";
 
+    source.alphaCutoff = 1.5f;
+    EXPECT_EQ(makeMaterial(source).getAlphaCutoff(), 1.0f) << "nothing is kept";
+
+    source.alphaCutoff = 0.0f;
+    EXPECT_EQ(makeMaterial(source).getAlphaTexture(), nullptr) << "everything is kept";
+
     source.alphaMode = GLTF_ALPHA_MODE::BLEND;
     const PbsMaterial& blended = makeMaterial(source);
     EXPECT_EQ(blended.getAlphaCutoff(), 0.00001f);
@@ -259,12 +265,13 @@ TEST_P(ModelMaterialsTest, reliefIsReadAsItIsOrAdjusted) {
     EXPECT_EQ(texelOf(adjusted.getOcclusionTexture(), 1)[0], 179) << "1 + 0.5 * (0.4 - 1) = 0.7";
 }
 
-TEST_P(ModelMaterialsTest, colorsKeepSixDecimals) {
+TEST_P(ModelMaterialsTest, colorsKeepEveryBit) {
     GltfMaterial source;
     source.metallic = 0.0f;
-    source.baseColor = {0.123456789f, 1.0f / 3.0f, 0.0f, 1.0f};
-    const Vector color = makeMaterial(source).getAlbedoColor();
-    Vector again;
-    ASSERT_TRUE(again.fromString(color.toString()));
-    EXPECT_EQ(again, color) << "saved and read, it is the same";
+    source.baseColor = {0.123456789f, 1.0f / 3.0f, 1e-7f, 1.0f};
+    source.emissive = {1e-9f, 0.7654321f, 123.456789f};
+    const PbsMaterial& material = makeMaterial(source);
+    EXPECT_EQ(material.getAlbedoColor(), Vector(0.123456789f, 1.0f / 3.0f, 1e-7f));
+    EXPECT_EQ(material.getEmissiveColor(), Vector(1e-9f, 0.7654321f, 123.456789f));
+    EXPECT_EQ(material.getSpecularColor(), Vector(0.04f, 0.04f, 0.04f));
 }
