@@ -58,6 +58,8 @@ StringView adviceFor(int code, bool writing) {
     case EDQUOT:
     case EFBIG:
         return "free space or write elsewhere";
+    case ENXIO:
+        return "start what reads it first";
     case ELOOP:
         return "remove the loop of symbolic links";
     case ENAMETOOLONG:
@@ -167,21 +169,69 @@ int openTemporary(const std::filesystem::path& target, mode_t mode, String& temp
     }
 }
 
+// What a path leads to, symbolic links followed.
+struct Target {
+    std::filesystem::path path;
+    bool isThere = false;
+    struct stat state = {}; ///< of what is there
+};
+
+// Finds what is to be written, and checks what any way of writing asks for.
+Result findTarget(StringView path, Target& target) {
+    if (const Result checked = checkPath(path, true); !checked)
+        return checked;
+    target.path = path;
+    if (const int code = followLinks(target.path))
+        return failWithCode(true, path, code);
+    target.isThere = ::stat(target.path.c_str(), &target.state) == 0;
+    if (!target.isThere && errno != ENOENT)
+        return failWithCode(true, path, errno);
+    if (target.isThere && S_ISDIR(target.state.st_mode))
+        return fail("Writing", path, kindOf(target.state.st_mode), "name a file");
+    // A rename alone would replace files that are protected against writing.
+    if (target.isThere && S_ISREG(target.state.st_mode) && ::access(target.path.c_str(), W_OK) != 0)
+        return failWithCode(true, path, errno);
+    if (!target.path.has_filename())
+        return fail("Writing", path, "the path ends in a separator", "name a file");
+    return {};
+}
+
 // Writes the temporary and renames it. Returns 0 or an error code, and then leaves no temporary.
-int replaceFile(const std::filesystem::path& target, const struct stat* existing,
-                ovMemory::BufferView<const char> bytes) {
+int replaceFile(const Target& target, ovMemory::BufferView<const char> bytes) {
     String temporary;
-    OpenFile file(openTemporary(target, 0666, temporary));
+    OpenFile file(openTemporary(target.path, 0666, temporary));
     if (file.get() < 0)
         return errno;
     // Best effort: some file systems have no permissions to keep.
-    if (existing && ::fchmod(file.get(), existing->st_mode & 0777) != 0)
+    if (target.isThere && ::fchmod(file.get(), target.state.st_mode & 0777) != 0)
         errno = 0;
-    if (writeAll(file.get(), bytes) && file.close() && ::rename(temporary.c_str(), target.c_str()) == 0)
+    if (writeAll(file.get(), bytes) && file.close() && ::rename(temporary.c_str(), target.path.c_str()) == 0)
         return 0;
     const int code = errno;
     ::unlink(temporary.c_str());
     return code;
+}
+
+// Whether an error of replaceFile() is about the folder or the name, and not about room on the disk: the file
+// itself may still be written. EBUSY and EXDEV come for a file that is mounted by itself.
+bool forbidsReplacing(int code) {
+    return code == EACCES || code == EPERM || code == EROFS || code == EBUSY || code == EXDEV;
+}
+
+// Writes what is there over itself. The reason says why it is not replaced.
+Result writeInPlace(StringView path, const Target& target, ovMemory::BufferView<const char> bytes,
+                    const String& reason) {
+    // Opening a pipe would otherwise wait for a reader, perhaps for ever.
+    OpenFile file(::open(target.path.c_str(), O_WRONLY | O_TRUNC | O_CLOEXEC | O_NONBLOCK));
+    // Once it is open, a slow reader is waited for.
+    if (file.get() < 0 || ::fcntl(file.get(), F_SETFL, 0) != 0 || !writeAll(file.get(), bytes) ||
+        !file.close())
+        return failWithCode(true, path, errno);
+    Result written;
+    written.place = path;
+    written.warning = "File '" + String(path) + "' was written in place: " + reason +
+                      "; who reads it meanwhile may find a part.";
+    return written;
 }
 
 } // namespace
@@ -212,23 +262,12 @@ Result readFile(StringView path, ovMemory::Buffer<char>& bytes) {
 }
 
 Result writeFileAtomically(StringView path, ovMemory::BufferView<const char> bytes) {
-    if (const Result checked = checkPath(path, true); !checked)
-        return checked;
-    std::filesystem::path target(path);
-    if (const int code = followLinks(target))
-        return failWithCode(true, path, code);
-    struct stat existing = {};
-    const bool exists = ::stat(target.c_str(), &existing) == 0;
-    if (!exists && errno != ENOENT)
-        return failWithCode(true, path, errno);
-    if (exists && !S_ISREG(existing.st_mode))
-        return fail("Writing", path, kindOf(existing.st_mode), "name a file");
-    // The rename alone would replace files that are protected against writing.
-    if (exists && ::access(target.c_str(), W_OK) != 0)
-        return failWithCode(true, path, errno);
-    if (!target.has_filename())
-        return fail("Writing", path, "the path ends in a separator", "name a file");
-    if (const int code = replaceFile(target, exists ? &existing : nullptr, bytes))
+    Target target;
+    if (const Result found = findTarget(path, target); !found)
+        return found;
+    if (target.isThere && !S_ISREG(target.state.st_mode))
+        return fail("Writing", path, kindOf(target.state.st_mode), "name a file");
+    if (const int code = replaceFile(target, bytes))
         return failWithCode(true, path, code);
     return {};
 }
@@ -236,6 +275,24 @@ Result writeFileAtomically(StringView path, ovMemory::BufferView<const char> byt
 Result writeFileAtomically(StringView path, ovMemory::BufferView<const unsigned char> bytes) {
     return writeFileAtomically(
         path, ovMemory::BufferView<const char>(reinterpret_cast<const char*>(bytes.data()), bytes.size()));
+}
+
+Result writeFile(StringView path, ovMemory::BufferView<const char> bytes) {
+    Target target;
+    if (const Result found = findTarget(path, target); !found)
+        return found;
+    if (!target.isThere || (S_ISREG(target.state.st_mode) && target.state.st_nlink == 1)) {
+        const int code = replaceFile(target, bytes);
+        if (code == 0)
+            return {};
+        if (!target.isThere || !forbidsReplacing(code))
+            return failWithCode(true, path, code);
+        return writeInPlace(path, target, bytes, std::generic_category().message(code));
+    }
+    if (S_ISREG(target.state.st_mode))
+        return writeInPlace(path, target, bytes,
+                            "it has " + std::to_string(target.state.st_nlink) + " names");
+    return writeInPlace(path, target, bytes, String(kindOf(target.state.st_mode)));
 }
 
 } // namespace ovResources

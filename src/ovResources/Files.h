@@ -35,4 +35,14 @@ OV_API ovMemory::Result writeFileAtomically(ovMemory::StringView path,
 OV_API ovMemory::Result writeFileAtomically(ovMemory::StringView path,
                                             ovMemory::BufferView<const unsigned char> bytes);
 
+/// Writes a whole file as writeFileAtomically() does; where only that is impossible, in place, as an ordinary
+/// file stream writes. This is the case of a file that may be written in a folder that may not, of one with
+/// several names (hard links, which all show the new content), of one that is mounted by itself, and of
+/// devices and pipes. Who reads in the meantime may find a part, and so does everybody after a failure.
+///
+/// @param path as of writeFileAtomically()
+/// @return a warning where the file was written in place. A failure where neither way is possible; also for a
+///         pipe that nobody reads, which is not waited for
+OV_API ovMemory::Result writeFile(ovMemory::StringView path, ovMemory::BufferView<const char> bytes);
+
 } // namespace ovResources

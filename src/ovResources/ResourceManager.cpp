@@ -99,14 +99,17 @@ ovMemory::Buffer<char> ResourceManager::loadFileIntoMemory(StringView path, Stri
 }
 
 bool ResourceManager::saveFileToDisk(StringView path, ovMemory::BufferView<const char> bytes) const {
-    String error;
-    return saveFileToDisk(path, bytes, error);
+    return bool(saveFile(path, bytes));
 }
 
 bool ResourceManager::saveFileToDisk(StringView path, ovMemory::BufferView<const char> bytes,
                                      String& error) const {
-    error = writeFileAtomically(_toDiskPath(path, false), bytes).error;
+    error = saveFile(path, bytes).error;
     return error.empty();
+}
+
+ovMemory::Result ResourceManager::saveFile(StringView path, ovMemory::BufferView<const char> bytes) const {
+    return writeFile(_toDiskPath(path, false), bytes);
 }
 
 // Not shortened: on the disk "link/.." is the folder above the link's target, which only the system knows.

@@ -4,6 +4,7 @@
 #include <ovCommon/Api.h>
 #include <ovCommon/MaybeSingletonClass.h>
 #include <ovMemory/Memory.h>
+#include <ovMemory/Result.h>
 
 namespace ovResources {
 // Visible from its first mention on: the instantiation below takes its visibility from here.
@@ -79,12 +80,16 @@ public:
     /// The same, with the reason of a failure in one line, or an empty text.
     ovMemory::Buffer<char> loadFileIntoMemory(StringView path, String& error) const;
 
-    /// Writes a file as a whole or not at all (see writeFileAtomically()). False if it could not.
+    /// Writes a file, as a whole where that is possible, else in place (see writeFile()). False if it could
+    /// not.
     /// @param path absolute or relative
     bool saveFileToDisk(StringView path, ovMemory::BufferView<const char> bytes) const;
 
     /// The same, with the reason of a failure in one line, or an empty text.
     bool saveFileToDisk(StringView path, ovMemory::BufferView<const char> bytes, String& error) const;
+
+    /// The same, with a warning where the file was written in place.
+    ovMemory::Result saveFile(StringView path, ovMemory::BufferView<const char> bytes) const;
 
 private:
     String _toDiskPath(StringView path, bool fromWorkingDir) const;

@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 #include <iterator>
 #include <support/TemporaryFolder.h>
+#include <sys/mount.h>
 #include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
@@ -258,6 +259,114 @@ TEST(FilesTest, AFailureInTheMiddleLeavesTheOldFile) {
                          "' failed: File too large; free space or write elsewhere");
     EXPECT_EQ(take(folder.getPath("file")), "old");
     EXPECT_EQ(countEntries(folder.getPath()), 1u);
+}
+
+TEST(FilesTest, WritingWhereReplacingIsPossibleReplaces) {
+    const TemporaryFolder folder;
+    const String path = folder.getPath("file");
+    for (const char* const content : {"new", "replaced"}) {
+        struct stat before = {};
+        const bool wasThere = ::stat(path.c_str(), &before) == 0;
+        const ovMemory::Result written = writeFile(path, StringView(content));
+        EXPECT_EQ(written.error + written.warning, "");
+        EXPECT_EQ(take(path), content);
+        struct stat after = {};
+        ASSERT_EQ(::stat(path.c_str(), &after), 0);
+        EXPECT_TRUE(!wasThere || after.st_ino != before.st_ino) << "another file under the same name";
+    }
+    EXPECT_EQ(countEntries(folder.getPath()), 1u);
+}
+
+namespace {
+
+// Writes a file by way of writeFile() and by a stream, which has to succeed as well: what it can, so can we.
+void expectWrittenInPlace(const String& path, StringView reason) {
+    EXPECT_TRUE(std::ofstream(path, std::ios::binary) << "longer than the new text");
+    struct stat before = {};
+    ASSERT_EQ(::stat(path.c_str(), &before), 0);
+    const ovMemory::Result written = writeFile(path, StringView("in place"));
+    EXPECT_EQ(written.error, "");
+    EXPECT_EQ(written.warning, "File '" + path + "' was written in place: " + String(reason) +
+                                   "; who reads it meanwhile may find a part.");
+    EXPECT_EQ(written.place, path);
+    EXPECT_EQ(written.getStatus(), ovMemory::RESULT_STATUS::PARTLY_DONE);
+    struct stat after = {};
+    ASSERT_EQ(::stat(path.c_str(), &after), 0);
+    EXPECT_EQ(after.st_ino, before.st_ino) << "the same file";
+}
+
+} // namespace
+
+TEST(FilesTest, WritesInPlaceWhereAStreamCanAndReplacingCannot) {
+    const TemporaryFolder folder;
+    for (const char* const name : {"closed", "sticky"}) {
+        fs::create_directory(folder.getPath(name));
+        put(folder.getPath(name) + "/file", "old");
+        fs::permissions(folder.getPath(name) + "/file", fs::perms(0666));
+    }
+    fs::permissions(folder.getPath("closed"), fs::perms(0555));
+    fs::permissions(folder.getPath("sticky"), fs::perms(01777)); // others' files may not be renamed over
+    put(folder.getPath("first name"), "old");
+    fs::create_hard_link(folder.getPath("first name"), folder.getPath("second name"));
+    const bool isSuperuser = ::geteuid() == 0;
+    {
+        const PlainUser user;
+        expectWrittenInPlace(folder.getPath("closed/file"), "Permission denied");
+        if (isSuperuser) // a plain user has no files of somebody else to try
+            expectWrittenInPlace(folder.getPath("sticky/file"), "Operation not permitted");
+    }
+    expectWrittenInPlace(folder.getPath("first name"), "it has 2 names");
+    expectWrittenInPlace("/dev/null", "it is a device, a pipe or a socket, not a regular file");
+    EXPECT_EQ(take(folder.getPath("closed/file")), "in place");
+    EXPECT_EQ(take(folder.getPath("second name")), "in place");
+    EXPECT_EQ(countEntries(folder.getPath("sticky")), 1u) << "a temporary was left";
+    EXPECT_EQ(take(folder.getPath("sticky/file")), isSuperuser ? "in place" : "old");
+    fs::permissions(folder.getPath("closed"), fs::perms(0755));
+}
+
+TEST(FilesTest, WritesAFileThatIsMountedByItself) {
+    const TemporaryFolder folder;
+    const String path = folder.getPath("mounted");
+    put(path, "old");
+    put(folder.getPath("source"), "old");
+    if (::mount(folder.getPath("source").c_str(), path.c_str(), nullptr, MS_BIND, nullptr) != 0)
+        GTEST_SKIP() << "mounting is not permitted here";
+    expectWrittenInPlace(path, "Device or resource busy");
+    ::umount(path.c_str());
+    EXPECT_EQ(take(folder.getPath("source")), "in place");
+    EXPECT_EQ(countEntries(folder.getPath()), 2u) << "a temporary was left";
+}
+
+TEST(FilesTest, WritingToPipesAndFullDevicesEnds) {
+    const TemporaryFolder folder;
+    const String pipe = folder.getPath("pipe");
+    ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+    EXPECT_EQ(writeFile(pipe, StringView("x")).error,
+              "Writing file '" + pipe + "' failed: No such device or address; start what reads it first");
+    EXPECT_EQ(writeFile("/dev/full", StringView("x")).error,
+              "Writing file '/dev/full' failed: No space left on device; free space or write elsewhere");
+    EXPECT_EQ(writeFile(folder.getPath(), StringView("x")).error,
+              "Writing file '" + folder.getPath() + "' failed: it is a folder; name a file");
+    EXPECT_EQ(writeFile(folder.getPath("none/x"), StringView("x")).error,
+              "Writing file '" + folder.getPath("none/x") +
+                  "' failed: No such file or directory; create the folder first");
+
+    // More than a pipe holds, so that the writer has to wait for the reader.
+    const String content(1 << 20, 'p');
+    const int reader = ::open(pipe.c_str(), O_RDONLY | O_NONBLOCK);
+    ASSERT_GE(reader, 0);
+    ASSERT_EQ(::fcntl(reader, F_SETFL, 0), 0);
+    String received;
+    std::thread reading([&] {
+        char bytes[4096];
+        ssize_t count = 0;
+        while (received.size() < content.size() && (count = ::read(reader, bytes, sizeof(bytes))) >= 0)
+            received.append(bytes, std::size_t(count));
+    });
+    EXPECT_EQ(writeFile(pipe, content).error, "");
+    reading.join();
+    ::close(reader);
+    EXPECT_EQ(received, content);
 }
 
 TEST(FilesTest, ThreadsThatReadBesideWritersSeeWholeFilesOnly) {

@@ -220,6 +220,9 @@ TEST_F(ResourceManagerTest, SavesAndLoadsFiles) {
         EXPECT_TRUE(fs::is_regular_file(manager->getAbsoluteFromRelative(path)));
     }
     EXPECT_TRUE(manager->saveFileToDisk("empty", {}));
+    const ovMemory::Result inPlace = manager->saveFile("/dev/null", content);
+    EXPECT_TRUE(inPlace) << inPlace.error;
+    EXPECT_NE(inPlace.warning, "");
     String error = "left over";
     EXPECT_TRUE(manager->loadFileIntoMemory("empty", error).empty());
     EXPECT_EQ(error, "");

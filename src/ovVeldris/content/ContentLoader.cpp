@@ -69,10 +69,12 @@ ovExport::ExporterLoadResult ContentLoader::inputDataSources(StringView text) co
 bool ContentLoader::outputData(StringView data, StringView path) const {
     // Joined as text, unlike paths that are read: "/a" is written below the working folder.
     const ResourceManager& resources = *ResourceManager::getInstance();
-    if (resources.saveFileToDisk(resources.getWorkingPath() + String(path), data))
-        return true;
-    logMessage(_system, "Error when trying to open file saving : " + String(path), "ContentLoader");
-    return false;
+    const ovMemory::Result saved = resources.saveFile(resources.getWorkingPath() + String(path), data);
+    if (!saved)
+        logMessage(_system, "Error when trying to open file saving : " + String(path), "ContentLoader");
+    else if (!saved.warning.empty())
+        logMessage(_system, saved.warning, "ContentLoader");
+    return bool(saved);
 }
 
 bool ContentLoader::saveTreeDeclaration(const ovExport::Node* tree, StringView path) const {

@@ -42,7 +42,9 @@ public:
     ///         what is wrong, an empty one, the full message with line and column, an empty one
     ovExport::ExporterLoadResult inputDataSources(ovMemory::StringView text) const;
 
-    /// Writes a file, whole or not at all; an existing one is replaced.
+    /// Writes a file, whole or not at all; an existing one is replaced. Where that is impossible, as in a
+    /// folder that may not be written, it is written in place after one log line, see
+    /// ovResources::writeFile().
     /// @param path appended to the text of the working folder, so that an absolute path leads below it too.
     ///        Folders are not created
     /// @return false after one log line when the file cannot be written

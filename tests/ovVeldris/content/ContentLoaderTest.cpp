@@ -162,6 +162,18 @@ TEST_P(ContentLoaderTest, WritesBehindTheTextOfTheWorkingFolder) {
     EXPECT_EQ(getLog().messages, Messages());
 }
 
+TEST_P(ContentLoaderTest, WritesInPlaceWhereAFileCannotBeReplaced) {
+    write("one", "old");
+    std::filesystem::create_hard_link(folder.getPath("one"), folder.getPath("two"));
+    EXPECT_TRUE(loader().outputData("new", "one"));
+    EXPECT_EQ(read("two"), "new");
+    EXPECT_EQ(
+        getLog().messages,
+        (Messages{{"File '" + folder.getPath("one") +
+                       "' was written in place: it has 2 names; who reads it meanwhile may find a part.",
+                   "ContentLoader"}}));
+}
+
 TEST_P(ContentLoaderTest, TellsOfFilesThatCannotBeWritten) {
     std::filesystem::create_directory(folder.getPath("folder"));
     const Texts before = list();
