@@ -1,12 +1,16 @@
 #include <ovImages/Conversion.h>
 
 #include <ovImages/detail/Components.h>
+#include <ovImages/detail/SrgbBytes.h>
 
 #include <fmt/format.h>
 
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstdint>
+#include <cstring>
+#include <limits>
 #include <new>
 
 namespace ovImages {
@@ -33,8 +37,37 @@ const ByteTable& getSrgbByteTable() {
     return table;
 }
 
-// All conversions go through floats, row by row: one path for every pair of types, and a row stays in the
-// cache. Floats hold every 16-bit integer and every half exactly.
+/// Where each channel of a target comes from: a channel of the source, or OPAQUE.
+using ChannelMap = std::array<unsigned, 4>;
+constexpr unsigned OPAQUE = 4;
+
+ChannelMap mapChannels(unsigned source, unsigned target) {
+    ChannelMap map = {0, 0, 0, 0};
+    const unsigned colors = colorChannels(target);
+    for (unsigned i = 0; i < colors; ++i)
+        map[i] = colorChannels(source) == 1 ? 0 : i;
+    if (hasAlpha(target))
+        map[colors] = hasAlpha(source) ? source - 1 : OPAQUE;
+    return map;
+}
+
+template <typename STORED>
+void copyChannels(const unsigned char* source, unsigned sourceChannels, STORED opaque, const ChannelMap& map,
+                  ovMemory::BufferView<unsigned char> target, unsigned targetChannels) {
+    // The value of alpha 1 lies behind the pixel's own, where the map looks for it.
+    std::array<STORED, OPAQUE + 1> pixel = {};
+    pixel[OPAQUE] = opaque;
+    for (unsigned char* to = target.data(); to != target.data() + target.size();) {
+        for (unsigned i = 0; i < sourceChannels; ++i, source += sizeof(STORED))
+            std::memcpy(&pixel[i], source, sizeof(STORED));
+        for (unsigned i = 0; i < targetChannels; ++i, to += sizeof(STORED))
+            std::memcpy(to, &pixel[map[i]], sizeof(STORED));
+    }
+}
+
+// Conversions go through floats, row by row: one path for every pair of types, and a row stays in the cache.
+// Floats hold every 16-bit integer and every half exactly. Two ways are shorter, because whole photographs
+// take them: numbers that only change their places, and light that becomes bytes of sRGB.
 class RowConverter {
 public:
     RowConverter(const ImageView& source, Image& target)
@@ -49,20 +82,29 @@ public:
         _collapses = colorChannels(source.channels) == 3 && colorChannels(target.getChannels()) == 1;
         _decodes = isSourceSrgb && (!isTargetSrgb || _collapses);
         _encodes = isTargetSrgb && (!isSourceSrgb || _collapses);
+        // Halves would not do: infinities among them are clamped.
+        _copies = source.componentType == target.getComponentType() &&
+                  source.componentType != COMPONENT_TYPE::HALF && source.encoding == target.getEncoding() &&
+                  !_collapses;
     }
 
     void convert(unsigned y) {
         const std::size_t sourceStride = _loaded.size() * getComponentSize(_source.componentType);
         const std::size_t targetStride = _mapped.size() * getComponentSize(_target.getComponentType());
         const unsigned char* source = _source.bytes.data() + y * sourceStride;
+        const auto target = _target.getBytes().subspan(y * targetStride, targetStride);
+        if (_copies)
+            return _copy(source, target);
         detail::loadComponents(source, _source.componentType, _loaded);
         if (_decodes)
             _decode(source);
         _map();
+        if (_encodes && _target.getComponentType() == COMPONENT_TYPE::UINT8)
+            return _storeSrgbBytes(target);
         if (_encodes)
             _encode();
-        const detail::StoreLosses losses = detail::storeComponents(
-            _mapped, _target.getComponentType(), _target.getBytes().data() + y * targetStride);
+        const detail::StoreLosses losses =
+            detail::storeComponents(_mapped, _target.getComponentType(), target.data());
         _losses.clampedToHalf += losses.clampedToHalf;
         _losses.nanToZero += losses.nanToZero;
     }
@@ -70,6 +112,36 @@ public:
     const detail::StoreLosses& getLosses() const { return _losses; }
 
 private:
+    void _copy(const unsigned char* source, ovMemory::BufferView<unsigned char> target) const {
+        const unsigned from = _source.channels;
+        const unsigned to = _target.getChannels();
+        const ChannelMap map = mapChannels(from, to);
+        if (_source.componentType == COMPONENT_TYPE::UINT8)
+            copyChannels<std::uint8_t>(source, from, std::numeric_limits<std::uint8_t>::max(), map, target,
+                                       to);
+        else if (_source.componentType == COMPONENT_TYPE::UINT16)
+            copyChannels<std::uint16_t>(source, from, std::numeric_limits<std::uint16_t>::max(), map, target,
+                                        to);
+        else
+            copyChannels<float>(source, from, 1.0f, map, target, to);
+    }
+
+    void _storeSrgbBytes(ovMemory::BufferView<unsigned char> target) {
+        const detail::SrgbBytes& srgb = detail::SrgbBytes::get();
+        const unsigned channels = _target.getChannels();
+        const unsigned colors = colorChannels(channels);
+        for (std::size_t pixel = 0; pixel < _mapped.size(); pixel += channels) {
+            for (std::size_t i = pixel; i < pixel + colors; ++i) {
+                _losses.nanToZero += std::isnan(_mapped[i]) ? 1 : 0;
+                target[i] = srgb.encode(_mapped[i]);
+            }
+            if (hasAlpha(channels))
+                _losses.nanToZero += detail::storeComponents({&_mapped[pixel + colors], 1},
+                                                             COMPONENT_TYPE::UINT8, &target[pixel + colors])
+                                         .nanToZero;
+        }
+    }
+
     void _decode(const unsigned char* source) {
         const bool isByte = _source.componentType == COMPONENT_TYPE::UINT8;
         const ByteTable& table = getSrgbByteTable();
@@ -112,6 +184,7 @@ private:
     bool _collapses = false;
     bool _decodes = false;
     bool _encodes = false;
+    bool _copies = false;
 };
 
 ovMemory::String describeLosses(const detail::StoreLosses& losses) {

@@ -132,6 +132,11 @@ ImageView Image::view() const {
     return {_width, _height, _channels, _type, _encoding, _bytes};
 }
 
+ovMemory::Buffer<unsigned char> Image::takeBytes() {
+    Image taken(std::move(*this));
+    return std::move(taken._bytes);
+}
+
 float Image::getComponent(unsigned x, unsigned y, unsigned channel) const {
     if (x >= _width || y >= _height || channel >= _channels)
         return 0.0f;

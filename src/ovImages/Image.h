@@ -111,6 +111,9 @@ public:
     /// A view that lives as long as getBytes().
     ImageView view() const;
 
+    /// Hands the pixels over and becomes the empty picture.
+    ovMemory::Buffer<unsigned char> takeBytes();
+
     /// One component as a float, unorm types as 0..1, not decoded from sRGB. Outside the picture: 0. A
     /// convenience for single pixels; convertImage is the fast way for whole pictures.
     float getComponent(unsigned x, unsigned y, unsigned channel) const;

@@ -6,8 +6,12 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cmath>
+#include <cstdint>
+#include <cstring>
 #include <limits>
+#include <vector>
 
 namespace {
 
@@ -175,6 +179,46 @@ TEST(ConversionTest, nonsenseGivesTheEmptyPicture) {
     ImageView tooShort = image.view();
     tooShort.bytes = tooShort.bytes.first(3);
     EXPECT_TRUE(convert(tooShort, 1, COMPONENT_TYPE::UINT8).isEmpty());
+}
+
+// Numbers that only change their places keep all bits, those of NaN included.
+TEST(ConversionTest, channelsMoveWithoutChange) {
+    const std::array<unsigned, 8> source = {1, 2, 3, 4, 251, 252, 253, 254};
+    struct Case {
+        unsigned from, to;
+        std::vector<int> expected; ///< values of the source by place; -1 is alpha 1
+    };
+    const Case cases[] = {{1, 2, {0, -1, 1, -1}},
+                          {1, 3, {0, 0, 0, 1, 1, 1}},
+                          {1, 4, {0, 0, 0, -1}},
+                          {2, 1, {0, 2}},
+                          {2, 3, {0, 0, 0, 2, 2, 2}},
+                          {2, 4, {0, 0, 0, 1, 2, 2, 2, 3}},
+                          {3, 4, {0, 1, 2, -1, 3, 4, 5, -1}},
+                          {4, 3, {0, 1, 2, 4, 5, 6}}};
+    const auto check = [&]<typename STORED>(COMPONENT_TYPE type, STORED one, auto valueOf) {
+        for (const Case& current : cases) {
+            std::vector<STORED> values;
+            for (unsigned i = 0; i < 2 * current.from; ++i)
+                values.push_back(valueOf(source[i]));
+            const ovMemory::BufferView<const unsigned char> bytes(
+                reinterpret_cast<const unsigned char*>(values.data()), values.size() * sizeof(STORED));
+            const Image converted = convertImage({2, 1, current.from, type, COLOR_ENCODING::SRGB, bytes},
+                                                 type, current.to, COLOR_ENCODING::SRGB);
+            for (std::size_t i = 0; i < current.expected.size(); ++i) {
+                const int place = current.expected[i];
+                const STORED expected = place < 0 ? one : values[static_cast<std::size_t>(place)];
+                EXPECT_EQ(std::memcmp(&converted.getBytes()[i * sizeof(STORED)], &expected, sizeof(STORED)),
+                          0)
+                    << current.from << " to " << current.to << ", " << i;
+            }
+        }
+    };
+    check(COMPONENT_TYPE::UINT8, std::uint8_t{255}, [](unsigned v) { return static_cast<std::uint8_t>(v); });
+    check(COMPONENT_TYPE::UINT16, std::uint16_t{65535},
+          [](unsigned v) { return static_cast<std::uint16_t>(v * 251); });
+    check(COMPONENT_TYPE::FLOAT, 1.0f,
+          [](unsigned v) { return std::bit_cast<float>(0x7fc00000u + v); }); // each a NaN of its own
 }
 
 } // namespace

@@ -109,6 +109,18 @@ TEST(ImageTest, invalidViewsAreExplained) {
     }
 }
 
+TEST(ImageTest, handsItsBytesOver) {
+    Image image(3, 2, 1, COMPONENT_TYPE::UINT8, COLOR_ENCODING::SRGB);
+    image.getBytes()[4] = 7;
+    const unsigned char* const place = image.getBytes().data();
+    const auto bytes = image.takeBytes();
+    EXPECT_EQ(bytes, (ovMemory::Buffer<unsigned char>{0, 0, 0, 0, 7, 0}));
+    EXPECT_EQ(bytes.data(), place) << "moved, not copied";
+    EXPECT_TRUE(image.isEmpty());
+    EXPECT_EQ(image.getWidth(), 0u);
+    EXPECT_TRUE(Image().takeBytes().empty());
+}
+
 TEST(ImageTest, namesAndSizes) {
     EXPECT_EQ(getComponentTypeName(COMPONENT_TYPE::UINT8), "8-bit unsigned");
     EXPECT_EQ(getComponentTypeName(COMPONENT_TYPE::UINT16), "16-bit unsigned");

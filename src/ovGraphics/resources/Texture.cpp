@@ -88,10 +88,16 @@ unsigned int Texture::getNeededMipsForSize() const {
 
 void Texture::setCpuData(unsigned int slice, unsigned int mip,
                          ovMemory::BufferView<const unsigned char> bytes, unsigned int rowPitch) {
+    _addCpuData({slice, mip, rowPitch, {bytes.begin(), bytes.end()}});
+}
+
+void Texture::_addCpuData(CpuData added) {
     // Data that is given twice for one place replaces the first, as a setter would.
-    const auto samePlace = [&](const CpuData& data) { return data.slice == slice && data.mip == mip; };
+    const auto samePlace = [&](const CpuData& data) {
+        return data.slice == added.slice && data.mip == added.mip;
+    };
     _cpuData.erase(std::remove_if(_cpuData.begin(), _cpuData.end(), samePlace), _cpuData.end());
-    _cpuData.push_back({slice, mip, rowPitch, {bytes.begin(), bytes.end()}});
+    _cpuData.push_back(std::move(added));
     _copiesAreDropped = false;
     _settingChanged();
 }
@@ -124,15 +130,28 @@ void Texture::clearCpuData() {
 }
 
 void Texture::setFromImage(const ovImages::ImageView& image, bool raw) {
-    const TextureContent content = textureContentOf(image, raw);
+    TextureContent content = textureContentOf(image, raw);
+    _setSettingsOf(content, image.width, image.height);
+    if (content.converted.isEmpty())
+        setCpuData(0, 0, image.bytes);
+    else
+        _addCpuData({0, 0, 0, content.converted.takeBytes()});
+}
+
+void Texture::takeImage(ovImages::Image image, bool raw) {
+    TextureContent content = textureContentOf(image.view(), raw);
+    _setSettingsOf(content, image.getWidth(), image.getHeight());
+    _addCpuData({0, 0, 0, content.converted.isEmpty() ? image.takeBytes() : content.converted.takeBytes()});
+}
+
+void Texture::_setSettingsOf(const TextureContent& content, unsigned int width, unsigned int height) {
     setTexType(TEXTURE_TYPE::TEXTURE_2D);
     setSliceCount(1);
-    setWidth(image.width);
-    setHeight(image.height);
+    setWidth(width);
+    setHeight(height);
     setFormat(content.format);
     setGammaCorrected(content.gammaCorrected);
     _cpuData.clear();
-    setCpuData(0, 0, content.converted.isEmpty() ? image.bytes : content.converted.view().bytes);
 }
 
 void Texture::generateMips() {

@@ -8,6 +8,8 @@
 
 namespace ovGraphics {
 
+struct TextureContent;
+
 namespace device {
 class Device;
 class GpuTexture;
@@ -78,6 +80,9 @@ public:
     /// 8-bit image makes a gamma-corrected texture of four channels, other sRGB-encoded ones are decoded to
     /// linear floats; raw hands the stored numbers over as they are.
     void setFromImage(const ovImages::ImageView& image, bool raw = false);
+    /// The same of an image that is handed over: its pixels are moved where they serve as they are, so that a
+    /// large picture is not in memory twice.
+    void takeImage(ovImages::Image image, bool raw = false);
 
     /// Fills all mips below the first from the first. An unloaded texture is left alone after one log line.
     void generateMips();
@@ -105,6 +110,8 @@ private:
         ovMemory::Buffer<unsigned char> bytes;
     };
 
+    void _setSettingsOf(const TextureContent& content, unsigned int width, unsigned int height);
+    void _addCpuData(CpuData data);
     bool _load(ovMemory::String& error) override;
     void _unload() override;
     bool _checkSettings(const device::Device& device, ovMemory::String& error) const;

@@ -36,7 +36,7 @@ struct ModelMaterial {
 
 /// What ModelLoader makes of a file. Owns meshes and nodes. Textures, samplers and materials are in the
 /// managers, where declarations find them by name, and leave them with the model, under whatever names they
-/// have then.
+/// have then. The texels of its textures are on the device alone; who unloads one loads the model anew.
 ///
 /// Its nodes hang as those of the file: parents, names, and one root above all, which moves the whole model.
 /// Materials read textures with the samplers of the file, whoever loads them.

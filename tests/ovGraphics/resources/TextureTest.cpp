@@ -281,6 +281,28 @@ TEST_P(TextureTest, imagesComeBackAsTheyWent) {
     }
 }
 
+TEST_P(TextureTest, takesAnImageOver) {
+    for (const unsigned int channels : {3u, 4u}) { // converted, and as it is
+        ovImages::Image image(2, 3, channels, ovImages::COMPONENT_TYPE::UINT8,
+                              ovImages::COLOR_ENCODING::SRGB);
+        for (std::size_t i = 0; i < image.getBytes().size(); ++i)
+            image.getBytes()[i] = static_cast<unsigned char>(10 * i);
+        const auto copied = make(1, 1);
+        copied->setFromImage(image.view());
+        const auto taken = make(1, 1);
+        taken->takeImage(std::move(image));
+        ASSERT_TRUE(copied->load() && taken->load()) << getGraphicsLogger().getText();
+        EXPECT_EQ(taken->getWidth(), 2u);
+        EXPECT_EQ(taken->getHeight(), 3u);
+        EXPECT_TRUE(taken->getGammaCorrected());
+        EXPECT_EQ(taken->readBack(), copied->readBack()) << channels;
+    }
+    const auto broken = make(1, 1);
+    broken->takeImage({});
+    EXPECT_FALSE(broken->load());
+    getGraphicsLogger().messages.clear();
+}
+
 TEST_P(TextureTest, brokenImagesLoadNothing) {
     const Bytes bytes(10, 0);
     const auto texture = make(1, 1);

@@ -3,22 +3,27 @@
 #include <algorithm>
 #include <cmath>
 #include <optional>
+#include <ovImages/Conversion.h>
+#include <ovVeldris/content/detail/MetalConversion.h>
 #include <ovVeldris/content/detail/ModelTextures.h>
+#include <ovVeldris/content/detail/PictureRows.h>
 #include <ovVeldris/materials/PbsMaterial.h>
 
 namespace ovVeldris::detail {
 
 using ovGraphics::GltfMaterial;
 using ovImages::COLOR_ENCODING;
+using ovImages::Image;
+using ovImages::ImageView;
 using ovMaths::Vector;
 using ovMemory::String;
 
 namespace {
 
-/// What dielectrics reflect at normal incidence (glTF 2.0, appendix B.3.4).
-constexpr float DIELECTRIC_REFLECTANCE = 0.04f;
 /// A light is a point to the material: of a mirror its reflection would be seen nowhere.
 constexpr float LOWEST_ROUGHNESS = 0.045f;
+
+constexpr unsigned int METALNESS_CHANNEL = 2; ///< blue
 
 const Vector WHITE(1.0f, 1.0f, 1.0f);
 
@@ -26,12 +31,35 @@ Vector colorOf(const Vector& vector) {
     return {vector.x, vector.y, vector.z};
 }
 
-Vector diffuseOf(const Vector& baseColor, float metalness) {
-    return colorOf(baseColor) * (1.0f - metalness);
+/// A formula of one channel over a whole colour.
+template <typename Formula>
+Vector ofColor(Formula formula, const Vector& base, float metalness) {
+    return {formula(base.x, metalness), formula(base.y, metalness), formula(base.z, metalness)};
 }
 
-Vector reflectanceOf(const Vector& baseColor, float metalness) {
-    return WHITE * (DIELECTRIC_REFLECTANCE * (1.0f - metalness)) + colorOf(baseColor) * metalness;
+/// A picture of one pixel that tells a metalness all over.
+Image metalnessPixel(float metalness) {
+    Image pixel(1, 1, 4, ovImages::COMPONENT_TYPE::FLOAT, COLOR_ENCODING::LINEAR);
+    pixel.setComponent(0, 0, 2, metalness);
+    return pixel;
+}
+
+/// Whether a component is the same in all pixels, by its bytes.
+bool isUniform(const ImageView& picture, unsigned int channel) {
+    const std::size_t size = ovImages::getComponentSize(picture.componentType);
+    const std::size_t pixel = size * picture.channels;
+    const unsigned char* first = picture.bytes.data() + channel * size;
+    for (std::size_t at = channel * size; at < picture.bytes.size(); at += pixel)
+        if (!std::equal(first, first + size, picture.bytes.data() + at))
+            return false;
+    return true;
+}
+
+float firstMetalness(ImageView surface) {
+    surface.bytes = surface.bytes.first(surface.bytes.size() / surface.height / surface.width);
+    surface.width = surface.height = 1;
+    return convertImage(surface, ovImages::COMPONENT_TYPE::FLOAT, 4, COLOR_ENCODING::LINEAR)
+        .getComponent(0, 0, METALNESS_CHANNEL);
 }
 
 /// Sets a material up from one of a file.
@@ -54,6 +82,7 @@ public:
         _buildEmission();
         _buildAlpha();
         _buildRelief();
+        _textures.forgetPictures();
     }
 
 private:
@@ -105,16 +134,11 @@ private:
     std::optional<float> _uniformMetalness() {
         if (_source.metallicRoughnessTexture < 0 || _source.metallic == 0.0f)
             return _source.metallic;
-        const LinearPicture surface =
-            _textures.read(_source.metallicRoughnessTexture, COLOR_ENCODING::LINEAR);
-        const float first = surface.read(0, 0, surface.getWidth(), surface.getHeight()).z;
-        for (unsigned int y = 0; y < surface.getHeight(); ++y) {
-            for (unsigned int x = 0; x < surface.getWidth(); ++x) {
-                if (surface.read(x, y, surface.getWidth(), surface.getHeight()).z != first)
-                    return std::nullopt;
-            }
-        }
-        return first * _source.metallic;
+        const ImageView surface = _textures.read(_source.metallicRoughnessTexture, COLOR_ENCODING::LINEAR);
+        const unsigned int channel = surface.channels < 3 ? 0 : METALNESS_CHANNEL;
+        if (!isUniform(surface, channel))
+            return std::nullopt;
+        return firstMetalness(surface) * _source.metallic;
     }
 
     void _buildUniform(float metalness) {
@@ -122,54 +146,31 @@ private:
         const bool isDielectric = metalness == 0.0f;
         ovGraphics::Texture* base = _color(_source.baseColorTexture);
         // Metals scatter nothing, and reading a texture to multiply it by black would be a waste.
-        _setAlbedo(isMetal ? nullptr : base, diffuseOf(_source.baseColor, metalness));
+        _setAlbedo(isMetal ? nullptr : base, ofColor(diffuseOf, _source.baseColor, metalness));
         if (!base || isDielectric)
-            _setSpecular(nullptr, reflectanceOf(_source.baseColor, metalness));
+            _setSpecular(nullptr, ofColor(reflectanceOf, _source.baseColor, metalness));
         else if (isMetal)
             _setSpecular(base, colorOf(_source.baseColor));
         else
-            // A picture of one pixel that holds the metalness, so that one function serves both cases.
-            _buildReflectance(LinearPicture(Vector(1.0f, 1.0f, metalness / _source.metallic)));
+            _addReflectance(_surfaceOf(metalnessPixel(metalness / _source.metallic).view()));
     }
 
     void _buildVarying() {
-        const LinearPicture surface =
-            _textures.read(_source.metallicRoughnessTexture, COLOR_ENCODING::LINEAR);
-        const LinearPicture base = _textures.read(_source.baseColorTexture, COLOR_ENCODING::SRGB);
-        const unsigned int width = std::max(base.getWidth(), surface.getWidth());
-        const unsigned int height = std::max(base.getHeight(), surface.getHeight());
-        _setAlbedo(_textures.compute(
-                       _source.name + " diffuse", width, height, COLOR_ENCODING::SRGB, _sampled(),
-                       [&](unsigned int x, unsigned int y) {
-                           const Vector color = base.read(x, y, width, height) * _source.baseColor;
-                           Vector result = diffuseOf(color, _metalnessAt(surface, x, y, width, height));
-                           // The alpha comes along, because blended and masked materials read it from this
-                           // texture.
-                           result.w = base.read(x, y, width, height).w;
-                           return result;
-                       }),
-                   WHITE);
-        _buildReflectance(surface);
+        const MetalSurface surface =
+            _surfaceOf(_textures.read(_source.metallicRoughnessTexture, COLOR_ENCODING::LINEAR));
+        _setAlbedo(_textures.add(_source.name + " diffuse", makeDiffuse(surface), _sampled()), WHITE);
+        _addReflectance(surface);
     }
 
-    void _buildReflectance(const LinearPicture& surface) {
-        const LinearPicture base = _textures.read(_source.baseColorTexture, COLOR_ENCODING::SRGB);
-        const unsigned int width = std::max(base.getWidth(), surface.getWidth());
-        const unsigned int height = std::max(base.getHeight(), surface.getHeight());
-        const auto reflectance = [&](unsigned int x, unsigned int y) {
-            const Vector color = base.read(x, y, width, height) * _source.baseColor;
-            Vector result = reflectanceOf(color, _metalnessAt(surface, x, y, width, height));
-            result.w = 1.0f;
-            return result;
-        };
-        _setSpecular(_textures.compute(_source.name + " reflectance", width, height, COLOR_ENCODING::SRGB,
-                                       _sampled(), reflectance),
-                     WHITE);
+    MetalSurface _surfaceOf(const ImageView& metalness) {
+        return {_textures.read(_source.baseColorTexture, COLOR_ENCODING::SRGB), metalness, _source.baseColor,
+                _source.metallic};
     }
 
-    float _metalnessAt(const LinearPicture& surface, unsigned int x, unsigned int y, unsigned int width,
-                       unsigned int height) const {
-        return surface.read(x, y, width, height).z * _source.metallic;
+    void _addReflectance(const MetalSurface& surface) {
+        Image reflectance = makeReflectance(surface);
+        _textures.forgetPictures();
+        _setSpecular(_textures.add(_source.name + " reflectance", std::move(reflectance), _sampled()), WHITE);
     }
 
     /// The texture whose sampler computed ones take.
@@ -240,12 +241,23 @@ private:
 
     template <typename Adjust>
     ovGraphics::Texture* _adjusted(ovMemory::StringView suffix, int texture, Adjust adjust) {
-        const LinearPicture picture = _textures.read(texture, COLOR_ENCODING::LINEAR);
-        const unsigned int width = picture.getWidth();
-        const unsigned int height = picture.getHeight();
-        return _textures.compute(
-            _source.name + String(suffix), width, height, COLOR_ENCODING::LINEAR, texture,
-            [&](unsigned int x, unsigned int y) { return adjust(picture.read(x, y, width, height)); });
+        const ImageView picture = _textures.read(texture, COLOR_ENCODING::LINEAR);
+        PictureRows rows(picture, picture.width, picture.height);
+        Image adjusted =
+            makePicture(picture.width, picture.height, COLOR_ENCODING::LINEAR,
+                        [&](unsigned int y, ovMemory::BufferView<float> row) {
+                            const auto texels = rows.read(y);
+                            for (std::size_t i = 0; i < row.size(); i += 4) {
+                                const Vector result =
+                                    adjust(Vector(texels[i], texels[i + 1], texels[i + 2], texels[i + 3]));
+                                row[i] = result.x;
+                                row[i + 1] = result.y;
+                                row[i + 2] = result.z;
+                                row[i + 3] = result.w;
+                            }
+                        });
+        _textures.forgetPictures();
+        return _textures.add(_source.name + String(suffix), std::move(adjusted), texture);
     }
 
     const GltfMaterial& _source;

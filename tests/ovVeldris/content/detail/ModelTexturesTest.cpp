@@ -4,12 +4,10 @@
 #include <ovVeldris/content/detail/ModelTextures.h>
 
 using namespace ovVeldris;
-using detail::LinearPicture;
 using detail::ModelTextures;
 using ovGraphics::FILTER;
 using ovGraphics::TEXTURE_ADDRESS;
 using ovImages::COLOR_ENCODING;
-using ovMaths::Vector;
 
 namespace {
 
@@ -92,25 +90,36 @@ TEST_P(ModelTexturesTest, samplersAndMipsAreThoseOfTheFile) {
     EXPECT_FALSE(_textures.getMade()[1].sampler->isUnloaded());
 }
 
-TEST_P(ModelTexturesTest, computesPictures) {
-    ovGraphics::Texture* texture =
-        _textures.compute("computed", 3, 1, COLOR_ENCODING::LINEAR, -1, [](unsigned int x, unsigned int y) {
-            return Vector(static_cast<float>(x) * 0.4f, static_cast<float>(y), 2.0f, -1.0f);
-        });
-    EXPECT_EQ(texelOf(texture, 0), (Texel{0, 0, 255, 0}));
-    EXPECT_EQ(texelOf(texture, 2), (Texel{204, 0, 255, 0}));
+TEST_P(ModelTexturesTest, takesComputedPictures) {
+    ovImages::Image picture(3, 1, 4, ovImages::COMPONENT_TYPE::UINT8, COLOR_ENCODING::LINEAR);
+    for (unsigned char i = 0; i < 12; ++i)
+        picture.getBytes()[i] = i;
+    ovGraphics::Texture* texture = _textures.add("computed", std::move(picture), -1);
+    EXPECT_EQ(texture->getName(), "computed");
+    EXPECT_EQ(texelOf(texture, 0), (Texel{0, 1, 2, 3}));
+    EXPECT_EQ(texelOf(texture, 2), (Texel{8, 9, 10, 11}));
 }
 
-TEST_P(ModelTexturesTest, linearPicturesAreReadAtAnySize) {
-    const LinearPicture one(Vector(1.0f, 2.0f, 3.0f, 4.0f));
-    EXPECT_EQ(one.read(6, 0, 7, 1), Vector(1.0f, 2.0f, 3.0f, 4.0f));
-    const int texture = _scene.addTexture("ramp", pngOf({{0, 0, 0, 255}, {255, 255, 255, 255}}));
-    const LinearPicture ramp = _textures.read(texture, COLOR_ENCODING::LINEAR);
-    EXPECT_EQ(ramp.read(0, 0, 2, 1).x, 0.0f);
-    EXPECT_EQ(ramp.read(1, 0, 2, 1).x, 1.0f);
-    // At twice the size the middles of pixels lie at 0.25 and 0.75 between the two.
-    const float expected[] = {0.0f, 0.25f, 0.75f, 1.0f};
-    for (unsigned int x = 0; x < 4; ++x)
-        EXPECT_NEAR(ramp.read(x, 0, 4, 1).x, expected[x], 1e-6f) << x;
-    EXPECT_EQ(_textures.read(-1, COLOR_ENCODING::SRGB).read(0, 0, 1, 1), Vector(1.0f, 1.0f, 1.0f, 1.0f));
+TEST_P(ModelTexturesTest, picturesAreReadUntilTheyAreForgotten) {
+    const int texture = _scene.addTexture("picture", pngOf({{10, 20, 30, 40}}));
+    const ovImages::ImageView color = _textures.read(texture, COLOR_ENCODING::SRGB);
+    const ovImages::ImageView data = _textures.read(texture, COLOR_ENCODING::LINEAR);
+    EXPECT_EQ(color.encoding, COLOR_ENCODING::SRGB);
+    EXPECT_EQ(data.encoding, COLOR_ENCODING::LINEAR);
+    EXPECT_EQ(color.bytes.data(), data.bytes.data()) << "decoded once";
+    EXPECT_EQ(color.bytes[1], 20);
+    const ovImages::ImageView white = _textures.read(-1, COLOR_ENCODING::SRGB);
+    EXPECT_EQ(ovMemory::Buffer<unsigned char>(white.bytes.begin(), white.bytes.end()),
+              (ovMemory::Buffer<unsigned char>{255, 255, 255, 255}));
+    _textures.forgetPictures();
+    EXPECT_EQ(_textures.read(texture, COLOR_ENCODING::SRGB).bytes[1], 20) << "decoded anew";
+}
+
+TEST_P(ModelTexturesTest, texelsAreOnTheDeviceAlone) {
+    ovGraphics::Texture* texture =
+        _textures.get(_scene.addTexture("picture", pngOf({{10, 20, 30, 40}})), COLOR_ENCODING::LINEAR);
+    texture->unload();
+    EXPECT_FALSE(texture->load());
+    EXPECT_NE(getGraphicsLogger().getText().find("dropped"), ovMemory::String::npos);
+    getGraphicsLogger().messages.clear();
 }
