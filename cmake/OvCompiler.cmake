@@ -26,6 +26,12 @@ target_compile_options(ovCompilerSettings INTERFACE -Wall -Wextra -Wshadow -Wnon
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
     target_compile_options(ovCompilerSettings INTERFACE $<$<CONFIG:Release,RelWithDebInfo>:-Wno-restrict>)
 endif()
+# Nobody replaces functions of our libraries by preloading others, so that calls inside a library need not be ready
+# for it: GCC inlines them, and a scene that moves takes a tenth less time. Clang does so by itself.
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    target_compile_options(ovCompilerSettings INTERFACE
+        $<$<CONFIG:Release,RelWithDebInfo>:-fno-semantic-interposition>)
+endif()
 if(OV_SANITIZE)
     target_compile_options(ovCompilerSettings INTERFACE -fsanitize=${OV_SANITIZE} -fno-omit-frame-pointer
         -fno-sanitize-recover=all)

@@ -43,6 +43,11 @@ Vector placeOf(std::size_t entity, std::size_t entities, float time) {
             (static_cast<float>(entity / side) - middle) * spacing, 0.0f};
 }
 
+ovMaths::Quaternion turnOf(std::size_t entity, float time) {
+    const auto axis = static_cast<float>(entity % 7);
+    return ovMaths::Quaternion(0.1f * axis, 0.3f * time, 0.2f, 1.0f);
+}
+
 Box::Box(std::size_t mesh) {
     const float height = 0.2f + 0.05f * static_cast<float>(mesh);
     for (unsigned int corner = 0; corner < 8; ++corner) {
@@ -76,6 +81,11 @@ void LibraryScene::invalidate() {
 void LibraryScene::moveAll(float time) {
     for (std::size_t i = 0; i < _entities; ++i)
         _nodes[i]->setPosition(placeOf(i, _entities, time));
+}
+
+void LibraryScene::turnAll(float time) {
+    for (std::size_t i = 0; i < _entities; ++i)
+        _nodes[i]->setOrientation(turnOf(i, time));
 }
 
 ovGraphics::Entity* LibraryScene::add() {

@@ -22,6 +22,8 @@ inline constexpr unsigned int SIDE = 64; ///< of the target, pixels
 
 /// Where an entity stands on a square grid, 100 wide, that holds so many.
 ovMaths::Vector placeOf(std::size_t entity, std::size_t entities, float time);
+/// How it is turned: each about another axis.
+ovMaths::Quaternion turnOf(std::size_t entity, float time);
 
 /// A box whose height depends on the mesh: 8 corners, 12 triangles.
 struct Box {
@@ -42,6 +44,7 @@ public:
     void draw() { _system.frame(_context.get()); }
     void invalidate();
     void moveAll(float time);
+    void turnAll(float time);
     /// Adds an entity like the first one at its node.
     ovGraphics::Entity* add();
 

@@ -31,8 +31,9 @@ constexpr std::size_t MANY_ENTITIES = 100000;
 constexpr int STILL_FRAMES = 200; // in one measurement, so that a clock's step is little
 constexpr int ROUNDS = 41;
 
-/// The transposed inverse of a matrix that scales and moves alone, as a careful programmer would write it who
-/// knows that.
+enum class MOTION { STILL, MOVING, TURNING };
+
+/// The transposed inverse of a matrix whose last row is (0, 0, 0, 1), as a careful programmer would write it.
 Matrix invTransposeOf(const Matrix& world) {
     const auto& m = world.m;
     const auto minor = [&m](int r0, int r1, int c0, int c1) {
@@ -77,17 +78,19 @@ public:
             _materials.push_back(_makeBuffer(device::BUFFER_USAGE::CONSTANTS, sizeof(color), color));
             _textures.push_back(_device.createTexture({}, _error));
         }
-        moveAll(0.0f);
+        change(MOTION::MOVING, 0.0f);
         _depth.depthTest = false;
     }
 
     const CountingDevice& getDevice() const { return _device; }
     const ovMemory::Buffer<Matrix>& getInstances() const { return _instances; }
 
-    void moveAll(float time) {
+    void change(MOTION motion, float time) {
+        const bool turning = motion == MOTION::TURNING;
         for (std::size_t i = 0; i < ENTITIES; ++i) {
             Matrix& world = _instances[2 * i];
-            world.setToTransformation(placeOf(i, ENTITIES, time), {1.0f, 1.0f, 1.0f}, {});
+            world.setToTransformation(placeOf(i, ENTITIES, turning ? 0.0f : time), {1.0f, 1.0f, 1.0f},
+                                      turning ? turnOf(i, time) : ovMaths::Quaternion());
             _instances[2 * i + 1] = invTransposeOf(world);
         }
         _current = (_current + 1) % _instanceBuffers.size();
@@ -167,7 +170,7 @@ bool askForTheSame(const device::DeviceCounts& a, const device::DeviceCounts& b)
            a.clears == b.clears && a.bufferUploads == b.bufferUploads && a.uploadedBytes == b.uploadedBytes;
 }
 
-void tenThousandEntities(benchmark::State& state, bool moving) {
+void tenThousandEntities(benchmark::State& state, MOTION motion) {
     auto device = std::make_unique<CountingDevice>();
     const CountingDevice& counter = *device;
     LibraryScene library(ENTITIES, std::move(device));
@@ -178,13 +181,15 @@ void tenThousandEntities(benchmark::State& state, bool moving) {
     HandWrittenScene byHand(library.getCamera());
     float time = 0.0f;
     const auto ourFrame = [&] {
-        if (moving)
+        if (motion == MOTION::MOVING)
             library.moveAll(time);
+        if (motion == MOTION::TURNING)
+            library.turnAll(time);
         library.draw();
     };
     const auto theirFrame = [&] {
-        if (moving)
-            byHand.moveAll(time);
+        if (motion != MOTION::STILL)
+            byHand.change(motion, time);
         byHand.draw();
     };
     for (int i = 0; i < 4; ++i, time = 0.5f - time)
@@ -193,7 +198,7 @@ void tenThousandEntities(benchmark::State& state, bool moving) {
         state.SkipWithError("the two sides ask the device for different things");
         return;
     }
-    const int frames = moving ? 5 : STILL_FRAMES;
+    const int frames = motion == MOTION::STILL ? STILL_FRAMES : 5;
     const auto repeat = [&time, frames](const auto& frame) {
         return [&time, &frame, frames] {
             for (int i = 0; i < frames; ++i, time = 0.5f - time)
@@ -201,7 +206,7 @@ void tenThousandEntities(benchmark::State& state, bool moving) {
         };
     };
     runPair(state, {{}, repeat(theirFrame)}, {{}, repeat(ourFrame)}, ROUNDS, LOAD::CPU_TIME);
-    aimAtRatio(state, moving ? 1.5 : 1.3);
+    aimAtRatio(state, motion == MOTION::STILL ? 1.3 : 1.5);
 }
 
 /// A change of one thing in a scene of 100,000 that has a second queue beside it.
@@ -250,13 +255,18 @@ void hideOneOfAnotherQueue(LibraryScene& scene, int count) {
 
 void nothing(LibraryScene&, int) {}
 
-BENCHMARK_CAPTURE(tenThousandEntities, still, false)
+BENCHMARK_CAPTURE(tenThousandEntities, still, MOTION::STILL)
     ->Name("scene_cpu/10000_entities_still_over_a_loop_by_hand")
     ->Iterations(1)
     ->UseManualTime()
     ->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(tenThousandEntities, moving, true)
+BENCHMARK_CAPTURE(tenThousandEntities, moving, MOTION::MOVING)
     ->Name("scene_cpu/10000_entities_moving_over_a_loop_by_hand")
+    ->Iterations(1)
+    ->UseManualTime()
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(tenThousandEntities, turning, MOTION::TURNING)
+    ->Name("scene_cpu/10000_entities_turning_over_a_loop_by_hand")
     ->Iterations(1)
     ->UseManualTime()
     ->Unit(benchmark::kMillisecond);

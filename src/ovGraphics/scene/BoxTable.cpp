@@ -1,95 +1,100 @@
 #include <ovGraphics/scene/BoxTable.h>
 
 #include <algorithm>
+#include <cmath>
 #include <limits>
 #include <ovGraphics/scene/Frustum.h>
 
 namespace ovGraphics {
 
+using ovMaths::Vector;
+
 namespace {
 
-using Column = ovMemory::Buffer<float>;
-
-constexpr std::size_t MINIMUM = 0;
-constexpr std::size_t MAXIMUM = 3;
+/// The reach of a box that hides from no plane: as far as floats go.
 constexpr float LARGEST = std::numeric_limits<float>::max();
-constexpr std::size_t LANES = 8;   // boxes that a vector instruction compares, or a multiple of them
-constexpr std::size_t BLOCK = 256; // boxes whose results fit in the nearest cache
-
-std::size_t roundedUp(std::size_t count) {
-    return (count + LANES - 1) / LANES * LANES;
-}
-
-/// Clears the entries of the boxes that lie outside a plane. Plain arrays and no branch, so that compilers
-/// make vector instructions of it; entries as wide as floats for the same reason.
-void cutOff(const ovMaths::Vector& plane, const float* x, const float* y, const float* z, std::size_t count,
-            uint32_t* inside) {
-    for (std::size_t i = 0; i < count; ++i)
-        inside[i] &= plane.x * x[i] + plane.y * y[i] + plane.z * z[i] + plane.w < 0.0f ? 0u : 1u;
-}
+const Vector EVERYWHERE(LARGEST, LARGEST, LARGEST);
 
 } // namespace
 
 void BoxTable::insert(std::size_t index, std::size_t count) {
-    // No box hides from a plane until its own is set: it reaches as far as floats do.
-    for (std::size_t column = 0; column < _columns.size(); ++column)
-        _columns[column].insert(_columns[column].begin() + static_cast<std::ptrdiff_t>(index), count,
-                                column < MAXIMUM ? -LARGEST : LARGEST);
+    const std::size_t oldCount = _count;
     _count += count;
-    _pad();
+    _bunches.resize((_count + LANES - 1) / LANES);
+    for (std::size_t from = oldCount; from > index; --from)
+        copy(from - 1, from - 1 + count);
+    for (std::size_t i = index; i < index + count; ++i)
+        set(i, BoundingBox()); // hides from no plane until its own is set
 }
 
 void BoxTable::truncate(std::size_t count) {
     _count = std::min(count, _count);
-    _pad();
-}
-
-void BoxTable::_pad() {
-    for (Column& column : _columns)
-        // Whole lanes, so that the comparison needs no loop for the rest.
-        column.resize(roundedUp(_count));
+    _bunches.resize((_count + LANES - 1) / LANES);
 }
 
 void BoxTable::set(std::size_t index, const BoundingBox& box) {
     // A box that is empty, or not finite, cannot tell where its entity is: it is never culled.
-    const ovMaths::Vector low =
-        box.isEmpty() ? ovMaths::Vector(-LARGEST, -LARGEST, -LARGEST) : box.getMinimum();
-    const ovMaths::Vector high =
-        box.isEmpty() ? ovMaths::Vector(LARGEST, LARGEST, LARGEST) : box.getMaximum();
-    const float values[] = {low.x, low.y, low.z, high.x, high.y, high.z};
-    for (std::size_t column = 0; column < _columns.size(); ++column)
-        _columns[column][index] = values[column];
+    const Vector center = box.getCenter(); // the origin for an empty box
+    const Vector reach = box.isEmpty() ? EVERYWHERE : box.getMaximum() * 0.5f - box.getMinimum() * 0.5f;
+    Bunch& bunch = _bunches[index / LANES];
+    const std::size_t lane = index % LANES;
+    bunch.center[0][lane] = center.x;
+    bunch.center[1][lane] = center.y;
+    bunch.center[2][lane] = center.z;
+    bunch.reach[0][lane] = reach.x;
+    bunch.reach[1][lane] = reach.y;
+    bunch.reach[2][lane] = reach.z;
 }
 
-void BoxTable::move(std::size_t from, std::size_t to) {
-    for (Column& column : _columns)
-        column[to] = column[from];
+bool BoxTable::setCenter(std::size_t index, const Vector& center) {
+    Bunch& bunch = _bunches[index / LANES];
+    const std::size_t lane = index % LANES;
+    const bool isFinite = std::isfinite(center.x) && std::isfinite(center.y) && std::isfinite(center.z);
+    if (!isFinite || bunch.reach[0][lane] == LARGEST)
+        return false;
+    bunch.center[0][lane] = center.x;
+    bunch.center[1][lane] = center.y;
+    bunch.center[2][lane] = center.z;
+    return true;
 }
 
-ovMaths::Vector BoxTable::getCenter(std::size_t index) const {
-    const auto middle = [&](std::size_t axis) {
-        // Halved before the sum, which would overflow for the largest boxes.
-        return 0.5f * _columns[MINIMUM + axis][index] + 0.5f * _columns[MAXIMUM + axis][index];
-    };
-    return {middle(0), middle(1), middle(2)};
+Vector BoxTable::getCenter(std::size_t index) const {
+    const auto& center = _bunches[index / LANES].center;
+    const std::size_t lane = index % LANES;
+    return {center[0][lane], center[1][lane], center[2][lane]};
+}
+
+void BoxTable::copy(std::size_t from, std::size_t to) {
+    const Bunch& source = _bunches[from / LANES];
+    Bunch& target = _bunches[to / LANES];
+    for (std::size_t axis = 0; axis < AXES; ++axis) {
+        target.center[axis][to % LANES] = source.center[axis][from % LANES];
+        target.reach[axis][to % LANES] = source.reach[axis][from % LANES];
+    }
 }
 
 void BoxTable::check(const Frustum& frustum, unsigned int planeCount, std::size_t begin, std::size_t end,
                      unsigned char* inside) const {
-    uint32_t block[BLOCK];
-    for (std::size_t first = begin; first < end; first += BLOCK) {
-        const std::size_t count = std::min(BLOCK, end - first);
-        const std::size_t lanes = std::min(roundedUp(count), _columns[0].size() - first);
-        std::fill(block, block + lanes, 1u);
+    for (std::size_t first = begin; first < end;) {
+        // Entries as wide as floats, and no branch, so that compilers make vector instructions of it.
+        uint32_t seen[LANES];
+        std::fill(seen, seen + LANES, 1u);
+        const auto& [center, reach] = _bunches[first / LANES];
         for (unsigned int i = 0; i < planeCount; ++i) {
-            const ovMaths::Vector plane = frustum.getPlane(i);
-            // The corner that lies furthest along the plane's normal.
-            const auto column = [&](std::size_t axis, float normal) {
-                return _columns[(normal >= 0.0f ? MAXIMUM : MINIMUM) + axis].data() + first;
-            };
-            cutOff(plane, column(0, plane.x), column(1, plane.y), column(2, plane.z), lanes, block);
+            const Vector plane = frustum.getPlane(i);
+            const Vector along(std::abs(plane.x), std::abs(plane.y), std::abs(plane.z));
+            // A box is outside when its corner that lies furthest along the plane's normal is.
+            for (std::size_t lane = 0; lane < LANES; ++lane) {
+                const float middle = plane.x * center[0][lane] + plane.y * center[1][lane] +
+                                     plane.z * center[2][lane] + plane.w;
+                const float most =
+                    along.x * reach[0][lane] + along.y * reach[1][lane] + along.z * reach[2][lane];
+                seen[lane] &= middle + most < 0.0f ? 0u : 1u;
+            }
         }
-        inside = std::copy(block, block + count, inside);
+        const std::size_t last = std::min(first / LANES * LANES + LANES, end);
+        inside = std::copy(seen + first % LANES, seen + first % LANES + (last - first), inside);
+        first = last;
     }
 }
 

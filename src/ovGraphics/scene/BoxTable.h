@@ -1,13 +1,12 @@
-// Many boxes in columns, so that one plane is compared with several of them at once.
+// Many boxes, of which several are compared with a plane at once.
 #pragma once
 
-#include <array>
 #include <ovGraphics/scene/BoundingBox.h>
 #include <ovMemory/Memory.h>
 
 namespace ovGraphics {
 
-/// A list of boxes, each coordinate in an array of its own.
+/// A list of boxes in bunches, in which each coordinate is an array: one vector instruction compares a bunch.
 class OV_API BoxTable {
 public:
     std::size_t getCount() const { return _count; }
@@ -17,8 +16,11 @@ public:
     void truncate(std::size_t count);
     /// An empty box counts as one that holds everything.
     void set(std::size_t index, const BoundingBox& box);
-    /// Moves a box to a smaller index, over what is there.
-    void move(std::size_t from, std::size_t to);
+    /// Moves the middle of a box, which keeps its size.
+    /// @return false, changing nothing, for a box that holds everything and a center that is not finite
+    bool setCenter(std::size_t index, const ovMaths::Vector& center);
+    /// Copies a box to another index, over what is there.
+    void copy(std::size_t from, std::size_t to);
     /// (0, 0, 0) for a box that holds everything.
     ovMaths::Vector getCenter(std::size_t index) const;
 
@@ -28,10 +30,16 @@ public:
                unsigned char* inside) const;
 
 private:
-    void _pad();
+    static constexpr std::size_t LANES = 8; ///< floats of the widest common vector instructions
+    static constexpr std::size_t AXES = 3;
 
-    /// Minimum x, y, z, then maximum x, y, z; longer than the count, so that vector instructions end evenly.
-    std::array<ovMemory::Buffer<float>, 6> _columns;
+    /// What moves alone keeps its reach, whatever rounding does to its middle.
+    struct Bunch {
+        float center[AXES][LANES];
+        float reach[AXES][LANES]; ///< half the size
+    };
+
+    ovMemory::Buffer<Bunch> _bunches;
     std::size_t _count = 0;
 };
 

@@ -84,7 +84,7 @@ bool DrawGroup::closeGaps() {
         _orders[out] = _orders[index];
         _entities[out] = _entities[index];
         _sights[out] = _sights[index];
-        _boxes.move(index, out++);
+        _boxes.copy(index, out++);
     }
     _orders.resize(out);
     _entities.resize(out);
@@ -102,6 +102,17 @@ void DrawGroup::show(uint32_t index, const BoundingBox& box) {
     _boxes.set(index, box);
     if (_sights[index] == SIGHT::HIDDEN)
         _setSight(index, SIGHT::OUT_OF_VIEW);
+    _noteShown(index);
+}
+
+bool DrawGroup::move(uint32_t index, const ovMaths::Vector& center) {
+    if (!_boxes.setCenter(index, center))
+        return false;
+    _noteShown(index);
+    return true;
+}
+
+void DrawGroup::_noteShown(uint32_t index) {
     _shownBegin = std::min(_shownBegin, index);
     _shownEnd = std::max(_shownEnd, index + 1);
 }
@@ -120,7 +131,8 @@ void DrawGroup::updateSights(const Frustum* frustum, unsigned int planeCount, bo
     const std::size_t begin = all ? 0 : _shownBegin;
     const std::size_t end = all ? getSize() : std::min(_shownEnd, getSize());
     unsigned char inside[AT_ONCE];
-    std::fill(inside, inside + AT_ONCE, static_cast<unsigned char>(1));
+    if (begin < end)
+        std::fill_n(inside, std::min(end - begin, AT_ONCE), static_cast<unsigned char>(1));
     for (std::size_t first = begin; first < end; first += AT_ONCE) {
         const std::size_t last = std::min(first + AT_ONCE, end);
         if (frustum)

@@ -3,6 +3,7 @@
 
 #include <compare>
 #include <cstdint>
+#include <ovGraphics/resources/ShaderInstanceMemorySlot.h>
 #include <ovGraphics/scene/BoxTable.h>
 #include <ovMemory/Borrowed.h>
 
@@ -73,6 +74,9 @@ public:
 
     /// Sets what is known of a visible entity, which keeps its sight until updateSights().
     void show(uint32_t index, const BoundingBox& box);
+    /// Moves the box of a visible entity, which keeps its size.
+    /// @return false, changing nothing, for a box that cannot tell where it is, then or now
+    bool move(uint32_t index, const ovMaths::Vector& center);
     void hide(uint32_t index);
     /// Looks at those that were shown since the last call, or at all, and forms the runs anew when something
     /// became another.
@@ -82,18 +86,21 @@ public:
     const ovMemory::Buffer<Run>& getRuns() const { return _runs; }
 
     // What the draw list keeps here.
-    bool isDrawable = false;    ///< mesh and shader are loaded
-    bool isTouched = false;     ///< since the last update
-    bool isPlaced = false;      ///< every shown entity has its instance's data at its index
-    bool isOutdated = false;    ///< the key is no longer that of the shader and the mesh
-    uint32_t slots = 0;         ///< matrices of an instance
-    uint32_t firstInstance = 0; ///< counted from the start of the instances' data
-    uint32_t capacity = 0;      ///< instances that have room
+    bool isDrawable = false;                 ///< mesh and shader are loaded
+    bool isTouched = false;                  ///< since the last update
+    bool isPlaced = false;                   ///< every shown entity has its instance's data at its index
+    bool isOutdated = false;                 ///< the key is no longer that of the shader and the mesh
+    ovMaths::Vector meshCenter;              ///< of the mesh's box, a point: w is 1
+    ovMemory::Buffer<INSTANCE_VALUE> values; ///< of an instance, a matrix each
+    uint32_t slots = 0;                      ///< their number
+    uint32_t firstInstance = 0;              ///< counted from the start of the instances' data
+    uint32_t capacity = 0;                   ///< instances that have room
     std::size_t firstBatch = 0;
     std::size_t batchCount = 0;
     device::GpuGeometry* geometry = nullptr;
 
 private:
+    void _noteShown(uint32_t index);
     void _formRuns(uint32_t gapLength);
     void _setSight(uint32_t index, SIGHT sight);
 

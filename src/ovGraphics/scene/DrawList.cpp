@@ -11,6 +11,7 @@
 #include <ovGraphics/scene/Mesh.h>
 #include <ovGraphics/scene/Node.h>
 #include <ovGraphics/scene/RenderQueue.h>
+#include <utility>
 
 namespace ovGraphics {
 
@@ -89,14 +90,14 @@ bool DrawList::_upload(const System& system, ovMemory::String& error) {
     return true;
 }
 
-void DrawList::noteChange(uint32_t place) {
+void DrawList::noteChange(uint32_t place, Entity::CHANGE change) {
     if (place >= _places.size())
         _places.resize(place + 1);
     // Noted once, however often it changes between two frames: a loop that moves nodes costs no more.
-    if (_places[place].isChanged)
-        return;
-    _places[place].isChanged = true;
-    _changed.push_back(place);
+    Entity::CHANGE& noted = _places[place].change;
+    if (noted == Entity::CHANGE::NONE)
+        _changed.push_back(place);
+    noted = std::max(noted, change);
 }
 
 void DrawList::forgetQueue() {
@@ -117,7 +118,7 @@ void DrawList::_follow(RenderQueue& queue) {
     _instances.clear();
     _roomInUse = 0;
     for (const auto& entity : queue._entities)
-        noteChange(entity->_place);
+        noteChange(entity->_place, Entity::CHANGE::ANY);
 }
 
 void DrawList::_leave() {
@@ -146,7 +147,7 @@ void DrawList::_recheckGroups() {
         _touch(group);
         for (uint32_t index = 0; index < group.getSize(); ++index) {
             if (group.getEntity(index) != DrawGroup::GAP)
-                noteChange(group.getEntity(index));
+                noteChange(group.getEntity(index), Entity::CHANGE::ANY);
         }
     }
 }
@@ -155,7 +156,12 @@ void DrawList::_describe(DrawGroup& group) {
     const Shader& shader = *group.getShader();
     // The number of slots may be another now, and with it the place of every instance.
     _freeRoom(group);
-    group.slots = static_cast<uint32_t>(shader.getInstanceMemorySlots().size());
+    group.values.clear();
+    for (const auto& slot : shader.getInstanceMemorySlots())
+        group.values.push_back(slot->getValue());
+    group.slots = static_cast<uint32_t>(group.values.size());
+    group.meshCenter = group.getMesh()->getBoundingBox().getCenter();
+    group.meshCenter.w = 1.0f;
     group.isDrawable = shader.getProgram() && !group.getMesh()->isUnloaded();
     group.geometry = nullptr;
 }
@@ -183,9 +189,11 @@ void DrawList::_refreshChanged() {
 
 void DrawList::_refresh(uint32_t id) {
     Place& place = _places[id];
-    place.isChanged = false;
+    const Entity::CHANGE change = std::exchange(place.change, Entity::CHANGE::NONE);
     const Entity* entity = _queue->_places[id];
-    if (place.group && !(entity && _stays(place, *entity)))
+    if (place.group && change == Entity::CHANGE::MOVED)
+        return _move(place, *entity->getNode());
+    if (place.group && change == Entity::CHANGE::ANY && !(entity && _stays(place, *entity)))
         _takeOut(place);
     if (!entity || !entity->getVisible()) {
         if (place.group) {
@@ -209,6 +217,20 @@ void DrawList::_refresh(uint32_t id) {
     // A group that is not placed is written as a whole later, when it is known how much room it needs.
     if (group.isPlaced && place.index < group.capacity)
         _writeInstance(group, group.firstInstance + place.index, node);
+    _touch(group);
+}
+
+// Most of what moves does only that. Its group stays, and of the box and the instance's data only what holds
+// the position is another.
+void DrawList::_move(const Place& place, const Node& node) {
+    DrawGroup& group = *place.group;
+    if (group.getSight(place.index) == SIGHT::HIDDEN)
+        return; // written when it is shown
+    const ovMaths::Matrix& world = node.getWorldMatrix();
+    if (!group.move(place.index, world * group.meshCenter))
+        group.show(place.index, group.getMesh()->getBoundingBox().getTransformed(world));
+    if (group.isPlaced && place.index < group.capacity)
+        _moveInstance(group, group.firstInstance + place.index, world);
     _touch(group);
 }
 
@@ -344,13 +366,25 @@ void DrawList::_writeInstance(const DrawGroup& group, uint32_t instance, const N
         return;
     const std::size_t begin = std::size_t{instance} * group.slots;
     ovMaths::Matrix* out = &_instances[begin];
-    for (const auto& slot : group.getShader()->getInstanceMemorySlots()) {
+    for (const INSTANCE_VALUE value : group.values) {
         if (!node)
             *out++ = ovMaths::Matrix();
-        else if (slot->getValue() == INSTANCE_VALUE::WORLD_MATRIX)
+        else if (value == INSTANCE_VALUE::WORLD_MATRIX)
             *out++ = node->getWorldMatrix();
         else
             node->computeWorldMatrixInvTranspose(*out++);
+    }
+    _ring.markChanged(begin * SLOT_SIZE, (begin + group.slots) * SLOT_SIZE);
+}
+
+void DrawList::_moveInstance(const DrawGroup& group, uint32_t instance, const ovMaths::Matrix& world) {
+    const std::size_t begin = std::size_t{instance} * group.slots;
+    const ovMaths::Vector position = world.getPositionComponent();
+    for (std::size_t i = 0; i < group.slots; ++i) {
+        if (group.values[i] == INSTANCE_VALUE::WORLD_MATRIX)
+            _instances[begin + i].setPositionComponent(position);
+        else
+            Node::moveInvTranspose(_instances[begin + i], position);
     }
     _ring.markChanged(begin * SLOT_SIZE, (begin + group.slots) * SLOT_SIZE);
 }

@@ -5,6 +5,7 @@
 #include <map>
 #include <ovGraphics/device/BufferRing.h>
 #include <ovGraphics/scene/DrawGroup.h>
+#include <ovGraphics/scene/Entity.h>
 #include <ovMaths/Matrix.h>
 #include <ovMemory/Borrowed.h>
 #include <ovMemory/Enumeration.h>
@@ -13,7 +14,6 @@
 namespace ovGraphics {
 
 class Camera;
-class Entity;
 class Node;
 class RenderQueue;
 class System;
@@ -79,7 +79,7 @@ public:
 
     // For the queue.
     /// An entity changed, came or went. @param place of the entity in the queue's tables
-    void noteChange(uint32_t place);
+    void noteChange(uint32_t place, Entity::CHANGE change);
     /// The queue goes.
     void forgetQueue();
 
@@ -88,7 +88,7 @@ private:
     struct Place {
         DrawGroup* group = nullptr;
         uint32_t index = 0;
-        bool isChanged = false;
+        Entity::CHANGE change = Entity::CHANGE::NONE;
     };
     /// An entity in view, to be sorted by depth.
     struct Sorted {
@@ -105,6 +105,7 @@ private:
 
     void _refreshChanged();
     void _refresh(uint32_t place);
+    void _move(const Place& place, const Node& node);
     bool _stays(const Place& place, const Entity& entity) const;
     void _takeOut(Place& place);
     void _putIn(Place& place, uint32_t id, const Entity& entity, bool mirrored);
@@ -119,6 +120,7 @@ private:
     void _freeRoom(DrawGroup& group);
     const Node* _nodeOf(uint32_t place) const;
     void _writeInstance(const DrawGroup& group, uint32_t instance, const Node* node);
+    void _moveInstance(const DrawGroup& group, uint32_t instance, const ovMaths::Matrix& world);
     void _rebuildBatches();
     void _patchBatches(DrawGroup& group);
     void _dropEmptyGroups();

@@ -66,8 +66,8 @@ void Entity::setDoubleSided(bool doubleSided) {
     _changed();
 }
 
-void Entity::_changed() const {
-    _queue->_noteChange(*this);
+void Entity::_changed(CHANGE change) const {
+    _queue->_noteChange(*this, change);
 }
 
 } // namespace ovGraphics

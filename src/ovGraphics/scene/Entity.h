@@ -21,6 +21,14 @@ public:
     /// application likes (1 for depth alone, ...).
     static constexpr unsigned int VARIANT_COUNT = 4;
 
+    /// What happened since a draw list looked at an entity. A later value takes in the earlier ones.
+    enum class CHANGE : unsigned char {
+        NONE = 0,
+        MOVED = 1,  ///< its node moved in the world, and neither turned nor changed its size
+        TURNED = 2, ///< its node has another world matrix
+        ANY = 3
+    };
+
     /// Made by RenderQueue::addEntity.
     explicit Entity(RenderQueue* queue);
     ~Entity();
@@ -49,7 +57,7 @@ private:
     friend class Node;
     friend class RenderQueue;
 
-    void _changed() const;
+    void _changed(CHANGE change = CHANGE::ANY) const;
     void _leaveNode();
 
     // What a move looks at lies together.

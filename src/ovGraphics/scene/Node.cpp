@@ -37,10 +37,10 @@ void setToAffineInvTranspose(Matrix& result, const Matrix& matrix) {
     for (int column = 0; column < 3; ++column) {
         for (int row = 0; row < 3; ++row)
             r[row][column] = cofactors[row][column] * factor;
-        r[3][column] = -(r[0][column] * m[0][3] + r[1][column] * m[1][3] + r[2][column] * m[2][3]);
         r[column][3] = 0.0f;
     }
     r[3][3] = 1.0f;
+    Node::moveInvTranspose(result, matrix.getPositionComponent());
 }
 
 } // namespace
@@ -59,7 +59,7 @@ Node::~Node() {
     while (_firstChild) {
         Node* child = _firstChild;
         child->_unlink();
-        child->_changeWorld();
+        child->_changeWorld(false);
     }
     _unlink();
 }
@@ -69,7 +69,7 @@ void Node::setPosition(const Vector& position) {
     if (!_localIsCurrent || !_localIsComposed)
         return _changeLocal();
     _local.setPositionComponent(position); // rotation and scale need no computing
-    _changeWorld();
+    _changeWorld(true);
 }
 
 void Node::setOrientation(const ovMaths::Quaternion& orientation) {
@@ -118,7 +118,7 @@ bool Node::setParent(Node* parent) {
         (parent->_lastChild ? parent->_lastChild->_nextSibling : parent->_firstChild) = this;
         parent->_lastChild = this;
     }
-    _changeWorld();
+    _changeWorld(false);
     return true;
 }
 
@@ -141,26 +141,27 @@ void Node::reset() {
 
 void Node::_changeLocal() {
     _localIsCurrent = false;
-    _changeWorld();
+    _changeWorld(false);
 }
 
 // Marks this node and all below it. Trees may be of any depth, so that nothing here calls itself. Entities of
 // a stale node were told when it became stale, and nobody has drawn them since, as that reads the world
 // matrix.
-void Node::_changeWorld() {
+void Node::_changeWorld(bool positionOnly) {
     Node* node = this;
     while (node) {
-        const bool wasCurrent = node->_worldIsCurrent;
-        if (wasCurrent)
-            node->_tellEntities();
+        const bool isNews = positionOnly ? node->_worldIsCurrent : node->_turnIsCurrent;
+        if (isNews)
+            node->_tellEntities(positionOnly);
         node->_worldIsCurrent = node->_invTransposeIsCurrent = false;
-        node = node->_nextInTree(this, wasCurrent); // below a stale node everything is stale
+        node->_turnIsCurrent = node->_turnIsCurrent && positionOnly;
+        node = node->_nextInTree(this, isNews); // what is no news here is none below either
     }
 }
 
-void Node::_tellEntities() const {
+void Node::_tellEntities(bool positionOnly) const {
     for (const Entity* entity = _firstEntity; entity; entity = entity->_nextAtNode)
-        entity->_changed();
+        entity->_changed(positionOnly ? Entity::CHANGE::MOVED : Entity::CHANGE::TURNED);
 }
 
 Node* Node::_nextInTree(const Node* root, bool descend) const {
@@ -191,7 +192,7 @@ void Node::_updateWorld() const {
         const Matrix& local = node->getLocalMatrix();
         if (node->_parent)
             node->_world = affineProduct(node->_parent->_getKeptWorld(), local);
-        node->_worldIsCurrent = true;
+        node->_worldIsCurrent = node->_turnIsCurrent = true;
     }
 }
 
@@ -206,6 +207,12 @@ const Matrix& Node::getWorldMatrixInvTranspose() const {
 
 void Node::computeWorldMatrixInvTranspose(Matrix& result) const {
     setToAffineInvTranspose(result, getWorldMatrix());
+}
+
+void Node::moveInvTranspose(Matrix& invTranspose, const Vector& position) {
+    auto& r = invTranspose.m;
+    for (int column = 0; column < 3; ++column)
+        r[3][column] = -(r[0][column] * position.x + r[1][column] * position.y + r[2][column] * position.z);
 }
 
 bool Node::isMirrored() const {

@@ -48,6 +48,9 @@ public:
     const ovMaths::Matrix& getWorldMatrixInvTranspose() const;
     /// Writes the same to a place of the caller's, and keeps nothing: for what is written once and sent away.
     void computeWorldMatrixInvTranspose(ovMaths::Matrix& result) const;
+    /// Brings a transposed inverse up to date after its world matrix moved and neither turned nor changed its
+    /// size. @param position of the world matrix
+    static void moveInvTranspose(ovMaths::Matrix& invTranspose, const ovMaths::Vector& position);
     /// Asks for what a world matrix is made of to be brought near, as it will be read soon.
     void prefetch() const {
         __builtin_prefetch(&_position);
@@ -63,8 +66,8 @@ private:
     friend class Entity;
 
     void _changeLocal();
-    void _changeWorld();
-    void _tellEntities() const;
+    void _changeWorld(bool positionOnly);
+    void _tellEntities(bool positionOnly) const;
     void _unlink();
     void _updateWorld() const;
     /// The world matrix while it is current; a root's is its local one.
@@ -79,6 +82,8 @@ private:
     mutable bool _localIsCurrent = true;
     mutable bool _localIsComposed = true; ///< of the components, and was not set
     mutable bool _worldIsCurrent = true;  ///< false implies false in every node below
+    mutable bool _turnIsCurrent =
+        true; ///< false: more than the world position is out of date, here and below
     mutable bool _invTransposeIsCurrent = true;
     mutable ovMaths::Matrix _local;
     mutable ovMaths::Matrix _world;

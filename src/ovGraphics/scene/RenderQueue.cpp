@@ -54,14 +54,14 @@ void RenderQueue::clearQueue() {
 }
 
 void RenderQueue::_freePlace(const Entity& entity) {
-    _noteChange(entity);
+    _noteChange(entity, Entity::CHANGE::ANY);
     _places[entity._place] = nullptr;
     _freePlaces.push_back(entity._place);
 }
 
-void RenderQueue::_noteChange(const Entity& entity) const {
+void RenderQueue::_noteChange(const Entity& entity, Entity::CHANGE change) const {
     for (DrawList* list : _lists)
-        list->noteChange(entity._place);
+        list->noteChange(entity._place, change);
 }
 
 Entity* RenderQueue::getEntity(unsigned int index) const {

@@ -31,7 +31,7 @@ private:
     friend class DrawList;
     friend class Entity;
 
-    void _noteChange(const Entity& entity) const;
+    void _noteChange(const Entity& entity, Entity::CHANGE change) const;
     void _freePlace(const Entity& entity);
 
     ovMemory::Buffer<ovMemory::UniquePtr<Entity>> _entities;

@@ -1,4 +1,6 @@
+#include <array>
 #include <gtest/gtest.h>
+#include <limits>
 #include <ovGraphics/scene/BoxTable.h>
 #include <ovGraphics/scene/Frustum.h>
 #include <random>
@@ -67,7 +69,7 @@ TEST(BoxTableTest, boxesComeGoAndMove) {
     EXPECT_EQ(table.getCenter(0), Vector(1.0f, 0.0f));
     EXPECT_EQ(table.getCenter(1), Vector());
     EXPECT_EQ(table.getCenter(2), Vector(2.0f, 0.0f));
-    table.move(2, 0);
+    table.copy(2, 0);
     table.truncate(1);
     EXPECT_EQ(table.getCount(), 1u);
     EXPECT_EQ(table.getCenter(0), Vector(2.0f, 0.0f));
@@ -78,4 +80,37 @@ TEST(BoxTableTest, boxesComeGoAndMove) {
     projection.setToPerspectiveMatrix(0.9f, 1.0f, 0.5f, 40.0f);
     table.check(Frustum(projection), Frustum::PLANE_COUNT, 0, 1, &inside);
     EXPECT_EQ(inside, 1) << "an empty box holds everything here";
+}
+
+TEST(BoxTableTest, aBoxThatMovesKeepsItsSize) {
+    BoxTable table;
+    table.insert(0, 10);
+    table.set(9, BoundingBox::newBox({0.0f, 0.0f, 5.0f}, {0.2f, 0.4f, 0.6f}));
+    for (int step = 1; step <= 10000; ++step) // far enough for a size that is computed from corners to drift
+        ASSERT_TRUE(table.setCenter(9, {0.1f * static_cast<float>(step), 3e4f, 5.0f}));
+    ASSERT_TRUE(table.setCenter(9, {2.0f, 0.0f, 5.0f}));
+    EXPECT_EQ(table.getCenter(9), Vector(2.0f, 0.0f, 5.0f));
+    const auto sees = [&](float width) {
+        Matrix projection;
+        projection.setToOrthographicMatrix(width, 4.0f, 1.0f, 10.0f);
+        unsigned char inside = 9;
+        table.check(Frustum(projection), Frustum::PLANE_COUNT, 9, 10, &inside);
+        return inside == 1;
+    };
+    EXPECT_TRUE(sees(2.0f * 1.9001f));
+    EXPECT_FALSE(sees(2.0f * 1.8999f)) << "its nearer side is at 1.9";
+}
+
+TEST(BoxTableTest, whatHoldsEverythingDoesNotMove) {
+    BoxTable table;
+    table.insert(0, 2);
+    EXPECT_FALSE(table.setCenter(0, {1.0f, 2.0f, 3.0f}));
+    EXPECT_EQ(table.getCenter(0), Vector());
+    table.set(1, BoundingBox::newCube({1.0f, 0.0f, 0.0f}, 1.0f));
+    const float infinite = std::numeric_limits<float>::infinity();
+    for (const Vector& center : {Vector(infinite, 0.0f), Vector(0.0f, -infinite),
+                                 Vector(0.0f, 0.0f, std::numeric_limits<float>::quiet_NaN())}) {
+        EXPECT_FALSE(table.setCenter(1, center));
+        EXPECT_EQ(table.getCenter(1), Vector(1.0f, 0.0f));
+    }
 }

@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <limits>
 #include <ovGraphics/scene/DrawGroup.h>
 #include <ovGraphics/scene/Frustum.h>
 
@@ -127,4 +128,19 @@ TEST_F(DrawGroupTest, looksOnlyAtThoseThatWereShownUnlessAskedForAll) {
     EXPECT_EQ(runs(), "0:1 2:1");
     _group.updateSights(&elsewhere, Frustum::PLANE_COUNT, true, NO_GAPS);
     EXPECT_EQ(runs(), "");
+}
+
+TEST_F(DrawGroupTest, whatMovesIsLookedAtAgain) {
+    add(0, 10);
+    add(1, 20, 50.0f);
+    const Frustum frustum = fourWide();
+    _group.updateSights(&frustum, Frustum::PLANE_COUNT, true, NO_GAPS);
+    EXPECT_EQ(runs(), "0:1");
+    ASSERT_TRUE(_group.move(1, {1.0f, 0.0f, 5.0f}));
+    _group.updateSights(&frustum, Frustum::PLANE_COUNT, false, NO_GAPS);
+    EXPECT_EQ(runs(), "0:2");
+    ASSERT_TRUE(_group.move(0, {-9.0f, 0.0f, 5.0f}));
+    _group.updateSights(&frustum, Frustum::PLANE_COUNT, false, NO_GAPS);
+    EXPECT_EQ(runs(), "1:1");
+    EXPECT_FALSE(_group.move(0, {std::numeric_limits<float>::infinity(), 0.0f, 5.0f}));
 }

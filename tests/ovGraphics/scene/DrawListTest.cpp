@@ -1,5 +1,6 @@
 #include <cstring>
 #include <gtest/gtest.h>
+#include <limits>
 #include <ovGraphics/device/Device.h>
 #include <ovGraphics/scene/SceneTesting.h>
 #include <support/PictureTest.h>
@@ -109,4 +110,26 @@ TEST_P(DrawListTest, boxesWithoutPointsAreAlwaysDrawn) {
     ASSERT_TRUE(update(camera.get()));
     ASSERT_EQ(_list.getBatches().size(), 1u);
     EXPECT_EQ(_list.getBatches()[0].mesh, unbounded.get());
+}
+
+TEST_P(DrawListTest, whatWasNowhereIsDrawnAgainWhenItIsSomewhere) {
+    const SceneShader shader(getGraphics(), {});
+    const auto node = makeNode(getGraphics(), {});
+    const auto camera = Camera::create(&getGraphics());
+    camera->setOrthographic(4.0f, 4.0f, 1.0f, 10.0f);
+    camera->setPosition({0.0f, 0.0f, -5.0f});
+    _queue->addEntity(_mesh.get(), &*shader, node.get());
+    const float infinite = std::numeric_limits<float>::infinity();
+    struct Case {
+        Vector position;
+        std::size_t batches;
+    };
+    // Moves alone, so that the box is moved and not made anew.
+    const Case cases[] = {{{0.0f, 0.0f}, 1},  {{50.0f, 0.0f}, 0},    {{infinite, 0.0f}, 1},
+                          {{50.0f, 0.0f}, 0}, {{infinite, 0.0f}, 1}, {{1.0f, 0.0f}, 1}};
+    for (const auto& [position, batches] : cases) {
+        node->setPosition(position);
+        ASSERT_TRUE(update(camera.get()));
+        EXPECT_EQ(_list.getBatches().size(), batches) << position.x;
+    }
 }
