@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 #include <ovImages/CompositeEncoder.h>
 #include <ovImages/Conversion.h>
+#include <veldris/console/OutputFile.h>
 
 namespace veldris {
 
@@ -12,6 +13,7 @@ using ovImages::COLOR_ENCODING;
 using ovImages::COMPONENT_TYPE;
 using ovImages::ImageView;
 using ovMemory::String;
+using ovMemory::StringView;
 
 bool holdsFloats(const ovImages::Encoder& format) {
     return format.getName() == "EXR" || format.getName() == "HDR";
@@ -30,14 +32,25 @@ bool isOpaque(const ImageView& picture) {
 
 const ovImages::Encoder* findFormat(const ovImages::CompositeEncoder& encoders, const String& path,
                                     String& error) {
-    const ovImages::Encoder* format = encoders.findByExtension(path);
+    const ovImages::Encoder* format = encoders.findByExtension(nameWithFormat(path));
     if (!format)
-        error = fmt::format("'{}' names no image format by its extension; write .{}.", path,
-                            fmt::join(encoders.getExtensions(), ", ."));
+        error = fmt::format(
+            "'{}' names no image format by its extension; write .{}, or png:- for standard output.", path,
+            fmt::join(encoders.getExtensions(), ", ."));
     return format;
 }
 
 } // namespace
+
+ovMemory::Result encodePicture(const ovImages::Encoder& format, StringView output, const ImageView& picture) {
+    const ovImages::EncodeResult encoded = format.encode(picture);
+    if (!encoded)
+        return ovMemory::failed(fmt::format("encoding '{}' failed: {}", output, encoded.error));
+    ovMemory::Result written = writeOutput(output, ovMemory::BufferView<const unsigned char>(encoded.bytes));
+    if (written && !encoded.warning.empty())
+        written.warning = fmt::format("encoding '{}': {}", output, encoded.warning);
+    return written;
+}
 
 PICTURE_CONTENT contentOf(const ImageView& image) {
     return image.encoding == COLOR_ENCODING::SRGB ? PICTURE_CONTENT::SRGB_ENCODED
@@ -67,7 +80,7 @@ bool writePicture(const String& path, const ImageView& picture, bool raw, String
     const ovImages::Image converted =
         ovImages::convertImage(source, floats ? COMPONENT_TYPE::FLOAT : COMPONENT_TYPE::UINT8,
                                isOpaque(picture) ? 3 : 4, wanted, &warning);
-    const ovMemory::Result written = encoders.encodeFile(path, converted.view());
+    const ovMemory::Result written = encodePicture(*format, path, converted.view());
     error = written.error;
     if (!written.warning.empty())
         warning += (warning.empty() ? "" : "; ") + written.warning;

@@ -1,7 +1,7 @@
 // Image files with what their numbers mean.
 #pragma once
 
-#include <ovImages/Image.h>
+#include <ovImages/Encoder.h>
 #include <veldris/effects/ContentConversions.h>
 
 namespace veldris {
@@ -16,9 +16,14 @@ PICTURE_CONTENT contentOf(const ovImages::ImageView& image);
 bool contentOfFormat(const ovMemory::String& path, std::optional<PICTURE_CONTENT>& content,
                      ovMemory::String& error);
 
+/// Encodes a picture as it is and writes it to an output (OutputFile.h), with a warning of what the format
+/// could not hold.
+ovMemory::Result encodePicture(const ovImages::Encoder& format, ovMemory::StringView output,
+                               const ovImages::ImageView& picture);
+
 /// Writes a picture of floats in the format of the path's extension: 8 bits a component for PNG and JPEG,
-/// floats for EXR. Alpha is dropped where it is 1 everywhere. @param raw numbers as they are, without
-/// encoding them
+/// floats for EXR. Alpha is dropped where it is 1 everywhere. @param path or an output (OutputFile.h) @param
+/// raw numbers as they are, without encoding them
 /// @return false with one line in error; the path then holds what it held before
 bool writePicture(const ovMemory::String& path, const ovImages::ImageView& picture, bool raw,
                   ovMemory::String& warning, ovMemory::String& error);

@@ -272,6 +272,27 @@ Result writeFileAtomically(StringView path, ovMemory::BufferView<const char> byt
     return {};
 }
 
+Result checkWritable(StringView path) {
+    if (const Result checked = checkPath(path, true); !checked)
+        return checked;
+    std::filesystem::path target(path);
+    if (const int code = followLinks(target))
+        return failWithCode(true, path, code);
+    struct stat existing = {};
+    const bool exists = ::stat(target.c_str(), &existing) == 0;
+    if (!exists && errno != ENOENT)
+        return failWithCode(true, path, errno);
+    if (exists && S_ISDIR(existing.st_mode))
+        return fail("Writing", path, kindOf(existing.st_mode), "name a file");
+    if (!target.has_filename())
+        return fail("Writing", path, "the path ends in a separator", "name a file");
+    const std::filesystem::path folder = target.has_parent_path() ? target.parent_path() : ".";
+    const std::filesystem::path& asked = exists ? target : folder;
+    if (::faccessat(AT_FDCWD, asked.c_str(), exists ? W_OK : W_OK | X_OK, AT_EACCESS) != 0)
+        return failWithCode(true, path, errno);
+    return {};
+}
+
 Result writeFileAtomically(StringView path, ovMemory::BufferView<const unsigned char> bytes) {
     return writeFileAtomically(
         path, ovMemory::BufferView<const char>(reinterpret_cast<const char*>(bytes.data()), bytes.size()));

@@ -45,4 +45,9 @@ OV_API ovMemory::Result writeFileAtomically(ovMemory::StringView path,
 ///         pipe that nobody reads, which is not waited for
 OV_API ovMemory::Result writeFile(ovMemory::StringView path, ovMemory::BufferView<const char> bytes);
 
+/// Looks before long work whether a file can be written: its folder is there, nothing is in the way, and the
+/// process has the right to. It writes nothing. Writing may still fail later, as when the disk is full.
+/// @return the failure that writeFile() would give
+OV_API ovMemory::Result checkWritable(ovMemory::StringView path);
+
 } // namespace ovResources

@@ -159,8 +159,23 @@ TEST(FilesTest, PathsThatCannotBeReadOrWrittenAreExplained) {
         EXPECT_EQ(error, "Reading file '" + row.path + "' failed: " + row.readReason);
         EXPECT_FALSE(writeText(row.path, "new", error)) << row.path;
         EXPECT_EQ(error, "Writing file '" + row.path + "' failed: " + row.writeReason);
+        if (row.writeReason != special) {
+            EXPECT_EQ(ovResources::checkWritable(row.path).error, error);
+        }
     }
     EXPECT_EQ(countEntries(folder.getPath()), entries);
+    EXPECT_EQ(take(folder.getPath("file")), "old");
+}
+
+TEST(FilesTest, LookingWhetherAFileCanBeWrittenWritesNothing) {
+    const TemporaryFolder folder;
+    put(folder.getPath("file"), "old");
+    for (const StringView name : {"file", "new"}) {
+        const ovMemory::Result checked = ovResources::checkWritable(folder.getPath(name));
+        EXPECT_TRUE(checked) << checked.error;
+    }
+    EXPECT_TRUE(ovResources::checkWritable("a-new-file-of-the-current-folder"));
+    EXPECT_EQ(countEntries(folder.getPath()), 1u);
     EXPECT_EQ(take(folder.getPath("file")), "old");
 }
 
@@ -200,6 +215,10 @@ TEST(FilesTest, PermissionsAreRespected) {
             EXPECT_EQ(error, "Writing file '" + folder.getPath(name) +
                                  "' failed: Permission denied; choose a place where you may write");
         }
+        for (const StringView name : {"protected", "closed/new"})
+            EXPECT_EQ(ovResources::checkWritable(folder.getPath(name)).error,
+                      "Writing file '" + folder.getPath(name) +
+                          "' failed: Permission denied; choose a place where you may write");
     }
     fs::permissions(folder.getPath("protected"), fs::perms(0644));
     fs::permissions(folder.getPath("closed"), fs::perms(0755));

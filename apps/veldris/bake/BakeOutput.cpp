@@ -6,6 +6,7 @@
 #include <veldris/ImageFiles.h>
 #include <veldris/bake/CrossLayout.h>
 #include <veldris/bake/CubeFile.h>
+#include <veldris/console/OutputFile.h>
 
 namespace veldris {
 
@@ -33,7 +34,7 @@ bool checkPictureFormat(const String& path, String& error) {
 bool writeImage(const BakeOutput& output, const String& path, const ImageView& picture, BakeFiles& files,
                 String& error) {
     const ovImages::CompositeEncoder encoders;
-    const ovImages::Encoder* format = encoders.findByExtension(path);
+    const ovImages::Encoder* format = encoders.findByExtension(nameWithFormat(path));
     const bool isExr = format && format->getName() == "EXR";
     const bool isLinear = isExr || (format && format->getName() == "HDR");
     // HDR files have one form only, which their encoder makes of floats.
@@ -42,7 +43,7 @@ bool writeImage(const BakeOutput& output, const String& path, const ImageView& p
     const Image converted =
         ovImages::convertImage(picture, isLinear ? floats : COMPONENT_TYPE::UINT8, RGB,
                                isLinear ? COLOR_ENCODING::LINEAR : COLOR_ENCODING::SRGB, &warning);
-    const ovMemory::Result written = encoders.encodeFile(path, converted.view());
+    const ovMemory::Result written = encodePicture(*format, path, converted.view());
     error = written.error;
     if (!written)
         return false;

@@ -6,6 +6,7 @@
 #include <ovResources/Files.h>
 #include <veldris/bake/DdsFile.h>
 #include <veldris/bake/KtxFile.h>
+#include <veldris/console/OutputFile.h>
 
 namespace veldris {
 
@@ -25,11 +26,12 @@ bool isSameLetter(unsigned char left, unsigned char right) {
 } // namespace
 
 const CubeFileFormat* findCubeFormat(StringView path) {
-    const std::size_t dot = path.rfind('.');
+    const String name = nameWithFormat(path);
+    const std::size_t dot = name.rfind('.');
     if (dot == StringView::npos)
         return nullptr;
     for (const CubeFileFormat& format : FORMATS) {
-        if (std::ranges::equal(path.substr(dot + 1), format.name, isSameLetter))
+        if (std::ranges::equal(StringView(name).substr(dot + 1), format.name, isSameLetter))
             return &format;
     }
     return nullptr;
@@ -56,8 +58,7 @@ bool writeCubeFile(const String& path, const CubeMap& cube, String& error) {
     const ovMemory::Buffer<unsigned char> bytes =
         format ? format->encode(cube) : ovMemory::Buffer<unsigned char>();
     if (!bytes.empty()) {
-        error =
-            ovResources::writeFileAtomically(path, ovMemory::BufferView<const unsigned char>(bytes)).error;
+        error = writeOutput(path, ovMemory::BufferView<const unsigned char>(bytes)).error;
         return error.empty();
     }
     error = fmt::format("'{}' cannot be written: {}", path,

@@ -8,6 +8,8 @@
 #include <veldris/ImageFiles.h>
 #include <veldris/JsonText.h>
 #include <veldris/console/Console.h>
+#include <veldris/console/InputFile.h>
+#include <veldris/console/OutputFile.h>
 #include <veldris/effects/EffectChain.h>
 #include <veldris/effects/EffectHelp.h>
 
@@ -32,7 +34,7 @@ void printReport(Console& console, const ApplyOptions& options, const ChainPlan&
     if (!options.drawing.json) {
         for (const EffectTiming& timing : result.timings)
             console.print(fmt::format("{:10.3f} ms  {} ({})", timing.milliseconds, timing.effect, method));
-        console.print(options.output);
+        printPath(console, options.output);
         return;
     }
     ovMemory::Buffer<JsonObject> passes;
@@ -55,17 +57,23 @@ bool readOptions(const ApplyOptions& options, ovMemory::Buffer<PlannedEffect>& e
     if (!planEffects(options.effects, effects, error) ||
         !contentOfFormat(options.output, chain.output, error))
         return false;
+    error = checkOutput(options.output).error;
+    if (!error.empty())
+        return false;
     chain.outputName = "the file '" + options.output + "'";
     chain.raw = options.raw;
     return true;
 }
 
-int runApply(Console& console, const ApplyOptions& options) {
+int runApply(Console& console, ApplyOptions options) {
     ovMemory::Buffer<PlannedEffect> effects;
     ChainOptions chain;
     String error;
-    if (!readOptions(options, effects, chain, error))
+    InputFile standardInput;
+    if (!readOptions(options, effects, chain, error) || !standardInput.open(options.input, console, error))
         return console.fail(error);
+    if (isStandardOutput(options.output))
+        console.leaveOutputToData();
 
     ovImages::DecodeResult input = ovImages::CompositeEncoder().decodeFile(options.input);
     if (!input)
@@ -97,9 +105,11 @@ int runApply(Console& console, const ApplyOptions& options) {
 void addApplyCommand(CLI::App& program, Command& command) {
     auto options = std::make_shared<ApplyOptions>();
     CLI::App* apply = program.add_subcommand("apply", "run effects over an image (PNG, JPEG, EXR, HDR)");
-    apply->add_option("IMAGE", options->input, "image to read")->required();
+    apply->add_option("IMAGE", options->input, "image to read; - reads standard input")->required();
     apply->add_option("--effects", options->effects, "effects in order, see below")->required();
-    apply->add_option("-o,--output", options->output, "image to write; its extension chooses the format")
+    apply
+        ->add_option("-o,--output", options->output,
+                     "image to write; its extension chooses the format, and png:- writes to standard output")
         ->required();
     apply
         ->add_option(

@@ -7,12 +7,13 @@
 #include <optional>
 #include <ovGraphics/System.h>
 #include <ovGraphics/device/Device.h>
-#include <ovResources/Files.h>
 #include <unistd.h>
 #include <veldris/JsonText.h>
 #include <veldris/bake/BakeOutput.h>
 #include <veldris/bake/CubeBaking.h>
 #include <veldris/console/Console.h>
+#include <veldris/console/InputFile.h>
+#include <veldris/console/OutputFile.h>
 #include <veldris/scene/Panoramas.h>
 
 namespace veldris {
@@ -89,13 +90,23 @@ void tellProgress(const BakeOptions& options, Session& session) {
     fmt::print(stderr, "{}: baking '{}'{} ...\n", options.name, options.input, estimate);
 }
 
+/// Whether the files can be written, as far as that can be told now.
+bool checkOutputs(const BakeOptions& options, String& error) {
+    const String first = fillField(fillField(options.output, FACE_FIELD, FACE_NAMES[0]), MIP_FIELD, "0");
+    error = checkOutput(first).error;
+    if (error.empty() && !options.coefficients.empty())
+        error = checkOutput(options.coefficients).error;
+    return error.empty();
+}
+
 bool plan(const BakeOptions& options, BakeOutput& output, String& error) {
     output.path = options.output;
     output.components =
         options.format == "half" ? ovImages::COMPONENT_TYPE::HALF : ovImages::COMPONENT_TYPE::FLOAT;
-    if (options.bake == BAKE::SPHERICAL)
-        return planPanorama(output, error);
-    return planCube(options.layout, options.bake == BAKE::PREFILTER, output, error);
+    const bool isPlanned = options.bake == BAKE::SPHERICAL
+                               ? planPanorama(output, error)
+                               : planCube(options.layout, options.bake == BAKE::PREFILTER, output, error);
+    return isPlanned && checkOutputs(options, error);
 }
 
 /// Photographed panoramas run to the right, the library's longitudes to the left: a panorama that becomes a
@@ -135,8 +146,7 @@ bool write(const BakeOptions& options, const BakeOutput& output, BakeResult& res
     if (!isWritten || options.coefficients.empty())
         return isWritten;
     const String text = coefficientsText(result.coefficients);
-    error =
-        ovResources::writeFileAtomically(options.coefficients, ovMemory::BufferView<const char>(text)).error;
+    error = writeOutput(options.coefficients, ovMemory::BufferView<const char>(text)).error;
     if (!error.empty())
         return false;
     result.files.paths.push_back(options.coefficients);
@@ -147,7 +157,7 @@ void printReport(Console& console, const BakeOptions& options, const Environment
                  const BakeResult& result, const JsonObject& seconds) {
     if (!options.drawing.json) {
         for (const String& path : result.files.paths)
-            console.print(path);
+            printPath(console, path);
         return;
     }
     const bool isPanorama = !result.panorama.isEmpty();
@@ -164,12 +174,15 @@ void printReport(Console& console, const BakeOptions& options, const Environment
     console.print(report.toText());
 }
 
-int runBake(Console& console, const BakeOptions& options) {
+int runBake(Console& console, BakeOptions options) {
     BakeOutput output;
     String error;
     // Wrong names are told before anything is read: a prefiltering may take a minute.
-    if (!plan(options, output, error))
+    InputFile standardInput;
+    if (!plan(options, output, error) || !standardInput.open(options.input, console, error))
         return console.fail(error);
+    if (isStandardOutput(options.output) || isStandardOutput(options.coefficients))
+        console.leaveOutputToData();
     Stopwatch stopwatch;
     JsonObject seconds;
     EnvironmentInput input;

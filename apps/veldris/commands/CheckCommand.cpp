@@ -5,6 +5,7 @@
 #include <fmt/format.h>
 #include <veldris/JsonText.h>
 #include <veldris/console/Console.h>
+#include <veldris/console/InputFile.h>
 #include <veldris/materials/DeclarationCheck.h>
 
 namespace veldris {
@@ -37,11 +38,14 @@ void printText(Console& console, const CheckOptions& options, const DeclarationF
 }
 
 // Without a session: a file can be checked on a machine that has no device.
-int runCheck(Console& console, const CheckOptions& options) {
+int runCheck(Console& console, CheckOptions options) {
     DeclarationFile file;
     String error;
-    if (!checkDeclarationFile(options.file, file, error))
+    const String name = options.file == "-" ? "standard input" : options.file;
+    InputFile standardInput;
+    if (!standardInput.open(options.file, console, error) || !checkDeclarationFile(options.file, file, error))
         return console.fail(error);
+    options.file = name;
     const auto print = options.json ? printJson : printText;
     print(console, options, file);
     // A status that scripts and hooks of version control can act on.

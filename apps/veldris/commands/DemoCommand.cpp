@@ -145,10 +145,12 @@ int runDemo(Console& console, DemoOptions options) {
     if (status)
         return console.fail(fmt::format("could not make the folder '{}': {}; name another with --out.",
                                         options.folder, status.message()));
+    String error = ovResources::checkWritable(options.folder + "/index.html").error;
+    if (!error.empty())
+        return console.fail(error);
     DrawingOptions measured = options.drawing;
     measured.timings = true; // the page shows them
     Session session;
-    String error;
     if (!session.open(measured, error))
         return console.fail(error);
     Buffer<GalleryEntry> entries;

@@ -3,10 +3,11 @@
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
-#include <ovResources/Files.h>
 #include <ovVeldris/content/ModelLoader.h>
 #include <veldris/JsonText.h>
 #include <veldris/console/Console.h>
+#include <veldris/console/InputFile.h>
+#include <veldris/console/OutputFile.h>
 #include <veldris/materials/MaterialFile.h>
 #include <veldris/scene/ModelLight.h>
 
@@ -22,10 +23,15 @@ struct MaterialsOptions {
     DrawingOptions drawing;
 };
 
-int runMaterials(Console& console, const MaterialsOptions& options) {
+int runMaterials(Console& console, MaterialsOptions options) {
     // The loader uploads the textures too, so that even writing declarations needs a device.
+    String error = checkOutput(options.output).error;
+    InputFile standardInput;
+    if (!error.empty() || !standardInput.open(options.model, console, error))
+        return console.fail(error);
+    if (isStandardOutput(options.output))
+        console.leaveOutputToData();
     Session session;
-    String error;
     if (!session.open(options.drawing, error))
         return console.fail(error);
     const ovVeldris::ModelLoadResult loaded =
@@ -36,8 +42,7 @@ int runMaterials(Console& console, const MaterialsOptions& options) {
     giveModelLight(*loaded.model);
     const ovMemory::Buffer<ovVeldris::PbsMaterial*> materials = materialsOf(*loaded.model);
     const String text = writeMaterialFile(materials);
-    const ovMemory::Result written =
-        ovResources::writeFileAtomically(options.output, ovMemory::BufferView<const char>(text));
+    const ovMemory::Result written = writeOutput(options.output, ovMemory::BufferView<const char>(text));
     if (!written)
         return console.fail(written.error);
     if (options.drawing.json)
@@ -46,7 +51,7 @@ int runMaterials(Console& console, const MaterialsOptions& options) {
                           .number("materials", static_cast<double>(materials.size()))
                           .toText());
     else
-        console.print(options.output);
+        printPath(console, options.output);
     return 0;
 }
 

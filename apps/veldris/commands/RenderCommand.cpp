@@ -13,6 +13,8 @@
 #include <veldris/ImageFiles.h>
 #include <veldris/JsonText.h>
 #include <veldris/console/Console.h>
+#include <veldris/console/InputFile.h>
+#include <veldris/console/OutputFile.h>
 #include <veldris/effects/EffectChain.h>
 #include <veldris/materials/MaterialFile.h>
 #include <veldris/scene/BuiltInSky.h>
@@ -123,6 +125,9 @@ bool makePlan(const RenderOptions& options, RenderPlan& plan, String& error) {
     if (!readScene(options, plan.scene, error) || !planEffects(options.effects, effects, error) ||
         !contentOfFormat(options.output, chain.output, error))
         return false;
+    error = checkOutput(options.output).error;
+    if (!error.empty())
+        return false;
     chain.outputName = "the file '" + options.output + "'";
     chain.input = PICTURE_CONTENT::SCENE_LINEAR;
     if (!planChain(std::move(effects), chain, plan.chain, error))
@@ -218,7 +223,7 @@ void printReport(Console& console, const RenderOptions& options, const Timings& 
     for (const EffectTiming& timing : result.timings)
         addPass(timing.effect, timing.milliseconds);
     if (!options.drawing.json) {
-        console.print(options.output);
+        printPath(console, options.output);
         return;
     }
     JsonObject report;
@@ -267,11 +272,16 @@ ovMemory::UniquePtr<ovGraphics::Texture> drawModel(Console& console, Session& se
     return drawn;
 }
 
-int runRender(Console& console, const RenderOptions& options) {
+int runRender(Console& console, RenderOptions options) {
     RenderPlan plan;
     String error;
-    if (!makePlan(options, plan, error))
+    InputFile inputs[3];
+    if (!makePlan(options, plan, error) || !inputs[0].open(options.model, console, error) ||
+        !inputs[1].open(options.environment, console, error) ||
+        !inputs[2].open(options.materials, console, error))
         return console.fail(error);
+    if (isStandardOutput(options.output))
+        console.leaveOutputToData();
     Session session;
     if (!session.open(options.drawing, error))
         return console.fail(error);
@@ -297,8 +307,10 @@ void addRenderCommand(CLI::App& program, Command& command) {
     auto options = std::make_shared<RenderOptions>();
     CLI::App* render =
         program.add_subcommand("render", "draw a model (.glb, .gltf) with physically based materials");
-    render->add_option("MODEL", options->model, "model to read")->required();
-    render->add_option("-o,--output", options->output, "image to write; its extension chooses the format")
+    render->add_option("MODEL", options->model, "model to read; - reads standard input")->required();
+    render
+        ->add_option("-o,--output", options->output,
+                     "image to write; its extension chooses the format, and png:- writes to standard output")
         ->required();
     render->add_option("--size", options->size, "WIDTHxHEIGHT in pixels")->capture_default_str();
     render->add_option("--samples", options->samples, "samples of a pixel: 1, 4, 9, 16, ...")

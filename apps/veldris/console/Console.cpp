@@ -49,8 +49,9 @@ String kindOf(StringView message) {
 
 int Console::fail(StringView message) {
     _tellWarnings();
+    const String named = _named(message);
     writeLine(stderr,
-              _isJson ? JsonObject().text("error", message).toText() : fmt::format("veldris: {}", message));
+              _isJson ? JsonObject().text("error", named).toText() : fmt::format("veldris: {}", named));
     return FAILED;
 }
 
@@ -60,7 +61,7 @@ void Console::warn(StringView message) {
     String kind = kindOf(message);
     const auto known = std::ranges::find(_warnings, kind, &Warning::kind);
     if (known == _warnings.end())
-        _warnings.push_back({std::move(kind), String(message)});
+        _warnings.push_back({std::move(kind), _named(message)});
     else
         ++known->count;
 }
@@ -68,6 +69,10 @@ void Console::warn(StringView message) {
 void Console::warnEach(const ovMemory::Buffer<String>& messages) {
     for (const String& message : messages)
         warn(message);
+}
+
+void Console::callFile(StringView path, StringView name) {
+    _names.emplace_back(fmt::format("'{}'", path), name);
 }
 
 void Console::print(StringView line) {
@@ -83,6 +88,14 @@ int Console::finish(int status) {
     std::clearerr(stdout);
     return fail(fmt::format("standard output could not be written: {}; free space or write elsewhere.",
                             std::generic_category().message(code)));
+}
+
+String Console::_named(StringView message) const {
+    String named(message);
+    for (const auto& [path, name] : _names)
+        for (std::size_t at = named.find(path); at != String::npos; at = named.find(path, at + name.size()))
+            named.replace(at, path.size(), name);
+    return named;
 }
 
 void Console::_tellWarnings() {

@@ -24,6 +24,9 @@ public:
     /// Prints a line of the result.
     void print(ovMemory::StringView line);
 
+    /// What messages call a file from now on, in place of its path in quotes.
+    void callFile(ovMemory::StringView path, ovMemory::StringView name);
+
     /// From here on standard output carries the picture itself, and the lines of the result go to standard
     /// error.
     void leaveOutputToData() { _outputIsData = true; }
@@ -38,10 +41,12 @@ private:
         ovMemory::String example;
         unsigned int count = 1;
     };
+    ovMemory::String _named(ovMemory::StringView message) const;
     void _tellWarnings();
 
     bool _isJson;
     bool _outputIsData = false;
+    ovMemory::Buffer<std::pair<ovMemory::String, ovMemory::String>> _names; ///< of paths in quotes
     ovMemory::Buffer<Warning> _warnings;
 };
 
