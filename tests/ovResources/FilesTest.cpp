@@ -159,7 +159,7 @@ TEST(FilesTest, PathsThatCannotBeReadOrWrittenAreExplained) {
         EXPECT_EQ(error, "Reading file '" + row.path + "' failed: " + row.readReason);
         EXPECT_FALSE(writeText(row.path, "new", error)) << row.path;
         EXPECT_EQ(error, "Writing file '" + row.path + "' failed: " + row.writeReason);
-        if (row.writeReason != special) {
+        if (row.writeReason != special) { // what may be written in place
             EXPECT_EQ(ovResources::checkWritable(row.path).error, error);
         }
     }
