@@ -6,13 +6,16 @@
 
 namespace ovImages {
 
-/// How to decode. Each flag is on by default; formats that a flag says nothing about ignore it.
+/// How to decode. Formats that a field says nothing about ignore it.
 struct DecodeOptions {
     /// Turns the picture upright as its EXIF orientation says (JPEG, PNG). Off: rows as they are stored.
     bool applyOrientation = true;
     /// Data that ends early or fails a check is an error. Off: what could be read is returned, the rest of
     /// the pixels 0 (JPEG: grey), and the result's warning tells; headers must be sound in any case.
     bool refuseDamaged = true;
+    /// Doubtful data is an error: stray bytes and broken metadata (JPEG), which cost no pixel and which other
+    /// readers pass over. Off, which is the default: it is read, and the result's warning tells.
+    bool strict = false;
     /// Interpolates subsampled colour smoothly (JPEG). Off: repeats it, which is faster and blocky.
     bool smoothChroma = true;
     /// The most bytes of decoded pixels, checked before they are allocated; above MAX_IMAGE_BYTES that holds.

@@ -74,38 +74,67 @@ struct Choice {
 };
 
 Choice chooseChannels(const Imf::MultiPartInputFile& file, ovMemory::StringView layer) {
-    for (int part = 0; part < file.parts(); ++part) {
-        // A file may hold a deep part beside a flat one, and the flat one can be read.
-        if (isDeep(file.header(part)))
-            continue;
-        detail::ExrSelection selection = detail::selectExrChannels(listChannels(file.header(part)), layer);
-        if (!selection.channels.empty())
-            return {part, std::move(selection)};
+    // First by the names of channels, then by those of parts, which some programs write a layer each into.
+    for (const bool byPart : {false, true}) {
+        for (int part = 0; part < file.parts(); ++part) {
+            const Imf::Header& header = file.header(part);
+            // A file may hold a deep part beside a flat one, and the flat one can be read.
+            if (isDeep(header) || (byPart && (layer.empty() || !header.hasName() || header.name() != layer)))
+                continue;
+            detail::ExrSelection selection =
+                detail::selectExrChannels(listChannels(header), byPart ? ovMemory::StringView() : layer);
+            if (!selection.channels.empty())
+                return {part, std::move(selection)};
+        }
     }
     return {};
 }
 
-ovMemory::String describeUndecided(const Imf::MultiPartInputFile& file, ovMemory::StringView layer) {
-    ovMemory::Buffer<ovMemory::String> names;
-    bool isAllDeep = true;
-    for (int part = 0; part < file.parts(); ++part) {
-        isAllDeep = isAllDeep && isDeep(file.header(part));
-        for (const ovMemory::String& name : listChannels(file.header(part)))
-            names.push_back(name);
-    }
-    if (isAllDeep)
-        return "the file holds deep data, which cannot be read";
+ovMemory::String joinNames(ovMemory::Buffer<ovMemory::String> names) {
     const std::size_t count = names.size();
     if (count > MAX_NAMES_LISTED)
         names.resize(MAX_NAMES_LISTED);
-    const ovMemory::String list = fmt::format(
-        "{}{}", fmt::join(names, ", "),
-        count > names.size() ? fmt::format(" and {} more", count - names.size()) : ovMemory::String());
-    if (!layer.empty())
-        return fmt::format("no colours or single channel in the layer \"{}\"; the file's channels: {}", layer,
-                           list);
-    return fmt::format("cannot tell which channels are the picture, name a layer; the file's channels: {}",
-                       list);
+    ovMemory::String list = fmt::format("{}", fmt::join(names, ", "));
+    if (count > names.size())
+        list += fmt::format(" and {} more", count - names.size());
+    return list;
+}
+
+/// What a file offers to choose from.
+struct Offer {
+    ovMemory::Buffer<ovMemory::String> channels;
+    ovMemory::Buffer<ovMemory::String> layers;
+    bool isAllDeep = true;
+};
+
+Offer listOffer(const Imf::MultiPartInputFile& file) {
+    Offer offer;
+    for (int part = 0; part < file.parts(); ++part) {
+        const Imf::Header& header = file.header(part);
+        const auto channels = listChannels(header);
+        offer.channels.insert(offer.channels.end(), channels.begin(), channels.end());
+        if (isDeep(header))
+            continue;
+        offer.isAllDeep = false;
+        const auto layers = detail::listExrLayers(channels);
+        offer.layers.insert(offer.layers.end(), layers.begin(), layers.end());
+        if (file.parts() > 1 && header.hasName() && !detail::selectExrChannels(channels, {}).channels.empty())
+            offer.layers.push_back(header.name());
+    }
+    return offer;
+}
+
+ovMemory::String describeUndecided(const Imf::MultiPartInputFile& file, ovMemory::StringView layer) {
+    const Offer offer = listOffer(file);
+    if (offer.isAllDeep)
+        return "the file holds deep data, which cannot be read";
+    const ovMemory::String problem =
+        layer.empty() ? ovMemory::String("cannot tell which channels are the picture")
+                      : fmt::format("no colours or single channel in the layer \"{}\"", layer);
+    if (offer.layers.empty())
+        return fmt::format("{}; the file has no layers to choose from, and the channels {}", problem,
+                           joinNames(offer.channels));
+    return fmt::format("{}; name one of the file's layers: {}", problem, joinNames(offer.layers));
 }
 
 // The memory that reading takes, checked from the header alone. Empty, or what is wrong.

@@ -15,9 +15,10 @@ namespace ovImages {
 ///    R, G, B and A (or red, green, blue, alpha, in any case), or Y and A; Y with RY and BY becomes RGB, as
 ///    HALF;
 ///  - with no colours anywhere, the only channel (and A beside it) as grey, such as a depth.
-/// Of several parts the first one that this decides is read. Where it does not decide, the error lists the
-/// channels. Deep data and colours of differing resolution are refused. The colours are not converted from
-/// the primaries that a file may name.
+/// Of several parts the first one that this decides is read; a part's name is the name of a layer too. Where
+/// it does not decide, the error lists the layers, or the channels of a file without. Deep data and colours
+/// of differing resolution are refused. The colours are not converted from the primaries that a file may
+/// name.
 ///
 /// Encoding takes HALF and FLOAT, one scanline part with ZIP compression: Y, Y A, R G B or R G B A.
 /// Infinities and NaN are kept.

@@ -1,6 +1,7 @@
 #include <ovImages/JpgEncoder.h>
 
 #include <ovImages/Conversion.h>
+#include <ovImages/detail/JpegReader.h>
 #include <ovImages/detail/Orientation.h>
 #include <ovImages/detail/Results.h>
 
@@ -32,52 +33,6 @@ struct TjDeleter {
     void operator()(unsigned char* memory) const { tjFree(memory); }
 };
 
-// What the segments before the first scan say beyond what the library tells.
-struct Segments {
-    bool hasAdobe = false;
-    unsigned orientation = 1;
-};
-
-bool beginsWith(ovMemory::BufferView<const unsigned char> bytes, ovMemory::StringView text) {
-    return bytes.size() >= text.size() && std::equal(text.begin(), text.end(), bytes.begin());
-}
-
-// The library hands out neither the orientation nor the Adobe marker, so the segments are walked here.
-// Everything of interest stands before the first scan.
-Segments readSegments(ovMemory::BufferView<const unsigned char> bytes) {
-    constexpr ovMemory::StringView EXIF("Exif\0\0", 6);
-    Segments segments;
-    std::size_t offset = 2;
-    while (offset + 4 <= bytes.size() && bytes[offset] == 0xff) {
-        const unsigned marker = bytes[offset + 1];
-        // Fill bytes may stand before a marker.
-        if (marker == 0xff) {
-            ++offset;
-            continue;
-        }
-        const std::size_t length = std::size_t(bytes[offset + 2]) << 8 | bytes[offset + 3];
-        const bool isScan = marker == 0xda;
-        if (isScan || length < 2 || offset + 2 + length > bytes.size())
-            break;
-        const auto body = bytes.subspan(offset + 4, length - 2);
-        if (marker == 0xee && beginsWith(body, "Adobe"))
-            segments.hasAdobe = true;
-        if (marker == 0xe1 && beginsWith(body, EXIF))
-            segments.orientation = detail::readExifOrientation(body.subspan(EXIF.size()));
-        offset += 2 + length;
-    }
-    return segments;
-}
-
-struct Header {
-    int width = 0;
-    int height = 0;
-    int subsampling = 0;
-    int colorSpace = -1;
-    bool isCmyk() const { return colorSpace == TJCS_CMYK || colorSpace == TJCS_YCCK; }
-    bool isGrey() const { return colorSpace == TJCS_GRAY; }
-};
-
 unsigned char multiply(unsigned char a, unsigned char b) {
     return static_cast<unsigned char>((unsigned(a) * b + 127) / 255);
 }
@@ -93,73 +48,64 @@ void convertCmyk(ovMemory::BufferView<const unsigned char> cmyk, bool isInverted
             rgb[i + c] = multiply(ink[c] ^ flip, ink[3] ^ flip);
 }
 
-ovMemory::String checkHeader(const Header& header, std::size_t fileSize, const DecodeOptions& options) {
-    if (header.width < 0 || header.height < 0)
-        return "bad header: negative size";
-    const auto width = static_cast<std::uint64_t>(header.width);
-    const auto height = static_cast<std::uint64_t>(header.height);
-    const std::uint64_t pixelSize = header.isGrey() ? 1 : header.isCmyk() ? 4 : 3;
-    const ovMemory::String excess = detail::describeExcessiveSize(width, height, pixelSize, options);
+ovMemory::String checkHeader(const detail::JpegHeader& header, std::size_t fileSize,
+                             const DecodeOptions& options) {
+    const std::uint64_t pixels = std::uint64_t{header.width} * header.height;
+    const ovMemory::String excess = detail::describeExcessiveSize(
+        header.width, header.height, static_cast<unsigned>(header.color), options);
     if (!excess.empty())
         return excess;
-    if (options.refuseDamaged && width * height > MAX_PIXELS_PER_BYTE * fileSize)
-        return fmt::format("{} bytes cannot hold {} x {} pixels", fileSize, width, height);
+    if (options.refuseDamaged && pixels > MAX_PIXELS_PER_BYTE * fileSize)
+        return fmt::format("{} bytes cannot hold {} x {} pixels", fileSize, header.width, header.height);
     return {};
 }
 
-bool isOnlyWarning(tjhandle handle, const DecodeOptions& options) {
-    return !options.refuseDamaged && tjGetErrorCode(handle) == TJERR_WARNING;
-}
-
-DecodeResult decodePixels(tjhandle handle, ovMemory::BufferView<const unsigned char> bytes,
-                          const Header& header, bool isInverted, const DecodeOptions& options) {
-    DecodeResult result;
-    const auto width = static_cast<unsigned>(header.width);
-    const auto height = static_cast<unsigned>(header.height);
-    if (!detail::allocateImage(result, NAME, width, height, header.isGrey() ? 1 : 3, COMPONENT_TYPE::UINT8,
-                               COLOR_ENCODING::SRGB))
+// What the library complained of while it read the pixels: an error, or warnings as the options allow.
+DecodeResult judge(DecodeResult result, const detail::JpegComplaints& complaints,
+                   const DecodeOptions& options) {
+    if (!complaints.damage.empty())
+        detail::appendWarning(result.warning, fmt::format("JPEG: damaged data: {}", complaints.damage));
+    if (complaints.doubt.empty())
         return result;
-    ovMemory::Buffer<unsigned char> cmyk;
-    if (header.isCmyk())
-        cmyk.resize(std::size_t(width) * height * 4);
-    unsigned char* target = header.isCmyk() ? cmyk.data() : result.image->getBytes().data();
-    const int format = header.isGrey() ? TJPF_GRAY : header.isCmyk() ? TJPF_CMYK : TJPF_RGB;
-    // The exact transform, so that the same file gives the same pixels on every processor. Scans are limited,
-    // because a progressive file of a few kilobytes can otherwise keep the library busy for minutes.
-    const int flags = TJFLAG_ACCURATEDCT | TJFLAG_LIMITSCANS |
-                      (options.smoothChroma ? 0 : TJFLAG_FASTUPSAMPLE) |
-                      (options.refuseDamaged ? TJFLAG_STOPONWARNING : 0);
-    if (tjDecompress2(handle, bytes.data(), bytes.size(), target, header.width, 0, header.height, format,
-                      flags) != 0) {
-        const ovMemory::String text = fmt::format("damaged data: {}", tjGetErrorStr2(handle));
-        if (!isOnlyWarning(handle, options))
-            return detail::failFormat<DecodeResult>(NAME, text);
-        detail::appendWarning(result.warning, "JPEG: " + text);
-    }
-    if (header.isCmyk())
-        convertCmyk(cmyk, isInverted, result.image->getBytes());
+    if (options.strict)
+        return detail::failFormat<DecodeResult>(NAME, fmt::format("doubtful data: {}", complaints.doubt));
+    detail::appendWarning(result.warning,
+                          fmt::format("JPEG: doubtful data, read nevertheless: {}", complaints.doubt));
     return result;
 }
 
+DecodeResult decodePixels(detail::JpegReader& reader, const detail::JpegHeader& header,
+                          const DecodeOptions& options) {
+    DecodeResult result;
+    const bool isCmyk = header.color == detail::JPEG_COLOR::CMYK;
+    if (!detail::allocateImage(result, NAME, header.width, header.height,
+                               isCmyk ? 3 : static_cast<unsigned>(header.color), COMPONENT_TYPE::UINT8,
+                               COLOR_ENCODING::SRGB))
+        return result;
+    ovMemory::Buffer<unsigned char> cmyk;
+    if (isCmyk)
+        cmyk.resize(std::size_t(header.width) * header.height * 4);
+    if (!reader.readPixels(isCmyk ? cmyk.data() : result.image->getBytes().data(),
+                           {options.smoothChroma, options.refuseDamaged}))
+        return detail::failFormat<DecodeResult>(
+            NAME, fmt::format("damaged data: {}", reader.getComplaints().error));
+    if (isCmyk)
+        convertCmyk(cmyk, header.hasAdobe, result.image->getBytes());
+    return judge(std::move(result), reader.getComplaints(), options);
+}
+
 DecodeResult decodeJpg(ovMemory::BufferView<const unsigned char> bytes, const DecodeOptions& options) {
-    const Handle handle(tjInitDecompress());
-    if (!handle)
-        return detail::failFormat<DecodeResult>(NAME, tjGetErrorStr2(nullptr));
-    Header header;
-    const int status = tjDecompressHeader3(handle.get(), bytes.data(), bytes.size(), &header.width,
-                                           &header.height, &header.subsampling, &header.colorSpace);
-    // Sampling factors without a name in the library's list fail here, but decode.
-    const bool isOnlyUnnamed = header.subsampling < 0 && header.colorSpace >= 0;
-    if (status != 0 && !isOnlyUnnamed && !isOnlyWarning(handle.get(), options))
+    detail::JpegReader reader(bytes);
+    detail::JpegHeader header;
+    if (!reader.readHeader(header))
         return detail::failFormat<DecodeResult>(NAME,
-                                                fmt::format("bad header: {}", tjGetErrorStr2(handle.get())));
+                                                fmt::format("bad header: {}", reader.getComplaints().error));
     const ovMemory::String fault = checkHeader(header, bytes.size(), options);
     if (!fault.empty())
         return detail::failFormat<DecodeResult>(NAME, fault);
-    const Segments segments = readSegments(bytes);
-    DecodeResult result = decodePixels(handle.get(), bytes, header, segments.hasAdobe, options);
+    DecodeResult result = decodePixels(reader, header, options);
     if (result && options.applyOrientation)
-        *result.image = detail::applyOrientation(std::move(*result.image), segments.orientation);
+        *result.image = detail::applyOrientation(std::move(*result.image), header.orientation);
     return result;
 }
 
@@ -227,7 +173,8 @@ ovMemory::BufferView<const ovMemory::StringView> JpgEncoder::getExtensions() con
 }
 
 bool JpgEncoder::canDecode(ovMemory::BufferView<const unsigned char> bytes) const {
-    return bytes.size() >= 3 && bytes[0] == 0xff && bytes[1] == 0xd8 && bytes[2] == 0xff;
+    // Behind the first marker stands another one, but for stray bytes.
+    return bytes.size() >= 3 && bytes[0] == 0xff && bytes[1] == 0xd8;
 }
 
 DecodeResult JpgEncoder::decode(ovMemory::BufferView<const unsigned char> bytes,

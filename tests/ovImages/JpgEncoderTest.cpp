@@ -159,6 +159,68 @@ TEST(JpgEncoderTest, damageIsRefusedOrReadAsFarAsItGoes) {
     EXPECT_EQ(pictures::getLargestDifference(top, whole.image->getBytes().first(top.size())), 0);
 }
 
+/// A grey file with bytes between two of its segments.
+Bytes withStrayBytes(const Bytes& file, unsigned char marker, const Bytes& stray) {
+    for (std::size_t i = 2; i + 1 < file.size(); ++i) {
+        if (file[i] != 0xff || file[i + 1] != marker)
+            continue;
+        Bytes changed(file.begin(), file.begin() + static_cast<std::ptrdiff_t>(i));
+        changed.insert(changed.end(), stray.begin(), stray.end());
+        changed.insert(changed.end(), file.begin() + static_cast<std::ptrdiff_t>(i), file.end());
+        return changed;
+    }
+    return {};
+}
+
+TEST(JpgEncoderTest, whatCostsNoPixelIsReadWithAWarning) {
+    const Bytes sound = handMade::makeJpeg(2, 1, 1, {77, 200});
+    const Bytes jfif = {'J', 'F', 'I', 'F', 0, 9, 9, 0, 0, 1, 0, 1, 0, 0};
+    struct Case {
+        Bytes file;
+        ovMemory::String complaint;
+    };
+    const Case cases[] = {
+        {withStrayBytes(sound, 0xdb, {0}), "Corrupt JPEG data: 1 extraneous bytes before marker 0xdb"},
+        {withStrayBytes(sound, 0xc0, {1, 2, 3}), "Corrupt JPEG data: 3 extraneous bytes before marker 0xc0"},
+        {withStrayBytes(sound, 0xda, Bytes(4000, 7)),
+         "Corrupt JPEG data: 4000 extraneous bytes before marker 0xda"},
+        {withStrayBytes(sound, 0xdb, {0, 0xd8}), "Corrupt JPEG data: 2 extraneous bytes before marker 0xdb"},
+        {handMade::makeJpeg(2, 1, 1, {77, 200}, {{0xe0, jfif}}),
+         "Warning: unknown JFIF revision number 9.09"},
+        {handMade::makeJpeg(2, 1, 3, {77, 128, 128, 200, 128, 128}, {handMade::makeAdobeSegment(7)}),
+         "Unknown Adobe color transform code 7"}};
+    for (const Case& current : cases) {
+        ASSERT_TRUE(ENCODER.canDecode(current.file));
+        const DecodeResult result = ENCODER.decode(current.file);
+        ASSERT_TRUE(result) << result.error;
+        EXPECT_EQ(result.warning, "JPEG: doubtful data, read nevertheless: " + current.complaint);
+        EXPECT_NEAR(result.image->getBytes().front(), 77, 1);
+        EXPECT_NEAR(result.image->getBytes().back(), 200, 1);
+        DecodeOptions strict;
+        strict.strict = true;
+        EXPECT_EQ(ENCODER.decode(current.file, strict).error, "JPEG: doubtful data: " + current.complaint);
+    }
+}
+
+TEST(JpgEncoderTest, damageBehindAStrayByteIsStillDamage) {
+    Bytes file = withStrayBytes(handMade::makeJpeg(9, 9, 1, Bytes(81, 90)), 0xc0, {1});
+    file.resize(file.size() - 12);
+    EXPECT_EQ(ENCODER.decode(file).error, "JPEG: damaged data: Premature end of JPEG file");
+}
+
+TEST(JpgEncoderTest, orientationIsFoundBehindStrayBytes) {
+    Bytes exif = handMade::fromText("Exif");
+    exif.insert(exif.end(), {0, 0});
+    const Bytes block = handMade::makeExif(6, true);
+    exif.insert(exif.end(), block.begin(), block.end());
+    const Bytes file =
+        withStrayBytes(handMade::makeJpeg(2, 1, 1, {77, 200}, {{0xe1, exif}}), 0xe1, {3, 1, 4});
+    const DecodeResult result = ENCODER.decode(file);
+    ASSERT_TRUE(result) << result.error;
+    EXPECT_EQ(result.image->getWidth(), 8u);
+    EXPECT_EQ(result.image->getHeight(), 16u);
+}
+
 TEST(JpgEncoderTest, hostileFiles) {
     const Image image = pictures::makeGradient(17, 9, 3);
     hostile::expectCutsRefused(ENCODER, ENCODER.encode(image.view()).bytes);

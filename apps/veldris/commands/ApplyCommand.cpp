@@ -24,6 +24,7 @@ struct ApplyOptions {
     String output;
     String effects;
     String inputContent;
+    ovImages::DecodeOptions reading;
     bool raw = false;
     DrawingOptions drawing;
 };
@@ -75,7 +76,7 @@ int runApply(Console& console, ApplyOptions options) {
     if (isStandardOutput(options.output))
         console.leaveOutputToData();
 
-    ovImages::DecodeResult input = ovImages::CompositeEncoder().decodeFile(options.input);
+    ovImages::DecodeResult input = ovImages::CompositeEncoder().decodeFile(options.input, options.reading);
     if (!input)
         return console.fail(input.error);
     console.warn(input.warning);
@@ -116,6 +117,7 @@ void addApplyCommand(CLI::App& program, Command& command) {
             "--input-content", options->inputContent,
             "what the input's numbers mean (default: EXR and HDR scene-linear, PNG and JPEG srgb-encoded)")
         ->check(CLI::IsMember({"scene-linear", "display-linear", "srgb-encoded"}));
+    addReadingOptions(*apply, options->reading);
     apply->add_flag("--raw", options->raw,
                     "numbers in, numbers out: no colour conversions and no checks of them");
     addDrawingOptions(*apply, options->drawing);

@@ -40,6 +40,13 @@ void addDrawingOptions(CLI::App& command, DrawingOptions& options) {
     command.add_flag("--json", options.json, "print the result for machines");
 }
 
+void addReadingOptions(CLI::App& command, ovImages::DecodeOptions& options) {
+    command.add_option("--layer", options.layer,
+                       "layer of an EXR file to read (default: the one without a name, or the only one)");
+    command.add_flag("--strict", options.strict,
+                     "refuse pictures with stray bytes or broken metadata instead of warning");
+}
+
 namespace {
 
 void addCommands(CLI::App& program, Command& command) {

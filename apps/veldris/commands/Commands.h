@@ -2,6 +2,7 @@
 #pragma once
 
 #include <functional>
+#include <ovImages/Encoder.h>
 #include <ovMemory/Memory.h>
 #include <veldris/Session.h>
 
@@ -29,6 +30,9 @@ void addShadersCommand(CLI::App& program, Command& command);
 
 /// Adds --language, --device, --cache, --no-cache, --timings and --json to a subcommand.
 void addDrawingOptions(CLI::App& command, DrawingOptions& options);
+
+/// Adds --layer and --strict, of commands that read pictures.
+void addReadingOptions(CLI::App& command, ovImages::DecodeOptions& options);
 
 /// Runs the program. @return its exit status: 0 done, 1 failed, 2 wrong usage
 int runProgram(int argumentCount, const char* const* arguments);

@@ -240,13 +240,20 @@ bool Texture::_checkSettings(const device::Device& device, ovMemory::String& err
     const ovMemory::String format(TextureUtils::getFormatName(_format));
     const bool hasSrgb =
         TextureUtils::isFormatSrgb(_format) || TextureUtils::getFormatSrgbEquivalent(_format) != _format;
-    if (_gammaCorrected && !hasSrgb)
+    const unsigned int limit =
+        _type == TEXTURE_TYPE::CUBE ? device.getInfo().maxCubeSize : device.getInfo().maxTextureSize;
+    const ovMemory::String size = std::to_string(_width) + " x " + std::to_string(_height) + " texels";
+    if (_width == 0 || _height == 0)
+        error = "it has " + size + "; each side needs 1 or more. A picture that it was set from was none.";
+    else if (_width > limit || _height > limit)
+        error = size + " are beyond the device's limit of " + std::to_string(limit) +
+                " a side; make the picture smaller.";
+    else if (_gammaCorrected && !hasSrgb)
         error = "the format " + format + " has no sRGB sibling; switch gamma correction off.";
     else if (_usableAsRenderTarget && !device.supportsRenderTarget(_format))
         error = "the device cannot draw to the format " + format + "; choose another.";
     else if (_type == TEXTURE_TYPE::CUBE && _width != _height)
-        error = "cube faces are square, and " + std::to_string(_width) + " x " + std::to_string(_height) +
-                " texels were asked for.";
+        error = "cube faces are square, and " + size + " were asked for.";
     return error.empty();
 }
 

@@ -169,4 +169,13 @@ ExrSelection selectExrChannels(ovMemory::BufferView<const String> names, StringV
     return count <= 1 ? selection : ExrSelection();
 }
 
+ovMemory::Buffer<String> listExrLayers(ovMemory::BufferView<const String> names) {
+    const Layers layers = groupByLayer(names);
+    ovMemory::Buffer<String> found;
+    for (const auto& [name, layer] : layers)
+        if (!name.empty() && !selectNamed(layers, name).channels.empty())
+            found.push_back(name);
+    return found;
+}
+
 } // namespace ovImages::detail

@@ -17,4 +17,7 @@ struct ExrSelection {
 ExrSelection selectExrChannels(ovMemory::BufferView<const ovMemory::String> names,
                                ovMemory::StringView layer);
 
+/// The layers with a name in which selectExrChannels() finds a picture when they are asked for.
+ovMemory::Buffer<ovMemory::String> listExrLayers(ovMemory::BufferView<const ovMemory::String> names);
+
 } // namespace ovImages::detail

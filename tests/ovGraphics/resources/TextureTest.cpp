@@ -91,7 +91,15 @@ TEST_P(TextureTest, refusesSettingsThatMakeNoTexture) {
              texture.setTexType(TEXTURE_TYPE::CUBE);
          },
          "data was given for mip 0 of slice 6, and it has 6 slices of 3 mips.", true},
-        {[](Texture& texture) { texture.setWidth(0); }, "0", false},
+        {[](Texture& texture) { texture.setWidth(0); },
+         "it has 0 x 4 texels; each side needs 1 or more. A picture that it was set from was none.", true},
+        {[&](Texture& texture) {
+             texture.setHeight(tooLarge);
+             texture.setCpuData(0, 0, small);
+         },
+         "4 x " + std::to_string(tooLarge) + " texels are beyond the device's limit of " +
+             std::to_string(tooLarge - 1) + " a side; make the picture smaller.",
+         true},
         {[](Texture& texture) { texture.setSliceCount(0); }, "0", false},
         {[&](Texture& texture) { texture.setWidth(tooLarge); }, std::to_string(tooLarge), false},
         {[](Texture& texture) { texture.setHeight(0xffffffff); }, "4294967295", false},

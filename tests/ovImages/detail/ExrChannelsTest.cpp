@@ -9,8 +9,8 @@ namespace {
 using namespace ovImages;
 
 TEST(ExrChannelsTest, chosenOrListed) {
-    const ovMemory::String undecided =
-        "EXR: cannot tell which channels are the picture, name a layer; the file's channels: ";
+    const ovMemory::String undecided = "EXR: cannot tell which channels are the picture; ";
+    const ovMemory::String noLayers = "the file has no layers to choose from, and the channels ";
     struct Case {
         ovMemory::Buffer<ovMemory::String>
             names; // the first has the value 0 at the origin, the next 256, ...
@@ -38,18 +38,26 @@ TEST(ExrChannelsTest, chosenOrListed) {
         {{"R", "G", "B", "left.R", "left.G", "left.B"}, "", {0, 1, 2}, ""},
         {{"R", "G", "B", "left.R", "left.G", "left.B"}, "left", {3, 4, 5}, ""},
         {{"R", "G", "B", "depth.Z"}, "depth", {3}, ""},
-        {{"R", "G"}, "", {}, undecided + "G, R"},
-        {{"X", "Y1", "Z"}, "", {}, undecided + "X, Y1, Z"},
-        {{"a.R", "a.G", "a.B", "b.R", "b.G", "b.B"}, "", {}, undecided + "a.B, a.G, a.R, b.B, b.G, b.R"},
+        {{"R", "G"}, "", {}, undecided + noLayers + "G, R"},
+        {{"X", "Y1", "Z"}, "", {}, undecided + noLayers + "X, Y1, Z"},
+        {{"a.R", "a.G", "a.B", "b.R", "b.G", "b.B"},
+         "",
+         {},
+         undecided + "name one of the file's layers: a, b"},
+        {{"a.R", "a.G", "a.B", "b.R", "b.G", "b.B"}, "b", {3, 4, 5}, ""},
+        {{"a.R", "a.G", "a.B", "b.R", "b.G", "b.B", "c.U", "c.V", "d.Z"},
+         "e",
+         {},
+         "EXR: no colours or single channel in the layer \"e\"; name one of the file's layers: a, b, d"},
         {{"R", "G", "B"},
          "left",
          {},
-         "EXR: no colours or single channel in the layer \"left\"; the file's channels: B, G, R"},
+         "EXR: no colours or single channel in the layer \"left\"; " + noLayers + "B, G, R"},
         {{"R", "G", "B", "n.X", "n.Y", "n.Z", "n.W"}, "n", {4}, ""},
         {{"R", "G", "B", "n.U", "n.V"},
          "n",
          {},
-         "EXR: no colours or single channel in the layer \"n\"; the file's channels: B, G, R, n.U, n.V"}};
+         "EXR: no colours or single channel in the layer \"n\"; " + noLayers + "B, G, R, n.U, n.V"}};
     for (const Case& c : cases) {
         ovMemory::Buffer<exrFiles::Channel> channels;
         for (const ovMemory::String& name : c.names)
@@ -67,6 +75,20 @@ TEST(ExrChannelsTest, chosenOrListed) {
             EXPECT_EQ(result.image->getComponent(1, 1, i), exrFiles::getValue(c.expected[i], 1, 1))
                 << c.names[0];
     }
+}
+
+TEST(ExrChannelsTest, partsAreLayers) {
+    const auto file = exrFiles::writeTwoParts({{"X"}, {"Z"}}, {{"G"}, {"R"}, {"B"}});
+    DecodeOptions options;
+    options.layer = "second";
+    const DecodeResult second = ExrEncoder().decode(file, options);
+    ASSERT_TRUE(second) << second.error;
+    ASSERT_EQ(second.image->getChannels(), 3u);
+    EXPECT_EQ(second.image->getComponent(2, 1, 0), exrFiles::getValue(1, 2, 1)) << "red";
+    options.layer = "first";
+    EXPECT_EQ(
+        ExrEncoder().decode(file, options).error,
+        "EXR: no colours or single channel in the layer \"first\"; name one of the file's layers: second");
 }
 
 TEST(ExrChannelsTest, longListsAreCut) {

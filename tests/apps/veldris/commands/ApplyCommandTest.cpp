@@ -59,6 +59,33 @@ TEST_F(ApplyCommandTest, mapsSceneLightToADisplayPictureInBothLanguages) {
     }
 }
 
+TEST_F(ApplyCommandTest, doubtfulPicturesAreReadUnlessItIsStrict) {
+    const ovMemory::String input = write("photo.jpg", 0.5f);
+    std::string bytes;
+    {
+        std::ifstream file(input, std::ios::binary);
+        bytes.assign(std::istreambuf_iterator<char>(file), {});
+    }
+    bytes.insert(2, "stray");
+    std::ofstream(input, std::ios::binary) << bytes;
+    const ovMemory::String output = _folder.getPath("o.png");
+    const Outcome read = apply(input, "texture-copy", output);
+    EXPECT_EQ(read.status, 0) << read.error;
+    EXPECT_NE(read.error.find("5 extraneous bytes"), ovMemory::String::npos) << read.error;
+    const Outcome strict = apply(input, "texture-copy", output, {"--strict"});
+    EXPECT_EQ(strict.status, 1);
+    EXPECT_NE(strict.error.find("doubtful data"), ovMemory::String::npos) << strict.error;
+}
+
+TEST_F(ApplyCommandTest, readsTheLayerThatIsNamed) {
+    const Outcome outcome =
+        apply(write("light.exr", 1.0f), "texture-copy", _folder.getPath("o.exr"), {"--layer", "diffuse"});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_NE(outcome.error.find("no colours or single channel in the layer \"diffuse\""),
+              ovMemory::String::npos)
+        << outcome.error;
+}
+
 TEST_F(ApplyCommandTest, rawKeepsNumbers) {
     const ovMemory::String input = write("light.exr", 123.25f);
     const ovMemory::String output = _folder.getPath("copy.exr");
