@@ -115,7 +115,7 @@ bool readScene(const RenderOptions& options, SceneSettings& scene, String& error
         error = "--light has no direction; give another vector than zero.";
         return false;
     }
-    scene.lightDirection = direction;
+    scene.lightDirection = fromFileSpace(direction);
     return true;
 }
 
@@ -316,9 +316,11 @@ void addRenderCommand(CLI::App& program, Command& command) {
     render->add_option("--samples", options->samples, "samples of a pixel: 1, 4, 9, 16, ...")
         ->check(CLI::Range(1, 1024))
         ->capture_default_str();
-    render->add_option("--camera", options->camera,
-                       "AZIMUTH,ELEVATION[,ZOOM] around the model in degrees (default: 30,15), "
-                       "X,Y,Z,TARGET-X,TARGET-Y,TARGET-Z in metres, or file for the model's own");
+    render->add_option(
+        "--camera", options->camera,
+        "AZIMUTH,ELEVATION[,ZOOM] around the model in degrees (default: 30,15), "
+        "X,Y,Z,TARGET-X,TARGET-Y,TARGET-Z in the metres and axes of the model's file (+y up, its front "
+        "towards +z), or file for the model's own");
     render->add_option("--materials", options->materials,
                        "materials to use instead, as veldris materials writes them");
     render
@@ -330,9 +332,10 @@ void addRenderCommand(CLI::App& program, Command& command) {
         ->add_option("--environment-rotation", options->environmentRotation,
                      "degrees by which the environment is turned to the right")
         ->capture_default_str();
-    render->add_option("--light", options->light,
-                       "X,Y,Z where the light shines to (default: the model's light, or from "
-                       "above and beside the camera)");
+    render->add_option(
+        "--light", options->light,
+        "X,Y,Z where the light shines to, in the axes of the model's file (default: the model's "
+        "light, or from above and beside the camera)");
     render->add_option("--light-color", options->lightColor,
                        "R,G,B, linear (default: the model's hue, or white)");
     render->add_flag("--shadows", options->shadows, "let the light cast shadows");
@@ -340,7 +343,7 @@ void addRenderCommand(CLI::App& program, Command& command) {
     render->add_option("--effects", options->effects, "effects over the picture, as of veldris apply")
         ->capture_default_str();
     addDrawingOptions(*render, options->drawing);
-    render->footer("Example: veldris render helmet.glb --light 0.3,-1,0.5 --shadows -o helmet.png");
+    render->footer("Example: veldris render helmet.glb --light 0.3,-1,-0.5 --shadows -o helmet.png");
     render->callback([options, &command] {
         command = [options](Console& console) { return runRender(console, *options); };
     });

@@ -108,6 +108,10 @@ std::optional<ovMemory::Buffer<float>> parseNumbers(StringView text) {
     return numbers;
 }
 
+Vector fromFileSpace(const Vector& vector) {
+    return {vector.x, vector.y, -vector.z};
+}
+
 std::optional<CameraChoice> parseCamera(StringView text, String& error) {
     CameraChoice choice;
     if (text == "file") {
@@ -122,8 +126,8 @@ std::optional<CameraChoice> parseCamera(StringView text, String& error) {
         choice.zoom = count == 3 ? (*numbers)[2] : 1.0f;
     } else if (count == 6) {
         choice.kind = CameraChoice::KIND::PLACE;
-        choice.position = {(*numbers)[0], (*numbers)[1], (*numbers)[2]};
-        choice.target = {(*numbers)[3], (*numbers)[4], (*numbers)[5]};
+        choice.position = fromFileSpace({(*numbers)[0], (*numbers)[1], (*numbers)[2]});
+        choice.target = fromFileSpace({(*numbers)[3], (*numbers)[4], (*numbers)[5]});
     }
     const bool looksSomewhere = count != 6 || choice.position != choice.target;
     if ((count == 2 || count == 3 || count == 6) && choice.zoom > 0.0f && looksSomewhere)

@@ -22,14 +22,19 @@ struct CameraChoice {
         FILE   ///< the model's own camera
     };
     KIND kind = KIND::ORBIT;
-    float azimuth = 30.0f;   ///< degrees; 0 looks at the model's front, growing to its left
-    float elevation = 15.0f; ///< degrees above the horizon
-    float zoom = 1.0f;       ///< 2 makes the model twice as large
-    ovMaths::Vector position;
+    float azimuth = 30.0f;    ///< degrees; 0 looks at the model's front, growing to its left
+    float elevation = 15.0f;  ///< degrees above the horizon
+    float zoom = 1.0f;        ///< 2 makes the model twice as large
+    ovMaths::Vector position; ///< in the library's space
     ovMaths::Vector target;
 };
 
-/// Reads `AZIMUTH,ELEVATION[,ZOOM]`, `X,Y,Z,TARGET-X,TARGET-Y,TARGET-Z` or `file`.
+/// A point or a direction of a model's file in the library's space. Files are right-handed, +y up, fronts
+/// towards +z (glTF 2.0, 3.4); the library is left-handed, its z runs the other way.
+ovMaths::Vector fromFileSpace(const ovMaths::Vector& vector);
+
+/// Reads `AZIMUTH,ELEVATION[,ZOOM]`, `X,Y,Z,TARGET-X,TARGET-Y,TARGET-Z` in the coordinates of the model's
+/// file, or `file`.
 /// @return nothing and one line in error when the text is none of these
 std::optional<CameraChoice> parseCamera(ovMemory::StringView text, ovMemory::String& error);
 

@@ -53,7 +53,7 @@ TEST_F(RenderCommandTest, drawsTheModelUprightInBothLanguages) {
     const String model = writeQuad(_folder);
     for (const char* language : {"glsl", "hlsl"}) {
         const String output = _folder.getPath(String(language) + ".png");
-        const Outcome outcome = render(model, output, {"--language", language, "--light", "0,0,1"});
+        const Outcome outcome = render(model, output, {"--language", language, "--light", "0,0,-1"});
         ASSERT_EQ(outcome.status, 0) << outcome.error;
         EXPECT_EQ(outcome.output, output + "\n");
         EXPECT_EQ(outcome.error, "");
@@ -75,14 +75,32 @@ TEST_F(RenderCommandTest, lightComesFromWhereItIsToldTo) {
     const String model = writeQuad(_folder);
     const String front = _folder.getPath("front.png");
     const String back = _folder.getPath("back.png");
-    ASSERT_EQ(render(model, front, {"--light", "0,0,1"}).status, 0); // the camera looks along +z
-    ASSERT_EQ(render(model, back, {"--light", "0,0,-1"}).status, 0);
+    ASSERT_EQ(render(model, front, {"--light", "0,0,-1"}).status, 0); // away from the viewer
+    ASSERT_EQ(render(model, back, {"--light", "0,0,1"}).status, 0);
     EXPECT_GT(quarter(front, 3)[0], quarter(back, 3)[0] + 50);
+}
+
+TEST_F(RenderCommandTest, placesAreThoseOfTheFile) {
+    const String model = writeQuad(_folder); // its front looks along +z, as glTF has it
+    const String output = _folder.getPath("o.png");
+    const auto renderFrom = [&](const char* camera) {
+        return runVeldris({"render", model, "-o", output, "--size", "40x40", "--device", "software",
+                           "--no-cache", "--environment", "none", "--samples", "1", "--background", "0,0,0",
+                           "--light", "0,0,-1", "--camera", camera});
+    };
+    ASSERT_EQ(renderFrom("0,0,4,0,0,0").status, 0);
+    EXPECT_GT(quarter(output, 3)[0], 150) << "the front, lit from the front";
+    ASSERT_EQ(renderFrom("0,0,-4,0,0,0").status, 0);
+    EXPECT_EQ(quarter(output, 3), (std::array<int, 3>{0, 0, 0})) << "the back, which has one side only";
+    // Red is top left: seen from the left of the file, what lies at -x is near and to the left.
+    ASSERT_EQ(renderFrom("-1,0,4,-1,0,0").status, 0);
+    EXPECT_GT(quarter(output, 1)[0], 150);
+    EXPECT_LT(quarter(output, 1)[1], 100);
 }
 
 TEST_F(RenderCommandTest, theBackOfASingleSidedSurfaceIsNotSeen) {
     const ovMemory::Buffer<String> behind = {"--camera", "180,0",   "--background",
-                                             "0,0,0",    "--light", "0,0,-1"};
+                                             "0,0,0",    "--light", "0,0,1"};
     const auto withoutCamera = [&](const String& model, const String& output) {
         ovMemory::Buffer<String> arguments = {"render",    model,      "-o",        output,          "--size",
                                               "40x40",     "--device", "software",  "--environment", "none",
@@ -118,7 +136,7 @@ TEST_F(RenderCommandTest, anEditedMaterialIsDrawnAsEdited) {
     const String output = _folder.getPath("o.png");
     std::ofstream(materials)
         << R"json([{"name": "paint", "type": "PBS", "emissiveColor": "Vec(0, 9, 0, 0)"}])json";
-    const Outcome outcome = render(model, output, {"--materials", materials, "--light", "0,0,1"});
+    const Outcome outcome = render(model, output, {"--materials", materials, "--light", "0,0,-1"});
     ASSERT_EQ(outcome.status, 0) << outcome.error;
     EXPECT_GT(quarter(output, 0)[1], quarter(output, 0)[0]) << "it glows green";
     EXPECT_GT(quarter(output, 0)[0], 100) << "over its red, which the file leaves as the model has it";
@@ -126,7 +144,7 @@ TEST_F(RenderCommandTest, anEditedMaterialIsDrawnAsEdited) {
     std::ofstream(materials) << R"json([
         {"name": "paint", "type": "PBS", "albedoTexture": {"name": "nowhere.png", "packing": "rgb"}},
         {"name": "other", "type": "PBS"}, {"name": "pain", "type": "PBS"}])json";
-    const Outcome odd = render(model, output, {"--materials", materials, "--light", "0,0,1"});
+    const Outcome odd = render(model, output, {"--materials", materials, "--light", "0,0,-1"});
     ASSERT_EQ(odd.status, 0) << odd.error;
     EXPECT_NE(odd.error.find("'nowhere.png'"), String::npos) << odd.error;
     EXPECT_NE(odd.error.find("the material 'other' of '" + materials + "' is none of the model's.\n"),
@@ -142,7 +160,7 @@ TEST_F(RenderCommandTest, aMissingPictureIsDrawnAsAStandInWithOneWarning) {
     const String model = writeQuad(_folder);
     std::filesystem::remove(_folder.getPath("quad.png"));
     const String output = _folder.getPath("o.png");
-    const Outcome outcome = render(model, output, {"--light", "0,0,1"});
+    const Outcome outcome = render(model, output, {"--light", "0,0,-1"});
     ASSERT_EQ(outcome.status, 0) << outcome.error;
     EXPECT_NE(outcome.error.find("quad.png"), String::npos) << outcome.error;
     EXPECT_EQ(std::count(outcome.error.begin(), outcome.error.end(), '\n'), 1) << outcome.error;

@@ -30,8 +30,8 @@ TEST(SceneCameraTest, readsPointsOfView) {
     const auto place = veldris::parseCamera("1,2,3,4,5,6", error);
     ASSERT_TRUE(place);
     EXPECT_EQ(place->kind, CameraChoice::KIND::PLACE);
-    EXPECT_EQ(place->position, Vector(1.0f, 2.0f, 3.0f));
-    EXPECT_EQ(place->target, Vector(4.0f, 5.0f, 6.0f));
+    EXPECT_EQ(place->position, Vector(1.0f, 2.0f, -3.0f)) << "files have z the other way";
+    EXPECT_EQ(place->target, Vector(4.0f, 5.0f, -6.0f));
     EXPECT_EQ(veldris::parseCamera("file", error)->kind, CameraChoice::KIND::FILE);
 }
 
