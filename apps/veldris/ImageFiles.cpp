@@ -66,6 +66,22 @@ bool contentOfFormat(const String& path, std::optional<PICTURE_CONTENT>& content
     return true;
 }
 
+void layBehind(ovImages::Image& picture, const ovMaths::Vector& color, PICTURE_CONTENT content) {
+    const bool isEncoded = content == PICTURE_CONTENT::SRGB_ENCODED;
+    const float background[] = {color.x, color.y, color.z};
+    auto* pixel = reinterpret_cast<float*>(picture.getBytes().data());
+    const float* end = pixel + picture.getBytes().size() / sizeof(float);
+    for (; pixel != end; pixel += 4) {
+        const float alpha = pixel[3];
+        for (unsigned int i = 0; i < 3 && alpha < 1.0f; ++i) {
+            const float light = isEncoded ? ovImages::srgbToLinear(pixel[i]) : pixel[i];
+            const float mixed = alpha * light + (1.0f - alpha) * background[i];
+            pixel[i] = isEncoded ? ovImages::linearToSrgb(mixed) : mixed;
+        }
+        pixel[3] = 1.0f;
+    }
+}
+
 bool writePicture(const String& path, const ImageView& picture, bool raw, String& warning, String& error) {
     const ovImages::CompositeEncoder encoders;
     const ovImages::Encoder* format = findFormat(encoders, path, error);

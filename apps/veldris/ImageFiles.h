@@ -2,6 +2,7 @@
 #pragma once
 
 #include <ovImages/Encoder.h>
+#include <ovMaths/Vector.h>
 #include <veldris/effects/ContentConversions.h>
 
 namespace veldris {
@@ -20,6 +21,11 @@ bool contentOfFormat(const ovMemory::String& path, std::optional<PICTURE_CONTENT
 /// could not hold.
 ovMemory::Result encodePicture(const ovImages::Encoder& format, ovMemory::StringView output,
                                const ovImages::ImageView& picture);
+
+/// Lays a colour behind a picture of four floats a pixel, whose colours stand beside their alpha. Where the picture
+/// does not cover, it has exactly that colour afterwards. @param color linear, of scene or display
+/// @param content what the picture's numbers mean; encoded ones are blended as light
+void layBehind(ovImages::Image& picture, const ovMaths::Vector& color, PICTURE_CONTENT content);
 
 /// Writes a picture of floats in the format of the path's extension: 8 bits a component for PNG and JPEG,
 /// floats for EXR. Alpha is dropped where it is 1 everywhere. @param path or an output (OutputFile.h) @param

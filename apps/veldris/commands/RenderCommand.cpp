@@ -36,6 +36,7 @@ using ovMemory::StringView;
 
 constexpr const char* BUILT_IN_SKY = "sky";
 constexpr unsigned int SKY_WIDTH = 512;
+constexpr const char* TRANSPARENT = "transparent";
 constexpr const char* DEFAULT_EFFECTS = "tone-mapping:operator=reinhard,max-white=6,6,6";
 
 struct RenderOptions {
@@ -49,9 +50,10 @@ struct RenderOptions {
     String environment = BUILT_IN_SKY;
     float environmentRotation = 0.0f; ///< degrees
     String size = "1280x720";
-    String effects = DEFAULT_EFFECTS;
+    String effects; ///< empty: DEFAULT_EFFECTS, or none for scene light
     unsigned int samples = 4;
     bool shadows = false;
+    int ground = 0; ///< above 0: yes; below: no; 0: where the built-in sky is to be seen
     DrawingOptions drawing;
 };
 
@@ -60,6 +62,7 @@ struct RenderPlan {
     SceneSettings scene;
     CameraChoice camera;
     ChainPlan chain;
+    std::optional<Vector> background; ///< to be laid behind the picture
 };
 
 bool readVector(ovMemory::StringView option, const String& text, Vector& vector, String& error) {
@@ -89,10 +92,12 @@ bool readScene(const RenderOptions& options, SceneSettings& scene, String& error
     if (!readSize(options.size, scene, error))
         return false;
     scene.shadows = options.shadows;
+    const bool hasBuiltInSky = options.environment == BUILT_IN_SKY;
+    scene.ground = options.ground > 0 || (options.ground == 0 && hasBuiltInSky && options.background.empty());
     // A photographed environment has its own sun, unless a light is asked for; the built-in sky is made for
     // one.
     scene.lightBesideEnvironment =
-        options.shadows || !options.light.empty() || options.environment == BUILT_IN_SKY;
+        options.shadows || options.ground > 0 || !options.light.empty() || hasBuiltInSky;
     scene.samples = options.samples;
     const double side = std::sqrt(options.samples);
     if (side != std::floor(side)) {
@@ -102,9 +107,6 @@ bool readScene(const RenderOptions& options, SceneSettings& scene, String& error
     }
     if (!options.lightColor.empty() &&
         !readVector("--light-color", options.lightColor, scene.lightColor.emplace(), error))
-        return false;
-    if (!options.background.empty() &&
-        !readVector("--background", options.background, scene.background, error))
         return false;
     if (options.light.empty())
         return true;
@@ -119,18 +121,34 @@ bool readScene(const RenderOptions& options, SceneSettings& scene, String& error
     return true;
 }
 
-bool makePlan(const RenderOptions& options, RenderPlan& plan, String& error) {
-    ovMemory::Buffer<PlannedEffect> effects;
+/// A background is no part of the scene: no effect may change it.
+bool readBackground(const RenderOptions& options, RenderPlan& plan, String& error) {
+    plan.scene.transparent = !options.background.empty();
+    return options.background.empty() || options.background == TRANSPARENT ||
+           readVector("--background", options.background, plan.background.emplace(), error);
+}
+
+/// The effects, and the conversions between them and the file. Files that hold scene light get it.
+bool readEffects(const RenderOptions& options, ChainPlan& plan, String& error) {
     ChainOptions chain;
-    if (!readScene(options, plan.scene, error) || !planEffects(options.effects, effects, error) ||
-        !contentOfFormat(options.output, chain.output, error))
-        return false;
-    error = checkOutput(options.output).error;
-    if (!error.empty())
+    if (!contentOfFormat(options.output, chain.output, error))
         return false;
     chain.outputName = "the file '" + options.output + "'";
     chain.input = PICTURE_CONTENT::SCENE_LINEAR;
-    if (!planChain(std::move(effects), chain, plan.chain, error))
+    Buffer<PlannedEffect> effects;
+    const bool holdsSceneLight = !chain.output;
+    const String list = options.effects.empty() && !holdsSceneLight ? DEFAULT_EFFECTS : options.effects;
+    if (!list.empty() && !planEffects(list, effects, error))
+        return false;
+    return planChain(std::move(effects), chain, plan, error);
+}
+
+bool makePlan(const RenderOptions& options, RenderPlan& plan, String& error) {
+    if (!readScene(options, plan.scene, error) || !readBackground(options, plan, error) ||
+        !readEffects(options, plan.chain, error))
+        return false;
+    error = checkOutput(options.output).error;
+    if (!error.empty())
         return false;
     if (options.camera.empty())
         return true;
@@ -293,6 +311,8 @@ int runRender(Console& console, RenderOptions options) {
     if (!result)
         return console.fail(result.error);
     console.warnEach(session.getLogger().takeLines());
+    if (plan.background)
+        layBehind(*result.image, *plan.background, result.content);
     String warning;
     if (!writePicture(options.output, result.image->view(), false, warning, error))
         return console.fail(error);
@@ -339,9 +359,18 @@ void addRenderCommand(CLI::App& program, Command& command) {
     render->add_option("--light-color", options->lightColor,
                        "R,G,B, linear (default: the model's hue, or white)");
     render->add_flag("--shadows", options->shadows, "let the light cast shadows");
-    render->add_option("--background", options->background, "R,G,B, linear (default: 0.18,0.18,0.18)");
-    render->add_option("--effects", options->effects, "effects over the picture, as of veldris apply")
-        ->capture_default_str();
+    render->add_flag(
+        "--ground,!--no-ground", options->ground,
+        "let the model stand on a ground of which its shadow alone is seen (default: in front of the "
+        "built-in sky)");
+    render->add_option("--background", options->background,
+                       "what is behind the model instead of the environment: R,G,B, linear, which no effect "
+                       "changes, or transparent");
+    render->add_option(
+        "--effects", options->effects,
+        "effects over the picture, as of veldris apply (default: none for EXR and HDR, which hold scene "
+        "light, otherwise " +
+            String(DEFAULT_EFFECTS) + ")");
     addDrawingOptions(*render, options->drawing);
     render->footer("Example: veldris render helmet.glb --light 0.3,-1,-0.5 --shadows -o helmet.png");
     render->callback([options, &command] {

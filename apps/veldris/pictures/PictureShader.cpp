@@ -32,7 +32,11 @@ ovMemory::UniquePtr<PictureShader> PictureShader::create(ovGraphics::System& gra
     return shader->_shader->load() ? std::move(shader) : nullptr;
 }
 
-ovMemory::UniquePtr<PictureShader> PictureShader::averageSamples(ovGraphics::System& graphics) {
+ovMemory::UniquePtr<PictureShader> PictureShader::averageSamples(ovGraphics::System& graphics,
+                                                                 bool withAlpha) {
+    if (withAlpha)
+        return create(graphics, "VELDRIS_AVERAGE_SAMPLES_ALPHA", embedded::AverageSamples_pixel,
+                      {{"ALPHA", ""}});
     return create(graphics, "VELDRIS_AVERAGE_SAMPLES", embedded::AverageSamples_pixel, {});
 }
 

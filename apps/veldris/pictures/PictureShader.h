@@ -30,7 +30,9 @@ public:
 
     /// Averages scale x scale samples of each pixel. Constants of this and the next: samples along a side of
     /// a pixel, the first row of the target that is drawn, and width and height of the source in samples.
-    static ovMemory::UniquePtr<PictureShader> averageSamples(ovGraphics::System& graphics);
+    /// @param withAlpha whether alpha of the samples is the share of the background that is seen; the average
+    /// then has colours beside their alpha. Otherwise alpha is 1
+    static ovMemory::UniquePtr<PictureShader> averageSamples(ovGraphics::System& graphics, bool withAlpha);
     /// Counts the components that are not finite among the samples of block x block pixels.
     static ovMemory::UniquePtr<PictureShader> countNotFinite(ovGraphics::System& graphics,
                                                              unsigned int block);

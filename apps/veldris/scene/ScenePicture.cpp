@@ -16,6 +16,7 @@
 #include <veldris/pictures/PictureShader.h>
 #include <veldris/pictures/PictureTextures.h>
 #include <veldris/scene/EnvironmentLight.h>
+#include <veldris/scene/ShadowGround.h>
 
 namespace veldris {
 
@@ -87,6 +88,7 @@ ScenePicture::ScenePicture(Session& session, const SceneSettings& settings)
     , _countViewport(Viewport::create(&session.getGraphics()))
     , _camera(Camera::create(&session.getGraphics()))
     , _shadowCamera(Camera::create(&session.getGraphics()))
+    , _groundQueue(RenderQueue::create(&session.getGraphics()))
     , _solid(RenderQueue::create(&session.getGraphics()))
     , _blended(RenderQueue::create(&session.getGraphics()))
     , _compositor(Compositor::create(&session.getGraphics()))
@@ -104,11 +106,11 @@ bool ScenePicture::_makeTextures(String& error) {
     const unsigned int height = _stripRows * _scale;
     _color = makeTarget(graphics, "scene", FORMAT::R32G32B32A32_FLOAT, width, height);
     _depth = makeTarget(graphics, "scene depth", FORMAT::D32_FLOAT, width, height);
-    if (_settings.shadows)
+    if (_usesShadowMap())
         _shadowMap = makeTarget(graphics, "shadow map", FORMAT::D32_FLOAT, SHADOW_SIDE, SHADOW_SIDE);
     _notFinite = makeTarget(graphics, "numbers that are none", FORMAT::R32_FLOAT, blocksIn(_settings.width),
                             blocksIn(_settings.height));
-    const bool made = _color && _depth && _notFinite && (_shadowMap || !_settings.shadows);
+    const bool made = _color && _depth && _notFinite && (_shadowMap || !_usesShadowMap());
     if (!made)
         error = _session.getLogger().take();
     return made;
@@ -116,14 +118,18 @@ bool ScenePicture::_makeTextures(String& error) {
 
 bool ScenePicture::_makeShaders(String& error) {
     System& graphics = _session.getGraphics();
-    _average = PictureShader::averageSamples(graphics);
+    _average = PictureShader::averageSamples(graphics, _settings.transparent);
     _count = PictureShader::countNotFinite(graphics, COUNT_BLOCK);
-    if (!_average || !_count) {
+    if (_settings.ground)
+        _ground = ShadowGround::create(graphics, *_shadowMap, *_shadowCamera);
+    if (!_average || !_count || (_settings.ground && !_ground)) {
         error = _session.getLogger().take();
         return false;
     }
     _average->setSource(*_color);
     _count->setSource(*_color);
+    if (_ground)
+        _ground->addTo(*_groundQueue);
     return true;
 }
 
@@ -159,21 +165,43 @@ void ScenePicture::_appendColorPasses() {
     block->setDepthBuffer(_depth.get());
     block->setViewport(_sampleViewport.get());
     const Vector& background = _settings.background;
-    block->appendClearPass()->setColor(0, background.x, background.y, background.z, 1.0f);
+    // Where the picture is transparent, alpha of the samples is the share of what is behind that is still
+    // seen: what a solid surface has as alpha says nothing of that.
+    if (_settings.transparent)
+        block->appendClearPass()->setColor(0, 0.0f, 0.0f, 0.0f, 1.0f);
+    else
+        block->appendClearPass()->setColor(0, background.x, background.y, background.z, 1.0f);
     ScenePass* solid = block->appendScenePass();
     solid->setRenderQueue(_solid.get());
     solid->setCamera(_camera.get());
+    if (_settings.transparent) {
+        BlendState& blend = solid->getBlendState();
+        blend.setBlendEnabled(true, 0);
+        blend.setSourceFactor(BLEND::ONE, 0);
+        blend.setDestinationFactor(BLEND::ZERO, 0);
+        blend.setAlphaSourceFactor(BLEND::ZERO, 0);
+        blend.setAlphaDestinationFactor(BLEND::ZERO, 0);
+    }
+    if (_ground)
+        _appendBlendedPass("shadow on the ground", *_groundQueue);
+    _appendBlendedPass("blended scene", *_blended)->setOrder(SCENE_ORDER::BACK_TO_FRONT);
+}
 
-    ScenePass* blended = block->appendScenePass();
-    blended->setName("blended scene");
-    blended->setRenderQueue(_blended.get());
-    blended->setCamera(_camera.get());
-    blended->setOrder(SCENE_ORDER::BACK_TO_FRONT);
-    blended->getDepthStencilState().setDepthWriteEnabled(false);
-    BlendState& blend = blended->getBlendState();
+ScenePass* ScenePicture::_appendBlendedPass(ovMemory::StringView name, RenderQueue& queue) {
+    ScenePass* pass = _colorBlock->appendScenePass();
+    pass->setName(name);
+    pass->setRenderQueue(&queue);
+    pass->setCamera(_camera.get());
+    pass->getDepthStencilState().setDepthWriteEnabled(false);
+    BlendState& blend = pass->getBlendState();
     blend.setBlendEnabled(true, 0);
     blend.setSourceFactor(BLEND::SRC_ALPHA, 0);
     blend.setDestinationFactor(BLEND::INV_SRC_ALPHA, 0);
+    if (_settings.transparent) {
+        blend.setAlphaSourceFactor(BLEND::ZERO, 0);
+        blend.setAlphaDestinationFactor(BLEND::INV_SRC_ALPHA, 0);
+    }
+    return pass;
 }
 
 void ScenePicture::_appendSamplePasses() {
@@ -198,7 +226,7 @@ bool ScenePicture::setEnvironment(const EnvironmentLight* environment) {
     _colorBlock->removePass(_surroundingsPass);
     _surroundingsPass = nullptr;
     _surroundings.reset();
-    if (!environment)
+    if (!environment || _settings.transparent)
         return true;
     _surroundings = ovVeldris::ImageEnvironmentEffect::create(&_session.getSystem());
     _surroundings->setName("surroundings");
@@ -221,7 +249,7 @@ void ScenePicture::light(ovVeldris::PbsMaterial& material) {
     if (_environment)
         _environment->light(material);
     material.setCombineLightAndEnvironment(_environment && _settings.lightBesideEnvironment);
-    if (_shadowMap)
+    if (_settings.shadows)
         material.setShadowMapTexture(_shadowMap.get(), _shadowCamera.get(), ovVeldris::ShadowMapParameters());
     _lightDirection = material.getLightDirection();
 }
@@ -264,7 +292,9 @@ void ScenePicture::fitShadow(const BoundingBox& box) {
     const Vector direction = _lightDirection.getNormalizedVec3();
     _shadowCamera->lookAt(direction, Vector());
     _shadowCamera->setPosition(box.getCenter() - direction * (2.0f * radius));
-    _shadowCamera->setOrthographic(2.0f * radius, 2.0f * radius, 0.5f * radius, 3.5f * radius);
+    const float reach = _ground ? _ground->place(box, direction) : 0.0f;
+    _shadowCamera->setOrthographic(2.0f * radius, 2.0f * radius, 0.5f * radius,
+                                   2.0f * radius + std::max(1.5f * radius, reach));
 }
 
 ovMemory::UniquePtr<Texture> ScenePicture::draw(String& warning, String& error) {

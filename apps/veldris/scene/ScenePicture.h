@@ -5,6 +5,7 @@
 #include <ovGraphics/System.h>
 #include <ovGraphics/compositor/Compositor.h>
 #include <ovGraphics/compositor/RenderContext.h>
+#include <ovGraphics/compositor/ScenePass.h>
 #include <ovGraphics/resources/Viewport.h>
 #include <ovGraphics/scene/BoundingBox.h>
 #include <ovGraphics/scene/DepthShader.h>
@@ -17,6 +18,7 @@ namespace veldris {
 
 class EnvironmentLight;
 class PictureShader;
+class ShadowGround;
 class Session;
 
 /// What a scene is lit by, and how large its picture is.
@@ -28,7 +30,10 @@ struct SceneSettings {
     /// Where the light shines to; nothing: as the materials say.
     std::optional<ovMaths::Vector> lightDirection;
     std::optional<ovMaths::Vector> lightColor; ///< linear; nothing: as the materials say
-    bool shadows = false;
+    bool shadows = false;                      ///< of the scene on its own surfaces
+    bool ground = false; ///< a ground that is not seen, below what casts shadows, catches their shadow
+    /// Nothing stands behind the scene: no environment, no background. The picture's alpha tells what covers.
+    bool transparent = false;
     /// Samples that are drawn at once, in whole rows: 20 bytes each. A picture of more is drawn strip by
     /// strip.
     unsigned int stripSamples = 1u << 21;
@@ -65,8 +70,9 @@ public:
     /// Turns the light's view so that everything in the box casts its shadow.
     void fitShadow(const ovGraphics::BoundingBox& box);
 
-    /// Draws. @return a texture of four scene-linear floats, alpha 1; null with one line in error when it
-    /// cannot be drawn. Samples that are not numbers become black and are counted in warning.
+    /// Draws. @return a texture of four scene-linear floats, colour beside alpha (not multiplied by it); null
+    /// with one line in error when it cannot be drawn. Samples that are not numbers become black and are
+    /// counted in warning.
     ovMemory::UniquePtr<ovGraphics::Texture> draw(ovMemory::String& warning, ovMemory::String& error);
     /// The passes of the last draw(), when the session measures: each once, whatever the number of strips.
     const ovMemory::Buffer<ovGraphics::PassTiming>& getTimings() const { return _timings; }
@@ -78,9 +84,11 @@ private:
     void _makePasses();
     void _appendShadowPasses();
     void _appendColorPasses();
+    ovGraphics::ScenePass* _appendBlendedPass(ovMemory::StringView name, ovGraphics::RenderQueue& queue);
     ovGraphics::DepthShader* _makeHolesShader(const ovVeldris::PbsMaterial& material);
     ovGraphics::DepthShader* _getSolidShader();
     void _appendSamplePasses();
+    bool _usesShadowMap() const { return _settings.shadows || _settings.ground; }
     bool _drawStrip(unsigned int top);
     void _addTimings();
     double _countNotFinite();
@@ -112,6 +120,8 @@ private:
     ovMemory::UniquePtr<ovGraphics::Camera> _shadowCamera;
     ovMemory::Buffer<ovMemory::UniquePtr<ovGraphics::DepthShader>> _depthShaders; ///< of materials with holes
     ovMemory::UniquePtr<ovGraphics::DepthShader> _solidDepthShader;
+    ovMemory::UniquePtr<ShadowGround> _ground;
+    ovMemory::UniquePtr<ovGraphics::RenderQueue> _groundQueue;
     ovMemory::UniquePtr<ovGraphics::RenderQueue> _solid;
     ovMemory::UniquePtr<ovGraphics::RenderQueue> _blended;
     ovMemory::UniquePtr<ovGraphics::Compositor> _compositor;

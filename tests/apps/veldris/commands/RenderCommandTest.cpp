@@ -98,6 +98,122 @@ TEST_F(RenderCommandTest, placesAreThoseOfTheFile) {
     EXPECT_LT(quarter(output, 1)[1], 100);
 }
 
+ovImages::Image imageOf(const String& path) {
+    ovImages::DecodeResult read = ovImages::CompositeEncoder().decodeFile(path);
+    EXPECT_TRUE(read) << read.error;
+    return read ? std::move(*read.image) : ovImages::Image();
+}
+
+/// A pixel's components, 0 to 255 or as floats; alpha 1 where there is none.
+std::array<float, 4> pixelOf(const String& path, unsigned int x, unsigned int y) {
+    const ovImages::Image image = imageOf(path);
+    std::array<float, 4> pixel = {0, 0, 0, 1};
+    for (unsigned int channel = 0; channel < image.getChannels(); ++channel)
+        pixel[channel] = image.getComponent(x, y, channel);
+    return pixel;
+}
+
+TEST_F(RenderCommandTest, aBackgroundIsDrawnExactlyAsGiven) {
+    const String model = writeQuad(_folder);
+    const float linear[3] = {0.25f, 0.5f, 1.0f};
+    const float encoded[3] = {137.0f / 255.0f, 188.0f / 255.0f, 1.0f}; // IEC 61966-2-1, to 8 bits
+    for (const char* environment : {"sky", "none"}) {
+        for (const char* effects : {"tone-mapping:operator=aces", "tone-mapping:operator=reinhard"}) {
+            for (const char* name : {"o.png", "o.exr"}) {
+                const String output = _folder.getPath(name);
+                const Outcome outcome =
+                    runVeldris({"render", model, "-o", output, "--size", "40x20", "--device", "software",
+                                "--no-cache", "--background", "0.25,0.5,1", "--environment", environment,
+                                "--effects", effects, "--camera", "0,0"});
+                ASSERT_EQ(outcome.status, 0) << outcome.error;
+                const std::array<float, 4> corner = pixelOf(output, 1, 1);
+                for (unsigned int i = 0; i < 3; ++i)
+                    EXPECT_EQ(corner[i], output.ends_with("png") ? encoded[i] : linear[i])
+                        << environment << name;
+                EXPECT_NE(pixelOf(output, 20, 10), corner) << "the model";
+            }
+        }
+    }
+}
+
+TEST_F(RenderCommandTest, aTransparentBackgroundIsAlpha) {
+    const String model = writeQuad(_folder);
+    const String output = _folder.getPath("o.png");
+    const String opaque = _folder.getPath("opaque.png");
+    const auto draw = [&](const String& path, const char* background) {
+        return runVeldris({"render", model, "-o", path, "--size", "37x21", "--device", "software",
+                           "--no-cache", "--background", background, "--camera", "10,0", "--samples", "16"});
+    };
+    ASSERT_EQ(draw(output, "transparent").status, 0);
+    ASSERT_EQ(draw(opaque, "1,0,0").status, 0);
+    EXPECT_EQ(pixelOf(output, 0, 0), (std::array<float, 4>{0, 0, 0, 0}));
+    EXPECT_EQ(pixelOf(output, 18, 10)[3], 1.0f);
+    EXPECT_EQ(pixelOf(output, 18, 10)[0], pixelOf(opaque, 18, 10)[0]);
+    // An edge is partly covered, and its colour is that of the model and not mixed with black.
+    unsigned int x = 0;
+    while (x < 18 && pixelOf(output, x, 10)[3] == 0.0f)
+        ++x;
+    const std::array<float, 4> edge = pixelOf(output, x, 10);
+    EXPECT_GT(edge[3], 0.05f);
+    EXPECT_LT(edge[3], 0.95f);
+    EXPECT_NEAR(edge[0], pixelOf(output, x + 1, 10)[0], 0.04f);
+}
+
+TEST_F(RenderCommandTest, filesOfFloatsHoldSceneLightUnlessEffectsAreAskedFor) {
+    const String model = writeQuad(_folder, R"(, "emissiveFactor": [1, 1, 1], "extensions":
+        {"KHR_materials_emissive_strength": {"emissiveStrength": 1}})");
+    const String light = _folder.getPath("light.exr");
+    const String mapped = _folder.getPath("mapped.exr");
+    ASSERT_EQ(render(model, light, {"--light", "0,0,-1", "--light-color", "9,9,9"}).status, 0);
+    ASSERT_EQ(render(model, mapped,
+                     {"--light", "0,0,-1", "--light-color", "9,9,9", "--effects",
+                      "tone-mapping:operator=reinhard,max-white=6,6,6"})
+                  .status,
+              0);
+    EXPECT_GT(pixelOf(light, 30, 30)[0], 5.0f) << "white under a light of 9";
+    EXPECT_LE(pixelOf(mapped, 30, 30)[0], 1.5f);
+}
+
+TEST_F(RenderCommandTest, theFirstPictureStandsOnAGroundThatCatchesItsShadow) {
+    const String model = writeQuad(_folder, R"(, "doubleSided": true)");
+    const auto draw = [&](const char* name, const ovMemory::Buffer<String>& more) {
+        const String output = _folder.getPath(name);
+        ovMemory::Buffer<String> arguments = {"render",   model,      "-o",       output,       "--size",
+                                              "48x48",    "--device", "software", "--no-cache", "--camera",
+                                              "0,40,0.5", "--light",  "1,-1,-1"};
+        arguments.insert(arguments.end(), more.begin(), more.end());
+        EXPECT_EQ(runVeldris(arguments).status, 0);
+        return output;
+    };
+    const ovImages::Image plain = imageOf(draw("plain.png", {"--no-ground"}));
+    const ovImages::Image first = imageOf(draw("first.png", {}));
+    // Where no shadow falls the two pictures are one.
+    unsigned int darker = 0;
+    for (unsigned int i = 0; i < 48 * 48; ++i) {
+        const float with = first.getComponent(i % 48, i / 48, 1);
+        const float without = plain.getComponent(i % 48, i / 48, 1);
+        EXPECT_LE(with, without);
+        darker += with < 0.8f * without ? 1 : 0;
+    }
+    EXPECT_GT(darker, 20u);
+    EXPECT_EQ(first.getComponent(1, 1, 1), plain.getComponent(1, 1, 1));
+    EXPECT_EQ(first.getComponent(24, 46, 1), plain.getComponent(24, 46, 1));
+
+    const auto countBlack = [&](const String& path) {
+        const ovImages::Image image = imageOf(path);
+        unsigned int count = 0;
+        for (unsigned int i = 0; i < 48 * 48; ++i)
+            count +=
+                image.getComponent(i % 48, i / 48, 3) > 0.5f && image.getComponent(i % 48, i / 48, 1) == 0.0f
+                    ? 1
+                    : 0;
+        return count;
+    };
+    // Before a background of one's own a ground is asked for.
+    EXPECT_EQ(countBlack(draw("alpha.png", {"--background", "transparent"})), 0u);
+    EXPECT_GT(countBlack(draw("alpha-ground.png", {"--background", "transparent", "--ground"})), 20u);
+}
+
 TEST_F(RenderCommandTest, theBackOfASingleSidedSurfaceIsNotSeen) {
     const ovMemory::Buffer<String> behind = {"--camera", "180,0",   "--background",
                                              "0,0,0",    "--light", "0,0,1"};

@@ -90,7 +90,7 @@ Image makeSamples() {
 
 TEST_P(PictureShaderTest, samplesAreAveragedToTheLastBit) {
     const Image samples = makeSamples();
-    const auto shader = PictureShader::averageSamples(_session.getGraphics());
+    const auto shader = PictureShader::averageSamples(_session.getGraphics(), false);
     ASSERT_NE(shader, nullptr) << _session.getLogger().take();
     shader->setConstants({2.0f, 0.0f, 6.0f, 4.0f});
     const Image picture = draw(*shader, samples, 3, 2);
@@ -107,6 +107,24 @@ TEST_P(PictureShaderTest, samplesAreAveragedToTheLastBit) {
             EXPECT_EQ(picture.getComponent(x, y, 3), 1.0f);
         }
     }
+}
+
+TEST_P(PictureShaderTest, samplesBeforeNothingAreAveragedByWhatCovers) {
+    Image samples = floats(4, 2);
+    // Two pixels: one covered by a half in all, one not at all. A sample's colour is what its coverage adds.
+    const float behind[8] = {0.0f, 1.0f, 1.0f, 1.0f, 0.25f, 0.75f, 1.0f, 1.0f};
+    for (unsigned int i = 0; i < 8; ++i) {
+        samples.setComponent(i % 4, i / 4, 0, (1.0f - behind[i]) * 3.0f);
+        samples.setComponent(i % 4, i / 4, 3, behind[i]);
+    }
+    const auto shader = PictureShader::averageSamples(_session.getGraphics(), true);
+    ASSERT_NE(shader, nullptr) << _session.getLogger().take();
+    shader->setConstants({2.0f, 0.0f, 4.0f, 2.0f});
+    const Image picture = draw(*shader, samples, 2, 1);
+    EXPECT_EQ(picture.getComponent(0, 0, 0), 3.0f);
+    EXPECT_EQ(picture.getComponent(0, 0, 3), (4.0f - 0.0f - 1.0f - 0.25f - 0.75f) / 4.0f);
+    EXPECT_EQ(picture.getComponent(1, 0, 0), 0.0f);
+    EXPECT_EQ(picture.getComponent(1, 0, 3), 0.0f);
 }
 
 TEST_P(PictureShaderTest, whatIsNoNumberIsCountedInBlocks) {

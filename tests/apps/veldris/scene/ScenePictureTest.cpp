@@ -92,6 +92,53 @@ protected:
 
 constexpr unsigned int MIDDLE = 16;
 
+TEST_P(ScenePictureTest, theGroundCatchesTheShadowAndNothingElse) {
+    _settings.ground = true;
+    _settings.lightDirection = Vector(1.0f, -1.0f, 0.0f);
+    auto picture = makePicture();
+    ASSERT_TRUE(picture);
+    const auto material = makeDiffuse(*picture, {1.0f, 1.0f, 1.0f});
+    picture->getSolid().addEntity(_sphere.get(), material->getShader(), _above.get());
+    ASSERT_TRUE(picture->castShadow(*material, false));
+    // The lower side of the box is the ground.
+    picture->fitShadow(ovGraphics::BoundingBox::newBox({0.0f, 0.95f, 0.0f}, {0.8f, 1.9f, 0.8f}));
+    const ovImages::Image image = draw(*picture);
+    for (unsigned int y = 0; y < 32; ++y) {
+        for (unsigned int x = 20; x < 32; ++x) { // what the sphere does not hide
+            // A sphere of radius 0.4 at (0, 1.5): under 45 degrees its shadow is an ellipse around 1.5.
+            const float alongX = ((float(x) + 0.5f) / 8.0f - 2.0f - 1.5f) / (0.4f * std::sqrt(2.0f));
+            const float alongZ = ((float(y) + 0.5f) / 8.0f - 2.0f) / 0.4f;
+            const float distance = std::sqrt(alongX * alongX + alongZ * alongZ);
+            const float share = pixel(image, x, y).x / 0.25f;
+            if (distance < 0.8f) {
+                EXPECT_NEAR(share, 1.0f - 0.62f, 1e-4f) << x << ' ' << y;
+            } else if (distance > 1.25f) {
+                EXPECT_EQ(share, 1.0f) << x << ' ' << y;
+            }
+            EXPECT_EQ(pixel(image, x, y).w, 1.0f);
+        }
+    }
+}
+
+TEST_P(ScenePictureTest, aTransparentPictureHasTheCoverageAsAlpha) {
+    _settings.transparent = true;
+    auto picture = makePicture();
+    ASSERT_TRUE(picture);
+    const auto solid = makeDiffuse(*picture, {0.5f, 0.25f, 1.0f});
+    const auto glass = makeDiffuse(*picture, {1.0f, 1.0f, 1.0f}, 0.25f);
+    picture->getSolid().addEntity(_sphere.get(), solid->getShader(), _above.get());
+    picture->getBlended().addEntity(_ground.get(), glass->getShader(), nullptr); // 2 m wide
+    const ovImages::Image image = draw(*picture);
+    EXPECT_EQ(pixel(image, 1, 1), Vector(0.0f, 0.0f, 0.0f, 0.0f));
+    EXPECT_EQ(pixel(image, MIDDLE, MIDDLE).w, 1.0f);
+    const Vector seen =
+        pixel(image, 9, 9); // the glass alone: light from above, irradiance of the material's colour
+    EXPECT_NEAR(seen.w, 0.25f, 1e-6f);
+    const Vector opaque = pixel(image, MIDDLE, MIDDLE);
+    EXPECT_NEAR(opaque.x / opaque.z, 0.5f, 0.02f);
+    EXPECT_GT(seen.x, 0.9f) << "the colour stands beside alpha and is not multiplied by it";
+}
+
 /// A slate of 2 by 1 m, 1.5 m above the ground, under a picture of two texels of which the left one alone
 /// covers. The slate shows four texels side by side, of which the picture's address decides the last two.
 ovGraphics::GltfScene makeSlate(ovGraphics::TEXTURE_ADDRESS address) {
