@@ -34,12 +34,16 @@ struct Case {
     double evaluationAim = 0.0; ///< the same of the evaluation
 };
 
+/// For what the last cache of a processor holds, 32 MB on servers of today: a plain read is then several times
+/// as fast as memory, and the projection's arithmetic shows beside it.
+constexpr double IN_CACHE = 2.5;
+
 constexpr Case CASES[] = {
     {"map_4096x2048", {false, FORMAT::R32G32B32A32_FLOAT, 4096, 2048, 1}, BEST, 1.5, 3.0},
     {"map_2048x1024", {false, FORMAT::R32G32B32A32_FLOAT, 2048, 1024, 1}, BEST, 1.5, 3.0},
-    {"map_1024x512", {false, FORMAT::R32G32B32A32_FLOAT, 1024, 512, 1}, BEST, 1.5, 3.0},
+    {"map_1024x512", {false, FORMAT::R32G32B32A32_FLOAT, 1024, 512, 1}, BEST, IN_CACHE, 3.0},
     {"cube_1024", {true, FORMAT::R32G32B32A32_FLOAT, 1024, 1024, 6}, BEST, 1.5, 3.0},
-    {"cube_256", {true, FORMAT::R32G32B32A32_FLOAT, 256, 256, 6}, BEST, 2.5, 3.0},
+    {"cube_256", {true, FORMAT::R32G32B32A32_FLOAT, 256, 256, 6}, BEST, IN_CACHE, 3.0},
     {"map_2048x1024_three_floats", {false, FORMAT::R32G32B32_FLOAT, 2048, 1024, 1}, BEST},
     {"map_2048x1024_bytes", {false, FORMAT::R8G8B8A8_UNORM, 2048, 1024, 1}, BEST},
     {"map_2048x1024_plain", {false, FORMAT::R32G32B32A32_FLOAT, 2048, 1024, 1}, PLAIN},

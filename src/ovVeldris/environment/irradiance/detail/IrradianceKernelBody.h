@@ -109,15 +109,24 @@ template <typename Component, unsigned int Channels>
         loadTexel<Component, Channels>(row + (width - 1) * size, layout.channels, right);
         addColumn(left + right, left - right, terms[1]);
     }
-    for (std::size_t column = 2; column <= pairs; ++column) {
+    const auto addPair = [&](std::size_t column) __attribute__((always_inline)) {
+        loadInner<Component, Channels>(row + column * size, layout.channels, left);
+        loadInner<Component, Channels>(row + (width - column) * size, layout.channels, right);
+        addColumn(left + right, left - right, terms[column]);
+    };
+    std::size_t column = 2;
+    for (; column + 3 <= pairs; column += 4) { // a line of the cache, where texels are four floats
         // Processors do not foresee that a row is read from both its ends: faces of 256 texels take a third
         // less.
         __builtin_prefetch(row + column * size + layout.ahead);
         __builtin_prefetch(row + (width - column) * size + layout.ahead);
-        loadInner<Component, Channels>(row + column * size, layout.channels, left);
-        loadInner<Component, Channels>(row + (width - column) * size, layout.channels, right);
-        addColumn(left + right, left - right, terms[column]);
+        addPair(column);
+        addPair(column + 1);
+        addPair(column + 2);
+        addPair(column + 3);
     }
+    for (; column <= pairs; ++column)
+        addPair(column);
     if (width % 2 == 0) { // the middle is its own mirror
         loadTexel<Component, Channels>(row + width / 2 * size, layout.channels, left);
         addColumn(left, left, terms[width / 2]);
