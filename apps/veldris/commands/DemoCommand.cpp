@@ -136,6 +136,7 @@ void printReport(Console& console, const DemoOptions& options, const Buffer<Gall
                       .array("pictures", pictures)
                       .number("programsCompiled", static_cast<double>(programs.compiled))
                       .number("programsFromCache", static_cast<double>(programs.fromDisk))
+                      .number("programsMilliseconds", programs.milliseconds)
                       .toText());
 }
 

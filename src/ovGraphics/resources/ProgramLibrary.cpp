@@ -1,6 +1,7 @@
 #include <ovGraphics/resources/ProgramLibrary.h>
 
 #include <algorithm>
+#include <chrono>
 #include <ovGraphics/device/Device.h>
 #include <ovGraphics/shading/CrossCompiler.h>
 
@@ -36,9 +37,7 @@ const LoadedProgram* ProgramLibrary::acquire(const shading::ProgramText& text, o
         ++known->second->users;
         return known->second.get();
     }
-    ovMemory::UniquePtr<LoadedProgram> program = _loadFromDisk(text);
-    if (!program)
-        program = _compile(text, error, warnings);
+    ovMemory::UniquePtr<LoadedProgram> program = _load(text, error, warnings);
     if (!program)
         return nullptr;
     program->users = 1;
@@ -56,6 +55,18 @@ void ProgramLibrary::release(const LoadedProgram* program) {
             _programs.erase(entry);
         return;
     }
+}
+
+ovMemory::UniquePtr<LoadedProgram> ProgramLibrary::_load(const shading::ProgramText& text,
+                                                         ovMemory::String& error,
+                                                         ovMemory::String& warnings) {
+    const auto start = std::chrono::steady_clock::now();
+    ovMemory::UniquePtr<LoadedProgram> program = _loadFromDisk(text);
+    if (!program)
+        program = _compile(text, error, warnings);
+    const std::chrono::duration<double, std::milli> elapsed = std::chrono::steady_clock::now() - start;
+    _statistics.milliseconds += elapsed.count();
+    return program;
 }
 
 ovMemory::UniquePtr<LoadedProgram> ProgramLibrary::_loadFromDisk(const shading::ProgramText& text) {

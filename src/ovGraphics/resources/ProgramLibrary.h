@@ -25,9 +25,10 @@ struct LoadedProgram {
 
 /// How the programs of a library came to be.
 struct ProgramLibraryStatistics {
-    uint64_t compiled = 0;   ///< cross-compiled from text
-    uint64_t fromDisk = 0;   ///< read from the cache folder
-    uint64_t fromMemory = 0; ///< shared with a program of the same text
+    uint64_t compiled = 0;     ///< cross-compiled from text
+    uint64_t fromDisk = 0;     ///< read from the cache folder
+    uint64_t fromMemory = 0;   ///< shared with a program of the same text
+    double milliseconds = 0.0; ///< that compiling and reading took
 };
 
 /// Compiles programs, shares those of equal text, and keeps them on disk when the configuration names a
@@ -47,6 +48,8 @@ public:
     const ProgramLibraryStatistics& getStatistics() const { return _statistics; }
 
 private:
+    ovMemory::UniquePtr<LoadedProgram> _load(const shading::ProgramText& text, ovMemory::String& error,
+                                             ovMemory::String& warnings);
     ovMemory::UniquePtr<LoadedProgram> _loadFromDisk(const shading::ProgramText& text);
     unsigned int _inputLayoutOf(const ovMemory::Buffer<shading::AttributeInfo>& attributes);
     ovMemory::UniquePtr<LoadedProgram> _compile(const shading::ProgramText& text, ovMemory::String& error,

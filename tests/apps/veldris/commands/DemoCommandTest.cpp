@@ -40,6 +40,8 @@ TEST(DemoCommandTest, drawsAGalleryAndASecondStartCompilesNothing) {
 
     const auto second = parseJson(runVeldris(arguments));
     EXPECT_EQ(second["programsCompiled"].GetInt(), 0);
+    EXPECT_GT(report["programsMilliseconds"].GetDouble(), second["programsMilliseconds"].GetDouble());
+    EXPECT_GT(second["programsMilliseconds"].GetDouble(), 0.0);
     EXPECT_GE(second["programsFromCache"].GetInt(),
               compiled); // a program is read again after its last user went
 }
