@@ -59,6 +59,7 @@ bool RenderContext::followWindowSize() {
         _windowBuffer->setName("window back buffer");
         _windowBuffer->setHidden(true);
         _windowBuffer->setFormat(FORMAT::R8G8B8A8_UNORM);
+        _windowBuffer->setGammaCorrected(true); // screens show sRGB, passes write light
         _windowBuffer->setUsableAsRenderTarget(true);
     }
     // load() does nothing while the size stays the same.

@@ -37,8 +37,9 @@ public:
     /// The texture that blocks without targets draw into; null when the descriptor named none.
     Texture* getBackBuffer() const;
 
-    /// Makes the window's back buffer as large as the window. @return false after one log line when the
-    /// system has no window or the buffer cannot be loaded; false without one while the window is minimised
+    /// Makes the window's back buffer as large as the window. It encodes what is drawn into it as sRGB.
+    /// @return false after one log line when the system has no window or the buffer cannot be loaded; false
+    /// without one while the window is minimised
     bool followWindowSize();
 
     void reset() override;

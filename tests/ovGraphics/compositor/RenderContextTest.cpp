@@ -1,6 +1,8 @@
+#include <cstdlib>
 #include <gtest/gtest.h>
 #include <ovGraphics/Canvas.h>
 #include <ovGraphics/Managers.h>
+#include <ovGraphics/VirtualDisplay.h>
 #include <ovGraphics/resources/Camera.h>
 #include <support/PictureTest.h>
 
@@ -56,6 +58,35 @@ TEST_P(RenderContextTest, aHeadlessSystemHasNoWindowToDrawIn) {
     EXPECT_FALSE(RenderContext::create(&closed)->followWindowSize());
     EXPECT_FALSE(getGraphics().windowShouldClose());
     getGraphics().pollWindowEvents();
+}
+
+TEST_P(RenderContextTest, aWindowShowsLightAsFilesDo) {
+    const VirtualDisplay display;
+    if (!display.isInstalled())
+        GTEST_SKIP() << "Xvfb is not installed";
+    ASSERT_NE(display.getName(), "") << "Xvfb did not start";
+    setenv("DISPLAY", display.getName().c_str(), 1);
+    unsetenv("WAYLAND_DISPLAY");
+    System windowed;
+    Configuration configuration;
+    configuration.language = GetParam();
+    configuration.window = WindowConfiguration{.width = 32, .height = 16, .title = "test"};
+    ASSERT_TRUE(windowed.initialize(configuration));
+    {
+        Canvas canvas(windowed);
+        canvas.context->setDescriptor({.window = true});
+        canvas.addBlock()->appendClearPass()->setColor(0, 0.32f, 0.25f, 1.0f, 1.0f);
+        // IEC 61966-2-1 to 8 bits, as a PNG file of the same light has it.
+        const std::vector<unsigned char> expected = {153, 137, 255};
+        std::vector<unsigned char> shown;
+        for (int i = 0; i < 500 && shown != expected; ++i) {
+            ASSERT_TRUE(canvas.frame());
+            windowed.pollWindowEvents();
+            shown = display.readPixel(8, 8);
+        }
+        EXPECT_EQ(shown, expected);
+    }
+    unsetenv("DISPLAY");
 }
 
 TEST_P(RenderContextTest, resetForgetsWhatItDraws) {
