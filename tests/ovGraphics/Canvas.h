@@ -71,8 +71,8 @@ void main() {
 #endif
 )";
 
-/// A pixel text that returns one expression of PIX_TEXCOORD and the declarations.
-inline ovMemory::String pixelText(ovMemory::StringView expression, ovMemory::StringView declarations = "") {
+/// A pixel text of statements about PIX_TEXCOORD and the declarations.
+inline ovMemory::String pixelTextOf(ovMemory::StringView statements, ovMemory::StringView declarations) {
     ovMemory::String text(declarations);
     text += R"(
 #ifdef OV_HLSL
@@ -84,9 +84,14 @@ in vec2 PIX_TEXCOORD;
 out vec4 OUT_COLOR;
 void main()
 #endif
-{ ovReturn()";
-    text.append(expression).append("); }\n");
+{ )";
+    text.append(statements).append(" }\n");
     return text;
+}
+
+/// One that returns an expression.
+inline ovMemory::String pixelText(ovMemory::StringView expression, ovMemory::StringView declarations = "") {
+    return pixelTextOf("ovReturn(" + ovMemory::String(expression) + ");", declarations);
 }
 
 /// An unloaded program of dual-dialect texts.
