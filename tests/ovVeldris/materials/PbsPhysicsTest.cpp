@@ -53,6 +53,30 @@ protected:
 
 constexpr float ROUNDING = 1e-4f;
 
+/// What a perfect reflector gives back of white surroundings by the microfacet model: the integral over all
+/// half vectors, spread as the distribution has them, of the visibility times v.h / (n.h n.v).
+double reflectedWhite(double dotNV, double roughness) {
+    constexpr int STEPS =
+        400; // of both coordinates; the second runs over half a turn, the other half is the same
+    constexpr double PI = 3.14159265358979;
+    const double alpha = roughness * roughness;
+    const auto shadowing = [&](double cosine) { return cosine / (cosine * (1.0 - alpha) + alpha); };
+    const Vec3 view = {std::sqrt(1.0 - dotNV * dotNV), 0.0, dotNV};
+    double sum = 0.0;
+    for (int i = 0; i < STEPS; ++i)
+        for (int j = 0; j < STEPS; ++j) {
+            const double u = (i + 0.5) / STEPS;
+            const double phi = PI * (j + 0.5) / STEPS;
+            const double dotNH = std::sqrt((1.0 - u) / (1.0 + (alpha * alpha - 1.0) * u));
+            const double across = std::sqrt(1.0 - dotNH * dotNH);
+            const double dotVH = view[0] * across * std::cos(phi) + view[2] * dotNH;
+            const double dotNL = 2.0 * dotVH * dotNH - dotNV;
+            if (dotVH > 0.0 && dotNL > 0.0)
+                sum += shadowing(dotNV) * shadowing(dotNL) * dotVH / (dotNH * dotNV);
+        }
+    return sum / (double(STEPS) * STEPS);
+}
+
 } // namespace
 
 INSTANTIATE_TEST_SUITE_P(, PbsPhysicsTest, bothLanguages(), languageName);
@@ -72,6 +96,38 @@ TEST_P(PbsPhysicsTest, aSampledMirrorIsAsWhiteAsItsSurroundingsAndRoughSurfacesA
     // n.l = 2 u - 1 and V = n.l, so that the mean is the integral of 2 u - 1 from 1/2 to 1, a quarter. The
     // middle pixels are off by 2.4 degrees, and the sum has 1024 terms.
     EXPECT_NEAR(drawPbs(setup, makeFacing()).at(SIZE / 2, SIZE / 2)[0], 0.25f, 0.002f);
+}
+
+// The square is tilted until it is seen from the side: the cosines between its normal and the eye go from 0
+// to 1.
+TEST_P(PbsPhysicsTest, aSampledReflectorIsTrueAtEveryAngle) {
+    double smallest = 1.0;
+    for (const double roughness : {0.2, 0.5, 1.0})
+        for (const double tilt : {0.3, 0.8, 1.2, 1.45}) {
+            PbsSetup setup = makeFurnace(roughness);
+            setup.environment = white(true, 1);
+            const Vec3 normal = {0.0, std::sin(tilt), -std::cos(tilt)};
+            PbsSurface surface;
+            surface.normals.fill(normal);
+            const FloatPicture picture = drawPbs(setup, surface);
+            for (unsigned int y = 0; y < SIZE; y += 3)
+                for (unsigned int x = 0; x < SIZE; x += 5) {
+                    // The eye is 1.5 in front of a square of side 2.
+                    const Vec3 towardsEye = {1.0 - (x + 0.5) * 2.0 / SIZE, (y + 0.5) * 2.0 / SIZE - 1.0,
+                                             -1.5};
+                    const double length =
+                        std::sqrt(towardsEye[0] * towardsEye[0] + towardsEye[1] * towardsEye[1] +
+                                  towardsEye[2] * towardsEye[2]);
+                    const double dotNV = (towardsEye[1] * normal[1] + towardsEye[2] * normal[2]) / length;
+                    if (dotNV < 0.02) // below, n.v is held off from 0, which it divides
+                        continue;
+                    smallest = std::min(smallest, dotNV);
+                    const double expected = reflectedWhite(dotNV, roughness);
+                    EXPECT_LE(expected, 1.0 + 1e-3) << dotNV;
+                    EXPECT_NEAR(picture.at(x, y)[0], expected, 0.02) << roughness << ", " << dotNV;
+                }
+        }
+    EXPECT_LT(smallest, 0.05);
 }
 
 TEST_P(PbsPhysicsTest, thePrefilteredReflectorKeepsWithinItsFit) {

@@ -2,53 +2,17 @@
 #include <gtest/gtest.h>
 #include <limits>
 #include <ovGraphics/formats/TextureUtils.h>
-#include <ovVeldris/environment/irradiance/IrradianceReference.h>
+#include <ovVeldris/environment/irradiance/IrradianceTexels.h>
 
 using namespace ovVeldris;
-using irradianceReference::componentAt;
 using irradianceReference::noise;
+using irradianceReference::readAs;
+using irradianceReference::Texels;
 using ovGraphics::FORMAT;
 
 namespace {
 
 using Slices = ovMemory::Buffer<ovMemory::Buffer<unsigned char>>;
-
-/// A format and how its first three components are to be read, found out without the code under test.
-struct Texels {
-    FORMAT format;
-    unsigned int channels;
-    double scale;
-    double (*read)(const ovMemory::Buffer<unsigned char>& bytes, std::size_t place);
-    std::size_t componentSize;
-    std::size_t texelSize;
-};
-
-template <typename Component>
-double readAs(const ovMemory::Buffer<unsigned char>& bytes, std::size_t place) {
-    return double(componentAt<Component>(bytes, place));
-}
-
-constexpr Texels FORMATS[] = {
-    {FORMAT::R32G32B32A32_TYPELESS, 4, 1.0, readAs<float>, 4, 16},
-    {FORMAT::R32G32B32A32_FLOAT, 4, 1.0, readAs<float>, 4, 16},
-    {FORMAT::R32G32B32_FLOAT, 3, 1.0, readAs<float>, 4, 12},
-    {FORMAT::R32G32B32A32_UINT, 4, 1.0, readAs<uint32_t>, 4, 16},
-    {FORMAT::R32G32B32_UINT, 3, 1.0, readAs<uint32_t>, 4, 12},
-    {FORMAT::R32G32B32A32_SINT, 4, 1.0, readAs<int32_t>, 4, 16},
-    {FORMAT::R32G32B32_SINT, 3, 1.0, readAs<int32_t>, 4, 12},
-    {FORMAT::R8G8B8A8_UNORM, 4, 255.0, readAs<uint8_t>, 1, 4},
-    {FORMAT::R8G8B8A8_UNORM_SRGB, 4, 255.0, readAs<uint8_t>, 1, 4},
-    {FORMAT::R8G8B8A8_UINT, 4, 1.0, readAs<uint8_t>, 1, 4},
-    {FORMAT::R8G8B8A8_SNORM, 4, 1.0, readAs<int8_t>, 1, 4},
-    {FORMAT::R8G8B8A8_SINT, 4, 1.0, readAs<int8_t>, 1, 4},
-    // Not listed: bytes, from the start of each texel.
-    {FORMAT::R16G16B16A16_FLOAT, 4, 1.0, readAs<uint8_t>, 1, 8},
-    {FORMAT::R32_FLOAT, 1, 1.0, readAs<uint8_t>, 1, 4},
-    {FORMAT::R8_UNORM, 1, 255.0, readAs<uint8_t>, 1, 1},
-    {FORMAT::R8G8_UNORM, 2, 255.0, readAs<uint8_t>, 1, 2},
-    {FORMAT::B8G8R8X8_UNORM, 3, 255.0, readAs<uint8_t>, 1, 4},
-    {FORMAT::B5G6R5_UNORM, 2, 1.0, readAs<uint8_t>, 1, 2},
-};
 
 struct Size {
     unsigned int width;
@@ -114,7 +78,7 @@ ovMemory::Buffer<float> drawFloats(IrradianceTransform& transform, unsigned int 
 } // namespace
 
 TEST(IrradianceTransformTest, sumsUpEveryFormatAndShape) {
-    for (const Texels& texels : FORMATS)
+    for (const Texels& texels : irradianceReference::FORMATS)
         forEachLayout(texels.format, [&](const IrradianceMapLayout& layout, std::size_t gap,
                                          IRRADIANCE_INSTRUCTIONS instructions) {
             const Slices slices = makeSlices(layout, texels, gap);
@@ -122,13 +86,9 @@ TEST(IrradianceTransformTest, sumsUpEveryFormatAndShape) {
             double size = 0.0;
             const IrradianceCoefficients expected =
                 irradianceReference::project(layout, [&](unsigned int slice, unsigned int i, unsigned int j) {
-                    std::array<double, 3> color = {};
-                    for (std::size_t channel = 0; channel < std::min(texels.channels, 3u); ++channel) {
-                        const std::size_t place =
-                            j * pitch + i * texels.texelSize + channel * texels.componentSize;
-                        color[channel] = texels.read(slices[slice], place) / texels.scale;
-                        size = std::max(size, std::abs(color[channel]));
-                    }
+                    const std::array<double, 3> color = texels.colorAt(slices[slice], pitch, i, j);
+                    for (const double component : color)
+                        size = std::max(size, std::abs(component));
                     return color;
                 });
             IrradianceTransform transform(layout, instructions);
@@ -146,7 +106,7 @@ TEST(IrradianceTransformTest, drawsEveryFormatAndShape) {
     for (std::size_t k = 0; k < coefficients.values.size(); ++k)
         for (std::size_t channel = 0; channel < 3; ++channel)
             coefficients.values[k][channel] = 1.3 * std::cos(double(k) + 2.0 * double(channel));
-    for (const Texels& texels : FORMATS)
+    for (const Texels& texels : irradianceReference::FORMATS)
         forEachLayout(texels.format, [&](const IrradianceMapLayout& layout, std::size_t gap,
                                          IRRADIANCE_INSTRUCTIONS instructions) {
             const std::size_t pitch = layout.width * texels.texelSize + gap;
