@@ -112,7 +112,8 @@ TEST(PngEncoderTest, chunksTellWhatTheNumbersMean) {
         {{{"gAMA", big32(45455)}}, srgb, ""},
         {{{"gAMA", big32(100000)}}, COLOR_ENCODING::LINEAR, ""},
         {{{"gAMA", big32(100000)}, {"sRGB", {0}}}, srgb, ""},
-        {{{"gAMA", big32(55556)}}, srgb, "PNG: the file's gamma of 0.55556 is read as sRGB"}};
+        {{{"gAMA", big32(55556)}}, srgb, "PNG: the file's gamma of 0.55556 is read as sRGB"},
+        {{{"gAMA", big32(150000)}}, srgb, "PNG: the file's gamma of 1.5 is read as sRGB"}};
     for (const Case& c : cases) {
         const DecodeResult result = ENCODER.decode(handMade::makePng({1, 1, 8, 0}, {{5}}, c.chunks));
         ASSERT_TRUE(result) << result.error;

@@ -154,6 +154,9 @@ TEST(MatrixTest, InversesOfClosedForm) {
          Matrix::newMat4(0, 0, 0, 1, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0)},
         {Matrix::newMat3(1e-15f, 0, 0, 0, 1e-15f, 0, 0, 0, 1e-15f),
          Matrix::newMat3(1e15f, 0, 0, 0, 1e15f, 0, 0, 0, 1e15f)},
+        // Rows that are almost parallel: the determinant is 2^-22 of their lengths.
+        {Matrix::newMat2(1, 1, 1, 1.0f + 0x1p-22f),
+         Matrix::newMat2(0x1p22f + 1, -0x1p22f, -0x1p22f, 0x1p22f)},
     };
     for (const auto& row : cases)
         EXPECT_EQ(row.matrix.getInverseMat4(), row.expected) << row.matrix.getInverseMat4().toString();

@@ -199,6 +199,8 @@ TEST(JsonReaderTest, errorsSayWhatWhereAndWhy) {
          "line 1, column 4: Unexpected character: expected the end of the text, found {}", 3, 1},
         {ovMemory::String("[1]\0", 4), UNEXPECTED,
          "line 1, column 4: Unexpected character: expected the end of the text, found byte 0x00", 3, 1},
+        {"\x7f", UNEXPECTED, "line 1, column 1: Unexpected character: expected a value, found byte 0x7f", 0,
+         1},
         {"// no", UNEXPECTED, "line 1, column 1: Unexpected character: expected a value, found // no", 0, 1},
         {"'a'", UNEXPECTED, "line 1, column 1: Unexpected character: expected a value, found 'a'", 0, 1},
         {"NaN", UNEXPECTED, "line 1, column 1: Unexpected character: expected a value, found NaN", 0, 1},
@@ -221,6 +223,11 @@ TEST(JsonReaderTest, errorsSayWhatWhereAndWhy) {
         {"1e400", TOO_LARGE,
          "line 1, column 1: A number is too large: expected at most 1.7976931348623157e+308, found 1e400", 0,
          1},
+        // 2^64: an exponent that wrapped round would be 0.
+        {"1e18446744073709551616", TOO_LARGE,
+         "line 1, column 1: A number is too large: expected at most 1.7976931348623157e+308, found "
+         "1e18446744073709551616",
+         0, 1},
         {"[-1.7976931348623159e308]", TOO_LARGE,
          "line 1, column 2: A number is too large: expected at most 1.7976931348623157e+308, found "
          "-1.7976931348623159e308]",
