@@ -44,7 +44,7 @@ Basis basis(const Direction& d) {
     const auto [x, y, z] = d;
     const double linear = std::sqrt(0.23873240799450854);
     const double product = std::sqrt(4.77464815989017) * 0.5;
-    return {0.28209478329944054,
+    return {0.28209478329945054,
             linear * x,
             linear * y,
             linear * z,

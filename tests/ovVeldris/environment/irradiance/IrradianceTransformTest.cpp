@@ -162,6 +162,16 @@ TEST(IrradianceTransformTest, keepsAConstantOnACube) {
     EXPECT_GT(worst, 0.0040);
 }
 
+TEST(IrradianceTransformTest, theFirstBasisFunctionIsTheOneOfTheFamily) {
+    // Six texels of 1: the sum is exact, and the digits of both constants decide. They are written out here,
+    // as other tools of the family have them.
+    const IrradianceMapLayout layout = {true, FORMAT::R32G32B32A32_FLOAT, 1, 1, 6};
+    IrradianceTransform transform(layout);
+    const IrradianceCoefficients coefficients =
+        project(transform, constantSlices(layout, {1.0f, 1.0f, 1.0f, 1.0f}));
+    EXPECT_NEAR(coefficients.values[0][0], 0.28209478329945054 * 12.566370964050293, 2e-15);
+}
+
 TEST(IrradianceTransformTest, weighsAConstantMapByItsTexels) {
     // With every texel of the same weight, the mean of cos^2(theta) is 1/2 instead of 1/3, and that of
     // cos(theta) is 1 / height, as the first row is at the pole and none at the other. So a constant c

@@ -11,7 +11,7 @@ namespace {
 constexpr double PI = 3.1415927410125732;
 constexpr double TWO_PI = 6.2831854820251465;
 
-const double BAND_0 = 0.28209478329944054;                      // 1 / sqrt(4 pi)
+const double BAND_0 = 0.28209478329945054;                      // 1 / sqrt(4 pi)
 const double BAND_1 = std::sqrt(0.23873240799450854);           // sqrt(3 / (4 pi))
 const double BAND_2 = 0.5 * std::sqrt(4.77464815989017);        // sqrt(15 / pi) / 2
 const double BAND_2_POLE = 0.25 * std::sqrt(1.591549386630057); // sqrt(5 / pi) / 4
@@ -75,6 +75,19 @@ double sideOf(unsigned int index, unsigned int count) {
 }
 
 } // namespace
+
+std::array<double, BASIS_FUNCTIONS> irradianceBasisOf(const std::array<double, 3>& direction) {
+    const auto [x, y, z] = direction;
+    return {BAND_0,
+            BAND_1 * x,
+            BAND_1 * y,
+            BAND_1 * z,
+            BAND_2 * z * x,
+            BAND_2 * x * y,
+            BAND_2_POLE * (2.0 * y * y - x * x - z * z),
+            BAND_2 * y * z,
+            BAND_2_SQUARES * (z * z - x * x)};
+}
 
 IrradianceDirections::IrradianceDirections(bool isCube, unsigned int width, unsigned int height)
     : _isCube(isCube)

@@ -24,6 +24,9 @@ constexpr unsigned int BASIS_FUNCTIONS = 9;
 /// basis[k][m]: how much of row function m is in basis function k.
 using RowBasis = std::array<std::array<double, ROW_FUNCTIONS>, BASIS_FUNCTIONS>;
 
+/// The basis functions, in the order of RowBasis, at one direction of length 1.
+OV_API std::array<double, BASIS_FUNCTIONS> irradianceBasisOf(const std::array<double, 3>& direction);
+
 /// Directions of the texels of a cube, or of a map by longitude and latitude, y up. A texel stands for its
 /// top left corner: column i of w is at u = i / w, row j of h at v = j / h.
 ///

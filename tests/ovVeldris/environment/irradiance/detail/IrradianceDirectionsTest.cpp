@@ -49,6 +49,18 @@ TEST(IrradianceDirectionsTest, composesEveryBasisFunction) {
         }
 }
 
+TEST(IrradianceDirectionsTest, givesTheBasisOfOneDirection) {
+    for (const bool isCube : {false, true}) {
+        for (unsigned int j = 0; j < 4; ++j) {
+            const auto direction = irradianceReference::direction(isCube, 1 + j, 2, j, 7, 4);
+            const auto expected = irradianceReference::basis(direction);
+            const auto basis = irradianceBasisOf(direction);
+            for (std::size_t k = 0; k < BASIS_FUNCTIONS; ++k)
+                EXPECT_NEAR(basis[k], expected[k], 1e-15) << j << ", " << k;
+        }
+    }
+}
+
 TEST(IrradianceDirectionsTest, isOrthonormalOverTheSphere) {
     // Over a map, texels cover sin(theta) of the area of those at the equator.
     constexpr unsigned int HEIGHT = 256;

@@ -1,0 +1,101 @@
+#include <ovVeldris/environment/light/EnvironmentTexels.h>
+
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+
+namespace ovVeldris {
+
+namespace {
+
+constexpr double PI = std::numbers::pi;
+
+/// The solid angle of the rectangle of a face from its middle to a place, signed like the product of a and b.
+double solidAngleTo(double a, double b) {
+    return std::atan2(a * b, std::sqrt(a * a + b * b + 1.0));
+}
+
+bool isReadable(const ovImages::ImageView& image, bool isCube) {
+    return ovImages::isValid(image) && image.componentType == ovImages::COMPONENT_TYPE::FLOAT &&
+           image.encoding == ovImages::COLOR_ENCODING::LINEAR && image.channels >= 3 &&
+           (!isCube || image.height == ENVIRONMENT_FACES * image.width);
+}
+
+} // namespace
+
+Direction directionOfFace(unsigned int face, double a, double b) {
+    const Direction directions[ENVIRONMENT_FACES] = {{1.0, -b, -a}, {-1.0, -b, a}, {a, 1.0, b},
+                                                     {a, -1.0, -b}, {a, -b, 1.0},  {-a, -b, -1.0}};
+    return directions[face % ENVIRONMENT_FACES];
+}
+
+EnvironmentTexels::EnvironmentTexels(const ovImages::ImageView& image, bool isCube)
+    : _image(image)
+    , _isCube(isCube)
+    , _isValid(isReadable(image, isCube)) {
+    if (!_isValid)
+        return;
+    if (_isCube)
+        _placeCube();
+    else
+        _placePanorama();
+}
+
+void EnvironmentTexels::_placePanorama() {
+    for (unsigned int column = 0; column < _image.width; ++column) {
+        const double longitude = 2.0 * PI * ((column + 0.5) / _image.width - 0.5);
+        _columns.push_back({std::cos(longitude), std::sin(longitude)});
+    }
+    for (unsigned int row = 0; row < _image.height; ++row) {
+        const double latitude = PI * (0.5 - (row + 0.5) / _image.height);
+        _rows.push_back({std::cos(latitude), std::sin(latitude)});
+        // The difference of the sines at the upper and lower edge, as a product that keeps its digits.
+        const double band = 2.0 * std::cos(latitude) * std::sin(0.5 * PI / _image.height);
+        _solidAngles.push_back(static_cast<float>(2.0 * PI / _image.width * band));
+    }
+}
+
+void EnvironmentTexels::_placeCube() {
+    const unsigned int side = _image.width;
+    for (unsigned int column = 0; column < side; ++column)
+        _columns.push_back({2.0 * (column + 0.5) / side - 1.0, 0.0});
+    const unsigned int quarter = (side + 1) / 2;
+    const auto edge = [side](unsigned int i) { return 2.0 * i / side - 1.0; };
+    _solidAngles.resize(std::size_t{quarter} * quarter);
+    for (unsigned int row = 0; row < quarter; ++row) {
+        for (unsigned int column = 0; column < quarter; ++column)
+            _solidAngles[std::size_t{row} * quarter + column] = static_cast<float>(
+                solidAngleTo(edge(column + 1), edge(row + 1)) - solidAngleTo(edge(column), edge(row + 1)) -
+                solidAngleTo(edge(column + 1), edge(row)) + solidAngleTo(edge(column), edge(row)));
+    }
+}
+
+Direction EnvironmentTexels::getDirection(unsigned int column, unsigned int row) const {
+    const auto [first, second] = _columns[column];
+    if (!_isCube) {
+        const auto [cosLatitude, sinLatitude] = _rows[row];
+        return {first * cosLatitude, sinLatitude, second * cosLatitude};
+    }
+    const unsigned int side = _image.width;
+    const double b = _columns[row % side][0];
+    Direction direction = directionOfFace(row / side, first, b);
+    const double shortened = 1.0 / std::sqrt(first * first + b * b + 1.0);
+    for (double& part : direction)
+        part *= shortened;
+    return direction;
+}
+
+double EnvironmentTexels::getSolidAngle(unsigned int column, unsigned int row) const {
+    if (!_isCube)
+        return _solidAngles[row];
+    const unsigned int side = _image.width;
+    const unsigned int place = row % side;
+    const std::size_t quarter = (side + 1) / 2;
+    return _solidAngles[std::min(place, side - 1 - place) * quarter + std::min(column, side - 1 - column)];
+}
+
+double EnvironmentTexels::getStretch(unsigned int row) const {
+    return _isCube ? 1.0 : 2.0 * _image.height / _image.width * _rows[row][0];
+}
+
+} // namespace ovVeldris
