@@ -208,6 +208,13 @@ inline ovImages::Image hardSunFaces(unsigned int side) {
     return image;
 }
 
+/// An environment with a name for messages.
+struct Sky {
+    const char* name;
+    ovImages::Image image;
+    bool isCube;
+};
+
 /// Grey 0.1 but for one texel.
 inline ovImages::Image oneBrightTexel(unsigned int width, unsigned int height, unsigned int x,
                                       unsigned int y) {

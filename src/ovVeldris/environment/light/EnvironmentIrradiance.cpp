@@ -47,10 +47,10 @@ ovImages::Image drawIrradianceCube(const IrradianceCoefficients& coefficients, u
     if (image.isEmpty())
         return image;
     auto* const texels = reinterpret_cast<float*>(image.getBytes().data());
-    const EnvironmentTexels places(image.view(), true);
     ovCommon::parallelFor(std::size_t{side} * ENVIRONMENT_FACES, [&](std::size_t row) {
         for (unsigned int column = 0; column < side; ++column) {
-            const auto basis = irradianceBasisOf(places.getDirection(column, static_cast<unsigned int>(row)));
+            const auto basis =
+                irradianceBasisOf(directionOfCubeTexel(side, column, static_cast<unsigned int>(row)));
             float* const texel = texels + (row * side + column) * CHANNELS;
             for (std::size_t color = 0; color < COLORS; ++color) {
                 double sum = 0.0;

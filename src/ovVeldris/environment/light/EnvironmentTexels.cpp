@@ -29,6 +29,16 @@ Direction directionOfFace(unsigned int face, double a, double b) {
     return directions[face % ENVIRONMENT_FACES];
 }
 
+Direction directionOfCubeTexel(unsigned int side, unsigned int column, unsigned int row) {
+    const double a = 2.0 * (column + 0.5) / side - 1.0;
+    const double b = 2.0 * (row % side + 0.5) / side - 1.0;
+    Direction direction = directionOfFace(row / side, a, b);
+    const double shortened = 1.0 / std::sqrt(a * a + b * b + 1.0);
+    for (double& part : direction)
+        part *= shortened;
+    return direction;
+}
+
 EnvironmentTexels::EnvironmentTexels(const ovImages::ImageView& image, bool isCube)
     : _image(image)
     , _isCube(isCube)
@@ -57,8 +67,6 @@ void EnvironmentTexels::_placePanorama() {
 
 void EnvironmentTexels::_placeCube() {
     const unsigned int side = _image.width;
-    for (unsigned int column = 0; column < side; ++column)
-        _columns.push_back({2.0 * (column + 0.5) / side - 1.0, 0.0});
     const unsigned int quarter = (side + 1) / 2;
     const auto edge = [side](unsigned int i) { return 2.0 * i / side - 1.0; };
     _solidAngles.resize(std::size_t{quarter} * quarter);
@@ -71,18 +79,11 @@ void EnvironmentTexels::_placeCube() {
 }
 
 Direction EnvironmentTexels::getDirection(unsigned int column, unsigned int row) const {
-    const auto [first, second] = _columns[column];
-    if (!_isCube) {
-        const auto [cosLatitude, sinLatitude] = _rows[row];
-        return {first * cosLatitude, sinLatitude, second * cosLatitude};
-    }
-    const unsigned int side = _image.width;
-    const double b = _columns[row % side][0];
-    Direction direction = directionOfFace(row / side, first, b);
-    const double shortened = 1.0 / std::sqrt(first * first + b * b + 1.0);
-    for (double& part : direction)
-        part *= shortened;
-    return direction;
+    if (_isCube)
+        return directionOfCubeTexel(_image.width, column, row);
+    const auto [cosLongitude, sinLongitude] = _columns[column];
+    const auto [cosLatitude, sinLatitude] = _rows[row];
+    return {cosLongitude * cosLatitude, sinLatitude, sinLongitude * cosLatitude};
 }
 
 double EnvironmentTexels::getSolidAngle(unsigned int column, unsigned int row) const {

@@ -54,7 +54,7 @@ private:
     ovImages::ImageView _image;
     bool _isCube;
     bool _isValid;
-    ovMemory::Buffer<std::array<double, 2>> _columns; ///< cosine and sine of the longitude; or the place, 0
+    ovMemory::Buffer<std::array<double, 2>> _columns; ///< cosine and sine of the longitude
     ovMemory::Buffer<std::array<double, 2>> _rows;    ///< cosine and sine of the latitude
     /// Of a row of a panorama; or of a quarter of a face, whose other quarters mirror it.
     ovMemory::Buffer<float> _solidAngles;
@@ -63,5 +63,9 @@ private:
 /// The direction of a place of a cube's face, of any length.
 /// @param face 0 to 5 @param a, b from -1 at the left and upper edge to 1 at the opposite ones
 OV_API Direction directionOfFace(unsigned int face, double a, double b);
+
+/// The direction of the middle of a texel of six faces below each other, length 1. @param side texels of a
+/// face
+OV_API Direction directionOfCubeTexel(unsigned int side, unsigned int column, unsigned int row);
 
 } // namespace ovVeldris

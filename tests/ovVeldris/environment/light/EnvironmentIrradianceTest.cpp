@@ -5,16 +5,11 @@
 #include <algorithm>
 #include <gtest/gtest.h>
 
+using lightTruth::Sky;
 using ovVeldris::EnvironmentTexels;
 using ovVeldris::IrradianceCoefficients;
 
 namespace {
-
-struct Sky {
-    const char* name;
-    ovImages::Image image;
-    bool isCube;
-};
 
 std::vector<Sky> skies() {
     std::vector<Sky> all;

@@ -8,17 +8,17 @@ using ovVeldris::EnvironmentTexels;
 
 namespace {
 
-struct Case {
+struct Shape {
     bool isCube;
     unsigned int width;
     unsigned int height;
 };
 
-constexpr Case CASES[] = {{false, 1, 1}, {false, 2, 1}, {false, 16, 8}, {false, 13, 7}, {false, 5, 40},
-                          {true, 1, 6},  {true, 2, 12}, {true, 5, 30},  {true, 8, 48}};
+constexpr Shape SHAPES[] = {{false, 1, 1}, {false, 2, 1}, {false, 16, 8}, {false, 13, 7}, {false, 5, 40},
+                            {true, 1, 6},  {true, 2, 12}, {true, 5, 30},  {true, 8, 48}};
 
 TEST(EnvironmentTexelsTest, placesEveryTexel) {
-    for (const Case& row : CASES) {
+    for (const Shape& row : SHAPES) {
         SCOPED_TRACE(std::to_string(row.width) + " x " + std::to_string(row.height));
         const ovImages::Image image = lightTruth::floatPicture(row.width, row.height);
         const EnvironmentTexels texels(image.view(), row.isCube);

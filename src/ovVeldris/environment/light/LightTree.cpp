@@ -1,0 +1,238 @@
+#include <ovVeldris/environment/light/LightTree.h>
+
+#include <algorithm>
+#include <cmath>
+#include <ovCommon/ParallelFor.h>
+
+namespace ovVeldris {
+
+namespace {
+
+constexpr std::size_t COLOR_COUNT = 3;
+constexpr unsigned int NO_TEXELS = ~0u;
+
+/// More make the tree smaller and lobes that are narrower than a leaf slower.
+constexpr unsigned int TEXELS_OF_LEAF = 32;
+
+/// Parts of the environment that are made into trees by themselves, on all cores.
+constexpr std::size_t BRANCHES = 64;
+
+/// The share of its light by which a node may be wrong.
+constexpr double TOLERANCE = 0.05;
+
+/// A node's radius over the distance, at most: farther texels than that are not told by the moments.
+constexpr double OPENING = 0.25;
+
+/// How much finer lights must be where a lobe ends at the horizon: its weight has a bend there.
+constexpr float HORIZON_REACH = 4.0f;
+
+double distance(const Direction& a, const Direction& b) {
+    return std::hypot(a[0] - b[0], a[1] - b[1], a[2] - b[2]);
+}
+
+double dot(const Direction& a, const Direction& b) {
+    return a[0] * b[0] + a[1] * b[1] + a[2] * b[2];
+}
+
+Direction scaled(const Direction& direction, double factor) {
+    return {direction[0] * factor, direction[1] * factor, direction[2] * factor};
+}
+
+/// A sum of colors' directions over the sum of their powers; the powers are not all 0.
+PointLight pointLightOf(const Direction& direction, const std::array<double, COLOR_COUNT>& power) {
+    PointLight light;
+    for (std::size_t i = 0; i < COLOR_COUNT; ++i) {
+        light.direction[i] = static_cast<float>(direction[i]);
+        light.power[i] = static_cast<float>(power[i]);
+    }
+    return light;
+}
+
+} // namespace
+
+Direction LightTree::Moments::getMean() const {
+    const double all = power[0] + power[1] + power[2];
+    Direction mean = {};
+    for (std::size_t axis = 0; axis < mean.size() && all > 0.0; ++axis)
+        mean[axis] = (directions[0][axis] + directions[1][axis] + directions[2][axis]) / all;
+    return mean;
+}
+
+LightTree::LightTree(const EnvironmentTexels& environment)
+    : _environment(environment) {
+    const ovMemory::Buffer<Block> blocks = _split();
+    _branches.resize(blocks.size());
+    ovCommon::parallelFor(blocks.size(), [&](std::size_t i) { _append(blocks[i], _branches[i]); });
+}
+
+/// Where a lobe falls like chord^-4, a color whose mean lies `shift` from the common one is wrong by 4 shift
+/// / chord of itself, and a spread around the common mean by 6 variance / chord^2. This solves for the chord
+/// at which both make up the tolerance.
+float LightTree::_reachOf(const Moments& moments) {
+    const Direction mean = moments.getMean();
+    double reach = moments.radius / OPENING;
+    for (std::size_t color = 0; color < COLOR_COUNT; ++color) {
+        if (moments.power[color] <= 0.0)
+            continue;
+        const Direction own = scaled(moments.directions[color], 1.0 / moments.power[color]);
+        const double shift = distance(own, mean);
+        // Directions have length 1, so that their mean's shortness tells how far they are apart.
+        const double variance = std::max(0.0, 1.0 - dot(own, own)) + shift * shift;
+        const double root = std::sqrt(16.0 * shift * shift + 24.0 * variance * TOLERANCE);
+        reach = std::max(reach, (4.0 * shift + root) / (2.0 * TOLERANCE));
+    }
+    return static_cast<float>(reach);
+}
+
+/// Halves the largest part again and again. A cube's faces are parts by themselves.
+ovMemory::Buffer<LightTree::Block> LightTree::_split() const {
+    const unsigned int width = _environment.getWidth();
+    const unsigned int parts = _environment.isCube() ? ENVIRONMENT_FACES : 1;
+    const unsigned int height = _environment.getHeight() / parts;
+    ovMemory::Buffer<Block> blocks;
+    for (unsigned int part = 0; part < parts; ++part)
+        blocks.push_back({0, part * height, width, height});
+    const auto texels = [](const Block& block) { return std::size_t{block.width} * block.height; };
+    while (blocks.size() < BRANCHES) {
+        const auto largest =
+            std::max_element(blocks.begin(), blocks.end(),
+                             [&](const Block& a, const Block& b) { return texels(a) < texels(b); });
+        if (texels(*largest) <= TEXELS_OF_LEAF)
+            break;
+        const auto [first, second] = _halve(*largest);
+        *largest = first;
+        blocks.push_back(second);
+    }
+    return blocks;
+}
+
+std::array<LightTree::Block, 2> LightTree::_halve(const Block& block) const {
+    Block first = block;
+    Block second = block;
+    // Across the longer side as it is seen: near the poles of a panorama many texels are next to nothing
+    // wide.
+    const double stretch = _environment.getStretch(block.row + block.height / 2);
+    if (block.height == 1 || (block.width > 1 && block.width * stretch > block.height)) {
+        first.width = block.width / 2;
+        second.column += first.width;
+        second.width -= first.width;
+    } else {
+        first.height = block.height / 2;
+        second.row += first.height;
+        second.height -= first.height;
+    }
+    return {first, second};
+}
+
+LightTree::Moments LightTree::_append(const Block& block, Branch& branch) const {
+    const std::size_t number = branch.nodes.size();
+    branch.nodes.emplace_back().texels = NO_TEXELS;
+    Moments sum;
+    if (block.width * block.height <= TEXELS_OF_LEAF) {
+        sum = _sumTexels(block);
+        branch.nodes[number].texels = static_cast<unsigned int>(branch.leaves.size());
+        branch.leaves.push_back(block);
+    } else {
+        std::array<Moments, 2> halves;
+        const std::array<Block, 2> blocks = _halve(block);
+        for (std::size_t i = 0; i < halves.size(); ++i) {
+            halves[i] = _append(blocks[i], branch);
+            for (std::size_t color = 0; color < COLOR_COUNT; ++color) {
+                sum.power[color] += halves[i].power[color];
+                for (std::size_t axis = 0; axis < 3; ++axis)
+                    sum.directions[color][axis] += halves[i].directions[color][axis];
+            }
+        }
+        const Direction mean = sum.getMean();
+        for (const Moments& half : halves) {
+            if (half.power[0] + half.power[1] + half.power[2] > 0.0)
+                sum.radius = std::max(sum.radius, distance(half.getMean(), mean) + half.radius);
+        }
+    }
+    Node& node = branch.nodes[number];
+    node.light = pointLightOf(sum.getMean(), sum.power);
+    const Direction mean = sum.getMean();
+    // Directions have length 1, so that their mean's shortness tells how far they are apart.
+    node.light.variance = static_cast<float>(0.5 * std::max(0.0, 1.0 - dot(mean, mean)));
+    node.reach = _reachOf(sum);
+    node.end = static_cast<unsigned int>(branch.nodes.size());
+    return sum;
+}
+
+LightTree::Moments LightTree::_sumTexels(const Block& block) const {
+    Moments sum;
+    const auto forEachTexel = [&](const auto& visit) {
+        for (unsigned int row = block.row; row < block.row + block.height; ++row) {
+            for (unsigned int column = block.column; column < block.column + block.width; ++column) {
+                const float* light = _environment.getLight(column, row);
+                if (light[0] + light[1] + light[2] > 0.0f)
+                    visit(light, _environment.getDirection(column, row),
+                          _environment.getSolidAngle(column, row));
+            }
+        }
+    };
+    forEachTexel([&](const float* light, const Direction& direction, double solidAngle) {
+        for (std::size_t color = 0; color < COLOR_COUNT; ++color) {
+            const double power = light[color] * solidAngle;
+            sum.power[color] += power;
+            for (std::size_t axis = 0; axis < 3; ++axis)
+                sum.directions[color][axis] += power * direction[axis];
+        }
+    });
+    const Direction mean = sum.getMean();
+    forEachTexel([&](const float*, const Direction& direction, double) {
+        sum.radius = std::max(sum.radius, distance(direction, mean));
+    });
+    return sum;
+}
+
+void LightTree::gather(const Direction& middle, double radius, double width,
+                       ovMemory::Buffer<PointLight>& lights) const {
+    const auto x = static_cast<float>(middle[0]);
+    const auto y = static_cast<float>(middle[1]);
+    const auto z = static_cast<float>(middle[2]);
+    const auto nearest = static_cast<float>(radius);
+    const auto softness = static_cast<float>(width * width);
+    for (const Branch& branch : _branches) {
+        for (unsigned int i = 0; i < branch.nodes.size();) {
+            const Node& node = branch.nodes[i];
+            const PointLight& light = node.light;
+            if (light.power[0] + light.power[1] + light.power[2] <= 0.0f) {
+                i = node.end;
+                continue;
+            }
+            const float dx = light.direction[0] - x;
+            const float dy = light.direction[1] - y;
+            const float dz = light.direction[2] - z;
+            const float chord = std::max(0.0f, std::sqrt(dx * dx + dy * dy + dz * dz) - nearest);
+            const float cosine = light.direction[0] * x + light.direction[1] * y + light.direction[2] * z;
+            // Some of a node's texels may lie above a horizon that its mean is below.
+            const bool isAtHorizon = std::abs(cosine) < nearest + static_cast<float>(OPENING) * node.reach;
+            const float reach = isAtHorizon ? HORIZON_REACH * node.reach : node.reach;
+            if (reach * reach <= softness + chord * chord) {
+                lights.push_back(light);
+                i = node.end;
+                continue;
+            }
+            if (node.texels != NO_TEXELS)
+                _gatherTexels(branch.leaves[node.texels], lights);
+            ++i; // to its children, or past a leaf
+        }
+    }
+}
+
+void LightTree::_gatherTexels(const Block& block, ovMemory::Buffer<PointLight>& lights) const {
+    for (unsigned int row = block.row; row < block.row + block.height; ++row) {
+        for (unsigned int column = block.column; column < block.column + block.width; ++column) {
+            const float* light = _environment.getLight(column, row);
+            if (light[0] + light[1] + light[2] <= 0.0f)
+                continue;
+            const double solidAngle = _environment.getSolidAngle(column, row);
+            lights.push_back(
+                pointLightOf(_environment.getDirection(column, row),
+                             {light[0] * solidAngle, light[1] * solidAngle, light[2] * solidAngle}));
+        }
+    }
+}
+
+} // namespace ovVeldris

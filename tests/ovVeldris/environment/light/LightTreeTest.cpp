@@ -1,0 +1,83 @@
+#include <ovVeldris/environment/light/LightTree.h>
+
+#include "support/LightTruth.h"
+
+#include <gtest/gtest.h>
+
+using ovVeldris::EnvironmentTexels;
+using ovVeldris::LightTree;
+using ovVeldris::PointLight;
+
+namespace {
+
+ovMemory::Buffer<PointLight> gathered(const ovImages::Image& image, bool isCube,
+                                      const ovVeldris::Direction& middle, double width) {
+    const EnvironmentTexels texels(image.view(), isCube);
+    const LightTree tree(texels);
+    ovMemory::Buffer<PointLight> lights;
+    tree.gather(middle, 0.01, width, lights);
+    return lights;
+}
+
+TEST(LightTreeTest, noLightIsLostOrCountedTwice) {
+    struct Case {
+        ovImages::Image image;
+        bool isCube;
+    };
+    const Case cases[] = {{lightTruth::hardSunPanorama(100), false},
+                          {lightTruth::oneBrightTexel(1, 1, 0, 0), false},
+                          {lightTruth::oneBrightTexel(301, 3, 7, 1), false},
+                          {lightTruth::hardSunFaces(33), true},
+                          {lightTruth::oneBrightTexel(1, 6, 0, 2), true}};
+    for (const Case& row : cases) {
+        const auto truth = lightTruth::lightsOf(row.image, row.isCube);
+        for (const double width : {0.02, 0.2, 1.0}) {
+            const auto lights = gathered(row.image, row.isCube, {0.6, 0.0, 0.8}, width);
+            for (std::size_t color = 0; color < 3; ++color) {
+                double power = 0.0;
+                lightTruth::Direction moment = {};
+                for (const PointLight& light : lights) {
+                    power += light.power[color];
+                    for (std::size_t axis = 0; axis < 3; ++axis)
+                        moment[axis] += light.power[color] * light.direction[axis];
+                }
+                double expected = 0.0;
+                lightTruth::Direction expectedMoment = {};
+                for (const lightTruth::Light& light : truth) {
+                    expected += light.power[color];
+                    for (std::size_t axis = 0; axis < 3; ++axis)
+                        expectedMoment[axis] += light.power[color] * light.direction[axis];
+                }
+                EXPECT_NEAR(power / expected, 1.0, 1e-5);
+                for (std::size_t axis = 0; axis < 3; ++axis) // colors share the mean of all
+                    EXPECT_NEAR(moment[axis] / expected, expectedMoment[axis] / expected, 0.003);
+            }
+        }
+    }
+}
+
+TEST(LightTreeTest, nearTexelsAreTheirOwnAndFarOnesAreFew) {
+    const ovImages::Image sky = lightTruth::hardSunPanorama(256);
+    const lightTruth::Direction middle = lightTruth::panoramaDirection(512, 256, 100.5, 90.5);
+    const auto lights = gathered(sky, false, middle, 0.02);
+    EXPECT_LT(lights.size(), 512u * 256u / 20u);
+    std::size_t found = 0;
+    for (unsigned int y = 88; y < 94; ++y) {
+        for (unsigned int x = 98; x < 104; ++x) {
+            const auto place = lightTruth::panoramaDirection(512, 256, x + 0.5, y + 0.5);
+            for (const PointLight& light : lights)
+                found += light.variance == 0.0f && std::abs(light.direction[0] - place[0]) < 1e-6 &&
+                                 std::abs(light.direction[1] - place[1]) < 1e-6 &&
+                                 std::abs(light.direction[2] - place[2]) < 1e-6
+                             ? 1
+                             : 0;
+        }
+    }
+    EXPECT_EQ(found, 36u);
+}
+
+TEST(LightTreeTest, darknessHasNoLights) {
+    EXPECT_TRUE(gathered(lightTruth::floatPicture(64, 32), false, {1.0, 0.0, 0.0}, 0.1).empty());
+}
+
+} // namespace
