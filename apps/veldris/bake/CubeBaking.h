@@ -1,4 +1,4 @@
-// Environments turned into cubes and panoramas on the device.
+// Environments turned into cubes and panoramas.
 #pragma once
 
 #include <ovVeldris/environment/irradiance/IrradianceTransform.h>
@@ -6,29 +6,26 @@
 
 namespace veldris {
 
-class Session;
+/// Results are linear floats of four channels, alpha 1, computed on the CPU on all cores. The same input
+/// gives the same bits on the same kind of processor. All return false with one line in error when the result
+/// is too large or memory does not suffice.
 
-/// Results are linear floats of four channels, alpha 1. The same input gives the same bits on the same
-/// device. All return false with one line in error when the device cannot hold or draw it.
-
-/// An environment as a cube with a full chain of mips. Where the input is finer, it is drawn larger and
-/// averaged.
+/// An environment as a cube with a full chain of mips. Where the input is finer, it is averaged.
 /// @param side texels a side of a face, 1 or more
-bool bakeCube(Session& session, const EnvironmentInput& input, unsigned int side, CubeMap& cube,
-              ovMemory::String& error);
+bool bakeCube(const EnvironmentInput& input, unsigned int side, CubeMap& cube, ovMemory::String& error);
 
 /// The environment as surfaces of rising roughness mirror it, for PbsMaterial::setEnvironmentTexture().
 /// @param side texels a side of the largest mip, 4 or more
-bool bakePrefiltered(Session& session, const EnvironmentInput& input, unsigned int side, CubeMap& cube,
+bool bakePrefiltered(const EnvironmentInput& input, unsigned int side, CubeMap& cube,
                      ovMemory::String& error);
 
 /// The irradiance over pi of the environment, one mip, for PbsMaterial::setIrradianceTexture().
 /// @param coefficients what it was computed from
-bool bakeIrradiance(Session& session, const EnvironmentInput& input, unsigned int side, CubeMap& cube,
+bool bakeIrradiance(const EnvironmentInput& input, unsigned int side, CubeMap& cube,
                     ovVeldris::IrradianceCoefficients& coefficients, ovMemory::String& error);
 
 /// A cube as a panorama twice as wide as high. @param input a cube
-bool bakePanorama(Session& session, const EnvironmentInput& input, unsigned int height,
-                  ovImages::Image& panorama, ovMemory::String& error);
+bool bakePanorama(const EnvironmentInput& input, unsigned int height, ovImages::Image& panorama,
+                  ovMemory::String& error);
 
 } // namespace veldris

@@ -19,10 +19,17 @@ namespace {
 
 constexpr StringView NO_MEMORY = "it needs more memory than there is, or than a picture may take.";
 
-// Every input becomes the same kind of picture, so that baking knows one.
+constexpr unsigned int RGB_CHANNELS = 3;
+
+// An alpha channel is not looked at.
 Image asFloats(const ImageView& image) {
-    return ovImages::convertImage(image, ovImages::COMPONENT_TYPE::FLOAT, CUBE_CHANNELS,
+    return ovImages::convertImage(image, ovImages::COMPONENT_TYPE::FLOAT, RGB_CHANNELS,
                                   ovImages::COLOR_ENCODING::LINEAR);
+}
+
+bool isFloats(const Image& image) {
+    return image.getComponentType() == ovImages::COMPONENT_TYPE::FLOAT &&
+           image.getChannels() >= RGB_CHANNELS && image.getEncoding() == ovImages::COLOR_ENCODING::LINEAR;
 }
 
 bool decode(const String& path, EnvironmentInput& input, Image& image, String& error) {
@@ -58,7 +65,7 @@ bool readFaces(const String& pattern, EnvironmentInput& input, String& error) {
             return false;
         // The first face sets the size that the others must have.
         if (face == 0)
-            input.image = Image(image.getWidth(), image.getWidth() * FACE_COUNT, CUBE_CHANNELS,
+            input.image = Image(image.getWidth(), image.getWidth() * FACE_COUNT, RGB_CHANNELS,
                                 ovImages::COMPONENT_TYPE::FLOAT, ovImages::COLOR_ENCODING::LINEAR);
         const Image floats = asFloats(image.view());
         if (input.image.isEmpty() || floats.isEmpty()) {
@@ -119,9 +126,11 @@ bool readEnvironment(const String& path, EnvironmentInput& input, String& error)
     if (!read(path, input, error))
         return false;
     input.isCube = input.kind != StringView("panorama");
+    // Floats stay where they are: skies take hundreds of megabytes.
+    if (!isFloats(input.image))
+        input.image = asFloats(input.image.view());
     String warning;
-    // One NaN or one infinite texel would spread over whole mips.
-    input.image = clampedPanorama(input.image.view(), warning);
+    cleanEnvironment(input.image, warning);
     if (!warning.empty())
         input.warnings.push_back(warning);
     if (input.image.isEmpty())

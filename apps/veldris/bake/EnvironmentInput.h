@@ -11,7 +11,8 @@ inline constexpr ovMemory::StringView FACE_FIELD = "{face}";
 /// The path with every {face}, or another field, replaced.
 ovMemory::String fillField(ovMemory::StringView path, ovMemory::StringView field, ovMemory::StringView value);
 
-/// An environment that was read: linear floats of four channels, without texels that spoil filtering.
+/// An environment that was read: linear floats of three or four channels, without texels that spoil
+/// filtering.
 struct EnvironmentInput {
     ovImages::Image image; ///< a panorama by longitude and latitude, or one mip of a cube as CubeMap has it
     bool isCube = false;
@@ -20,8 +21,8 @@ struct EnvironmentInput {
 };
 
 /// Reads an environment: a DDS or KTX2 file of a cube, six files when the path has {face} in it, or a
-/// picture, which is a cross if it has the shape of one, and a panorama otherwise. Numbers are clamped as
-/// clampedPanorama() tells.
+/// picture, which is a cross if it has the shape of one, and a panorama otherwise. Numbers are
+/// cleaned as cleanEnvironment() tells.
 /// @return false with one line in error
 bool readEnvironment(const ovMemory::String& path, EnvironmentInput& input, ovMemory::String& error);
 

@@ -5,8 +5,6 @@
 #include <chrono>
 #include <fmt/format.h>
 #include <optional>
-#include <ovGraphics/System.h>
-#include <ovGraphics/device/Device.h>
 #include <unistd.h>
 #include <veldris/JsonText.h>
 #include <veldris/bake/BakeOutput.h>
@@ -77,17 +75,10 @@ String coefficientsText(const ovVeldris::IrradianceCoefficients& coefficients) {
 }
 
 /// One line on a terminal before long work.
-void tellProgress(const BakeOptions& options, Session& session) {
+void tellProgress(const BakeOptions& options) {
     // In a pipe or a log the line would be noise.
-    if (!isatty(STDERR_FILENO))
-        return;
-    // What a software rasteriser of two cores needs for 1024 samples of each texel; others need milliseconds.
-    constexpr double SECONDS_OF_256 = 2.0;
-    String estimate;
-    if (options.bake == BAKE::PREFILTER && session.getGraphics().getDeviceInfo()->software)
-        estimate =
-            fmt::format(", about {:.0f} s", 1.0 + SECONDS_OF_256 * options.size * options.size / 65536.0);
-    fmt::print(stderr, "{}: baking '{}'{} ...\n", options.name, options.input, estimate);
+    if (isatty(STDERR_FILENO))
+        fmt::print(stderr, "{}: baking '{}' ...\n", options.name, options.input);
 }
 
 /// Whether the files can be written, as far as that can be told now.
@@ -111,32 +102,28 @@ bool plan(const BakeOptions& options, BakeOutput& output, String& error) {
 
 /// Photographed panoramas run to the right, the library's longitudes to the left: a panorama that becomes a
 /// cube is turned before, and one made of a cube afterwards, so that letters read right in both.
-bool turnPanorama(const BakeOptions& options, ovImages::Image& panorama, String& error) {
-    if (options.libraryLongitudes)
-        return true;
-    panorama = turnedPhotograph(panorama.view());
-    if (!panorama.isEmpty())
-        return true;
-    error = fmt::format("'{}' cannot be mirrored: it needs more memory than there is.", options.input);
-    return false;
+void turnPanorama(const BakeOptions& options, ovImages::Image& panorama) {
+    if (!options.libraryLongitudes)
+        turnPhotograph(panorama);
 }
 
-bool bake(const BakeOptions& options, Session& session, const EnvironmentInput& input, BakeResult& result,
-          String& error) {
+bool bake(const BakeOptions& options, const EnvironmentInput& input, BakeResult& result, String& error) {
     switch (options.bake) {
     case BAKE::PREFILTER:
-        return bakePrefiltered(session, input, options.size, result.cube, error);
+        return bakePrefiltered(input, options.size, result.cube, error);
     case BAKE::IRRADIANCE:
-        return bakeIrradiance(session, input, options.size, result.cube, result.coefficients, error);
+        return bakeIrradiance(input, options.size, result.cube, result.coefficients, error);
     case BAKE::CUBEMAP:
-        return bakeCube(session, input, options.size, result.cube, error);
+        return bakeCube(input, options.size, result.cube, error);
     case BAKE::SPHERICAL:
         break;
     }
     // A map's middle row has four faces, so this keeps the size of the cube's texels.
     const unsigned int height = options.size > 0 ? options.size : 2 * input.image.getWidth();
-    return bakePanorama(session, input, height, result.panorama, error) &&
-           turnPanorama(options, result.panorama, error);
+    if (!bakePanorama(input, height, result.panorama, error))
+        return false;
+    turnPanorama(options, result.panorama);
+    return true;
 }
 
 bool write(const BakeOptions& options, const BakeOutput& output, BakeResult& result, String& error) {
@@ -192,18 +179,13 @@ int runBake(Console& console, BakeOptions options) {
         return console.fail(
             fmt::format("'{}' is a panorama already; spherical unwraps cubes.", options.input));
     console.warnEach(input.warnings);
-    if (!input.isCube && !turnPanorama(options, input.image, error))
-        return console.fail(error);
+    if (!input.isCube)
+        turnPanorama(options, input.image);
     seconds.number("read", stopwatch.lap());
-    // After reading: a file that is missing is told without starting a device.
-    Session session;
-    if (!session.open(options.drawing, error))
-        return console.fail(error);
-    tellProgress(options, session);
+    tellProgress(options);
     BakeResult result;
-    if (!bake(options, session, input, result, error))
+    if (!bake(options, input, result, error))
         return console.fail(error);
-    console.warnEach(session.getLogger().takeLines());
     seconds.number("bake", stopwatch.lap());
     if (!write(options, output, result, error))
         return console.fail(error);

@@ -20,7 +20,7 @@ using ovMemory::StringView;
 
 namespace {
 
-constexpr StringView FORMAT_VERSION = "veldris environment 1";
+constexpr StringView FORMAT_VERSION = "veldris environment 2";
 
 /// How a texture's texels are laid out in the file, which follow slice by slice, each mip by mip.
 struct TextureHeader {

@@ -1,14 +1,12 @@
 #include <veldris/scene/EnvironmentLight.h>
 
-#include <algorithm>
-#include <cmath>
 #include <fmt/format.h>
 #include <ovGraphics/System.h>
 #include <ovGraphics/resources/Texture.h>
 #include <ovImages/Conversion.h>
 #include <ovImages/Half.h>
-#include <ovVeldris/System.h>
-#include <ovVeldris/environment/PbsEnvironmentMapFilter.h>
+#include <ovVeldris/environment/light/EnvironmentIrradiance.h>
+#include <ovVeldris/environment/light/EnvironmentPrefilter.h>
 #include <ovVeldris/materials/PbsMaterial.h>
 #include <veldris/Session.h>
 #include <veldris/scene/EnvironmentCache.h>
@@ -16,13 +14,13 @@
 namespace veldris {
 
 using ovGraphics::Texture;
+using ovMemory::Buffer;
 using ovMemory::String;
 
 namespace {
 
 constexpr unsigned int PREFILTERED_SIDE = 256; // texels
 constexpr unsigned int IRRADIANCE_SIDE = 32;   // texels: irradiance varies slowly
-constexpr unsigned int FULL_CHAIN = 0;
 
 ovMemory::UniquePtr<Texture> makeTexture(Session& session, ovMemory::StringView name) {
     auto texture = Texture::create(&session.getGraphics());
@@ -30,25 +28,40 @@ ovMemory::UniquePtr<Texture> makeTexture(Session& session, ovMemory::StringView 
     return texture;
 }
 
+/// @param mips six faces below each other each, four floats a pixel
+bool loadCube(Texture& texture, ovMemory::BufferView<const ovImages::Image> mips) {
+    texture.setTexType(ovGraphics::TEXTURE_TYPE::CUBE);
+    texture.setFormat(ovGraphics::FORMAT::R32G32B32A32_FLOAT);
+    texture.setWidth(mips.front().getWidth());
+    texture.setHeight(mips.front().getWidth());
+    texture.setMipCount(static_cast<unsigned int>(mips.size()));
+    for (unsigned int mip = 0; mip < mips.size(); ++mip) {
+        const auto bytes = mips[mip].getBytes();
+        const std::size_t faceSize = bytes.size() / ovVeldris::ENVIRONMENT_FACES;
+        for (unsigned int face = 0; face < ovVeldris::ENVIRONMENT_FACES; ++face)
+            texture.setCpuData(face, mip, bytes.subspan(face * faceSize, faceSize));
+    }
+    return texture.load();
+}
+
 } // namespace
 
-ovImages::Image clampedPanorama(const ovImages::ImageView& panorama, String& warning) {
-    ovImages::Image image = ovImages::convertImage(panorama, ovImages::COMPONENT_TYPE::FLOAT, 4,
-                                                   ovImages::COLOR_ENCODING::LINEAR);
-    auto* values = reinterpret_cast<float*>(image.getBytes().data());
-    std::size_t clamped = 0;
-    for (float* value = values; value != values + image.getBytes().size() / sizeof(float); ++value) {
-        // Filtering spreads such a texel over whole mips, and half floats would turn what is above into
-        // infinity.
-        const float kept = std::isnan(*value) ? 0.0f : std::clamp(*value, 0.0f, ovImages::LARGEST_HALF);
-        clamped += kept == *value ? 0 : 1;
-        *value = kept;
+void cleanEnvironment(ovImages::Image& environment, String& warning) {
+    constexpr float LARGEST = 1e30f; // sums of a sphere full of it stay finite in 32 bits
+    constexpr float LITTLE = -0.01f;
+    auto* const values = reinterpret_cast<float*>(environment.getBytes().data());
+    const std::size_t count = environment.getBytes().size() / sizeof(float);
+    std::size_t replaced = 0;
+    for (float* value = values; value != values + count; ++value) {
+        if (*value >= 0.0f && *value <= LARGEST)
+            continue;
+        replaced += *value < 0.0f && *value > LITTLE ? 0 : 1;
+        *value = *value > 0.0f ? ovImages::LARGEST_HALF : 0.0f;
     }
-    if (clamped > 0)
-        warning = fmt::format(
-            "{} numbers of the environment are negative, no numbers or above {}, and were clamped.", clamped,
-            ovImages::LARGEST_HALF);
-    return image;
+    if (replaced > 0)
+        warning = fmt::format("{} numbers of the environment are negative, infinite or no numbers, and were "
+                              "replaced by 0 or {}.",
+                              replaced, ovImages::LARGEST_HALF);
 }
 
 EnvironmentLight::EnvironmentLight() = default;
@@ -57,7 +70,9 @@ EnvironmentLight::~EnvironmentLight() = default;
 ovMemory::UniquePtr<EnvironmentLight> EnvironmentLight::create(Session& session,
                                                                const ovImages::ImageView& panorama,
                                                                String& warning, String& error) {
-    const ovImages::Image image = clampedPanorama(panorama, warning);
+    ovImages::Image image = ovImages::convertImage(panorama, ovImages::COMPONENT_TYPE::FLOAT, 4,
+                                                   ovImages::COLOR_ENCODING::LINEAR);
+    cleanEnvironment(image, warning);
     if (image.isEmpty()) {
         error = "the environment is no picture that memory holds.";
         return nullptr;
@@ -69,12 +84,11 @@ ovMemory::UniquePtr<EnvironmentLight> EnvironmentLight::create(Session& session,
                                  fmt::format("{} {}", PREFILTERED_SIDE, IRRADIANCE_SIDE));
     Texture* const filtered[] = {light->_prefiltered.get(), light->_irradiance.get()};
     const bool isFiltered = cache.load(filtered);
-    // Only filtering reads the smaller mips.
-    if (!light->_makePanorama(session, image, isFiltered ? 1 : FULL_CHAIN, error))
+    if (!light->_makePanorama(session, image, error))
         return nullptr;
     if (isFiltered)
         return light;
-    if (!light->_filter(session, error))
+    if (!light->_filter(session, image, error))
         return nullptr;
     // A cache that cannot be written is no failure: the next run filters again.
     const String notKept = cache.store(filtered);
@@ -82,31 +96,25 @@ ovMemory::UniquePtr<EnvironmentLight> EnvironmentLight::create(Session& session,
     return light;
 }
 
-bool EnvironmentLight::_makePanorama(Session& session, const ovImages::Image& panorama, unsigned int mips,
-                                     String& error) {
+bool EnvironmentLight::_makePanorama(Session& session, const ovImages::Image& panorama, String& error) {
     _panorama = makeTexture(session, "environment");
     _panorama->setFromImage(panorama.view());
-    _panorama->setMipCount(mips);
-    _panorama->setMightManuallyGenerateMip(true);
-    if (!_panorama->load()) {
-        error = session.getLogger().take();
-        return false;
-    }
-    if (mips != 1)
-        _panorama->generateMips();
-    return true;
+    if (_panorama->load())
+        return true;
+    error = session.getLogger().take();
+    return false;
 }
 
-bool EnvironmentLight::_filter(Session& session, String& error) {
-    ovVeldris::PbsEnvironmentMapFilter& filter = *session.getSystem().getPbsEnvironmentMapFilter();
-    filter.requestEnvironmentMapFiltering(_panorama.get(), _prefiltered.get(), PREFILTERED_SIDE);
-    // Irradiance is computed from a cube: every texel weighs the same there, so that a panorama's poles would
-    // count too much.
-    const auto cube = makeTexture(session, "small environment");
-    filter.requestEnvironmentMapFiltering(_panorama.get(), cube.get(), IRRADIANCE_SIDE);
-    if (!cube->isUnloaded())
-        filter.requestIrradianceComputing(cube.get(), _irradiance.get());
-    if (!_prefiltered->isUnloaded() && !_irradiance->isUnloaded())
+bool EnvironmentLight::_filter(Session& session, const ovImages::Image& panorama, String& error) {
+    const ovVeldris::EnvironmentTexels environment(panorama.view(), false);
+    const ovImages::Image irradiance =
+        ovVeldris::drawIrradianceCube(ovVeldris::projectEnvironment(environment), IRRADIANCE_SIDE);
+    const Buffer<ovImages::Image> mips = ovVeldris::prefilterEnvironment(environment, PREFILTERED_SIDE);
+    if (mips.empty() || irradiance.isEmpty()) {
+        error = "the environment cannot be filtered: it needs more memory than there is.";
+        return false;
+    }
+    if (loadCube(*_prefiltered, mips) && loadCube(*_irradiance, {&irradiance, 1}))
         return true;
     error = session.getLogger().take();
     return false;

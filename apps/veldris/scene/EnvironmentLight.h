@@ -18,11 +18,10 @@ class Session;
 /// An environment as a panorama, a cube blurred for every roughness, and a cube of irradiance.
 class EnvironmentLight {
 public:
-    /// @param panorama by longitude and latitude, scene-linear: the top row looks up, the middle along +x.
-    /// Texels that are NaN become black, and texels beyond the range of half floats become its largest
-    /// number, because one such texel would spoil whole mips. What is filtered is kept in the session's
-    /// cache folder (EnvironmentCache).
-    /// @param warning gets one line when there were such texels
+    /// @param panorama by longitude and latitude, scene-linear: the top row looks up, the middle along +x. It
+    /// is cleaned as cleanEnvironment() tells. What is filtered is kept in the session's cache folder
+    /// (EnvironmentCache).
+    /// @param warning gets one line when something was cleaned
     /// @return null with one line in error when the device cannot hold it
     static ovMemory::UniquePtr<EnvironmentLight> create(Session& session, const ovImages::ImageView& panorama,
                                                         ovMemory::String& warning, ovMemory::String& error);
@@ -37,16 +36,20 @@ public:
 
 private:
     EnvironmentLight();
-    bool _makePanorama(Session& session, const ovImages::Image& panorama, unsigned int mips,
-                       ovMemory::String& error);
-    bool _filter(Session& session, ovMemory::String& error);
+    bool _makePanorama(Session& session, const ovImages::Image& panorama, ovMemory::String& error);
+    bool _filter(Session& session, const ovImages::Image& panorama, ovMemory::String& error);
 
     ovMemory::UniquePtr<ovGraphics::Texture> _panorama;
     ovMemory::UniquePtr<ovGraphics::Texture> _prefiltered;
     ovMemory::UniquePtr<ovGraphics::Texture> _irradiance;
 };
 
-/// A copy as four floats a pixel without texels that spoil filtering, as EnvironmentLight::create tells.
-ovImages::Image clampedPanorama(const ovImages::ImageView& panorama, ovMemory::String& warning);
+/// Replaces what would spoil filtering, because one such texel spreads over whole mips: NaN and negative
+/// numbers become 0, infinite ones the largest half float, which is what files of half floats mean by them.
+/// Suns of any finite brightness stay, up to 1e30.
+/// @param environment floats
+/// @param warning gets one line when something was replaced; not for numbers a little below 0, which lossy
+///        compression leaves everywhere
+void cleanEnvironment(ovImages::Image& environment, ovMemory::String& warning);
 
 } // namespace veldris

@@ -60,25 +60,30 @@ ovImages::Image drawPanorama(unsigned int width,
 }
 
 ovImages::Image turnedPhotograph(const ovImages::ImageView& photograph, float degrees) {
-    const ovImages::Image source = ovImages::convertImage(photograph, ovImages::COMPONENT_TYPE::FLOAT, 4,
-                                                          ovImages::COLOR_ENCODING::LINEAR);
-    ovImages::Image turned = source;
-    if (source.isEmpty())
-        return turned;
-    constexpr std::size_t PIXEL = 4 * sizeof(float);
-    const unsigned int width = source.getWidth();
+    ovImages::Image turned = ovImages::convertImage(photograph, ovImages::COMPONENT_TYPE::FLOAT, 4,
+                                                    ovImages::COLOR_ENCODING::LINEAR);
+    turnPhotograph(turned, degrees);
+    return turned;
+}
+
+void turnPhotograph(ovImages::Image& photograph, float degrees) {
+    if (photograph.isEmpty())
+        return;
+    const std::size_t width = photograph.getWidth();
+    const std::size_t pixel = photograph.getBytes().size() / photograph.getHeight() / width;
     const double turn = static_cast<double>(degrees) / 360.0;
-    const auto shift = static_cast<unsigned int>(std::lround((turn - std::floor(turn)) * width)) % width;
-    for (unsigned int row = 0; row < source.getHeight(); ++row) {
-        const std::size_t start = std::size_t{row} * width;
-        for (unsigned int column = 0; column < width; ++column) {
+    const auto shift =
+        static_cast<std::size_t>(std::lround((turn - std::floor(turn)) * static_cast<double>(width))) % width;
+    ovMemory::Buffer<unsigned char> row(width * pixel);
+    for (unsigned int y = 0; y < photograph.getHeight(); ++y) {
+        unsigned char* const bytes = photograph.getBytes().data() + y * row.size();
+        std::memcpy(row.data(), bytes, row.size());
+        for (std::size_t column = 0; column < width; ++column) {
             // Twice the width keeps the number above 0; columns run backwards, as the mirror wants.
-            const std::size_t from = start + (2 * std::size_t{width} - 1 - column - shift) % width;
-            std::memcpy(&turned.getBytes()[(start + column) * PIXEL], &source.getBytes()[from * PIXEL],
-                        PIXEL);
+            const std::size_t from = (2 * width - 1 - column - shift) % width;
+            std::memcpy(bytes + column * pixel, &row[from * pixel], pixel);
         }
     }
-    return turned;
 }
 
 Vector studioRadiance(const Vector& direction) {

@@ -22,6 +22,9 @@ drawPanorama(unsigned int width,
 /// @return four floats a pixel, scene-linear; the empty picture when memory does not suffice
 ovImages::Image turnedPhotograph(const ovImages::ImageView& photograph, float degrees = 0.0f);
 
+/// The same in place, whatever the pixels are.
+void turnPhotograph(ovImages::Image& photograph, float degrees = 0.0f);
+
 /// A dark room with two large lamps at the sides, a bright one above and a window behind.
 ovMaths::Vector studioRadiance(const ovMaths::Vector& direction);
 

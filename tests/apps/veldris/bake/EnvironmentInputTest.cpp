@@ -5,6 +5,7 @@
 
 #include <fstream>
 #include <limits>
+#include <ovImages/Conversion.h>
 #include <veldris/bake/CrossLayout.h>
 #include <veldris/bake/CubeFile.h>
 
@@ -77,8 +78,11 @@ TEST_F(EnvironmentInputTest, readsEveryFormOfACubeAlike) {
         EXPECT_EQ(input.kind, row.kind);
         EXPECT_TRUE(input.isCube);
         EXPECT_TRUE(input.warnings.empty());
-        ASSERT_EQ(input.image.getBytes().size(), faces.getBytes().size());
-        EXPECT_TRUE(std::ranges::equal(input.image.getBytes(), faces.getBytes())) << row.kind;
+        const auto colors = [](const Image& image) {
+            return ovImages::convertImage(image.view(), ovImages::COMPONENT_TYPE::FLOAT, 3,
+                                          ovImages::COLOR_ENCODING::LINEAR);
+        };
+        EXPECT_TRUE(std::ranges::equal(colors(input.image).getBytes(), colors(faces).getBytes())) << row.kind;
     }
 }
 
@@ -95,7 +99,7 @@ TEST_F(EnvironmentInputTest, readsPanoramasOfAllFormatsAsLinearFloats) {
         EXPECT_FALSE(input.isCube);
         EXPECT_TRUE(input.warnings.empty());
         EXPECT_EQ(input.image.getComponentType(), ovImages::COMPONENT_TYPE::FLOAT);
-        EXPECT_EQ(input.image.getChannels(), 4u);
+        EXPECT_EQ(input.image.getChannels(), 3u); // as in the file: skies are large
         // 128 / 255 decoded from sRGB is 0.2158.
         EXPECT_NEAR(input.image.getComponent(2, 1, 1), hasFloats ? 0.5 : 0.2158, 1e-4) << name;
     }
@@ -112,8 +116,8 @@ TEST_F(EnvironmentInputTest, tellsWhatItChanged) {
     const EnvironmentInput input = read(path);
     ASSERT_EQ(input.warnings.size(), 2u);
     EXPECT_NE(input.warnings[0].find("5 x 2 pixels"), String::npos) << input.warnings[0];
-    EXPECT_NE(input.warnings[1].find("4 numbers"), String::npos) << input.warnings[1];
-    const float expected[] = {0.0f, 65504.0f, 65504.0f, 0.0f};
+    EXPECT_NE(input.warnings[1].find("3 numbers"), String::npos) << input.warnings[1];
+    const float expected[] = {0.0f, 65504.0f, 1e6f, 0.0f};
     for (unsigned int i = 0; i < 4; ++i)
         EXPECT_EQ(input.image.getComponent(i + 1, 1, 0), expected[i]) << i;
 }

@@ -1,5 +1,8 @@
 #include <veldris/scene/EnvironmentLight.h>
 
+#include "support/LightTruth.h"
+
+#include <algorithm>
 #include <cmath>
 #include <gtest/gtest.h>
 #include <limits>
@@ -7,6 +10,7 @@
 #include <ovGraphics/resources/Texture.h>
 #include <ovVeldris/materials/PbsMaterial.h>
 #include <veldris/Session.h>
+#include <veldris/scene/Panoramas.h>
 
 namespace {
 
@@ -19,25 +23,90 @@ ovImages::Image panoramaOf(float value) {
     return image;
 }
 
-TEST(EnvironmentLightTest, clampsWhatWouldSpoilTheFiltering) {
-    ovImages::Image image = panoramaOf(0.5f);
-    image.setComponent(0, 0, 0, std::numeric_limits<float>::quiet_NaN());
-    image.setComponent(1, 0, 1, std::numeric_limits<float>::infinity());
-    image.setComponent(2, 0, 2, 110000.0f);
-    image.setComponent(3, 0, 0, -1.0f);
-    ovMemory::String warning;
-    const ovImages::Image clamped = veldris::clampedPanorama(image.view(), warning);
-    EXPECT_EQ(warning,
-              "4 numbers of the environment are negative, no numbers or above 65504, and were clamped.");
-    EXPECT_EQ(clamped.getChannels(), 4u);
-    EXPECT_EQ(clamped.getComponent(0, 0, 0), 0.0f);
-    EXPECT_EQ(clamped.getComponent(1, 0, 1), 65504.0f);
-    EXPECT_EQ(clamped.getComponent(2, 0, 2), 65504.0f);
-    EXPECT_EQ(clamped.getComponent(3, 0, 0), 0.0f);
-    EXPECT_EQ(clamped.getComponent(5, 5, 2), 1.5f);
-    warning.clear();
-    veldris::clampedPanorama(panoramaOf(0.5f).view(), warning);
-    EXPECT_EQ(warning, "");
+TEST(EnvironmentLightTest, replacesWhatWouldSpoilTheFiltering) {
+    constexpr float INFINITE = std::numeric_limits<float>::infinity();
+    struct Case {
+        float before;
+        float after;
+        bool isTold;
+    };
+    const Case cases[] = {{std::numeric_limits<float>::quiet_NaN(), 0.0f, true},
+                          {INFINITE, 65504.0f, true},
+                          {-INFINITE, 0.0f, true},
+                          {-1.0f, 0.0f, true},
+                          {1e38f, 65504.0f, true},
+                          {-1e-4f, 0.0f, false}, // of lossy compression
+                          {110000.0f, 110000.0f, false},
+                          {1e30f, 1e30f, false},
+                          {0.0f, 0.0f, false}};
+    for (const Case& row : cases) {
+        SCOPED_TRACE(row.before);
+        ovImages::Image image = panoramaOf(0.5f);
+        image.setComponent(31, 15, 2, row.before);
+        ovMemory::String warning;
+        veldris::cleanEnvironment(image, warning);
+        EXPECT_EQ(warning, row.isTold
+                               ? "1 numbers of the environment are negative, infinite or no numbers, and "
+                                 "were replaced by 0 or 65504."
+                               : "");
+        EXPECT_EQ(image.getComponent(31, 15, 2), row.after);
+        EXPECT_EQ(image.getComponent(31, 15, 1), 1.0f);
+        EXPECT_EQ(image.getComponent(0, 0, 0), 0.5f);
+    }
+}
+
+/// The faces of a mip below each other.
+ovImages::Image facesOf(ovGraphics::Texture& texture, unsigned int mip) {
+    const unsigned int side = std::max(texture.getWidth() >> mip, 1u);
+    ovImages::Image faces = lightTruth::floatPicture(side, 6 * side);
+    for (unsigned int face = 0; face < 6; ++face) {
+        const auto image = texture.convertToImage(face, mip);
+        EXPECT_TRUE(image);
+        for (unsigned int y = 0; image && y < side; ++y)
+            for (unsigned int x = 0; x < side; ++x)
+                lightTruth::setColor(faces, x, face * side + y, lightTruth::colorAt(*image, x, y));
+    }
+    return faces;
+}
+
+/// The coefficients of the light that an irradiance cube was drawn from, by a sum over its texels.
+lightTruth::Coefficients coefficientsBehind(ovGraphics::Texture& irradiance) {
+    auto sums = lightTruth::coefficientsOf(lightTruth::lightsOf(facesOf(irradiance, 0), true));
+    for (std::size_t k = 1; k < 9; ++k)
+        for (double& part : sums[k])
+            part /= k < 4 ? 2.0 / 3.0 : 0.25;
+    return sums;
+}
+
+TEST(EnvironmentLightTest, everyTexelOfTheSkyLightsAtAnyRotation) {
+    veldris::DrawingOptions options;
+    options.device = "software";
+    options.noCache = true;
+    veldris::Session session;
+    ovMemory::String error;
+    ASSERT_TRUE(session.open(options, error)) << error;
+    const ovImages::Image skies[] = {lightTruth::hardSunPanorama(180),
+                                     lightTruth::oneBrightTexel(360, 180, 200, 70)};
+    for (const ovImages::Image& sky : skies) {
+        for (const float degrees : {0.0f, 1.0f, 2.0f, 3.0f, 5.0f, 181.0f}) {
+            SCOPED_TRACE(degrees);
+            const ovImages::Image turned = veldris::turnedPhotograph(sky.view(), degrees);
+            ovMemory::String warning;
+            const auto light = veldris::EnvironmentLight::create(session, turned.view(), warning, error);
+            ASSERT_TRUE(light) << error;
+            EXPECT_EQ(warning, ""); // suns beyond half floats stay
+            const auto drawn = coefficientsBehind(*light->getIrradiance());
+            const auto truth = lightTruth::coefficientsOf(lightTruth::lightsOf(turned, false));
+            for (std::size_t channel = 0; channel < 3; ++channel) {
+                double largest = 0.0;
+                for (const auto& coefficient : truth)
+                    largest = std::max(largest, std::abs(coefficient[channel]));
+                for (std::size_t k = 0; k < 9; ++k)
+                    // The sum over a cube of 32 is off by a thousandth itself.
+                    EXPECT_NEAR(drawn[k][channel], truth[k][channel], 0.003 * largest) << k;
+            }
+        }
+    }
 }
 
 TEST(EnvironmentLightTest, aConstantEnvironmentLightsEvenly) {

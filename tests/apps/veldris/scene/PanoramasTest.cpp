@@ -52,6 +52,29 @@ TEST(PanoramasTest, photographsAreReversedAndTurned) {
     EXPECT_TRUE(veldris::turnedPhotograph({}).isEmpty());
 }
 
+TEST(PanoramasTest, photographsOfAnyPixelsTurnInPlace) {
+    for (const auto type : {ovImages::COMPONENT_TYPE::UINT8, ovImages::COMPONENT_TYPE::FLOAT}) {
+        for (const unsigned int channels : {1u, 3u, 4u}) {
+            ovImages::Image photograph(5, 3, channels, type, ovImages::COLOR_ENCODING::LINEAR);
+            for (unsigned int y = 0; y < 3; ++y)
+                for (unsigned int x = 0; x < 5; ++x)
+                    for (unsigned int channel = 0; channel < channels; ++channel)
+                        photograph.setComponent(x, y, channel,
+                                                static_cast<float>(50 * y + 10 * x + channel) / 255.0f);
+            const ovImages::Image before = photograph;
+            veldris::turnPhotograph(photograph, 144.0f); // two columns
+            for (unsigned int y = 0; y < 3; ++y)
+                for (unsigned int x = 0; x < 5; ++x)
+                    for (unsigned int channel = 0; channel < channels; ++channel)
+                        EXPECT_EQ(photograph.getComponent(x, y, channel),
+                                  before.getComponent((7 - x) % 5, y, channel));
+        }
+    }
+    ovImages::Image nothing;
+    veldris::turnPhotograph(nothing);
+    EXPECT_TRUE(nothing.isEmpty());
+}
+
 TEST(PanoramasTest, theStudioHasLampsInADarkRoom) {
     const Vector lamp = veldris::studioRadiance(Vector(-0.8f, 0.35f, -0.5f).getNormalizedVec3());
     EXPECT_GT(lamp.x, 5.0f);
