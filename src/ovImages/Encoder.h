@@ -33,11 +33,28 @@ struct EncodeOptions {
     float quality = 0.92f;
 };
 
+/// What a file says that its picture shows (the attribute "envmap" of EXR).
+enum class PICTURE_VIEW : unsigned int {
+    UNTOLD = 0,   ///< nothing is said
+    PANORAMA = 1, ///< all directions by longitude and latitude
+    CUBE = 2      ///< six faces below each other: CUBE_LAYOUT::EXR_STRIP
+};
+
+inline constexpr ovMemory::EnumEntry<PICTURE_VIEW> PICTURE_VIEW_ENTRIES[] = {
+    {PICTURE_VIEW::UNTOLD, "UNTOLD"},
+    {PICTURE_VIEW::PANORAMA, "PANORAMA"},
+    {PICTURE_VIEW::CUBE, "CUBE"},
+};
+constexpr ovMemory::EnumTable<PICTURE_VIEW> enumTable(PICTURE_VIEW) {
+    return {"PICTURE_VIEW", PICTURE_VIEW_ENTRIES};
+}
+
 /// A decoded picture, or why there is none.
 ///
 /// Of bytes, the texts hold no path; of a file they do, and the place is the path.
 struct DecodeResult : ovMemory::Result {
     ovMemory::UniquePtr<Image> image; ///< null on failure
+    PICTURE_VIEW view = PICTURE_VIEW::UNTOLD;
 
     explicit operator bool() const { return image != nullptr; }
 };

@@ -13,6 +13,7 @@
 #include <ImfOutputFile.h>
 #include <ImfPartType.h>
 #include <ImfRgbaFile.h>
+#include <ImfStandardAttributes.h>
 #include <ImfTileDescription.h>
 #include <ImfVersion.h>
 
@@ -260,6 +261,12 @@ DecodeResult readChannels(Imf::MultiPartInputFile& file, const Choice& choice, c
     return result;
 }
 
+PICTURE_VIEW viewOf(const Imf::Header& header) {
+    if (!Imf::hasEnvmap(header))
+        return PICTURE_VIEW::UNTOLD;
+    return Imf::envmap(header) == Imf::ENVMAP_CUBE ? PICTURE_VIEW::CUBE : PICTURE_VIEW::PANORAMA;
+}
+
 DecodeResult decodeExr(Bytes bytes, const DecodeOptions& options) {
     // The library believes the lengths of attributes and fills up to 2 GiB before it notices the end of the
     // file.
@@ -273,9 +280,11 @@ DecodeResult decodeExr(Bytes bytes, const DecodeOptions& options) {
     const Choice choice = chooseChannels(file, options.layer);
     if (choice.part < 0)
         return detail::failFormat<DecodeResult>(NAME, describeUndecided(file, options.layer));
-    if (choice.selection.isLuminanceChroma)
-        return readLuminanceChroma(bytes, file.header(choice.part), choice, options);
-    return readChannels(file, choice, options);
+    DecodeResult result = choice.selection.isLuminanceChroma
+                              ? readLuminanceChroma(bytes, file.header(choice.part), choice, options)
+                              : readChannels(file, choice, options);
+    result.view = viewOf(file.header(choice.part));
+    return result;
 }
 
 EncodeResult encodeExr(const ImageView& view) {

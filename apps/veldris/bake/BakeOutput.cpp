@@ -3,9 +3,9 @@
 #include <fmt/format.h>
 #include <ovImages/CompositeEncoder.h>
 #include <ovImages/Conversion.h>
+#include <ovImages/cubes/CubeFile.h>
+#include <ovImages/cubes/CubeLayout.h>
 #include <veldris/ImageFiles.h>
-#include <veldris/bake/CrossLayout.h>
-#include <veldris/bake/CubeFile.h>
 #include <veldris/console/OutputFile.h>
 
 namespace veldris {
@@ -59,7 +59,7 @@ bool writeImage(const BakeOutput& output, const String& path, const ImageView& p
 bool writeMip(const BakeOutput& output, const String& path, const Image& mip, BakeFiles& files,
               String& error) {
     if (output.form == BAKE_FORM::CROSS) {
-        const Image cross = crossOfFaces(mip);
+        const Image cross = ovImages::crossOfFaces(mip);
         if (cross.isEmpty()) {
             error =
                 fmt::format("a cross of faces with {} texels a side is too large for a picture; write a .dds "
@@ -86,7 +86,8 @@ bool writeOneFile(const BakeOutput& output, const CubeMap& cube, BakeFiles& file
         if (!warning.empty())
             files.warning = warning;
     }
-    if (!writeCubeFile(output.path, converted, error))
+    error = ovImages::writeCubeFile(output.path, converted).error;
+    if (!error.empty())
         return false;
     files.paths.push_back(output.path);
     return true;
@@ -97,9 +98,9 @@ bool writeOneFile(const BakeOutput& output, const CubeMap& cube, BakeFiles& file
 // All that can be wrong with the names is told before the baking, which may take minutes.
 bool planCube(StringView layout, bool needsMips, BakeOutput& output, String& error) {
     const bool hasFaces = hasField(output.path, FACE_FIELD);
-    output.form = findCubeFormat(output.path) ? BAKE_FORM::CUBE_FILE
-                  : layout == "cross"         ? BAKE_FORM::CROSS
-                                              : BAKE_FORM::FACES;
+    output.form = !ovImages::cubeFormatOf(output.path).empty() ? BAKE_FORM::CUBE_FILE
+                  : layout == "cross"                          ? BAKE_FORM::CROSS
+                                                               : BAKE_FORM::FACES;
     if (output.form == BAKE_FORM::CUBE_FILE &&
         (hasFaces || hasField(output.path, MIP_FIELD) || !layout.empty()))
         error = fmt::format(
@@ -128,7 +129,7 @@ bool planCube(StringView layout, bool needsMips, BakeOutput& output, String& err
 
 bool planPanorama(BakeOutput& output, String& error) {
     output.form = BAKE_FORM::PANORAMA;
-    if (findCubeFormat(output.path))
+    if (!ovImages::cubeFormatOf(output.path).empty())
         error = fmt::format("'{}' is for cubes; write a panorama as EXR, HDR or PNG.", output.path);
     else if (hasField(output.path, FACE_FIELD) || hasField(output.path, MIP_FIELD))
         error = fmt::format(

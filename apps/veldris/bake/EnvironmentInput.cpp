@@ -4,14 +4,16 @@
 #include <fmt/format.h>
 #include <ovImages/CompositeEncoder.h>
 #include <ovImages/Conversion.h>
-#include <veldris/bake/CrossLayout.h>
-#include <veldris/bake/CubeFile.h>
+#include <ovImages/cubes/CubeFile.h>
+#include <ovImages/cubes/CubeLayout.h>
 #include <veldris/scene/EnvironmentLight.h>
 
 namespace veldris {
 
+using ovImages::CUBE_LAYOUT;
 using ovImages::Image;
 using ovImages::ImageView;
+using ovMemory::Buffer;
 using ovMemory::String;
 using ovMemory::StringView;
 
@@ -20,6 +22,10 @@ namespace {
 constexpr StringView NO_MEMORY = "it needs more memory than there is, or than a picture may take.";
 
 constexpr unsigned int RGB_CHANNELS = 3;
+constexpr StringView PANORAMA = "panorama";
+constexpr StringView CROSS = "cross";
+constexpr StringView STRIP = "strip";
+constexpr StringView FACES = "faces";
 
 // An alpha channel is not looked at.
 Image asFloats(const ImageView& image) {
@@ -32,8 +38,9 @@ bool isFloats(const Image& image) {
            image.getChannels() >= RGB_CHANNELS && image.getEncoding() == ovImages::COLOR_ENCODING::LINEAR;
 }
 
-bool decode(const String& path, EnvironmentInput& input, Image& image, String& error) {
-    ovImages::DecodeResult result = ovImages::CompositeEncoder().decodeFile(path);
+bool decode(const String& path, const EnvironmentReading& reading, EnvironmentInput& input, Image& image,
+            ovImages::PICTURE_VIEW& view, String& error) {
+    ovImages::DecodeResult result = ovImages::CompositeEncoder().decodeFile(path, reading.decoding);
     if (!result) {
         error = result.error;
         return false;
@@ -41,6 +48,7 @@ bool decode(const String& path, EnvironmentInput& input, Image& image, String& e
     if (!result.warning.empty())
         input.warnings.push_back(result.warning);
     image = std::move(*result.image);
+    view = result.view;
     return true;
 }
 
@@ -56,12 +64,15 @@ bool checkFace(const Image& face, const String& path, unsigned int side, String&
     return error.empty();
 }
 
-bool readFaces(const String& pattern, EnvironmentInput& input, String& error) {
+bool readFaces(const String& pattern, const EnvironmentReading& reading, EnvironmentInput& input,
+               String& error) {
     input.kind = "faces";
+    ovImages::PICTURE_VIEW unused = ovImages::PICTURE_VIEW::UNTOLD;
     for (unsigned int face = 0; face < FACE_COUNT; ++face) {
         const String path = fillField(pattern, FACE_FIELD, FACE_NAMES[face]);
         Image image;
-        if (!decode(path, input, image, error) || !checkFace(image, path, input.image.getWidth(), error))
+        if (!decode(path, reading, input, image, unused, error) ||
+            !checkFace(image, path, input.image.getWidth(), error))
             return false;
         // The first face sets the size that the others must have.
         if (face == 0)
@@ -77,27 +88,59 @@ bool readFaces(const String& pattern, EnvironmentInput& input, String& error) {
     return true;
 }
 
-bool readCubeInput(const String& path, EnvironmentInput& input, String& error) {
-    input.kind = findCubeFormat(path)->name;
-    CubeMap cube;
-    if (!readCubeFile(path, cube, error))
-        return false;
-    input.image = std::move(cube.mips.front());
-    return true;
+bool readCubeInput(const String& path, const EnvironmentReading&, EnvironmentInput& input, String& error) {
+    input.kind = ovImages::cubeFormatOf(path);
+    ovImages::CubeReadResult read = ovImages::readCubeFile(path);
+    error = read.error;
+    if (read)
+        input.image = std::move(read.cube.mips.front());
+    return bool(read);
 }
 
-bool readPicture(const String& path, EnvironmentInput& input, String& error) {
+/// The layout of a picture: as it was asked for, as its file says, or as its shape is guessed to mean.
+StringView chooseLayout(const String& path, const Image& image, const String& wanted,
+                        ovImages::PICTURE_VIEW view, Buffer<String>& warnings) {
+    if (!wanted.empty())
+        return wanted;
+    if (view != ovImages::PICTURE_VIEW::UNTOLD)
+        return view == ovImages::PICTURE_VIEW::CUBE ? STRIP : PANORAMA;
+    const CUBE_LAYOUT guessed = ovImages::cubeLayoutOf(image.getWidth(), image.getHeight());
+    if (guessed == CUBE_LAYOUT::NONE)
+        return PANORAMA;
+    const StringView layout = guessed == CUBE_LAYOUT::CROSS ? CROSS : STRIP;
+    warnings.push_back(fmt::format("'{}' has {} x {} pixels and is taken for a {} of six faces; "
+                                   "--input-layout panorama reads it as a panorama.",
+                                   path, image.getWidth(), image.getHeight(), layout));
+    return layout;
+}
+
+bool unfold(const String& path, ovImages::PICTURE_VIEW view, EnvironmentInput& input, String& error) {
+    const unsigned int width = input.image.getWidth();
+    const unsigned int height = input.image.getHeight();
+    const bool isExr = input.kind == STRIP && view == ovImages::PICTURE_VIEW::CUBE;
+    const CUBE_LAYOUT layout = isExr                 ? CUBE_LAYOUT::EXR_STRIP
+                               : input.kind == CROSS ? CUBE_LAYOUT::CROSS
+                                                     : CUBE_LAYOUT::STRIP;
+    Image faces = ovImages::facesOfPicture(input.image.view(), layout);
+    if (faces.isEmpty())
+        error = fmt::format("'{}' has {} x {} pixels, which is no {} of six square faces: {}.", path, width,
+                            height, input.kind,
+                            input.kind == CROSS ? "that is 4:3 or 3:4" : "that is 1:6 or 6:1");
+    input.image = std::move(faces);
+    return error.empty();
+}
+
+bool readPicture(const String& path, const EnvironmentReading& reading, EnvironmentInput& input,
+                 String& error) {
     Image& image = input.image;
-    if (!decode(path, input, image, error))
+    ovImages::PICTURE_VIEW view = ovImages::PICTURE_VIEW::UNTOLD;
+    if (!decode(path, reading, input, image, view, error))
         return false;
     const unsigned int width = image.getWidth();
     const unsigned int height = image.getHeight();
-    if (isCross(width, height)) {
-        input.kind = "cross";
-        image = facesOfCross(image.view());
-        return true;
-    }
-    input.kind = "panorama";
+    input.kind = chooseLayout(path, image, reading.layout, view, input.warnings);
+    if (input.kind != PANORAMA)
+        return unfold(path, view, input, error);
     if (width == 1 && height == 1)
         error = fmt::format("'{}' has one pixel; a panorama needs more, to show something in each direction.",
                             path);
@@ -106,6 +149,19 @@ bool readPicture(const String& path, EnvironmentInput& input, String& error) {
             "'{}' has {} x {} pixels and is taken for a panorama by longitude and latitude, which "
             "should be twice as wide as high; it is stretched.",
             path, width, height));
+    return error.empty();
+}
+
+/// Whether a path can be read as it is asked for. @return false with one line in error
+bool checkLayout(const String& path, const String& layout, String& error) {
+    const bool hasFaces = path.find(FACE_FIELD) != String::npos;
+    if (layout == FACES && !hasFaces)
+        error = fmt::format(
+            "'{}' names one file; faces are six, with {{face}} for px, nx, py, ny, pz and nz.", path);
+    else if (!layout.empty() && layout != FACES && hasFaces)
+        error = fmt::format("'{}' names six files, which are no {}; leave --input-layout out.", path, layout);
+    else if (!layout.empty() && !ovImages::cubeFormatOf(path).empty())
+        error = fmt::format("'{}' is a cube already; leave --input-layout out.", path);
     return error.empty();
 }
 
@@ -118,14 +174,19 @@ String fillField(StringView path, StringView field, StringView value) {
     return filled;
 }
 
-bool readEnvironment(const String& path, EnvironmentInput& input, String& error) {
+bool readEnvironment(const String& path, const EnvironmentReading& reading, EnvironmentInput& input,
+                     String& error) {
     input = {};
     error.clear();
-    const bool hasFaces = path.find(FACE_FIELD) != String::npos;
-    const auto read = hasFaces ? readFaces : findCubeFormat(path) ? readCubeInput : readPicture;
-    if (!read(path, input, error))
+    if (!checkLayout(path, reading.layout, error))
         return false;
-    input.isCube = input.kind != StringView("panorama");
+    const bool hasFaces = path.find(FACE_FIELD) != String::npos;
+    const auto read = hasFaces                                ? readFaces
+                      : !ovImages::cubeFormatOf(path).empty() ? readCubeInput
+                                                              : readPicture;
+    if (!read(path, reading, input, error))
+        return false;
+    input.isCube = input.kind != PANORAMA;
     // Floats stay where they are: skies take hundreds of megabytes.
     if (!isFloats(input.image))
         input.image = asFloats(input.image.view());

@@ -1,9 +1,23 @@
 // What environments are baked from.
 #pragma once
 
-#include <veldris/bake/CubeMap.h>
+#include <array>
+#include <ovImages/Encoder.h>
+#include <ovImages/cubes/CubeMap.h>
 
 namespace veldris {
+
+using ovImages::CubeMap;
+using ovImages::FACE_COUNT;
+using ovImages::faceBytesOf;
+using ovImages::faceOf;
+
+/// Red, green, blue and alpha.
+constexpr unsigned int CUBE_CHANNELS = 4;
+
+/// What {face} in the name of a file stands for, in the order of the faces: +X, -X, +Y, -Y, +Z, -Z.
+inline constexpr std::array<ovMemory::StringView, FACE_COUNT> FACE_NAMES = {"px", "nx", "py",
+                                                                            "ny", "pz", "nz"};
 
 /// The place of a face's name in the names of files.
 inline constexpr ovMemory::StringView FACE_FIELD = "{face}";
@@ -16,14 +30,22 @@ ovMemory::String fillField(ovMemory::StringView path, ovMemory::StringView field
 struct EnvironmentInput {
     ovImages::Image image; ///< a panorama by longitude and latitude, or one mip of a cube as CubeMap has it
     bool isCube = false;
-    ovMemory::StringView kind; ///< "panorama", "cross", "faces", "dds" or "ktx2"
+    ovMemory::StringView kind; ///< "panorama", "cross", "strip", "faces", "dds" or "ktx2"
     ovMemory::Buffer<ovMemory::String> warnings;
 };
 
+/// How an environment is read.
+struct EnvironmentReading {
+    /// "panorama", "cross", "strip" (1:6 or 6:1) or "faces" ({face} in the path); empty: what the file says
+    /// of itself, or else what its shape is guessed to mean.
+    ovMemory::String layout;
+    ovImages::DecodeOptions decoding;
+};
+
 /// Reads an environment: a DDS or KTX2 file of a cube, six files when the path has {face} in it, or a
-/// picture, which is a cross if it has the shape of one, and a panorama otherwise. Numbers are
-/// cleaned as cleanEnvironment() tells.
+/// picture. Numbers are cleaned as cleanEnvironment() tells. A layout that was guessed is told by a warning.
 /// @return false with one line in error
-bool readEnvironment(const ovMemory::String& path, EnvironmentInput& input, ovMemory::String& error);
+bool readEnvironment(const ovMemory::String& path, const EnvironmentReading& reading, EnvironmentInput& input,
+                     ovMemory::String& error);
 
 } // namespace veldris

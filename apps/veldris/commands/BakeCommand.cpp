@@ -33,6 +33,7 @@ struct BakeOptions {
     String format = "half";
     String coefficients = {};
     bool libraryLongitudes = false;
+    EnvironmentReading reading = {};
     DrawingOptions drawing = {};
 };
 
@@ -173,7 +174,7 @@ int runBake(Console& console, BakeOptions options) {
     Stopwatch stopwatch;
     JsonObject seconds;
     EnvironmentInput input;
-    if (!readEnvironment(options.input, input, error))
+    if (!readEnvironment(options.input, options.reading, input, error))
         return console.fail(error);
     if (options.bake == BAKE::SPHERICAL && !input.isCube)
         return console.fail(
@@ -222,6 +223,7 @@ void addBake(CLI::App& parent, Command& command, const BakeOptions& defaults, co
                          "faces, or cross for one picture of four by three faces (default: faces)")
             ->check(CLI::IsMember({"faces", "cross"}));
     }
+    addEnvironmentOptions(*mode, options->reading);
     mode->add_flag("--library-longitudes", options->libraryLongitudes,
                    "panoramas as the library's shaders read them: no mirroring");
     mode->add_option("--format", options->format, "numbers of DDS, KTX2 and EXR files: half or float")

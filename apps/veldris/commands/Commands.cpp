@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <malloc.h>
 #include <span>
+#include <veldris/bake/EnvironmentInput.h>
 #include <veldris/console/Console.h>
 #include <veldris/usage/HelpText.h>
 #include <veldris/usage/UsageMistakes.h>
@@ -45,6 +46,15 @@ void addReadingOptions(CLI::App& command, ovImages::DecodeOptions& options) {
                        "layer of an EXR file to read (default: the one without a name, or the only one)");
     command.add_flag("--strict", options.strict,
                      "refuse pictures with stray bytes or broken metadata instead of warning");
+}
+
+void addEnvironmentOptions(CLI::App& command, EnvironmentReading& reading) {
+    command
+        .add_option("--input-layout", reading.layout,
+                    "panorama, cross (4:3 or 3:4), strip (1:6 or 6:1) or faces ({face} in the name) "
+                    "(default: what an EXR file says, or else by the shape)")
+        ->check(CLI::IsMember({"panorama", "cross", "strip", "faces"}));
+    addReadingOptions(command, reading.decoding);
 }
 
 namespace {

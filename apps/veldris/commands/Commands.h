@@ -34,6 +34,10 @@ void addDrawingOptions(CLI::App& command, DrawingOptions& options);
 /// Adds --layer and --strict, of commands that read pictures.
 void addReadingOptions(CLI::App& command, ovImages::DecodeOptions& options);
 
+struct EnvironmentReading;
+/// Adds --input-layout and the options of addReadingOptions(), of commands that read environments.
+void addEnvironmentOptions(CLI::App& command, EnvironmentReading& reading);
+
 /// Runs the program. @return its exit status: 0 done, 1 failed, 2 wrong usage
 int runProgram(int argumentCount, const char* const* arguments);
 

@@ -7,11 +7,11 @@
 #include <filesystem>
 #include <fmt/format.h>
 #include <ovGraphics/System.h>
-#include <ovImages/CompositeEncoder.h>
 #include <ovVeldris/content/ModelLoader.h>
 #include <ovVeldris/core/NearestName.h>
 #include <veldris/ImageFiles.h>
 #include <veldris/JsonText.h>
+#include <veldris/bake/CubeBaking.h>
 #include <veldris/console/Console.h>
 #include <veldris/console/InputFile.h>
 #include <veldris/console/OutputFile.h>
@@ -49,6 +49,7 @@ struct RenderOptions {
     String background;
     String environment = BUILT_IN_SKY;
     float environmentRotation = 0.0f; ///< degrees
+    EnvironmentReading reading = {};
     String size = "1280x720";
     String effects; ///< empty: DEFAULT_EFFECTS, or none for scene light
     unsigned int samples = 4;
@@ -157,6 +158,23 @@ bool makePlan(const RenderOptions& options, RenderPlan& plan, String& error) {
     return camera.has_value();
 }
 
+/// The user's environment as the library reads panoramas; the empty picture with one line in error.
+ovImages::Image readPanorama(Console& console, const RenderOptions& options, String& error) {
+    EnvironmentInput input;
+    if (!readEnvironment(options.environment, options.reading, input, error))
+        return {};
+    console.warnEach(input.warnings);
+    ovImages::Image panorama = std::move(input.image);
+    if (!input.isCube)
+        return turnedPhotograph(panorama.view(), options.environmentRotation);
+    // A map's middle row has four faces, so this keeps the size of the cube's texels.
+    input.image = std::move(panorama);
+    if (!bakePanorama(input, 2 * input.image.getWidth(), panorama, error))
+        return {};
+    // Turned as a photograph, which runs the other way round, and back.
+    return turnedPhotograph(turnedPhotograph(panorama.view()).view(), options.environmentRotation);
+}
+
 /// The built-in sky or an image; null without an error for "none".
 ovMemory::UniquePtr<EnvironmentLight> makeEnvironment(Console& console, Session& session,
                                                       const RenderOptions& options,
@@ -169,11 +187,9 @@ ovMemory::UniquePtr<EnvironmentLight> makeEnvironment(Console& console, Session&
         const ovImages::Image sky = drawSkyPanorama(SKY_WIDTH, -lightDirection.getNormalizedVec3());
         light = EnvironmentLight::create(session, sky.view(), warning, error);
     } else {
-        const ovImages::DecodeResult decoded = ovImages::CompositeEncoder().decodeFile(options.environment);
-        error = decoded.error;
-        if (!decoded)
+        const ovImages::Image panorama = readPanorama(console, options, error);
+        if (panorama.isEmpty())
             return nullptr;
-        const ovImages::Image panorama = turnedPhotograph(decoded.image->view(), options.environmentRotation);
         light = EnvironmentLight::create(session, panorama.view(), warning, error);
     }
     console.warn(warning);
@@ -344,10 +360,12 @@ void addRenderCommand(CLI::App& program, Command& command) {
     render->add_option("--materials", options->materials,
                        "materials to use instead, as veldris materials writes them");
     render
-        ->add_option(
-            "--environment", options->environment,
-            "panorama by longitude and latitude (EXR, HDR, PNG, JPEG), sky for the built-in one, or none")
+        ->add_option("--environment", options->environment,
+                     "panorama, cross or strip (EXR, HDR, PNG, JPEG), a name with {face} for six faces, a "
+                     "cube (.dds, .ktx2) "
+                     "such as bake writes, sky for the built-in one, or none")
         ->capture_default_str();
+    addEnvironmentOptions(*render, options->reading);
     render
         ->add_option("--environment-rotation", options->environmentRotation,
                      "degrees by which the environment is turned to the right")

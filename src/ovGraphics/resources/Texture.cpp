@@ -5,6 +5,7 @@
 #include <ovGraphics/device/Device.h>
 #include <ovGraphics/formats/TextureUtils.h>
 #include <ovGraphics/resources/TextureImages.h>
+#include <ovImages/cubes/CubeMap.h>
 
 namespace ovGraphics {
 
@@ -131,7 +132,7 @@ void Texture::clearCpuData() {
 
 void Texture::setFromImage(const ovImages::ImageView& image, bool raw) {
     TextureContent content = textureContentOf(image, raw);
-    _setSettingsOf(content, image.width, image.height);
+    _setSettingsOf(content, TEXTURE_TYPE::TEXTURE_2D, image.width, image.height);
     if (content.converted.isEmpty())
         setCpuData(0, 0, image.bytes);
     else
@@ -140,12 +141,30 @@ void Texture::setFromImage(const ovImages::ImageView& image, bool raw) {
 
 void Texture::takeImage(ovImages::Image image, bool raw) {
     TextureContent content = textureContentOf(image.view(), raw);
-    _setSettingsOf(content, image.getWidth(), image.getHeight());
+    _setSettingsOf(content, TEXTURE_TYPE::TEXTURE_2D, image.getWidth(), image.getHeight());
     _addCpuData({0, 0, 0, content.converted.isEmpty() ? image.takeBytes() : content.converted.takeBytes()});
 }
 
-void Texture::_setSettingsOf(const TextureContent& content, unsigned int width, unsigned int height) {
-    setTexType(TEXTURE_TYPE::TEXTURE_2D);
+void Texture::setFromCube(const ovImages::CubeMap& cube) {
+    _setSettingsOf({}, TEXTURE_TYPE::CUBE, cube.getSide(), cube.getSide());
+    for (unsigned int mip = 0; mip < cube.mips.size(); ++mip) {
+        for (unsigned int face = 0; face < ovImages::FACE_COUNT; ++face) {
+            const ovImages::ImageView view = ovImages::faceOf(cube.mips[mip], face);
+            TextureContent content = textureContentOf(view, false);
+            if (mip == 0 && face == 0)
+                _setSettingsOf(content, TEXTURE_TYPE::CUBE, view.width, view.height);
+            if (content.converted.isEmpty())
+                setCpuData(face, mip, view.bytes);
+            else
+                _addCpuData({face, mip, 0, content.converted.takeBytes()});
+        }
+    }
+    setMipCount(static_cast<unsigned int>(cube.mips.size()));
+}
+
+void Texture::_setSettingsOf(const TextureContent& content, TEXTURE_TYPE type, unsigned int width,
+                             unsigned int height) {
+    setTexType(type);
     setSliceCount(1);
     setWidth(width);
     setHeight(height);

@@ -6,6 +6,10 @@
 #include <ovGraphics/resources/Resource.h>
 #include <ovImages/Image.h>
 
+namespace ovImages {
+struct CubeMap;
+}
+
 namespace ovGraphics {
 
 struct TextureContent;
@@ -83,6 +87,11 @@ public:
     /// The same of an image that is handed over: its pixels are moved where they serve as they are, so that a
     /// large picture is not in memory twice.
     void takeImage(ovImages::Image image, bool raw = false);
+    /// Takes side, format and the texels of all mips from a cube such as ovImages::readCubeFile() gives: a
+    /// prefiltered environment, ready for a material. Formats are those of setFromImage(); of sRGB-encoded
+    /// cubes those of 8 bits make gamma-corrected textures. A cube without mips makes a texture that does not
+    /// load.
+    void setFromCube(const ovImages::CubeMap& cube);
 
     /// Fills all mips below the first from the first. An unloaded texture is left alone after one log line.
     void generateMips();
@@ -110,7 +119,8 @@ private:
         ovMemory::Buffer<unsigned char> bytes;
     };
 
-    void _setSettingsOf(const TextureContent& content, unsigned int width, unsigned int height);
+    void _setSettingsOf(const TextureContent& content, TEXTURE_TYPE type, unsigned int width,
+                        unsigned int height);
     void _addCpuData(CpuData data);
     bool _load(ovMemory::String& error) override;
     void _unload() override;

@@ -4,6 +4,7 @@
 #include <ovGraphics/device/Device.h>
 #include <ovGraphics/formats/TextureUtils.h>
 #include <ovGraphics/resources/Texture.h>
+#include <ovImages/cubes/CubeMap.h>
 #include <support/PictureTest.h>
 
 using namespace ovGraphics;
@@ -308,6 +309,38 @@ TEST_P(TextureTest, takesAnImageOver) {
     const auto broken = make(1, 1);
     broken->takeImage({});
     EXPECT_FALSE(broken->load());
+    getGraphicsLogger().messages.clear();
+}
+
+TEST_P(TextureTest, cubesKeepEveryMipOfEveryFace) {
+    using ovImages::COLOR_ENCODING;
+    using ovImages::COMPONENT_TYPE;
+    for (const auto& [type, encoding] : {std::pair{COMPONENT_TYPE::HALF, COLOR_ENCODING::LINEAR},
+                                         {COMPONENT_TYPE::FLOAT, COLOR_ENCODING::LINEAR},
+                                         {COMPONENT_TYPE::UINT8, COLOR_ENCODING::SRGB}}) {
+        ovImages::CubeMap cube;
+        for (const unsigned int side : {5u, 2u}) {
+            cube.mips.emplace_back(side, 6 * side, 4, type, encoding);
+            for (std::size_t i = 0; i < cube.mips.back().getBytes().size(); ++i)
+                cube.mips.back().getBytes()[i] = static_cast<unsigned char>((i + side) % 97);
+        }
+        const auto texture = make(1, 1);
+        texture->setFromCube(cube);
+        ASSERT_TRUE(texture->load()) << getGraphicsLogger().getText();
+        EXPECT_EQ(texture->getTexType(), TEXTURE_TYPE::CUBE);
+        EXPECT_EQ(texture->getMipCount(), 2u);
+        EXPECT_EQ(texture->getGammaCorrected(), encoding == COLOR_ENCODING::SRGB);
+        for (unsigned int mip = 0; mip < 2; ++mip) {
+            for (unsigned int face = 0; face < 6; ++face) {
+                const auto expected = ovImages::faceOf(cube.mips[mip], face).bytes;
+                EXPECT_EQ(texture->readBack(face, mip), (Bytes{expected.begin(), expected.end()}))
+                    << face << ", mip " << mip;
+            }
+        }
+    }
+    const auto empty = make(1, 1);
+    empty->setFromCube({});
+    EXPECT_FALSE(empty->load());
     getGraphicsLogger().messages.clear();
 }
 

@@ -5,8 +5,8 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <veldris/bake/CrossLayout.h>
-#include <veldris/bake/CubeFile.h>
+#include <ovImages/cubes/CubeFile.h>
+#include <ovImages/cubes/CubeLayout.h>
 
 namespace {
 
@@ -136,7 +136,8 @@ TEST_F(BakeOutputTest, crossesFoldBackToTheFaces) {
     ASSERT_EQ(files.paths.size(), 3u);
     for (unsigned int mip = 0; mip < 3; ++mip) {
         const Image cross = readImage(files.paths[mip]);
-        EXPECT_TRUE(hasColors(veldris::facesOfCross(cross.view()), cube.mips[mip].view()));
+        EXPECT_TRUE(hasColors(ovImages::facesOfPicture(cross.view(), ovImages::CUBE_LAYOUT::CROSS),
+                              cube.mips[mip].view()));
         EXPECT_EQ(cross.getComponent(0, 0, 0), 0.0f);
     }
 }
@@ -147,9 +148,9 @@ TEST_F(BakeOutputTest, keepsTheComponentsThatWereAskedFor) {
         write({.path = _folder.getPath("a.exr"), .form = BAKE_FORM::CROSS, .components = type}, cube);
         EXPECT_EQ(readImage(_folder.getPath("a.exr")).getComponentType(), type);
         write({.path = _folder.getPath("a.dds"), .form = BAKE_FORM::CUBE_FILE, .components = type}, cube);
-        veldris::CubeMap back;
-        String error;
-        ASSERT_TRUE(veldris::readCubeFile(_folder.getPath("a.dds"), back, error)) << error;
+        const ovImages::CubeReadResult read = ovImages::readCubeFile(_folder.getPath("a.dds"));
+        ASSERT_TRUE(read) << read.error;
+        const veldris::CubeMap& back = read.cube;
         ASSERT_EQ(back.mips.size(), 3u);
         EXPECT_EQ(back.mips[0].getComponentType(), type);
         for (unsigned int mip = 0; mip < 3; ++mip)

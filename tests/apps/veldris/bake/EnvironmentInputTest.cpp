@@ -3,11 +3,12 @@
 #include "support/TemporaryFolder.h"
 #include "veldris/bake/EnvironmentPictures.h"
 
+#include <cstring>
 #include <fstream>
 #include <limits>
 #include <ovImages/Conversion.h>
-#include <veldris/bake/CrossLayout.h>
-#include <veldris/bake/CubeFile.h>
+#include <ovImages/cubes/CubeFile.h>
+#include <ovImages/cubes/CubeLayout.h>
 
 namespace {
 
@@ -32,23 +33,25 @@ protected:
 
     String writeCube(const Image& faces, const char* name) {
         const String path = _folder.getPath(name);
-        String error;
-        EXPECT_TRUE(veldris::writeCubeFile(path, {.mips = {faces}}, error)) << error;
+        const ovMemory::Result written = ovImages::writeCubeFile(path, {.mips = {faces}});
+        EXPECT_TRUE(written) << written.error;
         return path;
     }
 
-    EnvironmentInput read(const String& path) {
+    EnvironmentInput read(const String& path, const char* layout = "") {
         EnvironmentInput input;
         String error = "old";
-        EXPECT_TRUE(veldris::readEnvironment(path, input, error)) << error;
+        EXPECT_TRUE(veldris::readEnvironment(path, {.layout = layout, .decoding = {}}, input, error))
+            << error;
         EXPECT_EQ(error, "");
         return input;
     }
 
-    String errorOf(const String& path) {
+    String errorOf(const String& path, const char* layout = "") {
         EnvironmentInput input;
         String error;
-        EXPECT_FALSE(veldris::readEnvironment(path, input, error)) << path;
+        EXPECT_FALSE(veldris::readEnvironment(path, {.layout = layout, .decoding = {}}, input, error))
+            << path;
         EXPECT_EQ(error.find('\n'), String::npos) << error;
         return error;
     }
@@ -65,19 +68,23 @@ TEST_F(EnvironmentInputTest, fieldsAreFilledWhereverTheyStand) {
 TEST_F(EnvironmentInputTest, readsEveryFormOfACubeAlike) {
     const Image faces = directionFaces(SIDE);
     const String cross = _folder.getPath("cross.exr");
-    writeImage(cross, veldris::crossOfFaces(faces));
+    writeImage(cross, ovImages::crossOfFaces(faces));
+    const String strip = _folder.getPath("strip.exr");
+    writeImage(strip, faces);
     struct Case {
         String path;
         ovMemory::StringView kind;
     };
     for (const Case& row : {Case{writeFaces(faces), "faces"},
                             {cross, "cross"},
+                            {strip, "strip"},
                             {writeCube(faces, "cube.DDS"), "dds"},
                             {writeCube(faces, "cube.ktx2"), "ktx2"}}) {
         const EnvironmentInput input = read(row.path);
         EXPECT_EQ(input.kind, row.kind);
         EXPECT_TRUE(input.isCube);
-        EXPECT_TRUE(input.warnings.empty());
+        // What was guessed from the shape is told.
+        EXPECT_EQ(input.warnings.size(), row.kind == "cross" || row.kind == "strip" ? 1u : 0u) << row.kind;
         const auto colors = [](const Image& image) {
             return ovImages::convertImage(image.view(), ovImages::COMPONENT_TYPE::FLOAT, 3,
                                           ovImages::COLOR_ENCODING::LINEAR);
@@ -103,6 +110,76 @@ TEST_F(EnvironmentInputTest, readsPanoramasOfAllFormatsAsLinearFloats) {
         // 128 / 255 decoded from sRGB is 0.2158.
         EXPECT_NEAR(input.image.getComponent(2, 1, 1), hasFloats ? 0.5 : 0.2158, 1e-4) << name;
     }
+}
+
+TEST_F(EnvironmentInputTest, theLayoutThatIsAskedForDecides) {
+    const String photo = _folder.getPath("photo.exr");
+    writeImage(photo, floatImage(8, 6));
+    const EnvironmentInput guessed = read(photo);
+    EXPECT_EQ(guessed.kind, "cross");
+    ASSERT_EQ(guessed.warnings.size(), 1u);
+    EXPECT_EQ(guessed.warnings[0], "'" + photo +
+                                       "' has 8 x 6 pixels and is taken for a cross of six faces; "
+                                       "--input-layout panorama reads it as a panorama.");
+    EXPECT_TRUE(read(photo, "cross").warnings.empty());
+    const EnvironmentInput panorama = read(photo, "panorama");
+    EXPECT_EQ(panorama.kind, "panorama");
+    EXPECT_FALSE(panorama.isCube);
+    EXPECT_EQ(panorama.image.getWidth(), 8u);
+
+    EXPECT_EQ(errorOf(photo, "strip"),
+              "'" + photo + "' has 8 x 6 pixels, which is no strip of six square faces: that is 1:6 or 6:1.");
+    EXPECT_NE(errorOf(photo, "faces").find("names one file"), String::npos);
+    EXPECT_NE(errorOf(_folder.getPath("{face}.exr"), "strip").find("names six files"), String::npos);
+    EXPECT_NE(errorOf(_folder.getPath("a.dds"), "panorama").find("is a cube already"), String::npos);
+    EXPECT_EQ(read(writeFaces(directionFaces(SIDE)), "faces").kind, "faces");
+}
+
+/// Gives an EXR file of few rows an attribute: what it holds, and where its pixels then begin.
+void setEnvironmentAttribute(const String& path, char kind) {
+    std::string bytes;
+    {
+        std::ifstream file(path, std::ios::binary);
+        bytes.assign(std::istreambuf_iterator<char>(file), {});
+    }
+    std::size_t end = 8; // behind magic number and version; attributes are a name, a type, a size and a value
+    while (bytes[end] != 0) {
+        end = bytes.find('\0', bytes.find('\0', end) + 1) + 1;
+        std::uint32_t size = 0;
+        std::memcpy(&size, &bytes[end], 4);
+        end += 4 + size;
+    }
+    const std::string attribute = std::string("envmap\0envmap\0\1\0\0\0", 18) + kind;
+    std::uint64_t first = 0; // behind the header stand the places of the pieces
+    std::memcpy(&first, &bytes[end + 1], 8);
+    const std::size_t places = (first - end - 1) / 8;
+    for (std::size_t i = 0; i < places; ++i) {
+        std::uint64_t place = 0;
+        std::memcpy(&place, &bytes[end + 1 + 8 * i], 8);
+        place += attribute.size();
+        std::memcpy(&bytes[end + 1 + 8 * i], &place, 8);
+    }
+    bytes.insert(end, attribute);
+    std::ofstream(path, std::ios::binary) << bytes;
+}
+
+TEST_F(EnvironmentInputTest, whatAnExrFileSaysOfItselfIsNoGuess) {
+    const String strip = _folder.getPath("cube.exr");
+    Image faces = floatImage(2, 12);
+    for (unsigned int y = 0; y < 12; ++y)
+        faces.setComponent(0, y, 0, static_cast<float>(1 + y));
+    writeImage(strip, faces);
+    setEnvironmentAttribute(strip, 1);
+    const EnvironmentInput cube = read(strip);
+    EXPECT_EQ(cube.kind, "strip");
+    EXPECT_TRUE(cube.isCube);
+    EXPECT_TRUE(cube.warnings.empty());
+    EXPECT_EQ(cube.image.getComponent(0, 0, 0), 9.0f) << "OpenEXR's +z is the middle of its panoramas";
+
+    const String panorama = _folder.getPath("panorama.exr");
+    writeImage(panorama, floatImage(8, 6));
+    setEnvironmentAttribute(panorama, 0);
+    EXPECT_EQ(read(panorama).kind, "panorama") << "not a cross";
 }
 
 TEST_F(EnvironmentInputTest, tellsWhatItChanged) {
@@ -139,7 +216,7 @@ TEST_F(EnvironmentInputTest, whatIsNoEnvironmentIsOneLine) {
     writeImage(_folder.getPath("one.exr"), floatImage(1, 1));
     EXPECT_NE(errorOf(_folder.getPath("one.exr")).find("has one pixel"), String::npos);
     std::ofstream(_folder.getPath("text.dds")) << "no picture at all";
-    EXPECT_NE(errorOf(_folder.getPath("text.dds")).find("text.dds' cannot be read: it is no DDS file"),
+    EXPECT_NE(errorOf(_folder.getPath("text.dds")).find("text.dds' cannot be read: it is neither a DDS file"),
               String::npos);
     std::ofstream(_folder.getPath("text.exr")) << "no picture at all";
     EXPECT_NE(errorOf(_folder.getPath("text.exr")).find("text.exr"), String::npos);

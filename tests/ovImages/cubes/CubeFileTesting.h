@@ -4,12 +4,12 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
-#include <veldris/bake/CubeMap.h>
+#include <ovImages/cubes/CubeMap.h>
 
 /// A cube whose bytes count up, so that no two texels next to each other are alike.
-inline veldris::CubeMap countingCube(unsigned int side, unsigned int mipCount,
-                                     ovImages::COMPONENT_TYPE type) {
-    veldris::CubeMap cube;
+inline ovImages::CubeMap countingCube(unsigned int side, unsigned int mipCount,
+                                      ovImages::COMPONENT_TYPE type) {
+    ovImages::CubeMap cube;
     unsigned char next = 0;
     for (unsigned int mip = 0; mip < mipCount; ++mip) {
         const unsigned int mipSide = std::max(side >> mip, 1u);

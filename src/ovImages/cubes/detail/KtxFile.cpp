@@ -1,15 +1,15 @@
 // The layout is that of Khronos' "KTX File Format Specification", version 2, and of the basic block of its
 // "Data Format Specification": header, places of the mips, descriptor of a texel, keys with values, then the
 // mips from the smallest on, each with its six faces in order.
-#include <veldris/bake/KtxFile.h>
+#include <ovImages/cubes/detail/KtxFile.h>
 
 #include <algorithm>
 #include <fmt/format.h>
-#include <veldris/bake/CubeFileParts.h>
+#include <numeric>
+#include <ovImages/cubes/detail/CubeFileParts.h>
 
-namespace veldris {
+namespace ovImages::detail {
 
-using ovImages::COMPONENT_TYPE;
 using ovMemory::Buffer;
 using ovMemory::BufferView;
 using ovMemory::String;
@@ -41,71 +41,110 @@ constexpr std::array<std::uint32_t, 3> IDENTIFIER_WORDS = {0x58544bab, 0xbb30322
                                                            0x0a1a0a0d}; // "«KTX 20»\r\n\x1a\n"
 constexpr std::uint32_t FORMAT_HALF = 97;                               // VK_FORMAT_R16G16B16A16_SFLOAT
 constexpr std::uint32_t FORMAT_FLOAT = 109;                             // VK_FORMAT_R32G32B32A32_SFLOAT
+
+/// A number of VkFormat and its texels.
+struct Entry {
+    std::uint32_t code;
+    CubeTexels texels;
+};
+
+using enum COMPONENT_TYPE;
+constexpr COLOR_ENCODING LINEAR = COLOR_ENCODING::LINEAR;
+constexpr COLOR_ENCODING SRGB = COLOR_ENCODING::SRGB;
+
+// R8_UNORM, R8_SRGB, R8G8_UNORM, and so on by number of components, with their orders.
+constexpr Entry FORMATS[] = {{9, texelsInOrder(UINT8, 1)},     {15, texelsInOrder(UINT8, 1, SRGB)},
+                             {16, texelsInOrder(UINT8, 2)},    {22, texelsInOrder(UINT8, 2, SRGB)},
+                             {23, texelsInOrder(UINT8, 3)},    {29, texelsInOrder(UINT8, 3, SRGB)},
+                             {30, texelsBlueFirst(3, LINEAR)}, {36, texelsBlueFirst(3, SRGB)},
+                             {37, texelsInOrder(UINT8, 4)},    {43, texelsInOrder(UINT8, 4, SRGB)},
+                             {44, texelsBlueFirst(4, LINEAR)}, {50, texelsBlueFirst(4, SRGB)},
+                             {76, texelsInOrder(HALF, 1)},     {83, texelsInOrder(HALF, 2)},
+                             {90, texelsInOrder(HALF, 3)},     {FORMAT_HALF, texelsInOrder(HALF, 4)},
+                             {100, texelsInOrder(FLOAT, 1)},   {103, texelsInOrder(FLOAT, 2)},
+                             {106, texelsInOrder(FLOAT, 3)},   {FORMAT_FLOAT, texelsInOrder(FLOAT, 4)}};
+
 constexpr std::size_t LEVEL_WORDS = 6; // offset, bytes in the file and bytes of texels, two words each
 constexpr StringView ORIENTATION_KEY = "KTXorientation";
 constexpr StringView ORIENTATION = "rd"; // rows to the right, the first on top
 constexpr StringView WRITER_KEY = "KTXwriter";
-constexpr StringView WRITER = "veldris bake";
+constexpr StringView WRITER = "ovImages";
 
-constexpr std::size_t DESCRIPTOR_WORDS = 23; // its size, six of the block and four for each channel
+constexpr std::size_t BLOCK_WORDS = 7; // the descriptor's size and six of its block; four follow a channel
+constexpr std::size_t SAMPLE_WORDS = 4;
 constexpr std::size_t MODEL_WORD = 3;
 constexpr std::uint32_t MODEL_MASK = 0x00ff00ff; // not the primaries and whether alpha is premultiplied
-using Descriptor = std::array<std::uint32_t, DESCRIPTOR_WORDS>;
 
-std::uint32_t componentSize(COMPONENT_TYPE type) {
-    return static_cast<std::uint32_t>(ovImages::getComponentSize(type));
+std::uint32_t componentSize(const CubeTexels& texels) {
+    return static_cast<std::uint32_t>(getComponentSize(texels.type));
 }
 
-std::uint32_t texelSize(COMPONENT_TYPE type) {
-    return 4 * componentSize(type);
-}
-
-Descriptor describeTexels(COMPONENT_TYPE type) {
+/// The descriptor of texels.
+Buffer<std::uint32_t> describeTexels(const CubeTexels& texels) {
     constexpr std::uint32_t VERSION = 2;
-    constexpr std::uint32_t MODEL = 1 | 1 << 8 | 1 << 16; // RGBSDA, BT.709, linear
-    constexpr std::uint32_t CHANNELS[] = {0, 1, 2, 15};   // red, green, blue, alpha
+    constexpr std::uint32_t MODEL = 1 | 1 << 8; // RGBSDA, BT.709
+    constexpr std::uint32_t TRANSFER_LINEAR = 1 << 16;
+    constexpr std::uint32_t TRANSFER_SRGB = 2 << 16;
+    constexpr std::uint32_t ALPHA = 15; // red, green and blue are 0 to 2
     constexpr std::uint32_t SIGNED_FLOAT = 0xc0;
-    constexpr std::uint32_t LOWER = 0xbf800000; // -1
-    constexpr std::uint32_t UPPER = 0x3f800000; // 1
-    const std::uint32_t bits = 8 * componentSize(type);
-    Descriptor words = {DESCRIPTOR_WORDS * 4, 0, VERSION | (DESCRIPTOR_WORDS - 1) * 4 << 16, MODEL, 0,
-                        texelSize(type),      0};
-    std::size_t at = 7;
-    for (std::uint32_t i = 0; i < std::size(CHANNELS); ++i, at += 4) {
-        words[at] = i * bits | (bits - 1) << 16 | (SIGNED_FLOAT | CHANNELS[i]) << 24;
-        words[at + 2] = LOWER;
-        words[at + 3] = UPPER;
+    constexpr std::uint32_t LINEAR_SAMPLE = 0x10; // alpha of sRGB texels
+    const bool isFloat = texels.type != UINT8;
+    const bool isSrgb = texels.encoding == SRGB;
+    const std::uint32_t bits = 8 * componentSize(texels);
+    const auto words = static_cast<std::uint32_t>(BLOCK_WORDS + SAMPLE_WORDS * texels.stored);
+    Buffer<std::uint32_t> descriptor = {words * 4,
+                                        0,
+                                        VERSION | (words - 1) * 4 << 16,
+                                        MODEL | (isSrgb ? TRANSFER_SRGB : TRANSFER_LINEAR),
+                                        0,
+                                        cubeTexelSize(texels),
+                                        0};
+    for (std::uint32_t i = 0; i < texels.stored; ++i) {
+        // Blue stands first where red is read from the third component.
+        std::uint32_t channel = i == 3 ? ALPHA : texels.from[0] == 2 ? 2 - i : i;
+        if (isFloat)
+            channel |= SIGNED_FLOAT;
+        else if (isSrgb && i == 3)
+            channel |= LINEAR_SAMPLE;
+        constexpr std::uint32_t MINUS_ONE = 0xbf800000; // of floats
+        constexpr std::uint32_t ONE = 0x3f800000;
+        descriptor.push_back(i * bits | (bits - 1) << 16 | channel << 24);
+        descriptor.push_back(0);
+        descriptor.push_back(isFloat ? MINUS_ONE : 0);
+        descriptor.push_back(isFloat ? ONE : 255);
     }
-    return words;
+    return descriptor;
 }
 
 /// Where everything is, by the format's rules; nothing overflows, whatever the header.
 struct Layout {
-    std::uint64_t descriptor;
-    std::uint64_t keys;
-    std::uint64_t texels;
-    std::uint64_t size;
+    std::uint64_t descriptor = 0;
+    std::uint64_t keys = 0;
+    Buffer<std::uint64_t> mips; ///< where each begins, the largest, which lies last, first
+    std::uint64_t size = 0;
 };
 
-/// Mips are aligned to texels, and are whole texels, so that only the first needs padding.
+/// Mips are aligned to whole texels and whole words.
 Layout layOut(const CubeFileHeader& header, std::uint64_t descriptorBytes, std::uint64_t keysBytes) {
-    Layout layout = {};
+    Layout layout;
     layout.descriptor = (HEADER_WORDS + LEVEL_WORDS * header.mipCount) * 4;
     layout.keys = layout.descriptor + descriptorBytes;
-    const std::uint64_t alignment = texelSize(header.type);
-    layout.texels = (layout.keys + keysBytes + alignment - 1) / alignment * alignment;
-    layout.size = layout.texels + cubeSize(header);
+    layout.size = layout.keys + keysBytes;
+    layout.mips.resize(header.mipCount);
+    const std::uint64_t alignment = std::lcm(cubeTexelSize(header.texels), 4u);
+    for (unsigned int mip = header.mipCount; mip-- > 0;) {
+        layout.mips[mip] = (layout.size + alignment - 1) / alignment * alignment;
+        layout.size = layout.mips[mip] + FACE_COUNT * cubeFaceSize(header, mip);
+    }
     return layout;
 }
 
 /// The words of the places of all mips.
 Buffer<std::uint32_t> placesOf(const CubeFileHeader& header, const Layout& layout) {
     Buffer<std::uint32_t> places;
-    std::uint64_t end = layout.size;
     for (unsigned int mip = 0; mip < header.mipCount; ++mip) {
         const std::uint64_t bytes = FACE_COUNT * cubeFaceSize(header, mip);
-        end -= bytes;
-        for (const std::uint64_t value : {end, bytes, bytes}) {
+        for (const std::uint64_t value : {layout.mips[mip], bytes, bytes}) {
             places.push_back(static_cast<std::uint32_t>(value));
             places.push_back(static_cast<std::uint32_t>(value >> 32));
         }
@@ -128,24 +167,24 @@ bool readHeader(BufferView<const unsigned char> bytes, CubeFileHeader& header, S
         error = "it is no KTX file of version 2.";
         return false;
     }
-    const std::uint32_t format = readWord(bytes, VK_FORMAT);
-    const COMPONENT_TYPE type = format == FORMAT_HALF ? COMPONENT_TYPE::HALF : COMPONENT_TYPE::FLOAT;
+    const auto format = std::ranges::find(FORMATS, readWord(bytes, VK_FORMAT), &Entry::code);
     if (readWord(bytes, FACES) != FACE_COUNT || readWord(bytes, LAYERS) > 0 || readWord(bytes, DEPTH) > 0)
         error = "it holds no cube, or several; give a file of one cube.";
     else if (const std::uint32_t scheme = readWord(bytes, SUPERCOMPRESSION); scheme != 0)
         error = fmt::format("its texels are compressed by scheme {}; give a file without supercompression.",
                             scheme);
-    else if (format != FORMAT_HALF && format != FORMAT_FLOAT)
-        error = fmt::format("its texels have Vulkan's format {}; only R16G16B16A16_SFLOAT ({}) and "
-                            "R32G32B32A32_SFLOAT ({}) are read.",
-                            format, FORMAT_HALF, FORMAT_FLOAT);
-    else if (readWord(bytes, TYPE_SIZE) != componentSize(type))
+    else if (format == std::end(FORMATS))
+        error =
+            fmt::format("its texels have Vulkan's format {}; only floats, half floats and 8 bits are read.",
+                        readWord(bytes, VK_FORMAT));
+    else if (readWord(bytes, TYPE_SIZE) != componentSize(format->texels))
         error = fmt::format("its components have {} bytes where its format has {}.",
-                            readWord(bytes, TYPE_SIZE), componentSize(type));
+                            readWord(bytes, TYPE_SIZE), componentSize(format->texels));
     if (!error.empty())
         return false;
     // A count of 0 asks the reader to make the mips.
-    header = {readWord(bytes, WIDTH), readWord(bytes, HEIGHT), std::max(readWord(bytes, LEVELS), 1u), type};
+    header = {readWord(bytes, WIDTH), readWord(bytes, HEIGHT), std::max(readWord(bytes, LEVELS), 1u),
+              format->texels};
     return checkCubeHeader(header, error);
 }
 
@@ -169,17 +208,21 @@ bool checkPlaces(BufferView<const unsigned char> bytes, const CubeFileHeader& he
     return error.empty();
 }
 
-bool checkDescriptor(BufferView<const unsigned char> descriptor, COMPONENT_TYPE type, String& error) {
-    const Descriptor expected = describeTexels(type);
-    for (std::size_t i = 0; i < expected.size(); ++i) {
-        const std::uint32_t mask = i == MODEL_WORD ? MODEL_MASK : ~0u;
-        if (((readWord(descriptor, i) ^ expected[i]) & mask) != 0) {
-            error =
-                "its descriptor tells of other texels than linear red, green, blue and alpha of its format.";
-            return false;
-        }
-    }
-    return true;
+/// Other blocks may follow the basic one. The numbers that stand for 0 and 1 are not looked at: writers
+/// differ in them, and the format gives them.
+bool checkDescriptor(BufferView<const unsigned char> descriptor, const CubeTexels& texels, String& error) {
+    const Buffer<std::uint32_t> expected = describeTexels(texels);
+    const auto differs = [&](std::size_t word, std::uint32_t mask) {
+        return ((readWord(descriptor, word) ^ expected[word]) & mask) != 0;
+    };
+    constexpr std::uint32_t LINEAR_SAMPLE = 0x10000000;
+    bool isOther = descriptor.size() < expected.size() * 4 || readWord(descriptor, 0) != descriptor.size() ||
+                   differs(1, ~0u) || differs(2, ~0u) || differs(MODEL_WORD, MODEL_MASK);
+    for (std::size_t word = BLOCK_WORDS; !isOther && word < expected.size(); word += SAMPLE_WORDS)
+        isOther = differs(word, ~LINEAR_SAMPLE);
+    if (isOther)
+        error = "its descriptor tells of other texels than those of its format.";
+    return !isOther;
 }
 
 /// Takes a key with its value from the front. @return false when there is none whole
@@ -237,20 +280,24 @@ std::array<std::uint32_t, HEADER_WORDS> headerWords(const CubeFileHeader& header
                                                     std::size_t keysBytes) {
     std::array<std::uint32_t, HEADER_WORDS> words = {};
     std::ranges::copy(IDENTIFIER_WORDS, words.begin());
-    words[VK_FORMAT] = header.type == COMPONENT_TYPE::HALF ? FORMAT_HALF : FORMAT_FLOAT;
-    words[TYPE_SIZE] = componentSize(header.type);
+    words[VK_FORMAT] = header.texels.type == HALF ? FORMAT_HALF : FORMAT_FLOAT;
+    words[TYPE_SIZE] = componentSize(header.texels);
     words[WIDTH] = header.width;
     words[HEIGHT] = header.height;
     words[FACES] = FACE_COUNT;
     words[LEVELS] = header.mipCount;
     words[DESCRIPTOR_OFFSET] = static_cast<std::uint32_t>(layout.descriptor);
-    words[DESCRIPTOR_BYTES] = DESCRIPTOR_WORDS * 4;
+    words[DESCRIPTOR_BYTES] = static_cast<std::uint32_t>(layout.keys - layout.descriptor);
     words[KEYS_OFFSET] = static_cast<std::uint32_t>(layout.keys);
     words[KEYS_BYTES] = static_cast<std::uint32_t>(keysBytes);
     return words;
 }
 
 } // namespace
+
+bool isKtx(BufferView<const unsigned char> bytes) {
+    return hasIdentifier(bytes);
+}
 
 bool decodeKtx(BufferView<const unsigned char> bytes, CubeMap& cube, String& error) {
     error.clear();
@@ -264,20 +311,13 @@ bool decodeKtx(BufferView<const unsigned char> bytes, CubeMap& cube, String& err
     const Layout layout = layOut(header, descriptorBytes, keysBytes);
     if (layout.size != bytes.size())
         error = fmt::format("it has {} bytes where its header tells of {}.", bytes.size(), layout.size);
-    else if (descriptorBytes != DESCRIPTOR_WORDS * 4)
-        error =
-            fmt::format("its descriptor has {} bytes instead of {}.", descriptorBytes, DESCRIPTOR_WORDS * 4);
     CubeMap read;
     if (!error.empty() || !checkPlaces(bytes, header, layout, error) ||
-        !checkDescriptor(bytes.subspan(layout.descriptor, descriptorBytes), header.type, error) ||
+        !checkDescriptor(bytes.subspan(layout.descriptor, descriptorBytes), header.texels, error) ||
         !checkKeys(bytes.subspan(layout.keys, keysBytes), error) || !allocateCube(header, read, error))
         return false;
-    std::size_t end = bytes.size();
-    for (ovImages::Image& mip : read.mips) {
-        const BufferView<unsigned char> target = mip.getBytes();
-        end -= target.size();
-        std::copy_n(bytes.data() + end, target.size(), target.data());
-    }
+    for (unsigned int mip = 0; mip < header.mipCount; ++mip)
+        readTexels(bytes.data() + layout.mips[mip], header.texels, read.mips[mip].getBytes());
     cube = std::move(read);
     return true;
 }
@@ -287,22 +327,23 @@ Buffer<unsigned char> encodeKtx(const CubeMap& cube) {
     if (!cubeHeaderOf(cube, header))
         return {};
     const Buffer<unsigned char> keys = keysOfWriter();
-    const Layout layout = layOut(header, DESCRIPTOR_WORDS * 4, keys.size());
+    const Buffer<std::uint32_t> descriptor = describeTexels(header.texels);
+    const Layout layout = layOut(header, descriptor.size() * 4, keys.size());
     Buffer<unsigned char> bytes;
     bytes.reserve(layout.size);
     for (const std::uint32_t word : headerWords(header, layout, keys.size()))
         appendWord(bytes, word);
     for (const std::uint32_t word : placesOf(header, layout))
         appendWord(bytes, word);
-    for (const std::uint32_t word : describeTexels(header.type))
+    for (const std::uint32_t word : descriptor)
         appendWord(bytes, word);
     bytes.insert(bytes.end(), keys.begin(), keys.end());
-    bytes.resize(layout.texels);
     for (std::size_t mip = cube.mips.size(); mip-- > 0;) {
+        bytes.resize(layout.mips[mip]);
         const BufferView<const unsigned char> texels = cube.mips[mip].getBytes();
         bytes.insert(bytes.end(), texels.begin(), texels.end());
     }
     return bytes;
 }
 
-} // namespace veldris
+} // namespace ovImages::detail
