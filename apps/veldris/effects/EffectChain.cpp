@@ -54,8 +54,7 @@ public:
 private:
     /// Gives the effect the picture, and a camera wherever it asks for one.
     void _setSource(const PlannedEffect& planned, ovVeldris::Effect& effect) {
-        String neverWrong;
-        effect.setSetting(ovVeldris::EffectKind::PICTURE_SETTING, _picture.get(), neverWrong);
+        effect.setSetting(ovVeldris::EffectKind::PICTURE_SETTING, _picture.get());
         planned.view.apply(*_camera, static_cast<float>(_picture->getWidth()) /
                                          static_cast<float>(_picture->getHeight()));
         for (const ovVeldris::Setting& setting : effect.getSettings())

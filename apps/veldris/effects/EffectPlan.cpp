@@ -29,7 +29,8 @@ bool planEffect(const EffectSpec& spec, PlannedEffect& effect, String& error) {
         return false;
     effect.text = toText(spec);
     Buffer<SettingAssignment> assignments;
-    if (parseSettings(settingsInChain(*effect.kind), spec.settings, nullptr, assignments, error)) {
+    error = parseSettings(settingsInChain(*effect.kind), spec.settings, nullptr, assignments).error;
+    if (error.empty()) {
         distribute(assignments, effect);
         error = effect.view.check();
     }

@@ -50,9 +50,8 @@ TEST_P(EffectKindTest, everyCombinationOfSettingsLoads) {
     for (const EffectKind& kind : effectKinds()) {
         for (const auto& combination : finiteCombinations(kind.settings())) {
             const auto effect = kind.create(getSystem());
-            String error;
             for (const SettingAssignment& assignment : combination)
-                EXPECT_TRUE(effect->setSetting(assignment.name, assignment.value, error)) << error;
+                EXPECT_EQ(effect->setSetting(assignment.name, assignment.value).error, "");
             EXPECT_TRUE(effect->load()) << kind.getName();
         }
     }
@@ -67,9 +66,8 @@ TEST_P(EffectKindTest, onlySettingsThatWaitForLoadSelectTheText) {
             if (setting.waitsForLoad || isResource(setting.kind))
                 continue;
             const auto effect = kind.create(getSystem());
-            String error;
             for (const SettingValue& value : ovVeldris::testing::otherValues(setting, getGraphics()))
-                EXPECT_TRUE(effect->setSetting(setting.name, value, error)) << error;
+                EXPECT_EQ(effect->setSetting(setting.name, value).error, "");
             ASSERT_TRUE(effect->load());
             EXPECT_EQ(programText(*effect), programText(*plain)) << kind.getName() << setting.name;
         }

@@ -10,13 +10,13 @@ namespace {
 class PbsMaterialSettingsTest : public PbsMaterialFixture {
 protected:
     void set(ovMemory::StringView name, ovMemory::StringView text) {
-        ovMemory::String error;
-        EXPECT_TRUE(material().setSettingFromText(name, text, error, &getGraphics())) << error;
+        EXPECT_EQ(material().setSettingFromText(name, text, &getGraphics()).error, "");
     }
     ovMemory::String refused(ovMemory::StringView name, ovMemory::StringView text) {
-        ovMemory::String error;
-        EXPECT_FALSE(material().setSettingFromText(name, text, error, &getGraphics())) << name;
-        return error;
+        const auto result = material().setSettingFromText(name, text, &getGraphics());
+        EXPECT_FALSE(result) << name;
+        EXPECT_EQ(result.place, name);
+        return result.error;
     }
 };
 

@@ -17,24 +17,28 @@ String Configurable::getSettingAsText(StringView name) const {
     return setting ? toText(*setting, setting->get(*this)) : String();
 }
 
-bool Configurable::setSetting(StringView name, SettingValue value, String& error) {
-    const Setting* setting = findSetting(*_settings, name, error);
+ovMemory::Result Configurable::setSetting(StringView name, SettingValue value) {
+    ovMemory::Result result;
+    const Setting* setting = findSetting(*_settings, name, result);
     // Setters take any number, as C++ code may know why. Values by name come from files and users, so they
     // are checked here.
-    if (!setting || !acceptSettingValue(*setting, value, error))
-        return false;
-    setting->set(*this, value);
-    return true;
+    if (setting)
+        result = acceptSettingValue(*setting, value);
+    if (result)
+        setting->set(*this, value);
+    return result;
 }
 
-bool Configurable::setSettingFromText(StringView name, StringView text, String& error,
-                                      const ovGraphics::System* resources) {
+ovMemory::Result Configurable::setSettingFromText(StringView name, StringView text,
+                                                  const ovGraphics::System* resources) {
+    ovMemory::Result result;
     SettingValue value;
-    const Setting* setting = findSetting(*_settings, name, error);
-    if (!setting || !parseSettingValue(*setting, text, resources, value, error))
-        return false;
-    setting->set(*this, value);
-    return true;
+    const Setting* setting = findSetting(*_settings, name, result);
+    if (setting)
+        result = parseSettingValue(*setting, text, resources, value);
+    if (result)
+        setting->set(*this, value);
+    return result;
 }
 
 bool Configurable::isSettingUsed(const Setting& setting) const {

@@ -26,12 +26,12 @@ public:
     ovMemory::String getSettingAsText(ovMemory::StringView name) const;
 
     /// Hands a value to its setter.
-    /// @return false with one line in error when there is no setting of that name, or when it does not take
-    ///         that value (see acceptSettingValue()); nothing is set then
-    bool setSetting(ovMemory::StringView name, SettingValue value, ovMemory::String& error);
+    /// @return a failure, whose place is the name, when there is no setting of that name, or when it does not
+    ///         take that value (see acceptSettingValue()); nothing is set then
+    ovMemory::Result setSetting(ovMemory::StringView name, SettingValue value);
     /// The same from text, see parseSettingValue(). @param resources see there
-    bool setSettingFromText(ovMemory::StringView name, ovMemory::StringView text, ovMemory::String& error,
-                            const ovGraphics::System* resources = nullptr);
+    ovMemory::Result setSettingFromText(ovMemory::StringView name, ovMemory::StringView text,
+                                        const ovGraphics::System* resources = nullptr);
 
     /// Whether a setting of the table means anything beside the present values of the others.
     bool isSettingUsed(const Setting& setting) const;

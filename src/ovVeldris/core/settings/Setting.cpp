@@ -69,14 +69,12 @@ Setting Setting::with(ovMemory::StringView setting, ovMemory::StringView value) 
     return std::move(*this);
 }
 
-bool acceptSettingValue(const Setting& setting, SettingValue& value, String& error) {
+ovMemory::Result acceptSettingValue(const Setting& setting, SettingValue& value) {
     SettingValue candidate = converted(setting, value);
-    if (!isAccepted(setting, candidate)) {
-        error = valueProblem(setting, toText(setting, value));
-        return false;
-    }
+    if (!isAccepted(setting, candidate))
+        return ovMemory::failed(valueProblem(setting, toText(setting, value)), String(setting.name));
     value = std::move(candidate);
-    return true;
+    return {};
 }
 
 String toSettingText(ovMemory::StringView enumerator) {

@@ -7,7 +7,7 @@
 #include <ovMaths/Matrix.h>
 #include <ovMaths/Vector.h>
 #include <ovMemory/Enumeration.h>
-#include <ovMemory/Memory.h>
+#include <ovMemory/Result.h>
 #include <variant>
 
 namespace ovGraphics {
@@ -112,8 +112,8 @@ struct OV_API Setting {
 /// Whether a setting can take a value: of its kind, finite, in its range, one of its choices. An integer is
 /// accepted for a number and becomes one; a choice may be written in upper case and with underscores, and
 /// becomes the choice.
-/// @return false with one line in error that says what the setting takes; the value is then unchanged
-OV_API bool acceptSettingValue(const Setting& setting, SettingValue& value, ovMemory::String& error);
+/// @return a failure that says what the setting, its place, takes; the value is then unchanged
+OV_API ovMemory::Result acceptSettingValue(const Setting& setting, SettingValue& value);
 
 /// The text of an enumerator as settings write it: "TONE_MAPPING" is "tone-mapping".
 OV_API ovMemory::String toSettingText(ovMemory::StringView enumerator);

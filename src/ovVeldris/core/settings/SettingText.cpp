@@ -218,9 +218,8 @@ const SettingAssignment* findAssignment(const Buffer<SettingAssignment>& assignm
     return found == assignments.end() ? nullptr : &*found;
 }
 
-/// Whether each setting that is given means something beside the others.
-bool checkConditions(const SettingTable& settings, const Buffer<SettingAssignment>& assignments,
-                     String& error) {
+/// Refuses the first setting that means nothing beside the others.
+ovMemory::Result checkConditions(const SettingTable& settings, const Buffer<SettingAssignment>& assignments) {
     for (const SettingAssignment& assignment : assignments) {
         const Setting& setting = *settings.find(assignment.name);
         const Setting* decider = settings.find(setting.onlyWith.setting);
@@ -229,12 +228,10 @@ bool checkConditions(const SettingTable& settings, const Buffer<SettingAssignmen
         // A decider that is not given has its default.
         const SettingAssignment* given = findAssignment(assignments, decider->name);
         const String chosen = toText(*decider, given ? given->value : decider->defaultValue);
-        if (chosen == setting.onlyWith.value)
-            continue;
-        error = conditionProblem(setting, chosen);
-        return false;
+        if (chosen != setting.onlyWith.value)
+            return ovMemory::failed(conditionProblem(setting, chosen), String(setting.name));
     }
-    return true;
+    return {};
 }
 
 } // namespace
@@ -244,17 +241,15 @@ String toText(const Setting& setting, const SettingValue& value) {
     return std::visit(ValueWriter{isOfKind ? setting.components : MOST_COMPONENTS}, value);
 }
 
-bool parseSettingValue(const Setting& setting, StringView text, const ovGraphics::System* resources,
-                       SettingValue& value, String& error) {
+ovMemory::Result parseSettingValue(const Setting& setting, StringView text,
+                                   const ovGraphics::System* resources, SettingValue& value) {
     SettingValue parsed;
-    if (!parseKind(setting, text, resources, parsed)) {
-        error = valueProblem(setting, text);
-        return false;
-    }
-    if (!acceptSettingValue(setting, parsed, error))
-        return false;
-    value = std::move(parsed);
-    return true;
+    if (!parseKind(setting, text, resources, parsed))
+        return ovMemory::failed(valueProblem(setting, text), String(setting.name));
+    ovMemory::Result result = acceptSettingValue(setting, parsed);
+    if (result)
+        value = std::move(parsed);
+    return result;
 }
 
 // Messages, help and later pages of scripts all use this text, so that they cannot differ.
@@ -297,38 +292,38 @@ String valueProblem(const Setting& setting, StringView value) {
         .append(nearestNameHint(value, {setting.choices.begin(), setting.choices.end()}));
 }
 
-const Setting* findSetting(const SettingTable& settings, StringView name, String& error) {
+const Setting* findSetting(const SettingTable& settings, StringView name, ovMemory::Result& result) {
     if (const Setting* setting = settings.find(name))
         return setting;
     // The list is short, and most mistakes are a name from memory.
     Buffer<String> names;
     for (const Setting& setting : settings)
         names.emplace_back(setting.name);
-    error = "there is no setting '" + String(name) + "'; it has " +
-            (names.empty() ? String("none") : join(names, ", ")) + "." +
-            nearestNameHint(name, {names.begin(), names.end()});
+    const String known = names.empty() ? String("none") : join(names, ", ");
+    result = ovMemory::failed("there is no setting '" + String(name) + "'; it has " + known + "." +
+                                  nearestNameHint(name, {names.begin(), names.end()}),
+                              String(name));
     return nullptr;
 }
 
-bool parseSettings(const SettingTable& settings, BufferView<const SettingText> texts,
-                   const ovGraphics::System* resources, Buffer<SettingAssignment>& assignments,
-                   String& error) {
+ovMemory::Result parseSettings(const SettingTable& settings, BufferView<const SettingText> texts,
+                               const ovGraphics::System* resources, Buffer<SettingAssignment>& assignments) {
     assignments.clear();
     for (const SettingText& text : texts) {
-        const Setting* setting = findSetting(settings, text.name, error);
+        ovMemory::Result result;
+        const Setting* setting = findSetting(settings, text.name, result);
         if (!setting)
-            return false;
-        if (findAssignment(assignments, setting->name)) {
-            error = "the setting '" + text.name + "' is given twice; keep one.";
-            return false;
-        }
+            return result;
+        if (findAssignment(assignments, setting->name))
+            return ovMemory::failed("the setting '" + text.name + "' is given twice; keep one.", text.name);
         SettingValue value;
-        if (!parseSettingValue(*setting, text.value, resources, value, error))
-            return false;
+        result = parseSettingValue(*setting, text.value, resources, value);
+        if (!result)
+            return result;
         assignments.push_back({setting->name, std::move(value)});
     }
     // Last, because what a setting depends on may be given after it.
-    return checkConditions(settings, assignments, error);
+    return checkConditions(settings, assignments);
 }
 
 } // namespace ovVeldris

@@ -17,10 +17,9 @@ OV_API ovMemory::String toText(const Setting& setting, const SettingValue& value
 /// optional spaces around; enumerations by a choice; textures, samplers, cameras and nodes by the name under
 /// which a manager of the graphics system knows them, or "none".
 /// @param resources looks names up; null: settings of resources take none
-/// @return false with one line in error that says what the setting takes
-OV_API bool parseSettingValue(const Setting& setting, ovMemory::StringView text,
-                              const ovGraphics::System* resources, SettingValue& value,
-                              ovMemory::String& error);
+/// @return a failure that says what the setting, its place, takes; the value is then unchanged
+OV_API ovMemory::Result parseSettingValue(const Setting& setting, ovMemory::StringView text,
+                                          const ovGraphics::System* resources, SettingValue& value);
 
 /// What a setting takes, in words: "a number from 1 to 179 degrees", "one of flat, cube".
 OV_API ovMemory::String expectedText(const Setting& setting);
@@ -30,9 +29,9 @@ OV_API ovMemory::String rangeText(const Setting& setting);
 /// One line about a value that a setting does not take.
 OV_API ovMemory::String valueProblem(const Setting& setting, ovMemory::StringView value);
 
-/// The row of a name. @return null with one line in error that lists the names
+/// The row of a name. @return null with a failure in result that lists the names
 OV_API const Setting* findSetting(const SettingTable& settings, ovMemory::StringView name,
-                                  ovMemory::String& error);
+                                  ovMemory::Result& result);
 
 /// A setting as written, for example on a command line: `name=value`.
 struct SettingText {
@@ -51,9 +50,10 @@ struct SettingAssignment {
 /// another one only (Setting::onlyWith) is refused beside another value of that, which is its default when it
 /// is not given.
 /// @param resources as of parseSettingValue()
-/// @return false with one line in error
-OV_API bool parseSettings(const SettingTable& settings, ovMemory::BufferView<const SettingText> texts,
-                          const ovGraphics::System* resources,
-                          ovMemory::Buffer<SettingAssignment>& assignments, ovMemory::String& error);
+/// @return a failure whose place is the first setting that is wrong
+OV_API ovMemory::Result parseSettings(const SettingTable& settings,
+                                      ovMemory::BufferView<const SettingText> texts,
+                                      const ovGraphics::System* resources,
+                                      ovMemory::Buffer<SettingAssignment>& assignments);
 
 } // namespace ovVeldris

@@ -14,28 +14,25 @@ TEST(ConfigurableTest, everySettingGoesInAndComesOut) {
 
 TEST(ConfigurableTest, settingsReachTheSetters) {
     SettingSample sample;
-    String error;
-    EXPECT_TRUE(sample.setSetting("count", 9, error)) << error;
+    EXPECT_EQ(sample.setSetting("count", 9).error, "");
     EXPECT_EQ(sample.count, 9);
-    EXPECT_TRUE(sample.setSettingFromText("fruit", "apple", error)) << error;
+    EXPECT_EQ(sample.setSettingFromText("fruit", "apple").error, "");
     EXPECT_EQ(sample.fruit, ovVeldris::testing::FRUIT::APPLE);
     EXPECT_EQ(sample.getSettingAsText("fruit"), "apple");
 }
 
 TEST(ConfigurableTest, refusedValuesChangeNothing) {
     SettingSample sample;
-    String error;
-    EXPECT_FALSE(sample.setSetting("angle", 180.0f, error));
+    String error = sample.setSetting("angle", 180.0f).error;
     EXPECT_EQ(error, "'180' is no value of the setting 'angle'; it takes a number from 1 to 179 degrees.");
-    EXPECT_FALSE(sample.setSettingFromText("angle", "wide", error));
+    error = sample.setSettingFromText("angle", "wide").error;
     EXPECT_EQ(error, "'wide' is no value of the setting 'angle'; it takes a number from 1 to 179 degrees.");
     EXPECT_EQ(sample.angle, 60.0f);
 }
 
 TEST(ConfigurableTest, unknownNamesAreToldWithTheKnownOnes) {
     SettingSample sample;
-    String error;
-    EXPECT_FALSE(sample.setSetting("colour", ovMaths::Vector(), error));
+    String error = sample.setSetting("colour", ovMaths::Vector()).error;
     EXPECT_EQ(error, "there is no setting 'colour'; it has is-on, fruit, count, angle, gamma, offset, color, "
                      "look, place, title, map, reader, eye, anchor. Did you mean 'color'?");
     EXPECT_FALSE(sample.getSetting("colour").has_value());

@@ -83,17 +83,15 @@ inline void checkGoesInAndComesOut(Configurable& object, const Setting& setting,
     const auto others = otherValues(setting, graphics);
     EXPECT_FALSE(others.empty());
     for (const SettingValue& value : others) {
-        ovMemory::String error;
-        EXPECT_TRUE(object.setSetting(setting.name, value, error)) << error;
+        EXPECT_EQ(object.setSetting(setting.name, value).error, "");
         EXPECT_EQ(object.getSetting(setting.name), value);
         const ovMemory::String text = object.getSettingAsText(setting.name);
-        EXPECT_TRUE(object.setSetting(setting.name, setting.defaultValue, error)) << error;
+        EXPECT_EQ(object.setSetting(setting.name, setting.defaultValue).error, "");
         EXPECT_EQ(object.getSetting(setting.name), setting.defaultValue);
-        EXPECT_TRUE(object.setSettingFromText(setting.name, text, error, &graphics)) << error;
+        EXPECT_EQ(object.setSettingFromText(setting.name, text, &graphics).error, "");
         EXPECT_EQ(object.getSetting(setting.name), value) << text;
     }
-    ovMemory::String error;
-    EXPECT_TRUE(object.setSetting(setting.name, setting.defaultValue, error)) << error;
+    EXPECT_EQ(object.setSetting(setting.name, setting.defaultValue).error, "");
 }
 
 /// A value of the setting's kind with that number in it, last component first; nothing where none fits.
@@ -119,8 +117,7 @@ inline void checkRefusesOutOfRange(Configurable& object, const Setting& setting)
         const auto value = withNumber(setting, number);
         if (!value)
             continue;
-        ovMemory::String error;
-        EXPECT_FALSE(object.setSetting(setting.name, *value, error)) << number;
+        ovMemory::String error = object.setSetting(setting.name, *value).error;
         EXPECT_NE(error.find("the setting '" + ovMemory::String(setting.name) + "'"), error.npos) << error;
         EXPECT_NE(error.find(rangeText(setting)), error.npos) << error;
         EXPECT_EQ(object.getSetting(setting.name), before);
@@ -133,14 +130,13 @@ inline void checkDescription(const SettingTable& settings, const Setting& settin
     EXPECT_FALSE(setting.help.ends_with('.'));
     EXPECT_EQ(settings.find(setting.name), &setting) << "the name is there twice";
     SettingValue byDefault = setting.defaultValue;
-    ovMemory::String error;
-    EXPECT_TRUE(acceptSettingValue(setting, byDefault, error)) << error;
+    EXPECT_EQ(acceptSettingValue(setting, byDefault).error, "");
     if (setting.onlyWith.setting.empty())
         return;
     const Setting* decider = settings.find(setting.onlyWith.setting);
     ASSERT_NE(decider, nullptr) << setting.onlyWith.setting;
     SettingValue value;
-    EXPECT_TRUE(parseSettingValue(*decider, setting.onlyWith.value, nullptr, value, error)) << error;
+    EXPECT_EQ(parseSettingValue(*decider, setting.onlyWith.value, nullptr, value).error, "");
 }
 
 /// Whether a setting is used, and taken when settings are given together, beside its condition only.
@@ -154,18 +150,18 @@ inline void checkCondition(Configurable& object, const Setting& setting, ovGraph
     for (const SettingValue& value : deciding) {
         const ovMemory::String text = toText(*decider, value);
         const bool isMet = text == setting.onlyWith.value;
-        ovMemory::String error;
-        EXPECT_TRUE(object.setSetting(decider->name, value, error)) << error;
+        EXPECT_EQ(object.setSetting(decider->name, value).error, "");
         EXPECT_EQ(object.isSettingUsed(setting), isMet) << text;
         const SettingText texts[] = {
             {ovMemory::String(setting.name), toText(setting, setting.defaultValue)},
             {ovMemory::String(decider->name), text},
         };
         ovMemory::Buffer<SettingAssignment> assignments;
-        EXPECT_EQ(parseSettings(settings, texts, &graphics, assignments, error), isMet) << text << error;
+        const ovMemory::Result together = parseSettings(settings, texts, &graphics, assignments);
+        EXPECT_EQ(!!together, isMet) << text << together.error;
+        EXPECT_EQ(together.place, isMet ? "" : setting.name) << text;
     }
-    ovMemory::String error;
-    EXPECT_TRUE(object.setSetting(decider->name, decider->defaultValue, error)) << error;
+    EXPECT_EQ(object.setSetting(decider->name, decider->defaultValue).error, "");
 }
 
 /// Everything above of every setting of a new object. @param graphics has its managers

@@ -45,10 +45,9 @@ TEST(SettingTextTest, valuesReadBackFromTheirText) {
     };
     for (const auto& test : CASES) {
         SettingValue value;
-        String error;
-        const bool isRead = parseSettingValue(row(test.setting), test.text, nullptr, value, error);
-        ASSERT_EQ(isRead, test.written != nullptr) << test.text << error;
-        if (!isRead)
+        const ovMemory::Result result = parseSettingValue(row(test.setting), test.text, nullptr, value);
+        ASSERT_EQ(!!result, test.written != nullptr) << test.text << result.error;
+        if (!result)
             continue;
         EXPECT_EQ(value, test.value) << test.text;
         EXPECT_EQ(toText(row(test.setting), value), test.written);
@@ -70,8 +69,7 @@ TEST(SettingTextTest, otherTextsAreRefused) {
     };
     for (const auto& [setting, text] : CASES) {
         SettingValue value = 77;
-        String error;
-        EXPECT_FALSE(parseSettingValue(row(setting), text, nullptr, value, error)) << setting << text;
+        String error = parseSettingValue(row(setting), text, nullptr, value).error;
         const String hint = String(setting) == "fruit" ? " Did you mean 'sour-cherry'?" : "";
         EXPECT_EQ(error, "'" + String(text) + "' is no value of the setting '" + setting + "'; it takes " +
                              expectedText(row(setting)) + "." + hint);
@@ -83,14 +81,13 @@ TEST(SettingTextTest, resourcesGoByTheirName) {
     ovGraphics::System graphics;
     ovGraphics::Camera* camera = graphics.getCameraManager()->createOrRetrieve("front");
     SettingValue value;
-    String error;
-    ASSERT_TRUE(parseSettingValue(row("eye"), "front", &graphics, value, error)) << error;
+    ASSERT_EQ(parseSettingValue(row("eye"), "front", &graphics, value).error, "");
     EXPECT_EQ(value, SettingValue(camera));
     EXPECT_EQ(toText(row("eye"), value), "front");
-    ASSERT_TRUE(parseSettingValue(row("eye"), "none", &graphics, value, error)) << error;
+    ASSERT_EQ(parseSettingValue(row("eye"), "none", &graphics, value).error, "");
     EXPECT_EQ(value, SettingValue(static_cast<ovGraphics::Camera*>(nullptr)));
     EXPECT_EQ(toText(row("eye"), value), "none");
-    EXPECT_FALSE(parseSettingValue(row("eye"), "back", &graphics, value, error));
+    String error = parseSettingValue(row("eye"), "back", &graphics, value).error;
     EXPECT_EQ(error, "'back' is no value of the setting 'eye'; it takes the name of a camera, or none.");
 }
 
@@ -121,8 +118,7 @@ TEST(SettingTextTest, rangesAreWords) {
 TEST(SettingTextTest, settingsAreReadTogether) {
     const SettingText TEXTS[] = {{"gamma", "2"}, {"fruit", "apple"}, {"is-on", "false"}};
     Buffer<SettingAssignment> assignments;
-    String error;
-    ASSERT_TRUE(parseSettings(SettingSample::settings(), TEXTS, nullptr, assignments, error)) << error;
+    ASSERT_EQ(parseSettings(SettingSample::settings(), TEXTS, nullptr, assignments).error, "");
     ASSERT_EQ(assignments.size(), 3u);
     EXPECT_EQ(assignments[0].name, "gamma");
     EXPECT_EQ(assignments[0].value, SettingValue(2.0f));
@@ -146,14 +142,14 @@ TEST(SettingTextTest, settingsThatDoNotGoTogetherAreRefused) {
     };
     for (const auto& test : CASES) {
         Buffer<SettingAssignment> assignments;
-        String error;
-        EXPECT_FALSE(parseSettings(SettingSample::settings(), test.texts, nullptr, assignments, error));
+        String error = parseSettings(SettingSample::settings(), test.texts, nullptr, assignments).error;
         EXPECT_EQ(error, test.error);
     }
 }
 
 TEST(SettingTextTest, aClassWithoutSettingsSaysSo) {
-    String error;
-    EXPECT_EQ(findSetting(SettingTable::none(), "gamma", error), nullptr);
-    EXPECT_EQ(error, "there is no setting 'gamma'; it has none.");
+    ovMemory::Result result;
+    EXPECT_EQ(findSetting(SettingTable::none(), "gamma", result), nullptr);
+    EXPECT_EQ(result.place, "gamma");
+    EXPECT_EQ(result.error, "there is no setting 'gamma'; it has none.");
 }
