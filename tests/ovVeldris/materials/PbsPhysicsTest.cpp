@@ -103,15 +103,15 @@ TEST_P(PbsPhysicsTest, aSampledMirrorIsAsWhiteAsItsSurroundingsAndRoughSurfacesA
 TEST_P(PbsPhysicsTest, aSampledReflectorIsTrueAtEveryAngle) {
     double smallest = 1.0;
     for (const double roughness : {0.2, 0.5, 1.0})
-        for (const double tilt : {0.3, 0.8, 1.2, 1.45}) {
+        for (const double tilt : {0.3, 0.8, 1.2, 1.4}) {
             PbsSetup setup = makeFurnace(roughness);
             setup.environment = white(true, 1);
             const Vec3 normal = {0.0, std::sin(tilt), -std::cos(tilt)};
             PbsSurface surface;
             surface.normals.fill(normal);
             const FloatPicture picture = drawPbs(setup, surface);
-            for (unsigned int y = 0; y < SIZE; y += 3)
-                for (unsigned int x = 0; x < SIZE; x += 5) {
+            for (unsigned int y = 0; y < SIZE; ++y)
+                for (unsigned int x = 1; x < SIZE; x += 7) {
                     // The eye is 1.5 in front of a square of side 2.
                     const Vec3 towardsEye = {1.0 - (x + 0.5) * 2.0 / SIZE, (y + 0.5) * 2.0 / SIZE - 1.0,
                                              -1.5};
