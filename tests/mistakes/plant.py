@@ -43,9 +43,13 @@ class Mistake:
             return f"{{ if (ovMistakes::isChosen({self.number})) {{ {self.replacement} }} else {{ {self.original} }} }}"
         return f"(ovMistakes::isChosen({self.number}) ? ({self.replacement}) : ({self.original}))"
 
-    def suite(self):
-        """The tests that mirror the file."""
-        return pathlib.Path(self.path).name.split(".")[0].replace("Internal", "")
+    def filters(self):
+        """Tests to run, one set after another until one of them notices: those that mirror the file, those that mirror
+        its folder, and all of the library."""
+        folder = ROOT / "tests" / pathlib.Path(self.path.removeprefix("src/")).parent
+        suites = sorted(test.name.removesuffix("Test.cpp") for test in folder.glob("*Test.cpp"))
+        own = pathlib.Path(self.path).name.split(".")[0].removesuffix("Internal")
+        return f"*{own}*", ":".join(f"*{suite}*" for suite in suites) or "none", "*"
 
     def __str__(self):
         return f"{self.number:3} {self.path}: {self.original.splitlines()[0].strip()}"
@@ -163,8 +167,11 @@ def run_tests(library, pattern, number):
 
 
 def test(mistake, number):
-    """The suites that mirror the file first; where they notice nothing, all of the library."""
-    return run_tests(mistake.library, f"*{mistake.suite()}*", number) or run_tests(mistake.library, "*", number)
+    for pattern in mistake.filters():
+        noticed = run_tests(mistake.library, pattern, number)
+        if noticed:
+            return noticed
+    return None
 
 
 def test_alone(mistake):

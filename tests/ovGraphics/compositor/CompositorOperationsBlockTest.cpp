@@ -221,22 +221,24 @@ TEST_P(CompositorOperationsBlockTest, unusableTargetsAreLoggedOnce) {
 TEST_P(CompositorOperationsBlockTest, followsItsTargetThroughReloads) {
     TestShader shader(getGraphics(), UV_TEXT);
     ASSERT_TRUE(shader.loaded) << getGraphicsLogger().getText();
-    const auto target = makeTarget(2, 2);
-    Canvas canvas(getGraphics());
-    canvas.addDraw(*shader, target.get());
-    for (const unsigned int size : {2u, 4u, 3u}) {
-        target->setWidth(size);
-        target->setHeight(size);
-        ASSERT_TRUE(target->load());
+    for (const bool isBackBuffer : {false, true}) {
+        const auto target = makeTarget(2, 2);
+        Canvas canvas(getGraphics(), isBackBuffer ? target.get() : nullptr);
+        canvas.addDraw(*shader, isBackBuffer ? nullptr : target.get());
+        for (const unsigned int size : {2u, 4u, 3u}) {
+            target->setWidth(size);
+            target->setHeight(size);
+            ASSERT_TRUE(target->load());
+            ASSERT_TRUE(canvas.frame());
+            const FloatPicture drawn = readFloats(*target);
+            ASSERT_EQ(drawn.width, size);
+            EXPECT_NEAR(drawn.at(size - 1, size - 1)[0], (float(size) - 0.5f) / float(size), 1e-5f);
+        }
+        target->setWidth(8); // a setting alone changes nothing yet
         ASSERT_TRUE(canvas.frame());
-        const FloatPicture drawn = readFloats(*target);
-        ASSERT_EQ(drawn.width, size);
-        EXPECT_NEAR(drawn.at(size - 1, size - 1)[0], (float(size) - 0.5f) / float(size), 1e-5f);
+        target->setWidth(3);
+        EXPECT_NEAR(readFloats(*target).at(2, 2)[0], 2.5f / 3, 1e-5f);
     }
-    target->setWidth(8); // a setting alone changes nothing yet
-    ASSERT_TRUE(canvas.frame());
-    target->setWidth(3);
-    EXPECT_NEAR(readFloats(*target).at(2, 2)[0], 2.5f / 3, 1e-5f);
     EXPECT_EQ(getGraphicsLogger().getText(), "");
 }
 
