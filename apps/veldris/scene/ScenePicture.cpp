@@ -255,9 +255,10 @@ void ScenePicture::light(ovVeldris::PbsMaterial& material) {
 }
 
 bool ScenePicture::castShadow(const ovVeldris::PbsMaterial& material, bool hasHoles) {
-    if (!_shadowMap)
+    if (!_shadowMap || (hasHoles && !material.getAlphaTexture() && material.getAlpha() <= SHADOW_COVERAGE))
         return true;
-    const DepthShader* depthShader = hasHoles ? _makeHolesShader(material) : _getSolidShader();
+    const bool isCut = hasHoles && material.getAlphaTexture();
+    const DepthShader* depthShader = isCut ? _makeHolesShader(material) : _getSolidShader();
     if (!depthShader)
         return false;
     for (RenderQueue* queue : {_solid.get(), _blended.get()}) {

@@ -219,6 +219,23 @@ TEST_P(ScenePictureTest, shadowsFallBelowWhatCastsThem) {
     }
 }
 
+TEST_P(ScenePictureTest, whatHardlyCoversCastsNoShadow) {
+    _settings.shadows = true;
+    for (const float alpha : {0.1f, 0.4f, 0.6f, 1.0f}) {
+        const auto picture = makePicture();
+        const auto white = makeDiffuse(*picture, {0.5f, 0.5f, 0.5f});
+        const auto glass = makeDiffuse(*picture, {0.5f, 0.5f, 0.5f}, alpha);
+        picture->getSolid().addEntity(_ground.get(), white->getShader(), nullptr);
+        picture->getBlended().addEntity(_sphere.get(), glass->getShader(), _above.get());
+        ASSERT_TRUE(picture->castShadow(*white, false));
+        ASSERT_TRUE(picture->castShadow(*glass, true));
+        picture->fitShadow(ovGraphics::BoundingBox::newBox({0.0f, 1.0f, 0.0f}, {2.0f, 2.0f, 2.0f}));
+        picture->getCamera().setPosition({0.0f, 5.0f, -5.0f});
+        picture->getCamera().lookAt({0.0f, -1.0f, 1.0f}, {});
+        EXPECT_NEAR(pixel(draw(*picture), MIDDLE, MIDDLE).x, alpha > 0.5f ? 0.0f : 0.5f, 1e-2f) << alpha;
+    }
+}
+
 TEST_P(ScenePictureTest, shadowsOfHolesReadTexturesAsTheFileSays) {
     using ovGraphics::TEXTURE_ADDRESS;
     struct Case {
