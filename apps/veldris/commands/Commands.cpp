@@ -34,8 +34,9 @@ void addDrawingOptions(CLI::App& command, DrawingOptions& options) {
         ->capture_default_str();
     command.add_option("--device", options.device,
                        "\"software\", or a device's number as 'veldris info' lists them");
-    command.add_option("--cache", options.cache,
-                       "folder of compiled programs (default: " + defaultCacheFolder() + ")");
+    command.add_option(
+        "--cache", options.cache,
+        "folder of compiled programs (default: veldris in the user's cache folder, as 'veldris info' tells)");
     command.add_flag("--no-cache", options.noCache, "keep no compiled programs on disk");
     command.add_flag("--timings", options.timings, "measure every pass");
     command.add_flag("--json", options.json, "print the result for machines");
@@ -63,11 +64,14 @@ void addCommands(CLI::App& program, Command& command) {
     addApplyCommand(program, command);
     addBakeCommand(program, command);
     addCheckCommand(program, command);
+    addCompletionCommand(program, command);
     addDemoCommand(program, command);
     addHelpCommand(program, command);
     addInfoCommand(program, command);
+    addManualCommand(program, command);
     addMaterialsCommand(program, command);
     addRenderCommand(program, command);
+    addSamplesCommand(program, command);
     addShadersCommand(program, command);
 }
 

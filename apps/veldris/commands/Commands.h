@@ -21,11 +21,14 @@ using Command = std::function<int(Console&)>;
 void addApplyCommand(CLI::App& program, Command& command);
 void addBakeCommand(CLI::App& program, Command& command);
 void addCheckCommand(CLI::App& program, Command& command);
+void addCompletionCommand(CLI::App& program, Command& command);
 void addDemoCommand(CLI::App& program, Command& command);
 void addHelpCommand(CLI::App& program, Command& command);
 void addInfoCommand(CLI::App& program, Command& command);
+void addManualCommand(CLI::App& program, Command& command);
 void addMaterialsCommand(CLI::App& program, Command& command);
 void addRenderCommand(CLI::App& program, Command& command);
+void addSamplesCommand(CLI::App& program, Command& command);
 void addShadersCommand(CLI::App& program, Command& command);
 
 /// Adds --language, --device, --cache, --no-cache, --timings and --json to a subcommand.

@@ -11,8 +11,9 @@ class PbsMaterial;
 
 namespace veldris {
 
-/// A light's direction that shows shapes well: from above, beside and behind the eye.
-inline constexpr ovMaths::Vector DEFAULT_LIGHT_DIRECTION{-0.5f, -0.8f, 0.6f};
+/// A light's direction that shows shapes well to the default camera: from above, from the left, and from a
+/// little behind the eye. The shadow falls to the right, where it is seen.
+inline constexpr ovMaths::Vector DEFAULT_LIGHT_DIRECTION{0.45f, -0.75f, 0.5f};
 inline constexpr ovMaths::Vector DEFAULT_LIGHT_COLOR{3.0f, 3.0f, 3.0f};
 /// From all around, where there is no environment.
 inline constexpr ovMaths::Vector DEFAULT_AMBIENT_COLOR{0.35f, 0.35f, 0.35f};

@@ -35,7 +35,7 @@ std::size_t longestLine(StringView text) {
 }
 
 TEST(HelpTextTest, helpFitsTheTerminal) {
-    for (const char* width : {"70", "120"}) {
+    for (const char* width : {"80", "120"}) {
         const Columns columns(width);
         for (const char* command :
              {"apply", "bake", "check", "demo", "info", "materials", "render", "shaders"})

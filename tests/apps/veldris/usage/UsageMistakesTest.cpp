@@ -12,12 +12,14 @@ TEST(UsageMistakesTest, theMistypedNameIsToldWithTheNearest) {
         const char* error;
     } CASES[] = {
         {{"aply"},
-         "veldris: veldris has no subcommand 'aply'; it has apply, bake, check, demo, help, info, materials, "
-         "render, shaders. Did you mean 'apply'?\n"},
+         "veldris: veldris has no subcommand 'aply'; it has apply, bake, check, completion, demo, help, "
+         "info, manual, materials, "
+         "render, samples, shaders. Did you mean 'apply'?\n"},
         {{"paint"},
-         "veldris: veldris has no subcommand 'paint'; it has apply, bake, check, demo, help, info, "
+         "veldris: veldris has no subcommand 'paint'; it has apply, bake, check, completion, demo, help, "
+         "info, "
          "materials, "
-         "render, shaders.\n"},
+         "render, samples, shaders.\n"},
         {{"apply", "sky.exr", "--efects", "x"},
          "veldris: veldris apply has no option '--efects'; 'veldris help apply' lists them. Did you mean "
          "'--effects'?\n"},
@@ -37,15 +39,17 @@ TEST(UsageMistakesTest, theMistypedNameIsToldWithTheNearest) {
         {{"info", "--language", "cg"},
          "veldris: veldris info: --language: cg not in {glsl,hlsl}; 'veldris help info' tells more.\n"},
         {{},
-         "veldris: veldris needs a subcommand: apply, bake, check, demo, help, info, materials, render, "
+         "veldris: veldris needs a subcommand: apply, bake, check, completion, demo, help, info, manual, "
+         "materials, render, samples, "
          "shaders; 'veldris help' tells more.\n"},
         {{"bake"},
          "veldris: veldris bake needs a subcommand: prefilter, irradiance, cubemap, spherical; 'veldris help "
          "bake' tells more.\n"},
         {{"help", "bakee"},
-         "veldris: veldris has no subcommand 'bakee'; it has apply, bake, check, demo, help, info, "
+         "veldris: veldris has no subcommand 'bakee'; it has apply, bake, check, completion, demo, help, "
+         "info, "
          "materials, "
-         "render, shaders. Did you mean 'bake'?\n"},
+         "render, samples, shaders. Did you mean 'bake'?\n"},
         {{"help", "info", "more"},
          "veldris: veldris info has no subcommands; 'veldris help info' shows its help.\n"},
     };
