@@ -387,4 +387,11 @@ TEST_P(CompositorPassTest, aPassThatCannotDrawIsLoggedOnceAndTheFrameGoesOn) {
     pass->setShader(foreign.shader.get());
     ASSERT_TRUE(canvas.frame());
     EXPECT_EQ(readFloats(*target).at(0, 0), (FloatPixel{1, 2, 3, 4}));
+    // Nor does it draw with the program that its own device used last.
+    Canvas after(getGraphics(), target.get());
+    CompositorOperationsBlock* last = after.addBlock();
+    last->appendClearPass()->setColor(0, 5, 6, 7, 8);
+    last->appendPostProcessPass()->setShader(foreign.shader.get());
+    ASSERT_TRUE(after.frame());
+    EXPECT_EQ(readFloats(*target).at(0, 0), (FloatPixel{5, 6, 7, 8}));
 }

@@ -165,6 +165,33 @@ TEST_P(ScenePassTest, knowsFrontFacesAlsoOfMirroredNodes) {
     entity->setDoubleSided(false);
     EXPECT_TRUE(isSeen({1.0f, 1.0f, 1.0f}, true));
     EXPECT_FALSE(isSeen({1.0f, 1.0f, 1.0f}, false));
+    // Fronts that run the other way round, on mirrored nodes, too.
+    stage.pass->getRasterState().setCullMode(CULL_MODE::BACK);
+    stage.pass->getRasterState().setFrontCounterClockwise(true);
+    for (const float mirror : {1.0f, -1.0f}) {
+        EXPECT_FALSE(isSeen({mirror, 1.0f, 1.0f}, false));
+        EXPECT_TRUE(isSeen({mirror, 1.0f, 1.0f}, true));
+    }
+}
+
+TEST_P(ScenePassTest, tellsSidesApartWithinAFrame) {
+    for (const bool isFirstDoubleSided : {false, true}) {
+        const auto target = makeTarget(2, 1);
+        Stage stage(getGraphics(), *target, 2.0f);
+        const auto square = makeSquare(getGraphics());
+        const SceneShader one(getGraphics(), {1.0f, 0.0f});
+        const SceneShader two(getGraphics(), {2.0f, 0.0f});
+        ovMaths::Quaternion half;
+        half.setFromAxisAngle({0.0f, 1.0f, 0.0f}, 3.14159265f);
+        const auto left = makeNode(getGraphics(), {-0.5f, 0.0f, 0.0f});
+        const auto right = makeNode(getGraphics(), {0.5f, 0.0f, 0.0f});
+        left->setOrientation(half);
+        right->setOrientation(half);
+        stage.queue->addEntity(square.get(), &*one, left.get())->setDoubleSided(isFirstDoubleSided);
+        stage.queue->addEntity(square.get(), &*two, right.get())->setDoubleSided(!isFirstDoubleSided);
+        ASSERT_TRUE(stage.canvas.frame());
+        EXPECT_EQ(digits(readFloats(*target)), isFirstDoubleSided ? "10\n" : "02\n");
+    }
 }
 
 TEST_P(ScenePassTest, turnsNormalsByTheInverseTranspose) {

@@ -326,6 +326,8 @@ TEST(GlTexture, texturesAreReadAsTheDeclaredKind) {
                         {oneCube.get(), asArray.get(), flatType, true, 11.0f},
                         {oneCube.get(), asCube.get(), cubeType, false, 13.0f},
                         {twoCubes.get(), asCubes.get(), cubeType, true, 21.0f},
+                        // Eight slices are one cube; asking for the second gives the last.
+                        {array.get(), asCubes.get(), cubeType, true, 15.0f},
                         {nullptr, asFlat.get(), flatType, false, 0.0f},
                         {nullptr, asArray.get(), flatType, true, 0.0f},
                         {nullptr, asCube.get(), cubeType, false, 0.0f},

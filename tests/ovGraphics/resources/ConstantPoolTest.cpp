@@ -44,6 +44,15 @@ TEST_F(ConstantPoolTest, blocksAreWrittenAgainWhenNoFrameReadsThem) {
     EXPECT_NE(acquire(1)->buffer.get(), buffer) << "its old bytes are gone";
 }
 
+TEST_F(ConstantPoolTest, aBlockIsKeptForItsLastUser) {
+    const ConstantBlock* shared = acquire(1);
+    EXPECT_EQ(acquire(1), shared);
+    _pool.release(shared);
+    _frame += 2 * device::FRAMES_IN_FLIGHT;
+    EXPECT_NE(acquire(2), shared);
+    EXPECT_EQ(device::CountingDevice::getBytes(*shared->buffer)[0], 1);
+}
+
 TEST_F(ConstantPoolTest, bytesThatNobodyUsesServeAgainMeanwhile) {
     const ConstantBlock* first = acquire(1);
     const ConstantBlock* second = acquire(2);

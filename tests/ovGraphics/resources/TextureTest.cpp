@@ -237,6 +237,29 @@ TEST_P(TextureTest, reloadsOnlyAfterAChange) {
     EXPECT_TRUE(texture->load());
 }
 
+TEST_P(TextureTest, resetBringsTheNewTextureBack) {
+    const auto texture = make(8, 4);
+    texture->setTexType(TEXTURE_TYPE::CUBE);
+    texture->setFormat(FORMAT::R16_FLOAT);
+    texture->setSliceCount(3);
+    texture->setMipCount(99);
+    EXPECT_EQ(texture->getMipCount(), 4u) << "as many as there can be";
+    texture->setMultisampleQuality(3);
+    texture->setGammaCorrected(true);
+    texture->setUsableAsRenderTarget(true);
+    texture->setMightManuallyGenerateMip(true);
+    texture->reset();
+    const auto fresh = Texture::create(&getGraphics());
+    EXPECT_EQ(texture->getTexType(), fresh->getTexType());
+    EXPECT_EQ(texture->getFormat(), fresh->getFormat());
+    EXPECT_EQ(texture->getSliceCount(), 1u);
+    EXPECT_EQ(texture->getMipCount(), 1u);
+    EXPECT_EQ(texture->getMultisampleQuality(), 0u);
+    EXPECT_FALSE(texture->getGammaCorrected());
+    EXPECT_FALSE(texture->getUsableAsRenderTarget());
+    EXPECT_FALSE(texture->getMightManuallyGenerateMip());
+}
+
 TEST_P(TextureTest, readingBackRefusesWhatIsNotThere) {
     const auto texture = make(4, 4);
     EXPECT_EQ(texture->readBack(), std::nullopt);

@@ -111,6 +111,29 @@ TEST(MeshOptimizerTest, isDeterministic) {
     EXPECT_EQ(indices, otherIndices);
 }
 
+TEST(MeshOptimizerTest, findsPositionsBehindOtherAttributes) {
+    std::vector<Vertex> vertices;
+    Indices indices;
+    makeGrid(40, vertices, indices);
+    Bytes bytes = pack(vertices);
+    for (Vertex& vertex : vertices)
+        std::rotate(vertex.begin(), vertex.begin() + 3, vertex.end());
+    Bytes rotated = pack(vertices);
+    VertexComposition composition;
+    composition.addAttribute("ID", FORMAT::R32_FLOAT);
+    composition.addAttribute("POSITION", FORMAT::R32G32B32_FLOAT);
+    Indices rotatedIndices = indices;
+    ASSERT_TRUE(optimizeMesh(makeComposition(), bytes, indices));
+    ASSERT_TRUE(optimizeMesh(composition, rotated, rotatedIndices));
+    for (std::size_t i = 0; i < vertices.size(); ++i) {
+        float id = 0.0f;
+        float rotatedId = 0.0f;
+        std::memcpy(&id, &bytes[i * sizeof(Vertex) + 3 * sizeof(float)], sizeof(float));
+        std::memcpy(&rotatedId, &rotated[i * sizeof(Vertex)], sizeof(float));
+        ASSERT_EQ(rotatedId, id) << "vertex " << i << " in the order in which they are drawn";
+    }
+}
+
 TEST(MeshOptimizerTest, dropsDoublesAndWhatIsNotUsed) {
     const Vertex a{0, 0, 0, 1};
     const Vertex b{1, 0, 0, 2};

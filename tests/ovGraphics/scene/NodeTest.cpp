@@ -186,6 +186,9 @@ TEST_F(NodeTest, resetBringsTheNewNodeBack) {
     node->setParent(parent.get());
     node->setPosition({1.0f, 2.0f, 3.0f});
     node->setScale({2.0f, 2.0f, 2.0f});
+    ovMaths::Quaternion turned;
+    turned.setFromAxisAngle({1.0f, 2.0f, 3.0f}, 0.7f);
+    node->setOrientation(turned);
     node->reset();
     EXPECT_EQ(node->getName(), "kept");
     EXPECT_EQ(node->getParent(), nullptr);
