@@ -22,8 +22,8 @@ bool contentOfFormat(const ovMemory::String& path, std::optional<PICTURE_CONTENT
 ovMemory::Result encodePicture(const ovImages::Encoder& format, ovMemory::StringView output,
                                const ovImages::ImageView& picture);
 
-/// Lays a colour behind a picture of four floats a pixel, whose colours stand beside their alpha. Where the picture
-/// does not cover, it has exactly that colour afterwards. @param color linear, of scene or display
+/// Lays a colour behind a picture of four floats a pixel, whose colours stand beside their alpha. Where the
+/// picture does not cover, it has exactly that colour afterwards. @param color linear, of scene or display
 /// @param content what the picture's numbers mean; encoded ones are blended as light
 void layBehind(ovImages::Image& picture, const ovMaths::Vector& color, PICTURE_CONTENT content);
 

@@ -1,6 +1,7 @@
 // Where a command writes to: a file, or standard output in a format.
 #pragma once
 
+#include <ovMemory/Memory.h>
 #include <ovMemory/Result.h>
 
 namespace veldris {

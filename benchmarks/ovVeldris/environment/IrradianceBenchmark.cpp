@@ -34,8 +34,8 @@ struct Case {
     double evaluationAim = 0.0; ///< the same of the evaluation
 };
 
-/// For what the last cache of a processor holds, 32 MB on servers of today: a plain read is then several times
-/// as fast as memory, and the projection's arithmetic shows beside it.
+/// For what the last cache of a processor holds, 32 MB on servers of today: a plain read is then several
+/// times as fast as memory, and the projection's arithmetic shows beside it.
 constexpr double IN_CACHE = 2.5;
 
 constexpr Case CASES[] = {

@@ -57,9 +57,8 @@ void ProgramLibrary::release(const LoadedProgram* program) {
     }
 }
 
-ovMemory::UniquePtr<LoadedProgram> ProgramLibrary::_load(const shading::ProgramText& text,
-                                                         ovMemory::String& error,
-                                                         ovMemory::String& warnings) {
+ovMemory::UniquePtr<LoadedProgram>
+ProgramLibrary::_load(const shading::ProgramText& text, ovMemory::String& error, ovMemory::String& warnings) {
     const auto start = std::chrono::steady_clock::now();
     ovMemory::UniquePtr<LoadedProgram> program = _loadFromDisk(text);
     if (!program)

@@ -3,6 +3,7 @@
 #include <ovImages/Conversion.h>
 
 #include <bit>
+#include <cmath>
 #include <limits>
 
 namespace ovImages::detail {
@@ -10,7 +11,7 @@ namespace ovImages::detail {
 namespace {
 
 unsigned encodeByPower(float linear) {
-    return static_cast<unsigned>(linearToSrgb(linear) * 255.0f + 0.5f);
+    return static_cast<unsigned>(std::floor(linearToSrgb(linear) * 255.0f + 0.5f));
 }
 
 // Positive floats are in the order of their bits, so that the bits can be halved down to one float.
