@@ -1,5 +1,6 @@
 #include <veldris/ImageFiles.h>
 
+#include <algorithm>
 #include <fmt/format.h>
 #include <ovImages/CompositeEncoder.h>
 #include <ovImages/Conversion.h>
@@ -21,13 +22,24 @@ bool holdsFloats(const ovImages::Encoder& format) {
 
 // A picture without holes is written without alpha, which would only make the file larger.
 bool isOpaque(const ImageView& picture) {
-    const auto* floats = reinterpret_cast<const float*>(picture.bytes.data());
+    if (picture.channels == 3)
+        return true;
     const std::size_t pixels = std::size_t(picture.width) * picture.height;
-    for (std::size_t i = 0; i < pixels; ++i) {
+    if (picture.componentType == COMPONENT_TYPE::UINT8) {
+        for (std::size_t i = 0; i < pixels; ++i)
+            if (picture.bytes[4 * i + 3] != 255)
+                return false;
+        return true;
+    }
+    const auto* floats = reinterpret_cast<const float*>(picture.bytes.data());
+    for (std::size_t i = 0; i < pixels; ++i)
         if (floats[4 * i + 3] != 1.0f)
             return false;
-    }
     return true;
+}
+
+FileForm formOf(const ovImages::Encoder& format) {
+    return holdsFloats(format) ? FileForm() : FileForm{COMPONENT_TYPE::UINT8, COLOR_ENCODING::SRGB};
 }
 
 const ovImages::Encoder* findFormat(const ovImages::CompositeEncoder& encoders, const String& path,
@@ -66,6 +78,28 @@ bool contentOfFormat(const String& path, std::optional<PICTURE_CONTENT>& content
     return true;
 }
 
+void dropOpaqueAlpha(ovImages::Image& picture) {
+    if (picture.getChannels() != 4 || !isOpaque(picture.view()))
+        return;
+    const unsigned int width = picture.getWidth();
+    const unsigned int height = picture.getHeight();
+    const COMPONENT_TYPE type = picture.getComponentType();
+    const COLOR_ENCODING encoding = picture.getEncoding();
+    const std::size_t size = ovImages::getComponentSize(type);
+    ovMemory::Buffer<unsigned char> bytes = picture.takeBytes();
+    unsigned char* to = bytes.data();
+    for (std::size_t at = 0; at < bytes.size(); at += 4 * size)
+        to = std::copy_n(bytes.data() + at, 3 * size, to); // forwards, so that nothing is overwritten unread
+    bytes.resize(bytes.size() / 4 * 3);
+    picture = ovImages::Image(width, height, 3, type, encoding, std::move(bytes));
+}
+
+FileForm formOfFile(const String& path) {
+    const ovImages::CompositeEncoder encoders;
+    const ovImages::Encoder* format = encoders.findByExtension(nameWithFormat(path));
+    return format ? formOf(*format) : FileForm();
+}
+
 void layBehind(ovImages::Image& picture, const ovMaths::Vector& color, PICTURE_CONTENT content) {
     const bool isEncoded = content == PICTURE_CONTENT::SRGB_ENCODED;
     const float background[] = {color.x, color.y, color.z};
@@ -87,16 +121,20 @@ bool writePicture(const String& path, const ImageView& picture, bool raw, String
     const ovImages::Encoder* format = findFormat(encoders, path, error);
     if (!format)
         return false;
-    const bool floats = holdsFloats(*format);
-    const COLOR_ENCODING wanted = floats ? COLOR_ENCODING::LINEAR : COLOR_ENCODING::SRGB;
+    const FileForm form = formOf(*format);
     ImageView source = picture;
     // Only the label changes, so that the conversion below leaves the numbers as they are.
     if (raw)
-        source.encoding = wanted;
-    const ovImages::Image converted =
-        ovImages::convertImage(source, floats ? COMPONENT_TYPE::FLOAT : COMPONENT_TYPE::UINT8,
-                               isOpaque(picture) ? 3 : 4, wanted, &warning);
-    const ovMemory::Result written = encodePicture(*format, path, converted.view());
+        source.encoding = form.encoding;
+    const unsigned int channels = isOpaque(picture) ? 3 : 4;
+    warning.clear();
+    ovImages::Image converted;
+    if (source.componentType != form.components || source.encoding != form.encoding ||
+        source.channels != channels) {
+        converted = ovImages::convertImage(source, form.components, channels, form.encoding, &warning);
+        source = converted.view();
+    }
+    const ovMemory::Result written = encodePicture(*format, path, source);
     error = written.error;
     if (!written.warning.empty())
         warning += (warning.empty() ? "" : "; ") + written.warning;

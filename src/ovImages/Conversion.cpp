@@ -70,9 +70,10 @@ void copyChannels(const unsigned char* source, unsigned sourceChannels, STORED o
 // take them: numbers that only change their places, and light that becomes bytes of sRGB.
 class RowConverter {
 public:
-    RowConverter(const ImageView& source, Image& target)
+    RowConverter(const ImageView& source, Image& target, unsigned firstRow)
         : _source(source)
         , _target(target)
+        , _firstRow(firstRow)
         , _loaded(std::size_t(source.width) * source.channels)
         , _mapped(std::size_t(source.width) * target.getChannels()) {
         const bool isSourceSrgb = source.encoding == COLOR_ENCODING::SRGB;
@@ -92,7 +93,7 @@ public:
         const std::size_t sourceStride = _loaded.size() * getComponentSize(_source.componentType);
         const std::size_t targetStride = _mapped.size() * getComponentSize(_target.getComponentType());
         const unsigned char* source = _source.bytes.data() + y * sourceStride;
-        const auto target = _target.getBytes().subspan(y * targetStride, targetStride);
+        const auto target = _target.getBytes().subspan((_firstRow + y) * targetStride, targetStride);
         if (_copies)
             return _copy(source, target);
         detail::loadComponents(source, _source.componentType, _loaded);
@@ -178,6 +179,7 @@ private:
 
     const ImageView& _source;
     Image& _target;
+    std::size_t _firstRow;
     ovMemory::Buffer<float> _loaded;
     ovMemory::Buffer<float> _mapped;
     detail::StoreLosses _losses;
@@ -186,17 +188,6 @@ private:
     bool _encodes = false;
     bool _copies = false;
 };
-
-ovMemory::String describeLosses(const detail::StoreLosses& losses) {
-    ovMemory::String text;
-    if (losses.clampedToHalf != 0)
-        text = fmt::format("{} components beyond 65504, the largest half float, were clamped to it",
-                           losses.clampedToHalf);
-    if (losses.nanToZero != 0)
-        text += fmt::format("{}{} components that are not a number became 0", text.empty() ? "" : "; ",
-                            losses.nanToZero);
-    return text;
-}
 
 } // namespace
 
@@ -226,16 +217,39 @@ Image convertImage(const ImageView& source, COMPONENT_TYPE type, unsigned channe
         std::copy(source.bytes.begin(), source.bytes.end(), target.getBytes().begin());
         return target;
     }
+    ConversionLosses losses;
+    if (!convertRows(source, target, 0, losses))
+        return {};
+    if (warning)
+        *warning = describeLosses(losses);
+    return target;
+}
+
+bool convertRows(const ImageView& source, Image& target, unsigned firstRow, ConversionLosses& losses) {
+    if (!isValid(source) || source.width != target.getWidth() || firstRow > target.getHeight() ||
+        source.height > target.getHeight() - firstRow)
+        return false;
     try {
-        RowConverter converter(source, target);
+        RowConverter converter(source, target, firstRow);
         for (unsigned y = 0; y < source.height; ++y)
             converter.convert(y);
-        if (warning)
-            *warning = describeLosses(converter.getLosses());
+        losses.clampedToHalf += converter.getLosses().clampedToHalf;
+        losses.nanToZero += converter.getLosses().nanToZero;
     } catch (const std::bad_alloc&) {
-        return {};
+        return false;
     }
-    return target;
+    return true;
+}
+
+ovMemory::String describeLosses(const ConversionLosses& losses) {
+    ovMemory::String text;
+    if (losses.clampedToHalf != 0)
+        text = fmt::format("{} components beyond 65504, the largest half float, were clamped to it",
+                           losses.clampedToHalf);
+    if (losses.nanToZero != 0)
+        text += fmt::format("{}{} components that are not a number became 0", text.empty() ? "" : "; ",
+                            losses.nanToZero);
+    return text;
 }
 
 } // namespace ovImages

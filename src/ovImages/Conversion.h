@@ -29,4 +29,21 @@ OV_API float linearToSrgb(float linear);
 OV_API Image convertImage(const ImageView& source, COMPONENT_TYPE type, unsigned channels,
                           COLOR_ENCODING encoding, ovMemory::String* warning = nullptr);
 
+/// What conversions could not store as it was.
+struct ConversionLosses {
+    std::size_t clampedToHalf = 0; ///< finite or infinite values beyond what half holds
+    std::size_t nanToZero = 0;     ///< NaN stored in an integer type
+};
+
+/// The line that convertImage() warns with; empty without losses.
+OV_API ovMemory::String describeLosses(const ConversionLosses& losses);
+
+/// Converts as convertImage() does into rows of a picture that is there, so that a large one is made piece by
+/// piece.
+/// @param firstRow of the target that the source's first row goes to
+/// @param losses are added to what it holds
+/// @return false, changing nothing, when the source is not valid, has another width or more rows than the
+///         target has from there on, or the memory does not suffice
+OV_API bool convertRows(const ImageView& source, Image& target, unsigned firstRow, ConversionLosses& losses);
+
 } // namespace ovImages

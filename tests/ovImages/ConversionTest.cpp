@@ -221,4 +221,37 @@ TEST(ConversionTest, channelsMoveWithoutChange) {
           [](unsigned v) { return std::bit_cast<float>(0x7fc00000u + v); }); // each a NaN of its own
 }
 
+TEST(ConversionTest, rowsGoWhereTheyAreAskedFor) {
+    const Image source = pictures::makePattern(5, 7, 3, COMPONENT_TYPE::FLOAT, COLOR_ENCODING::LINEAR);
+    const Image whole = convertImage(source.view(), COMPONENT_TYPE::UINT8, 4, COLOR_ENCODING::SRGB);
+    Image target(5, 7, 4, COMPONENT_TYPE::UINT8, COLOR_ENCODING::SRGB);
+    ConversionLosses losses;
+    for (const auto& [first, count] : {std::pair{0u, 3u}, {3u, 3u}, {6u, 1u}}) {
+        ImageView rows = source.view();
+        rows.bytes = rows.bytes.subspan(first * rows.bytes.size() / 7, count * rows.bytes.size() / 7);
+        rows.height = count;
+        ASSERT_TRUE(convertRows(rows, target, first, losses));
+    }
+    EXPECT_TRUE(std::ranges::equal(target.getBytes(), whole.getBytes()));
+
+    Image halves(1, 2, 1, COMPONENT_TYPE::HALF, COLOR_ENCODING::LINEAR);
+    const float huge = 1e6f;
+    const ImageView pixel = {1,
+                             1,
+                             1,
+                             COMPONENT_TYPE::FLOAT,
+                             COLOR_ENCODING::LINEAR,
+                             {reinterpret_cast<const unsigned char*>(&huge), sizeof(huge)}};
+    losses = {};
+    EXPECT_TRUE(convertRows(pixel, halves, 0, losses));
+    EXPECT_TRUE(convertRows(pixel, halves, 1, losses));
+    EXPECT_EQ(losses.clampedToHalf, 2u) << "they add up";
+    EXPECT_EQ(describeLosses(losses),
+              "2 components beyond 65504, the largest half float, were clamped to it");
+    EXPECT_EQ(describeLosses({}), "");
+    EXPECT_FALSE(convertRows(pixel, halves, 2, losses)) << "beyond the last row";
+    EXPECT_FALSE(convertRows(pixel, target, 0, losses)) << "of another width";
+    EXPECT_FALSE(convertRows({}, halves, 0, losses));
+}
+
 } // namespace

@@ -88,10 +88,12 @@ int runApply(Console& console, ApplyOptions options) {
     Session session;
     if (!session.open(options.drawing, error))
         return console.fail(error);
-    ChainResult result = runChain(session, input.image->view(), plan);
+    ChainResult result =
+        runChainForFile(session, std::move(*input.image), plan, formOfFile(options.output), options.raw);
     if (!result)
         return console.fail(result.error);
     console.warnEach(session.getLogger().takeLines());
+    console.warn(result.warning);
 
     String warning;
     if (!writePicture(options.output, result.image->view(), options.raw, warning, error))

@@ -1,7 +1,10 @@
 #include <veldris/effects/EffectChain.h>
 
+#include <algorithm>
 #include <ovGraphics/System.h>
 #include <ovGraphics/resources/Camera.h>
+#include <ovGraphics/resources/Viewport.h>
+#include <ovImages/Conversion.h>
 #include <ovVeldris/System.h>
 #include <veldris/Session.h>
 #include <veldris/pictures/PictureShader.h>
@@ -16,6 +19,7 @@ using ovMemory::String;
 using ovMemory::UniquePtr;
 
 constexpr auto PICTURE_FORMAT = ovGraphics::FORMAT::R32G32B32A32_FLOAT;
+constexpr unsigned int STRIP_PIXELS = 1u << 19; // 8 MB of floats
 
 ovImages::COLOR_ENCODING encodingOf(PICTURE_CONTENT content) {
     return content == PICTURE_CONTENT::SRGB_ENCODED ? ovImages::COLOR_ENCODING::SRGB
@@ -36,6 +40,41 @@ public:
         _setSource(planned, *effect);
         return effect->load() && _draw(*effect->getShader(), planned.text);
     }
+
+    /// Draws an effect strip by strip into a picture of the source's size. @param encoding of what it draws
+    bool drawEffectInStrips(const PlannedEffect& planned, ovImages::COLOR_ENCODING encoding,
+                            ovImages::Image& result, ovImages::ConversionLosses& losses) {
+        const UniquePtr<ovVeldris::Effect> effect = makeEffect(_session, planned);
+        _setSource(planned, *effect);
+        const unsigned int width = _picture->getWidth();
+        const unsigned int height = _picture->getHeight();
+        const unsigned int rows = std::clamp(STRIP_PIXELS / width, 1u, height);
+        const UniquePtr<Texture> target = makeTarget(_graphics, "strip", PICTURE_FORMAT, width, rows);
+        const auto viewport = ovGraphics::Viewport::create(&_graphics);
+        viewport->setSize(width, height);
+        if (!target || !effect->load())
+            return false;
+        _timings.push_back({planned.text, 0.0});
+        for (unsigned int top = 0; top < height; top += rows) {
+            viewport->setOrigin(0, -static_cast<int>(top));
+            if (!drawPicture(_graphics, *effect->getShader(), *target, planned.text, viewport.get()))
+                return false;
+            for (const ovGraphics::PassTiming& timing : _graphics.getPassTimings())
+                _timings.back().milliseconds += timing.milliseconds;
+            const auto drawn = target->readBack();
+            const unsigned int count = std::min(rows, height - top);
+            if (!drawn || !ovImages::convertRows({width, count, 4, ovImages::COMPONENT_TYPE::FLOAT, encoding,
+                                                  ovMemory::BufferView<const unsigned char>(*drawn).first(
+                                                      drawn->size() / rows * count)},
+                                                 result, top, losses))
+                return false;
+        }
+        if (!_graphics.getPassTimingEnabled())
+            _timings.pop_back();
+        return true;
+    }
+
+    const Texture& getPicture() const { return *_picture; }
 
     bool convert(const ContentConversion& conversion) {
         const String name = toText(conversion.from) + " to " + toText(conversion.to);
@@ -80,17 +119,24 @@ private:
     ovMemory::Buffer<EffectTiming> _timings;
 };
 
-bool drawAll(ChainRunner& runner, const ChainPlan& plan) {
+/// Draws the first effects of a plan, with the conversions before them and before the next one.
+bool drawFirst(ChainRunner& runner, const ChainPlan& plan, std::size_t count) {
     auto next = plan.conversions.begin();
-    for (std::size_t i = 0; i <= plan.effects.size(); ++i) {
+    for (std::size_t i = 0; i <= count; ++i) {
         for (; next != plan.conversions.end() && next->beforeEffect == i; ++next) {
             if (!runner.convert(*next))
                 return false;
         }
-        if (i < plan.effects.size() && !runner.drawEffect(plan.effects[i]))
+        if (i < count && !runner.drawEffect(plan.effects[i]))
             return false;
     }
     return true;
+}
+
+ChainResult failure(Session& session) {
+    ChainResult result;
+    result.error = session.getLogger().take();
+    return result;
 }
 
 } // namespace
@@ -107,7 +153,7 @@ ChainResult runChain(Session& session, UniquePtr<Texture> picture, const ChainPl
     ChainResult result;
     result.content = plan.content;
     ChainRunner runner(session, std::move(picture));
-    if (drawAll(runner, plan))
+    if (drawFirst(runner, plan, plan.effects.size()))
         result.image = downloadPicture(runner.takePicture());
     if (!result.image) {
         result.error = session.getLogger().take();
@@ -121,9 +167,34 @@ ChainResult runChain(Session& session, UniquePtr<Texture> picture, const ChainPl
 ChainResult runChain(Session& session, const ovImages::ImageView& picture, const ChainPlan& plan) {
     if (UniquePtr<Texture> uploaded = uploadPicture(session.getGraphics(), picture))
         return runChain(session, std::move(uploaded), plan);
-    ChainResult failure;
-    failure.error = session.getLogger().take();
-    return failure;
+    return failure(session);
+}
+
+ChainResult runChainForFile(Session& session, ovImages::Image picture, const ChainPlan& plan,
+                            const FileForm& form, bool raw) {
+    UniquePtr<Texture> uploaded = uploadPicture(session.getGraphics(), std::move(picture));
+    // Without effects there is nothing to draw in strips.
+    if (!uploaded || plan.effects.empty())
+        return uploaded ? runChain(session, std::move(uploaded), plan) : failure(session);
+    ChainResult result;
+    result.content = plan.content;
+    ChainRunner runner(session, std::move(uploaded));
+    if (!drawFirst(runner, plan, plan.effects.size() - 1))
+        return failure(session);
+    result.image = std::make_unique<ovImages::Image>(
+        runner.getPicture().getWidth(), runner.getPicture().getHeight(), 4, form.components, form.encoding);
+    ovImages::ConversionLosses losses;
+    if (!runner.drawEffectInStrips(plan.effects.back(), raw ? form.encoding : encodingOf(plan.content),
+                                   *result.image, losses)) {
+        result = failure(session);
+        if (result.error.empty())
+            result.error = "the picture at the end of the effects needs more memory than there is.";
+        return result;
+    }
+    dropOpaqueAlpha(*result.image);
+    result.warning = ovImages::describeLosses(losses);
+    result.timings = runner.getTimings();
+    return result;
 }
 
 } // namespace veldris

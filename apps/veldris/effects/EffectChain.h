@@ -3,6 +3,7 @@
 
 #include <ovGraphics/resources/Texture.h>
 #include <ovImages/Image.h>
+#include <veldris/ImageFiles.h>
 #include <veldris/effects/EffectPlan.h>
 
 namespace veldris {
@@ -17,7 +18,10 @@ struct EffectTiming {
 
 /// The picture at the end of a chain, or why there is none.
 struct ChainResult {
-    ovMemory::UniquePtr<ovImages::Image> image; ///< four floats a pixel; null on failure
+    /// Four channels of floats, or in the form that was asked for; then without an alpha that is 1
+    /// everywhere. Null on failure.
+    ovMemory::UniquePtr<ovImages::Image> image;
+    ovMemory::String warning; ///< what that form could not hold
     PICTURE_CONTENT content = PICTURE_CONTENT::SCENE_LINEAR;
     /// One for each effect and conversion, when the session measures.
     ovMemory::Buffer<EffectTiming> timings;
@@ -32,6 +36,13 @@ ChainResult runChain(Session& session, ovMemory::UniquePtr<ovGraphics::Texture> 
                      const ChainPlan& plan);
 /// The same of a picture that is uploaded first.
 ChainResult runChain(Session& session, const ovImages::ImageView& picture, const ChainPlan& plan);
+
+/// The same for a file of a form, of pictures of any size: the last effect is drawn in strips, and each is
+/// converted when it was read back, so that floats of the whole picture are never in memory. Effects read the
+/// whole picture, and draw what lies in the strip. @param picture goes when it is on the device
+/// @param raw numbers are stored as they are, without encoding them
+ChainResult runChainForFile(Session& session, ovImages::Image picture, const ChainPlan& plan,
+                            const FileForm& form, bool raw);
 
 /// An unloaded effect with the settings of a plan, named like its kind.
 ovMemory::UniquePtr<ovVeldris::Effect> makeEffect(Session& session, const PlannedEffect& planned);

@@ -4,6 +4,7 @@
 #include <ovGraphics/compositor/Compositor.h>
 #include <ovGraphics/compositor/RenderContext.h>
 #include <ovGraphics/resources/Shader.h>
+#include <ovGraphics/resources/Viewport.h>
 #include <ovImages/Conversion.h>
 
 namespace veldris {
@@ -23,20 +24,28 @@ UniquePtr<Texture> makeTarget(ovGraphics::System& graphics, ovMemory::StringView
     return texture->load() ? std::move(texture) : nullptr;
 }
 
-UniquePtr<Texture> uploadPicture(ovGraphics::System& graphics, const ovImages::ImageView& picture) {
-    const ovImages::Image floats =
-        ovImages::convertImage(picture, ovImages::COMPONENT_TYPE::FLOAT, 4, picture.encoding);
+UniquePtr<Texture> uploadPicture(ovGraphics::System& graphics, ovImages::Image picture) {
+    constexpr bool RAW = true;
     UniquePtr<Texture> texture = Texture::create(&graphics);
     texture->setName("picture");
-    texture->setFormat(ovGraphics::FORMAT::R32G32B32A32_FLOAT);
-    texture->setWidth(picture.width);
-    texture->setHeight(picture.height);
-    texture->setCpuData(0, 0, floats.getBytes());
+    // Its own size is what a message should tell, also where four channels are too many.
+    const unsigned int width = picture.getWidth();
+    const unsigned int height = picture.getHeight();
+    if (picture.getChannels() != 4)
+        picture =
+            ovImages::convertImage(picture.view(), picture.getComponentType(), 4, picture.getEncoding());
+    texture->takeImage(std::move(picture), RAW);
+    texture->setWidth(width);
+    texture->setHeight(height);
     if (!texture->load())
         return nullptr;
-    texture->getGpuTexture(); // uploads now, so that the copy is not needed any more
-    texture->clearCpuData();
+    texture->dropCpuCopies(); // uploads
     return texture;
+}
+
+UniquePtr<Texture> uploadPicture(ovGraphics::System& graphics, const ovImages::ImageView& picture) {
+    return uploadPicture(graphics,
+                         ovImages::convertImage(picture, picture.componentType, 4, picture.encoding));
 }
 
 UniquePtr<ovImages::Image> downloadPicture(UniquePtr<Texture> picture) {
@@ -51,10 +60,12 @@ UniquePtr<ovImages::Image> downloadPicture(UniquePtr<Texture> picture) {
 }
 
 bool drawPicture(ovGraphics::System& graphics, ovGraphics::Shader& shader, Texture& target,
-                 ovMemory::StringView name) {
+                 ovMemory::StringView name, ovGraphics::Viewport* viewport) {
     const auto compositor = ovGraphics::Compositor::create(&graphics);
     ovGraphics::CompositorOperationsBlock* block = compositor->appendNode()->appendOperationsBlock();
     block->setTarget(0, &target);
+    if (viewport)
+        block->setViewport(viewport);
     ovGraphics::PostProcessPass* pass = block->appendPostProcessPass();
     pass->setShader(&shader);
     pass->setName(name);

@@ -6,7 +6,8 @@
 
 namespace ovGraphics {
 class Shader;
-}
+class Viewport;
+} // namespace ovGraphics
 
 namespace veldris {
 
@@ -15,8 +16,11 @@ ovMemory::UniquePtr<ovGraphics::Texture> makeTarget(ovGraphics::System& graphics
                                                     ovGraphics::FORMAT format, unsigned int width,
                                                     unsigned int height);
 
-/// The numbers of a picture as a texture of four floats, without any conversion of colours; alpha that is not
-/// there is 1. @return null after one log line when the device cannot hold it
+/// The numbers of a picture as a texture of four channels of the picture's own components, without any
+/// conversion of colours; alpha that is not there is 1. @param picture goes when it is on the device
+/// @return null after one log line when the device cannot hold it
+ovMemory::UniquePtr<ovGraphics::Texture> uploadPicture(ovGraphics::System& graphics, ovImages::Image picture);
+/// The same of a copy.
 ovMemory::UniquePtr<ovGraphics::Texture> uploadPicture(ovGraphics::System& graphics,
                                                        const ovImages::ImageView& picture);
 
@@ -25,8 +29,9 @@ ovMemory::UniquePtr<ovGraphics::Texture> uploadPicture(ovGraphics::System& graph
 ovMemory::UniquePtr<ovImages::Image> downloadPicture(ovMemory::UniquePtr<ovGraphics::Texture> picture);
 
 /// Draws a shader over a whole target, in one frame of one pass; when passes are measured, a second time, so
-/// that what is measured compiles nothing. @return false after one log line when that fails
+/// that what is measured compiles nothing. @param viewport of a picture of which the target shows a part;
+/// null: the whole target @return false after one log line when that fails
 bool drawPicture(ovGraphics::System& graphics, ovGraphics::Shader& shader, ovGraphics::Texture& target,
-                 ovMemory::StringView name);
+                 ovMemory::StringView name, ovGraphics::Viewport* viewport = nullptr);
 
 } // namespace veldris

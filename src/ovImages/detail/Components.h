@@ -1,15 +1,11 @@
 // Runs of components between their stored form and floats. Internal to the library.
 #pragma once
 
-#include <ovImages/Image.h>
+#include <ovImages/Conversion.h>
 
 namespace ovImages::detail {
 
-/// Counts of what could not be stored as it was.
-struct StoreLosses {
-    std::size_t clampedToHalf = 0; ///< finite or infinite values beyond what half holds
-    std::size_t nanToZero = 0;     ///< NaN stored in an integer type
-};
+using StoreLosses = ConversionLosses;
 
 /// Reads values.size() components of the type at source, which needs no alignment.
 void loadComponents(const unsigned char* source, COMPONENT_TYPE type, ovMemory::BufferView<float> values);

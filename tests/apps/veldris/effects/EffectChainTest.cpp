@@ -1,7 +1,9 @@
 #include <veldris/effects/EffectChain.h>
 
+#include <algorithm>
 #include <cmath>
 #include <gtest/gtest.h>
+#include <ovImages/Conversion.h>
 #include <veldris/Session.h>
 
 namespace {
@@ -63,6 +65,55 @@ TEST_P(EffectChainTest, effectsFollowEachOther) {
             << channel;
     }
     EXPECT_EQ(result.image->getComponent(0, 0, 3), 0.25f);
+}
+
+TEST_P(EffectChainTest, stripsMakeTheSamePicture) {
+    // Several strips, the last one lower than the others.
+    Image picture(1500, 1001, 4, COMPONENT_TYPE::FLOAT, COLOR_ENCODING::LINEAR);
+    auto* numbers = reinterpret_cast<float*>(picture.getBytes().data());
+    for (std::size_t i = 0; i < picture.getBytes().size() / sizeof(float); ++i)
+        numbers[i] = static_cast<float>(i * 7919 % 100003) / 20000.0f;
+    ovMemory::Buffer<veldris::PlannedEffect> effects;
+    veldris::ChainPlan plan;
+    ovMemory::String error;
+    ASSERT_TRUE(veldris::planEffects("texture-copy;tone-mapping", effects, error)) << error;
+    ASSERT_TRUE(veldris::planChain(effects, {}, plan, error)) << error;
+    const ChainResult whole = veldris::runChain(_session, picture.view(), plan);
+    ASSERT_TRUE(whole) << whole.error;
+    for (const COMPONENT_TYPE type : {COMPONENT_TYPE::FLOAT, COMPONENT_TYPE::UINT8}) {
+        const veldris::FileForm form = {type, COLOR_ENCODING::SRGB};
+        const ChainResult strips = veldris::runChainForFile(_session, picture, plan, form, false);
+        ASSERT_TRUE(strips) << strips.error;
+        const Image expected = ovImages::convertImage(whole.image->view(), type, 4, COLOR_ENCODING::SRGB);
+        ASSERT_EQ(strips.image->getBytes().size(), expected.getBytes().size());
+        // The device computes from the corner of the target, which changes the last places of numbers.
+        for (unsigned int y = 0; y < 1001; y += 13)
+            for (unsigned int x = 0; x < 1500; x += 17)
+                for (unsigned int channel = 0; channel < 4; ++channel)
+                    ASSERT_NEAR(strips.image->getComponent(x, y, channel),
+                                expected.getComponent(x, y, channel),
+                                type == COMPONENT_TYPE::UINT8 ? 1.001 / 255.0 : 1e-5)
+                        << x << ", " << y;
+        EXPECT_EQ(strips.timings.size(), 2u);
+    }
+}
+
+TEST_P(EffectChainTest, anAlphaOfOneIsLeftOutOfFiles) {
+    Image picture(3, 2, 3, COMPONENT_TYPE::UINT8, COLOR_ENCODING::SRGB);
+    for (std::size_t i = 0; i < picture.getBytes().size(); ++i)
+        picture.getBytes()[i] = static_cast<unsigned char>(5 + 13 * i);
+    ovMemory::Buffer<veldris::PlannedEffect> effects;
+    veldris::ChainPlan plan;
+    ovMemory::String error;
+    ASSERT_TRUE(veldris::planEffects("texture-copy", effects, error)) << error;
+    ChainOptions options;
+    options.input = PICTURE_CONTENT::SRGB_ENCODED;
+    ASSERT_TRUE(veldris::planChain(effects, options, plan, error)) << error;
+    const veldris::FileForm form = {COMPONENT_TYPE::UINT8, COLOR_ENCODING::SRGB};
+    const ChainResult result = veldris::runChainForFile(_session, picture, plan, form, false);
+    ASSERT_TRUE(result) << result.error;
+    EXPECT_EQ(result.image->getChannels(), 3u);
+    EXPECT_TRUE(std::ranges::equal(result.image->getBytes(), picture.getBytes())) << "a copy changes no byte";
 }
 
 TEST_P(EffectChainTest, panoramasAreLookedInto) {

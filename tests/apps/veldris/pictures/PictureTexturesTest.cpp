@@ -25,16 +25,30 @@ protected:
     veldris::Session _session;
 };
 
-TEST_F(PictureTexturesTest, uploadedNumbersAreFloatsAndNotConverted) {
-    Image picture(2, 1, 3, COMPONENT_TYPE::UINT8, COLOR_ENCODING::SRGB);
-    picture.setComponent(1, 0, 2, 128.0f / 255.0f);
-    const auto texture = veldris::uploadPicture(_session.getGraphics(), picture.view());
-    ASSERT_NE(texture, nullptr);
-    EXPECT_EQ(texture->getFormat(), ovGraphics::FORMAT::R32G32B32A32_FLOAT);
-    const auto back = texture->convertToImage();
-    EXPECT_FLOAT_EQ(back->getComponent(1, 0, 2), 128.0f / 255.0f);
-    EXPECT_EQ(back->getComponent(0, 0, 2), 0.0f);
-    EXPECT_EQ(back->getComponent(0, 0, 3), 1.0f);
+TEST_F(PictureTexturesTest, uploadedNumbersAreNotConverted) {
+    using ovGraphics::FORMAT;
+    struct Case {
+        COMPONENT_TYPE type;
+        FORMAT format;
+    };
+    for (const Case& row : {Case{COMPONENT_TYPE::UINT8, FORMAT::R8G8B8A8_UNORM},
+                            {COMPONENT_TYPE::UINT16, FORMAT::R16G16B16A16_UNORM},
+                            {COMPONENT_TYPE::HALF, FORMAT::R16G16B16A16_FLOAT},
+                            {COMPONENT_TYPE::FLOAT, FORMAT::R32G32B32A32_FLOAT}}) {
+        for (const unsigned int channels : {1u, 3u, 4u}) {
+            Image picture(2, 1, channels, row.type, COLOR_ENCODING::SRGB);
+            picture.setComponent(1, 0, 0, 128.0f / 255.0f);
+            const float stored = picture.getComponent(1, 0, 0);
+            const auto texture = veldris::uploadPicture(_session.getGraphics(), picture.view());
+            ASSERT_NE(texture, nullptr);
+            EXPECT_EQ(texture->getFormat(), row.format);
+            EXPECT_FALSE(texture->getGammaCorrected());
+            const auto back = texture->convertToImage();
+            EXPECT_EQ(back->getComponent(1, 0, 0), stored);
+            EXPECT_EQ(back->getComponent(1, 0, 2), channels == 1 ? stored : 0.0f);
+            EXPECT_EQ(back->getComponent(0, 0, 3), channels == 4 ? 0.0f : 1.0f);
+        }
+    }
 }
 
 TEST_F(PictureTexturesTest, whatTheDeviceCannotHoldIsNull) {
