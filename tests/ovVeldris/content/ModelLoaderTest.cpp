@@ -52,6 +52,7 @@ TEST_P(ModelLoaderTest, twoModelsKeepTheirMaterialsAndTexturesApart) {
     const auto second = make(_scene);
     EXPECT_EQ(first->getMaterials()[0].name, "paint");
     EXPECT_EQ(second->getMaterials()[0].name, "paint (2)");
+    EXPECT_EQ(make(_scene)->getMaterials()[0].name, "paint (3)");
     EXPECT_EQ(second->getMaterials()[0].material->getAlbedoTexture()->getName(), "picture (2)");
     EXPECT_EQ(getSystem()->getMaterialManager()->get("paint"), first->getMaterials()[0].material.get());
     first.reset();
@@ -114,6 +115,7 @@ TEST_P(ModelLoaderTest, filesThatAreCutGiveNoModel) {
     std::ofstream(path, std::ios::binary) << whole;
     const ModelLoadResult result = ModelLoader(getSystem()).load(path);
     ASSERT_TRUE(result) << result.error;
+    EXPECT_EQ(result.place, path);
     const ovGraphics::Node* const second = result.model->findNode("Wheel (2)");
     ASSERT_NE(second, nullptr) << "names that clash are told apart";
     EXPECT_EQ(second->getParent(), result.model->findNode("Wheel"));

@@ -4,6 +4,9 @@
 #include <gtest/gtest.h>
 #include <ovGraphics/System.h>
 #include <ovGraphics/resources/Camera.h>
+#include <ovVeldris/System.h>
+#include <ovVeldris/content/ModelLoader.h>
+#include <veldris/Session.h>
 
 namespace {
 
@@ -104,6 +107,17 @@ TEST(SceneCameraTest, azimuthAndElevationTurnAroundTheModel) {
     }
 }
 
+TEST(SceneCameraTest, withinAModelDepthStaysPrecise) {
+    ovGraphics::System system;
+    const auto camera = ovGraphics::Camera::create(&system);
+    ovMemory::String error;
+    // 1 m beside the middle of a box whose corners are 2 sqrt(3) m away.
+    ASSERT_TRUE(veldris::placeCamera(*veldris::parseCamera("1,0,0,5,0,0", error),
+                                     BoundingBox::newCube({}, 4.0f), nullptr, 1.0f, *camera, error));
+    EXPECT_NEAR(camera->getNear(), 0.01f * (1.0f + 2.0f * std::sqrt(3.0f)), 1e-5f);
+    EXPECT_NEAR(camera->getFar(), 1.0f + 4.0f * std::sqrt(3.0f), 1e-4f);
+}
+
 TEST(SceneCameraTest, aModelWithoutCameraHasNoneToOffer) {
     ovGraphics::System system;
     const auto camera = ovGraphics::Camera::create(&system);
@@ -112,6 +126,71 @@ TEST(SceneCameraTest, aModelWithoutCameraHasNoneToOffer) {
     ovMemory::String error;
     EXPECT_FALSE(veldris::placeCamera(choice, {}, nullptr, 1.0f, *camera, error));
     EXPECT_EQ(error, "the model has no camera; give --camera AZIMUTH,ELEVATION or leave the option out.");
+}
+
+/// A triangle with a camera that stands at (1, 2, 3) and is rolled by 0.5 about where it looks, +x.
+ovGraphics::GltfScene sceneWith(const ovGraphics::GltfCamera& camera) {
+    ovGraphics::GltfScene scene;
+    ovGraphics::GltfPrimitive primitive;
+    primitive.composition.addAttribute("POSITION", ovGraphics::FORMAT::R32G32B32_FLOAT);
+    primitive.vertices.resize(36);
+    primitive.vertexCount = 3;
+    scene.meshes.push_back({"mesh", {primitive}});
+    scene.cameras.push_back(camera);
+    ovGraphics::GltfNode& node = scene.nodes.emplace_back();
+    node.mesh = 0;
+    node.camera = 0;
+    node.position = {1.0f, 2.0f, 3.0f};
+    ovMaths::Quaternion roll;
+    roll.setFromAxisAngle({0.0f, 0.0f, 1.0f}, 0.5f);
+    ovMaths::Quaternion turn;
+    turn.setFromRotationBetween({0.0f, 0.0f, 1.0f}, {1.0f, 0.0f, 0.0f});
+    ovMaths::Matrix rolled;
+    ovMaths::Matrix turned;
+    rolled.setOrientationComponent(roll);
+    turned.setOrientationComponent(turn);
+    node.local = turned * rolled;
+    node.local.setPositionComponent(node.position);
+    node.orientation = node.local.getOrientationComponent();
+    node.world = node.local;
+    scene.roots = {0};
+    return scene;
+}
+
+TEST(SceneCameraTest, theFilesCameraKeepsItsRollAndItsHeight) {
+    veldris::Session session;
+    veldris::DrawingOptions options;
+    options.device = "software";
+    options.noCache = true;
+    ovMemory::String error;
+    ASSERT_TRUE(session.open(options, error)) << error;
+    CameraChoice choice;
+    choice.kind = CameraChoice::KIND::FILE;
+    for (const bool isOrthographic : {false, true}) {
+        ovGraphics::GltfCamera source;
+        source.orthographic = isOrthographic;
+        source.verticalFov = 0.8f;
+        source.height = 3.0f;
+        source.aspect = 2.5f; // that of the picture decides
+        source.nearPlane = 0.3f;
+        source.farPlane = 70.0f;
+        const auto loaded = ovVeldris::ModelLoader(&session.getSystem()).create(sceneWith(source));
+        ASSERT_TRUE(loaded) << loaded.error;
+        const auto camera = ovGraphics::Camera::create(&session.getGraphics());
+        ASSERT_TRUE(veldris::placeCamera(choice, {}, loaded.model.get(), 1.5f, *camera, error)) << error;
+        EXPECT_EQ(camera->getPosition(), Vector(1.0f, 2.0f, 3.0f));
+        EXPECT_LT((camera->getDirection() - Vector(1.0f, 0.0f, 0.0f)).getLengthVec3(), 1e-5f);
+        // The camera's up is the node's +y: (-sin, cos) of the roll in the plane of its x, which lies along
+        // -z, and y.
+        const Vector up(camera->getViewMatrix().m[1][0], camera->getViewMatrix().m[1][1],
+                        camera->getViewMatrix().m[1][2]);
+        EXPECT_LT((up - Vector(0.0f, std::cos(0.5f), std::sin(0.5f))).getLengthVec3(), 1e-5f)
+            << up.toString();
+        ovMaths::Matrix expected;
+        ASSERT_TRUE(isOrthographic ? expected.setToOrthographicMatrix(4.5f, 3.0f, 0.3f, 70.0f)
+                                   : expected.setToPerspectiveMatrix(0.8f, 1.5f, 0.3f, 70.0f));
+        EXPECT_EQ(camera->getProjectionMatrix(), expected);
+    }
 }
 
 } // namespace

@@ -200,6 +200,9 @@ TEST_P(ModelMaterialsTest, alphaMeansWhatItsModeSays) {
     EXPECT_EQ(blended.getAlphaCutoff(), 0.00001f);
     EXPECT_EQ(blended.getAlpha(), 0.5f);
 
+    source.baseColor.w = 1.0f;
+    EXPECT_FALSE(makeMaterial(source).getMixAlphaFactorAndTexture()) << "nothing to multiply";
+    source.baseColor.w = 0.5f;
     source.baseColorTexture = -1;
     const PbsMaterial& plain = makeMaterial(source);
     EXPECT_EQ(plain.getAlphaTexture(), nullptr);
