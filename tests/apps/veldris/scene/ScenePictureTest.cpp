@@ -140,11 +140,12 @@ TEST_P(ScenePictureTest, aTransparentPictureHasTheCoverageAsAlpha) {
 }
 
 /// A slate of 2 by 1 m, 1.5 m above the ground, under a picture of two texels of which the left one alone
-/// covers. The slate shows four texels side by side, of which the picture's address decides the last two.
-ovGraphics::GltfScene makeSlate(ovGraphics::TEXTURE_ADDRESS address) {
+/// covers, by as much as is said. The slate shows four texels side by side, of which the picture's address
+/// decides the last two.
+ovGraphics::GltfScene makeSlate(ovGraphics::TEXTURE_ADDRESS address, float coverage = 1.0f) {
     ovGraphics::GltfScene scene;
     ovImages::Image picture(2, 1, 4, ovImages::COMPONENT_TYPE::UINT8, ovImages::COLOR_ENCODING::SRGB);
-    picture.setComponent(0, 0, 3, 1.0f);
+    picture.setComponent(0, 0, 3, coverage);
     scene.images.push_back({"holes", ovImages::PngEncoder().encode(picture.view()).bytes});
     ovGraphics::GltfTexture& texture = scene.textures.emplace_back();
     texture.name = "holes";
@@ -155,7 +156,8 @@ ovGraphics::GltfScene makeSlate(ovGraphics::TEXTURE_ADDRESS address) {
     ovGraphics::GltfMaterial& material = scene.materials.emplace_back();
     material.name = "slate";
     material.baseColorTexture = 0;
-    material.alphaMode = ovGraphics::GLTF_ALPHA_MODE::MASK;
+    material.alphaMode =
+        coverage < 1.0f ? ovGraphics::GLTF_ALPHA_MODE::BLEND : ovGraphics::GLTF_ALPHA_MODE::MASK;
     material.doubleSided = true;
 
     ovGraphics::GltfPrimitive primitive;
@@ -241,14 +243,19 @@ TEST_P(ScenePictureTest, shadowsOfHolesReadTexturesAsTheFileSays) {
     struct Case {
         TEXTURE_ADDRESS address;
         const char* shadow; ///< of the four texels: '#' where they shade the ground
+        float coverage = 1.0f;
     };
-    const Case cases[] = {
-        {TEXTURE_ADDRESS::WRAP, "#.#."}, {TEXTURE_ADDRESS::CLAMP, "#..."}, {TEXTURE_ADDRESS::MIRROR, "#..#"}};
+    const Case cases[] = {{TEXTURE_ADDRESS::WRAP, "#.#."},
+                          {TEXTURE_ADDRESS::CLAMP, "#..."},
+                          {TEXTURE_ADDRESS::MIRROR, "#..#"},
+                          {TEXTURE_ADDRESS::WRAP, "#.#.", 0.6f},
+                          {TEXTURE_ADDRESS::WRAP, "....", 0.4f}};
     _settings.shadows = true;
     for (const Case& row : cases) {
         const auto picture = makePicture();
         const auto white = makeDiffuse(*picture, {0.5f, 0.5f, 0.5f});
-        const auto loaded = ovVeldris::ModelLoader(&_session.getSystem()).create(makeSlate(row.address));
+        const auto loaded =
+            ovVeldris::ModelLoader(&_session.getSystem()).create(makeSlate(row.address, row.coverage));
         ASSERT_TRUE(loaded) << loaded.error;
         ovVeldris::Model& slate = *loaded.model;
         PbsMaterial& material = *slate.getMaterials()[0].material;
