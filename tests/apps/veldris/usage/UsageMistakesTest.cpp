@@ -6,20 +6,16 @@ namespace {
 
 using ovMemory::String;
 
+const String ALL =
+    "apply, bake, check, completion, demo, help, info, manual, materials, render, samples, shaders";
+
 TEST(UsageMistakesTest, theMistypedNameIsToldWithTheNearest) {
     const struct {
         ovMemory::Buffer<String> arguments;
-        const char* error;
+        String error;
     } CASES[] = {
-        {{"aply"},
-         "veldris: veldris has no subcommand 'aply'; it has apply, bake, check, completion, demo, help, "
-         "info, manual, materials, "
-         "render, samples, shaders. Did you mean 'apply'?\n"},
-        {{"paint"},
-         "veldris: veldris has no subcommand 'paint'; it has apply, bake, check, completion, demo, help, "
-         "info, "
-         "materials, "
-         "render, samples, shaders.\n"},
+        {{"aply"}, "veldris: veldris has no subcommand 'aply'; it has " + ALL + ". Did you mean 'apply'?\n"},
+        {{"paint"}, "veldris: veldris has no subcommand 'paint'; it has " + ALL + ".\n"},
         {{"apply", "sky.exr", "--efects", "x"},
          "veldris: veldris apply has no option '--efects'; 'veldris help apply' lists them. Did you mean "
          "'--effects'?\n"},
@@ -38,18 +34,12 @@ TEST(UsageMistakesTest, theMistypedNameIsToldWithTheNearest) {
         {{"apply"}, "veldris: veldris apply: IMAGE is required; 'veldris help apply' tells more.\n"},
         {{"info", "--language", "cg"},
          "veldris: veldris info: --language: cg not in {glsl,hlsl}; 'veldris help info' tells more.\n"},
-        {{},
-         "veldris: veldris needs a subcommand: apply, bake, check, completion, demo, help, info, manual, "
-         "materials, render, samples, "
-         "shaders; 'veldris help' tells more.\n"},
+        {{}, "veldris: veldris needs a subcommand: " + ALL + "; 'veldris help' tells more.\n"},
         {{"bake"},
          "veldris: veldris bake needs a subcommand: prefilter, irradiance, cubemap, spherical; 'veldris help "
          "bake' tells more.\n"},
         {{"help", "bakee"},
-         "veldris: veldris has no subcommand 'bakee'; it has apply, bake, check, completion, demo, help, "
-         "info, "
-         "materials, "
-         "render, samples, shaders. Did you mean 'bake'?\n"},
+         "veldris: veldris has no subcommand 'bakee'; it has " + ALL + ". Did you mean 'bake'?\n"},
         {{"help", "info", "more"},
          "veldris: veldris info has no subcommands; 'veldris help info' shows its help.\n"},
     };
