@@ -2,6 +2,7 @@
 #include <veldris/commands/Commands.h>
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <filesystem>
 #include <fmt/format.h>
 #include <ovGraphics/System.h>
@@ -25,9 +26,11 @@ using ovMemory::Buffer;
 using ovMemory::String;
 
 constexpr const char* SOURCE_FILE = "scene-clipped.png";
+constexpr const char* SCENE_FILE = "scene.exr"; // what the commands of the page read
 
 struct DemoOptions {
     String folder = "out/demo";
+    String only; ///< the name of a picture; empty: all
     unsigned int width = 960;
     unsigned int height = 540;
     DrawingOptions drawing;
@@ -61,11 +64,21 @@ bool drawExample(Session& session, const ovImages::ImageView& scene, const ovVel
         return false;
     }
     const String file = String(example.name) + ".png";
-    GalleryEntry entry{list, String(kind.summary), SOURCE_FILE, file, 0.0};
+    const String command =
+        fmt::format("veldris apply {} --effects \"{}\" -o {}{}", SCENE_FILE, list, example.name,
+                    plan.output == PICTURE_CONTENT::SCENE_LINEAR ? ".exr" : ".png");
+    GalleryEntry entry{list, String(kind.summary), command, "", file, {}};
+    // Where nothing changed, a picture of before would tell nothing.
+    if (!std::ranges::equal(result.image->getBytes(), scene.bytes))
+        entry.beforeFile = SOURCE_FILE;
     for (const EffectTiming& timing : result.timings)
-        entry.milliseconds += timing.milliseconds;
+        entry.passes.push_back({timing.effect, timing.milliseconds});
     entries.push_back(entry);
     return writeGalleryPicture(options.folder + "/" + file, result.image->view(), error);
+}
+
+bool isWanted(const DemoOptions& options, ovMemory::StringView name) {
+    return options.only.empty() || options.only == name;
 }
 
 /// The examples of every kind of effect.
@@ -73,13 +86,23 @@ bool drawExamples(Session& session, const ovImages::ImageView& scene, const Demo
                   Buffer<GalleryEntry>& entries, String& error) {
     for (const ovVeldris::EffectKind& kind : ovVeldris::effectKinds())
         for (const ovVeldris::EffectExample& example : kind.examples)
-            if (!drawExample(session, scene, kind, example, options, entries, error))
+            if (isWanted(options, example.name) &&
+                !drawExample(session, scene, kind, example, options, entries, error))
                 return false;
     return true;
 }
 
 /// Scenes are tone mapped as a user would.
 constexpr const char* SCENE_EFFECTS = "tone-mapping:operator=reinhard,max-white=6,6,6";
+
+GalleryEntry sceneEntry(const MaterialPicture& picture, const String& file) {
+    const String command = fmt::format("veldris demo --only {} --out .", picture.name);
+    GalleryEntry entry{String(picture.name), String(picture.caption), command, "", file, {}};
+    std::ranges::replace(entry.title, '-', ' ');
+    for (const ovGraphics::PassTiming& pass : picture.passes)
+        entry.passes.push_back({pass.name, pass.milliseconds});
+    return entry;
+}
 
 bool drawScenes(Session& session, const DemoOptions& options, Buffer<GalleryEntry>& entries, String& error) {
     ChainPlan plan;
@@ -89,20 +112,28 @@ bool drawScenes(Session& session, const DemoOptions& options, Buffer<GalleryEntr
         const ChainResult mapped = runChain(session, std::move(picture.texture), plan);
         reason = mapped.error;
         const String file = String(picture.name) + ".png";
-        entries.push_back({String(picture.caption), "", "", file, picture.milliseconds});
+        entries.push_back(sceneEntry(picture, file));
         return mapped && writeGalleryPicture(options.folder + "/" + file, mapped.image->view(), reason);
     };
-    return drawMaterialPictures(session, options.width, options.height, write, error) &&
-           drawEnvironmentPictures(session, options.width, options.height, write, error);
+    return drawMaterialPictures(session, options.width, options.height, options.only, write, error) &&
+           drawEnvironmentPictures(session, options.width, options.height, options.only, write, error);
 }
 
 bool drawGallery(Session& session, const DemoOptions& options, Buffer<GalleryEntry>& entries, String& error) {
     const ovImages::Image scene = drawDemoScene(options.width, options.height);
-    if (!writeGalleryPicture(options.folder + "/" + SOURCE_FILE, scene.view(), error))
+    String ignored;
+    if (!writeGalleryPicture(options.folder + "/" + SOURCE_FILE, scene.view(), error) ||
+        !writePicture(options.folder + "/" + SCENE_FILE, scene.view(), false, ignored, error))
         return false;
     if (!drawExamples(session, scene.view(), options, entries, error) ||
         !drawScenes(session, options, entries, error))
         return false;
+    if (entries.empty()) {
+        error = "there is no picture '" + options.only + "'; the page of all of them names each.";
+        return false;
+    }
+    if (!options.only.empty())
+        return true; // the page shows all
     const auto& graphics = session.getGraphics();
     const String page = galleryPage({graphics.getDeviceInfo()->renderer, options.drawing.language,
                                      String(graphics.getPassTimingMethod()), options.width, options.height},
@@ -113,24 +144,30 @@ bool drawGallery(Session& session, const DemoOptions& options, Buffer<GalleryEnt
     return error.empty();
 }
 
+JsonObject entryReport(const GalleryEntry& entry) {
+    Buffer<JsonObject> passes;
+    for (const GalleryPass& pass : entry.passes)
+        passes.push_back(JsonObject().text("pass", pass.name).number("milliseconds", pass.milliseconds));
+    return JsonObject().text("title", entry.title).text("file", entry.afterFile).array("passes", passes);
+}
+
 void printReport(Console& console, const DemoOptions& options, const Buffer<GalleryEntry>& entries,
                  Session& session) {
-    const String page = options.folder + "/index.html";
+    const String page =
+        options.folder + (options.only.empty() ? "/index.html" : "/" + entries.front().afterFile);
     if (!options.drawing.json) {
-        if (options.drawing.timings) {
-            for (const GalleryEntry& entry : entries)
-                console.print(fmt::format("{:10.3f} ms  {}", entry.milliseconds, entry.title));
-        }
-        console.print(fmt::format("{} pictures in {}\n{}", entries.size(), options.folder, page));
+        for (const GalleryEntry& entry : entries)
+            if (options.drawing.timings && !entry.passes.empty())
+                console.print(fmt::format("{}: {}", entry.title, passesText(entry.passes)));
+        if (options.only.empty())
+            console.print(fmt::format("{} pictures in {}", entries.size(), options.folder));
+        console.print(page);
         return;
     }
     const auto& programs = session.getGraphics().getProgramLibrary().getStatistics();
     Buffer<JsonObject> pictures;
     for (const GalleryEntry& entry : entries)
-        pictures.push_back(JsonObject()
-                               .text("title", entry.title)
-                               .text("file", entry.afterFile)
-                               .number("milliseconds", entry.milliseconds));
+        pictures.push_back(entryReport(entry));
     console.print(JsonObject()
                       .text("page", page)
                       .array("pictures", pictures)
@@ -169,6 +206,8 @@ void addDemoCommand(CLI::App& program, Command& command) {
     CLI::App* demo =
         program.add_subcommand("demo", "draw the built-in scene through every effect, as a gallery");
     demo->add_option("--out", options->folder, "folder of the pictures and the page")->capture_default_str();
+    demo->add_option("--only", options->only,
+                     "draw this picture alone, by the name of its file without .png");
     demo->add_option("--width", options->width, "pixels")
         ->check(CLI::Range(16, 16384))
         ->capture_default_str();

@@ -61,7 +61,7 @@ bool DemoSet::draw(const CameraChoice& camera, MaterialPicture& picture, String&
         return false;
     String warning;
     picture.texture = _scene.draw(warning, error);
-    picture.milliseconds = sumOf(_scene.getTimings());
+    picture.passes = _scene.getTimings();
     return picture.texture != nullptr;
 }
 

@@ -18,7 +18,8 @@ struct MaterialPicture {
     ovMemory::StringView name;                        ///< of its file, without extension
     ovMemory::StringView caption;                     ///< what is to be seen
     ovMemory::UniquePtr<ovGraphics::Texture> texture; ///< of four floats
-    double milliseconds = 0.0;                        ///< of its passes together; 0 when it was not drawn
+    /// Those that drew it; none of a picture that was put together.
+    ovMemory::Buffer<ovGraphics::PassTiming> passes = {};
 };
 
 /// Receives a picture and may take its texture. @return false, with one line in error, to draw no more

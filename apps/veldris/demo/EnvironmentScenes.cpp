@@ -124,7 +124,7 @@ bool drawProjection(Session& session, Texture* source, IMAGE_ENVIRONMENT_PROJECT
         error = session.getLogger().take();
         return false;
     }
-    picture.milliseconds = sumOf(graphics.getPassTimings());
+    picture.passes = graphics.getPassTimings();
     picture.texture = std::move(target);
     return true;
 }
@@ -146,7 +146,7 @@ bool drawProjections(Session& session, const EnvironmentLight& light, unsigned i
          IMAGE_ENVIRONMENT_PROJECTION::EQUIRECTANGULAR, false},
     };
     for (const Projection& current : PROJECTIONS) {
-        MaterialPicture picture{current.name, current.caption, nullptr, 0.0};
+        MaterialPicture picture{current.name, current.caption, nullptr};
         Texture* source = current.ofCube ? light.getPrefiltered() : light.getPanorama();
         if (!drawProjection(session, source, current.projection, width, height, picture, error) ||
             !take(picture, error))
@@ -158,7 +158,11 @@ bool drawProjections(Session& session, const EnvironmentLight& light, unsigned i
 } // namespace
 
 bool drawEnvironmentPictures(Session& session, unsigned int width, unsigned int height,
-                             const TakePicture& take, String& error) {
+                             ovMemory::StringView only, const TakePicture& takeWanted, String& error) {
+    // What is not wanted is cheap to draw beside the filtering, which all share.
+    const TakePicture take = [&](MaterialPicture& picture, String& reason) {
+        return (!only.empty() && only != picture.name) || takeWanted(picture, reason);
+    };
     SceneSettings settings;
     settings.width = width;
     settings.height = height;
@@ -167,7 +171,7 @@ bool drawEnvironmentPictures(Session& session, unsigned int width, unsigned int 
     for (const Surroundings& surroundings : SURROUNDINGS) {
         String warning;
         light = EnvironmentLight::create(session, surroundings.draw().view(), warning, error);
-        MaterialPicture picture{surroundings.name, surroundings.caption, nullptr, 0.0};
+        MaterialPicture picture{surroundings.name, surroundings.caption, nullptr};
         if (!light || !drawObjects(session, *light, settings, picture, error) || !take(picture, error)) {
             error += session.getLogger().take();
             return false;
@@ -175,7 +179,7 @@ bool drawEnvironmentPictures(Session& session, unsigned int width, unsigned int 
     }
     MaterialPicture strip{"prefiltered-mips",
                           "a prefiltered cube, its six faces from mip to mip, and below them irradiance",
-                          uploadPicture(session.getGraphics(), drawStrip(*light).view()), 0.0};
+                          uploadPicture(session.getGraphics(), drawStrip(*light).view())};
     return take(strip, error) && drawProjections(session, *light, width, height, take, error);
 }
 

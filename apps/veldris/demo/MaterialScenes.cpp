@@ -248,8 +248,8 @@ bool drawScene(Session& session, const Stock& stock, const SceneOfMaterials& sce
 
 } // namespace
 
-bool drawMaterialPictures(Session& session, unsigned int width, unsigned int height, const TakePicture& take,
-                          String& error) {
+bool drawMaterialPictures(Session& session, unsigned int width, unsigned int height,
+                          ovMemory::StringView only, const TakePicture& take, String& error) {
     Stock stock;
     if (!makeStock(session, stock, error))
         return false;
@@ -260,7 +260,9 @@ bool drawMaterialPictures(Session& session, unsigned int width, unsigned int hei
     settings.lightDirection = LIGHT_DIRECTION;
     settings.lightColor = LIGHT_COLOR;
     for (const SceneOfMaterials& scene : SCENES) {
-        MaterialPicture picture{scene.name, scene.caption, nullptr, 0.0};
+        if (!only.empty() && only != scene.name)
+            continue;
+        MaterialPicture picture{scene.name, scene.caption, nullptr};
         if (!drawScene(session, stock, scene, settings, picture, error) || !take(picture, error))
             return false;
     }

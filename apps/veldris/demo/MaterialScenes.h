@@ -6,9 +6,10 @@
 namespace veldris {
 
 /// Draws every picture of materials, one after another, and hands each on.
+/// @param only the name of the only picture to draw; empty: all
 /// @param take stops by returning false, with one line in error
 /// @return false with one line in error
-bool drawMaterialPictures(Session& session, unsigned int width, unsigned int height, const TakePicture& take,
-                          ovMemory::String& error);
+bool drawMaterialPictures(Session& session, unsigned int width, unsigned int height,
+                          ovMemory::StringView only, const TakePicture& take, ovMemory::String& error);
 
 } // namespace veldris

@@ -18,7 +18,7 @@ TEST(EnvironmentScenesTest, drawsEnvironmentsTheirFilteringAndProjections) {
     ASSERT_TRUE(session.open(options, error)) << error;
     std::map<ovMemory::String, ovImages::Image> pictures;
     const bool drawn = veldris::drawEnvironmentPictures(
-        session, 64, 36,
+        session, 64, 36, "",
         [&](veldris::MaterialPicture& picture, ovMemory::String&) {
             EXPECT_TRUE(pictures.emplace(picture.name, *picture.texture->convertToImage()).second)
                 << picture.name;

@@ -97,7 +97,7 @@ TEST_F(MaterialScenesTest, showsEachSphereWhereItIs) {
         EXPECT_GT(unlikeTheSky, covered * 8 / 10) << picture.name;
         return true;
     };
-    EXPECT_TRUE(veldris::drawMaterialPictures(_session, WIDTH, HEIGHT, check, error)) << error;
+    EXPECT_TRUE(veldris::drawMaterialPictures(_session, WIDTH, HEIGHT, "", check, error)) << error;
     EXPECT_EQ(count, std::size(pictures));
 }
 
@@ -109,7 +109,7 @@ TEST_F(MaterialScenesTest, stopsWhereThePicturesGoWrong) {
         reason = "the disk is full";
         return false;
     };
-    EXPECT_FALSE(veldris::drawMaterialPictures(_session, 32, 32, refuse, error));
+    EXPECT_FALSE(veldris::drawMaterialPictures(_session, 32, 32, "", refuse, error));
     EXPECT_EQ(taken, 1);
     EXPECT_EQ(error, "the disk is full");
 }
