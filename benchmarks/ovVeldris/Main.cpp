@@ -4,6 +4,7 @@
 #include "ovVeldris/effects/EffectBenchmark.h"
 #include "ovVeldris/environment/EnvironmentFilterBenchmark.h"
 #include "ovVeldris/environment/IrradianceBenchmark.h"
+#include "ovVeldris/environment/SkyErrorBenchmark.h"
 #include "support/Aims.h"
 
 int main(int argumentCount, char** arguments) {
@@ -12,5 +13,8 @@ int main(int argumentCount, char** arguments) {
     ovBenchmarks::registerEffects();
     ovBenchmarks::registerEnvironmentFilter();
     ovBenchmarks::registerIrradiance();
-    return ovBenchmarks::runBenchmarks(argumentCount, arguments);
+    ovBenchmarks::registerSkyErrors();
+    const int status = ovBenchmarks::runBenchmarks(argumentCount, arguments);
+    ovBenchmarks::printSkyErrors();
+    return status;
 }

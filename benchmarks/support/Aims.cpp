@@ -2,6 +2,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <string>
 #include <vector>
 
@@ -16,6 +17,7 @@ constexpr const char* MILLISECONDS = "aimed_ms";
 constexpr const char* MILLISECONDS_AIM = "aimed_ms_aim";
 constexpr const char* MEGABYTES = "aimed_mb";
 constexpr const char* MEGABYTES_AIM = "aimed_mb_aim";
+constexpr const char* PERCENT_AIM = "_percent_aim"; // after the name of the figure
 
 struct Row {
     std::string figure;
@@ -56,6 +58,12 @@ private:
         _addRow(run, full, RATIO, RATIO_AIM, "");
         _addRow(run, full, MILLISECONDS, MILLISECONDS_AIM, " ms");
         _addRow(run, full, MEGABYTES, MEGABYTES_AIM, " MB");
+        for (const auto& [name, aim] : run.counters) {
+            if (!name.ends_with(PERCENT_AIM))
+                continue;
+            const std::string what = name.substr(0, name.size() - std::strlen(PERCENT_AIM));
+            _addRow(run, full + " " + what, what.c_str(), name.c_str(), " %");
+        }
     }
 
     void _addRow(const Run& run, const std::string& figure, const char* name, const char* aimName,
@@ -92,6 +100,11 @@ void aimAtRatio(benchmark::State& state, double atMost) {
 void aimAtMilliseconds(benchmark::State& state, double milliseconds, double atMost) {
     state.counters[MILLISECONDS] = milliseconds;
     state.counters[MILLISECONDS_AIM] = atMost;
+}
+
+void aimAtPercent(benchmark::State& state, const char* what, double percent, double atMost) {
+    state.counters[what] = percent;
+    state.counters[std::string(what) + PERCENT_AIM] = atMost;
 }
 
 void aimAtMegabytes(benchmark::State& state, double megabytes, double atMost) {

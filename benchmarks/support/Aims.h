@@ -14,6 +14,10 @@ void aimAtMilliseconds(benchmark::State& state, double milliseconds, double atMo
 /// The same for megabytes.
 void aimAtMegabytes(benchmark::State& state, double megabytes, double atMost);
 
+/// The same for percent of something, of which a benchmark may have several. @param what names it in the
+/// table
+void aimAtPercent(benchmark::State& state, const char* what, double percent, double atMost);
+
 /// Runs the benchmarks of a program as the arguments of Google Benchmark tell, and gives its exit status: 1
 /// when an aim was missed or a benchmark failed, which is a row of its own, 0 otherwise.
 ///

@@ -137,7 +137,7 @@ inline Color irradiance(const Coefficients& coefficients, const Direction& norma
 inline double lobe(double roughness, double cosine) {
     if (cosine <= 0.0)
         return 0.0;
-    const double alphaSquared = std::pow(roughness, 4.0);
+    const double alphaSquared = roughness * roughness * roughness * roughness;
     const double cosHalfSquared = 0.5 * (1.0 + cosine);
     const double root = cosHalfSquared * (alphaSquared - 1.0) + 1.0;
     return cosine / (root * root);
