@@ -2,6 +2,7 @@
 // hard on filters. Written without the library's own geometry.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <numbers>
@@ -135,12 +136,11 @@ inline Color irradiance(const Coefficients& coefficients, const Direction& norma
 /// How much light from an angle counts for a surface of this roughness, seen along its normal, up to a
 /// factor: the density of GGX directions around the half vector, times the cosine.
 inline double lobe(double roughness, double cosine) {
-    if (cosine <= 0.0)
-        return 0.0;
+    const double above = std::max(cosine, 0.0);
     const double alphaSquared = roughness * roughness * roughness * roughness;
-    const double cosHalfSquared = 0.5 * (1.0 + cosine);
+    const double cosHalfSquared = 0.5 * (1.0 + above);
     const double root = cosHalfSquared * (alphaSquared - 1.0) + 1.0;
-    return cosine / (root * root);
+    return above / (root * root);
 }
 
 /// The integral of the lobe over all directions, by the midpoint rule in steps that grow with the angle.
@@ -155,18 +155,38 @@ inline double lobeIntegral(double roughness) {
     return 2.0 * PI * sum;
 }
 
-/// What a surface of this roughness mirrors towards its normal.
+/// What surfaces of this roughness mirror towards their normals. Several at once, so that compilers make
+/// vectors of them.
+template <std::size_t COUNT>
+std::array<Color, COUNT> mirroredOf(const std::vector<Light>& lights, double roughness, double integral,
+                                    const std::array<Direction, COUNT>& normals) {
+    double x[COUNT];
+    double y[COUNT];
+    double z[COUNT];
+    for (std::size_t i = 0; i < COUNT; ++i) {
+        x[i] = normals[i][0];
+        y[i] = normals[i][1];
+        z[i] = normals[i][2];
+    }
+    double sums[3][COUNT] = {};
+    for (const Light& light : lights) {
+        for (std::size_t i = 0; i < COUNT; ++i) {
+            const double weight = lobe(roughness, light.direction[0] * x[i] + light.direction[1] * y[i] +
+                                                      light.direction[2] * z[i]);
+            sums[0][i] += weight * light.power[0];
+            sums[1][i] += weight * light.power[1];
+            sums[2][i] += weight * light.power[2];
+        }
+    }
+    std::array<Color, COUNT> colors;
+    for (std::size_t i = 0; i < COUNT; ++i)
+        colors[i] = {sums[0][i] / integral, sums[1][i] / integral, sums[2][i] / integral};
+    return colors;
+}
+
 inline Color mirrored(const std::vector<Light>& lights, double roughness, double integral,
                       const Direction& normal) {
-    Color sum = {};
-    for (const Light& light : lights) {
-        const double weight = lobe(roughness, dot(light.direction, normal));
-        for (std::size_t channel = 0; channel < 3; ++channel)
-            sum[channel] += weight * light.power[channel];
-    }
-    for (double& part : sum)
-        part /= integral;
-    return sum;
+    return mirroredOf<1>(lights, roughness, integral, {normal})[0];
 }
 
 inline ovImages::Image floatPicture(unsigned int width, unsigned int height) {

@@ -134,13 +134,22 @@ Errors judge(const Mip& mip, const std::vector<lightTruth::Light>& lights,
     const std::vector<Sample> samples = samplesOf(mip, brightest);
     const double integral = lightTruth::lobeIntegral(mip.roughness);
     std::vector<Pair> pairs(samples.size());
-    ovCommon::parallelFor(samples.size(), [&](std::size_t i) {
-        Sample sample = samples[i];
-        for (std::size_t end = 0; end < 2; ++end, ++sample.column) {
-            pairs[i].ours[end] = mip.colorAt(sample);
-            pairs[i].truth[end] =
-                lightTruth::mirrored(lights, mip.roughness, integral, directionOf(mip, sample));
+    constexpr std::size_t TOGETHER = 4;
+    ovCommon::parallelFor((samples.size() + TOGETHER - 1) / TOGETHER, [&](std::size_t group) {
+        // The last group may repeat the last sample.
+        const auto place = [&](std::size_t i) {
+            return std::min(group * TOGETHER + i / 2, samples.size() - 1);
+        };
+        std::array<lightTruth::Direction, 2 * TOGETHER> normals;
+        for (std::size_t i = 0; i < normals.size(); ++i) {
+            Sample sample = samples[place(i)];
+            sample.column += static_cast<unsigned int>(i % 2);
+            normals[i] = directionOf(mip, sample);
+            pairs[place(i)].ours[i % 2] = mip.colorAt(sample);
         }
+        const auto truth = lightTruth::mirroredOf(lights, mip.roughness, integral, normals);
+        for (std::size_t i = 0; i < normals.size(); ++i)
+            pairs[place(i)].truth[i % 2] = truth[i];
     });
     Errors errors;
     for (unsigned int face = 0; face < FACES; ++face) {

@@ -5,8 +5,8 @@
 #include <numbers>
 #include <ovCommon/ParallelFor.h>
 #include <ovVeldris/environment/light/EnvironmentDrawing.h>
-#include <ovVeldris/environment/light/LightTree.h>
 #include <ovVeldris/environment/light/detail/GgxLobe.h>
+#include <ovVeldris/environment/light/detail/LightTree.h>
 
 namespace ovVeldris {
 

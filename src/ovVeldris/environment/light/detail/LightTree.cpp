@@ -1,4 +1,4 @@
-#include <ovVeldris/environment/light/LightTree.h>
+#include <ovVeldris/environment/light/detail/LightTree.h>
 
 #include <algorithm>
 #include <cmath>
@@ -17,7 +17,8 @@ constexpr unsigned int TEXELS_OF_LEAF = 32;
 /// Parts of the environment that are made into trees by themselves, on all cores.
 constexpr std::size_t BRANCHES = 64;
 
-/// The share of its light by which a node may be wrong.
+/// The share of its light by which a node's mean alone may be wrong. The variance makes up for nine tenths of
+/// it.
 constexpr double TOLERANCE = 0.05;
 
 /// A node's radius over the distance, at most: farther texels than that are not told by the moments.
@@ -38,7 +39,7 @@ Direction scaled(const Direction& direction, double factor) {
     return {direction[0] * factor, direction[1] * factor, direction[2] * factor};
 }
 
-/// A sum of colors' directions over the sum of their powers; the powers are not all 0.
+/// In the precision of the sums.
 PointLight pointLightOf(const Direction& direction, const std::array<double, COLOR_COUNT>& power) {
     PointLight light;
     for (std::size_t i = 0; i < COLOR_COUNT; ++i) {

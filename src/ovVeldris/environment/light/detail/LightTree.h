@@ -7,11 +7,11 @@
 namespace ovVeldris {
 
 /// A tree over the texels of an environment (J. Barnes, P. Hut: A Hierarchical O(N log N) Force-Calculation
-/// Algorithm, 1986). A node knows the light of its texels and the mean of their directions by light. From far
-/// enough it stands for all of them: what is left out is the second moment, which is next to nothing when one
-/// sun is most of the light.
+/// Algorithm, 1986). A node knows the light of its texels, and the mean and the variance of their directions
+/// by light. From far enough it stands for all of them. When one sun is most of its light, it stands for them
+/// exactly.
 ///
-/// Takes about 2.6 bytes a texel. Black parts take part in nothing.
+/// Takes about 3 bytes a texel. Black parts take part in nothing.
 class OV_API LightTree {
 public:
     /// @param environment kept by reference: it must outlive the tree

@@ -1,4 +1,4 @@
-#include <ovVeldris/environment/light/LightTree.h>
+#include <ovVeldris/environment/light/detail/LightTree.h>
 
 #include "support/LightTruth.h"
 
