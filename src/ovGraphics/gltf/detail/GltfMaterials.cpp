@@ -29,6 +29,8 @@ constexpr StringView IGNORED_EXTENSIONS[] = {"KHR_materials_anisotropy",
                                              "MSFT_packing_normalRoughnessMetallic",
                                              "MSFT_packing_occlusionRoughnessMetallic"};
 
+constexpr StringView OCCLUSION = "occlusionTexture";
+
 GltfUvSource readUvSource(const GltfObject& info) {
     GltfUvSource source;
     source.set = info.readEnum("texCoord", 0);
@@ -63,7 +65,7 @@ public:
         needs.tangents = material.normalTexture >= 0;
         needs.anyTexture = !_uses.empty();
         if (needs.anyTexture)
-            needs.uvs = _chooseUvSource();
+            needs.uvs = _chooseUvSource(material);
         return true;
     }
 
@@ -113,12 +115,12 @@ private:
 
     bool _readCommon(GltfMaterial& material) {
         if (!_readTexture(_source, "normalTexture", false, material.normalTexture) ||
-            !_readTexture(_source, "occlusionTexture", false, material.occlusionTexture) ||
+            !_readTexture(_source, OCCLUSION, false, material.occlusionTexture) ||
             !_readTexture(_source, "emissiveTexture", true, material.emissiveTexture))
             return false;
         const GltfObject normal = _source.getObject("normalTexture");
         material.normalScale = normal.readFloat("scale", 1.0f, -HUGE_NUMBER, HUGE_NUMBER);
-        const GltfObject occlusion = _source.getObject("occlusionTexture");
+        const GltfObject occlusion = _source.getObject(OCCLUSION);
         material.occlusionStrength = occlusion.readFloat("strength", 1.0f, 0.0f, 1.0f);
         const GltfObject emission = _source.getExtension("KHR_materials_emissive_strength");
         // The core's factor ends at 1; the extension multiplies it for lamps.
@@ -146,19 +148,32 @@ private:
     }
 
     // Vertices have room for one set: that of the first texture read, which is the base colour's if it has
-    // one.
-    GltfUvSource _chooseUvSource() const {
-        const Use& chosen = _uses.front();
+    // one. Occlusion often has a set of its own, and decides last.
+    GltfUvSource _chooseUvSource(GltfMaterial& material) const {
+        const auto first = std::ranges::find_if(_uses, [](const Use& use) { return use.slot != OCCLUSION; });
+        const Use& chosen = first != _uses.end() ? *first : _uses.front();
         String others;
-        for (const Use& use : _uses)
-            if (use.uvs != chosen.uvs)
+        for (const Use& use : _uses) {
+            if (use.uvs == chosen.uvs)
+                continue;
+            if (use.slot == OCCLUSION)
+                _leaveOcclusionOut(material, chosen.slot);
+            else
                 others += fmt::format("{}{}", others.empty() ? "" : ", ", use.slot);
+        }
         if (!others.empty())
             _source.warn(
                 fmt::format("{} should be read with other texture coordinates than {}; they are drawn "
                             "with those of {}",
                             others, chosen.slot, chosen.slot));
         return chosen.uvs;
+    }
+
+    // Read with other coordinates, it darkens what lies open to the light: worse than none.
+    void _leaveOcclusionOut(GltfMaterial& material, StringView chosen) const {
+        material.occlusionTexture = -1;
+        _source.warn(fmt::format("{} should be read with other texture coordinates than {}; it is left out",
+                                 OCCLUSION, chosen));
     }
 
     const GltfObject& _source;

@@ -117,6 +117,35 @@ TEST(GltfMaterialsTest, warnsOfWhatIsDrawnOtherwise) {
         decodeMaterial(row.material, {row.warning});
 }
 
+TEST(GltfMaterialsTest, occlusionWithASetOfItsOwnIsLeftOut) {
+    struct Case {
+        const char* material;
+        int texture; ///< that stays
+        Strings warnings;
+    };
+    const Case cases[] = {
+        {R"({"pbrMetallicRoughness": {"baseColorTexture": {"index": 0}},
+             "occlusionTexture": {"index": 1, "texCoord": 1}})",
+         -1,
+         {"material 0: occlusionTexture should be read with other texture coordinates than baseColorTexture; "
+          "it is "
+          "left out"}},
+        {R"({"occlusionTexture": {"index": 1, "texCoord": 1}, "emissiveTexture": {"index": 2}})",
+         -1,
+         {"material 0: occlusionTexture should be read with other texture coordinates than emissiveTexture; "
+          "it is "
+          "left out"}},
+        {R"({"occlusionTexture": {"index": 1, "texCoord": 1}})", 1, {}},
+        {R"({"pbrMetallicRoughness": {"baseColorTexture": {"index": 0, "texCoord": 1}},
+             "occlusionTexture": {"index": 1, "texCoord": 1}})",
+         1,
+         {}}};
+    for (const Case& row : cases) {
+        const GltfMaterial material = decodeMaterial(row.material, row.warnings);
+        EXPECT_EQ(material.occlusionTexture, row.texture) << row.material;
+    }
+}
+
 TEST(GltfMaterialsTest, keepsWhatIsLeftToTheCaller) {
     const std::string text =
         R"({"normalTexture": {"index": 0, "scale": 0.5}, "extensions": {"KHR_materials_unlit": {}},
