@@ -84,6 +84,21 @@ TEST(ImageFilesTest, alphaIsKeptWhereItSaysSomething) {
     EXPECT_FLOAT_EQ(read.image->getComponent(0, 0, 3), 0.2f);
 }
 
+TEST(ImageFilesTest, alphaOfOnePixelIsEnough) {
+    const TemporaryFolder folder;
+    const ovMemory::String path = folder.getPath("alpha.png");
+    Image image(3, 2, 4, COMPONENT_TYPE::FLOAT, COLOR_ENCODING::SRGB);
+    for (unsigned int i = 0; i < 6; ++i)
+        image.setComponent(i % 3, i / 3, 3, i == 4 ? 0.6f : 1.0f);
+    ovMemory::String warning;
+    ovMemory::String error;
+    ASSERT_TRUE(veldris::writePicture(path, image.view(), false, warning, error)) << error;
+    const ovImages::DecodeResult read = ovImages::CompositeEncoder().decodeFile(path);
+    ASSERT_TRUE(read) << read.error;
+    ASSERT_EQ(read.image->getChannels(), 4u);
+    EXPECT_FLOAT_EQ(read.image->getComponent(1, 1, 3), 0.6f);
+}
+
 TEST(ImageFilesTest, decodedImagesSayWhatTheyHold) {
     EXPECT_EQ(veldris::contentOf(floatPixel(1, 1, COLOR_ENCODING::LINEAR).view()),
               PICTURE_CONTENT::SCENE_LINEAR);

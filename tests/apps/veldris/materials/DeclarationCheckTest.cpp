@@ -129,6 +129,8 @@ TEST(DeclarationCheckTest, checksMembers) {
          {"\"albedoColor\" is \"Vec(0, -1, 0, 0)\": light and reflectance are not negative."}},
         {R"~("lightDirection": "Vec(0, -0, 0, 1)")~", {"\"lightDirection\" has no length; a direction has."}},
         {R"~("lightDirection": "Vec(0, -1, 0, 0)")~", {}},
+        {R"~("lightDirection": "Vec(0, 0, 0.25, 0)")~", {}},
+        {R"~("lightDirection": "Vec(-2, 0, 0, 0)")~", {}},
 
         {R"("metalnessValue": "0.5")", {"\"metalnessValue\" is a string, not a number; it is ignored."}},
         {R"("metalnessValue": -0.1)", {"\"metalnessValue\" is -0.1, not between 0 and 1."}},

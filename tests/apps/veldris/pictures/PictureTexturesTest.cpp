@@ -70,6 +70,7 @@ TEST_F(PictureTexturesTest, aShaderIsDrawnOverTheWholeTarget) {
     copy.setSourceTexture(texture.get());
     ASSERT_TRUE(copy.load());
     auto target = veldris::makeTarget(graphics, "copy", ovGraphics::FORMAT::R32G32B32A32_FLOAT, 3, 2);
+    EXPECT_EQ(target->getMipCount(), 1u) << "pictures are drawn and read, never sampled from afar";
     ASSERT_TRUE(veldris::drawPicture(graphics, *copy.getShader(), *target, "copies"));
     const auto drawn = veldris::downloadPicture(std::move(target));
     const auto expected = picture.getBytes();

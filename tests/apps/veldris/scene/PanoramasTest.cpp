@@ -52,6 +52,19 @@ TEST(PanoramasTest, photographsAreReversedAndTurned) {
     EXPECT_TRUE(veldris::turnedPhotograph({}).isEmpty());
 }
 
+TEST(PanoramasTest, turningBackIsTurningOn) {
+    // Seven columns: 2^32 is no multiple of them, and a shift below 0 that wrapped round would be another.
+    ovImages::Image photograph(7, 1, 1, ovImages::COMPONENT_TYPE::FLOAT, ovImages::COLOR_ENCODING::LINEAR);
+    for (unsigned int x = 0; x < 7; ++x)
+        photograph.setComponent(x, 0, 0, static_cast<float>(x));
+    for (const float degrees : {-10.0f, -60.0f, -155.0f, -359.0f}) {
+        const ovImages::Image back = veldris::turnedPhotograph(photograph.view(), degrees);
+        const ovImages::Image on = veldris::turnedPhotograph(photograph.view(), degrees + 360.0f);
+        for (unsigned int x = 0; x < 7; ++x)
+            EXPECT_EQ(back.getComponent(x, 0, 0), on.getComponent(x, 0, 0)) << degrees << ' ' << x;
+    }
+}
+
 TEST(PanoramasTest, photographsOfAnyPixelsTurnInPlace) {
     for (const auto type : {ovImages::COMPONENT_TYPE::UINT8, ovImages::COMPONENT_TYPE::FLOAT}) {
         for (const unsigned int channels : {1u, 3u, 4u}) {
