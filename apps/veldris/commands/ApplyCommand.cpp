@@ -32,6 +32,8 @@ struct ApplyOptions {
 void printReport(Console& console, const ApplyOptions& options, const ChainPlan& plan,
                  const ChainResult& result, Session& session) {
     const String method(session.getGraphics().getPassTimingMethod());
+    const ovMemory::Buffer<JsonObject> steps =
+        options.drawing.timings ? console.reportSteps() : ovMemory::Buffer<JsonObject>();
     if (!options.drawing.json) {
         for (const EffectTiming& timing : result.timings)
             console.print(fmt::format("{:10.3f} ms  {} ({})", timing.milliseconds, timing.effect, method));
@@ -48,7 +50,7 @@ void printReport(Console& console, const ApplyOptions& options, const ChainPlan&
         .number("height", result.image->getHeight())
         .text("content", options.raw ? String("raw") : toText(plan.output));
     if (options.drawing.timings)
-        report.text("timingMethod", method).array("passes", passes);
+        report.array("steps", steps).text("timingMethod", method).array("passes", passes);
     console.print(report.toText());
 }
 
@@ -76,6 +78,7 @@ int runApply(Console& console, ApplyOptions options) {
     if (isStandardOutput(options.output))
         console.leaveOutputToData();
 
+    console.step("decoding");
     ovImages::DecodeResult input = ovImages::CompositeEncoder().decodeFile(options.input, options.reading);
     if (!input)
         return console.fail(input.error);
@@ -85,9 +88,11 @@ int runApply(Console& console, ApplyOptions options) {
     if (!planChain(std::move(effects), chain, plan, error))
         return console.fail(error);
 
+    console.step("device");
     Session session;
     if (!session.open(options.drawing, error))
         return console.fail(error);
+    console.step("drawing");
     ChainResult result =
         runChainForFile(session, std::move(*input.image), plan, formOfFile(options.output), options.raw);
     if (!result)
@@ -95,6 +100,7 @@ int runApply(Console& console, ApplyOptions options) {
     console.warnEach(session.getLogger().takeLines());
     console.warn(result.warning);
 
+    console.step("writing");
     String warning;
     if (!writePicture(options.output, result.image->view(), options.raw, warning, error))
         return console.fail(error);

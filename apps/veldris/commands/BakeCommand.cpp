@@ -5,7 +5,6 @@
 #include <chrono>
 #include <fmt/format.h>
 #include <optional>
-#include <unistd.h>
 #include <veldris/JsonText.h>
 #include <veldris/bake/BakeOutput.h>
 #include <veldris/bake/CubeBaking.h>
@@ -73,13 +72,6 @@ String coefficientsText(const ovVeldris::IrradianceCoefficients& coefficients) {
                            .number("green", coefficients.values[i][1])
                            .number("blue", coefficients.values[i][2]));
     return JsonObject().array("coefficients", rows).toText() + "\n";
-}
-
-/// One line on a terminal before long work.
-void tellProgress(const BakeOptions& options) {
-    // In a pipe or a log the line would be noise.
-    if (isatty(STDERR_FILENO))
-        fmt::print(stderr, "{}: baking '{}' ...\n", options.name, options.input);
 }
 
 /// Whether the files can be written, as far as that can be told now.
@@ -173,6 +165,7 @@ int runBake(Console& console, BakeOptions options) {
         console.leaveOutputToData();
     Stopwatch stopwatch;
     JsonObject seconds;
+    console.step("decoding");
     EnvironmentInput input;
     if (!readEnvironment(options.input, options.reading, input, error))
         return console.fail(error);
@@ -183,11 +176,12 @@ int runBake(Console& console, BakeOptions options) {
     if (!input.isCube)
         turnPanorama(options, input.image);
     seconds.number("read", stopwatch.lap());
-    tellProgress(options);
+    console.step(fmt::format("baking '{}'", options.input));
     BakeResult result;
     if (!bake(options, input, result, error))
         return console.fail(error);
     seconds.number("bake", stopwatch.lap());
+    console.step("writing");
     if (!write(options, output, result, error))
         return console.fail(error);
     console.warn(result.files.warning);

@@ -191,6 +191,7 @@ int runDemo(Console& console, DemoOptions options) {
     Session session;
     if (!session.open(measured, error))
         return console.fail(error);
+    console.step("drawing the gallery");
     Buffer<GalleryEntry> entries;
     if (!drawGallery(session, options, entries, error))
         return console.fail(error);

@@ -34,6 +34,7 @@ int runMaterials(Console& console, MaterialsOptions options) {
     Session session;
     if (!session.open(options.drawing, error))
         return console.fail(error);
+    console.step("decoding");
     const ovVeldris::ModelLoadResult loaded =
         ovVeldris::ModelLoader(&session.getSystem()).load(options.model);
     if (!loaded)

@@ -246,6 +246,7 @@ using Timings = ovMemory::Buffer<ovGraphics::PassTiming>;
 void printReport(Console& console, const RenderOptions& options, const Timings& timings,
                  const ChainResult& result, Session& session) {
     const String method(session.getGraphics().getPassTimingMethod());
+    const Buffer<JsonObject> steps = options.drawing.timings ? console.reportSteps() : Buffer<JsonObject>();
     ovMemory::Buffer<JsonObject> passes;
     const auto addPass = [&](const String& name, double milliseconds) {
         if (!options.drawing.json)
@@ -265,7 +266,7 @@ void printReport(Console& console, const RenderOptions& options, const Timings& 
         .number("width", result.image->getWidth())
         .number("height", result.image->getHeight());
     if (options.drawing.timings)
-        report.text("timingMethod", method).array("passes", passes);
+        report.array("steps", steps).text("timingMethod", method).array("passes", passes);
     console.print(report.toText());
 }
 
@@ -273,6 +274,7 @@ void printReport(Console& console, const RenderOptions& options, const Timings& 
 ovMemory::UniquePtr<ovGraphics::Texture> drawModel(Console& console, Session& session,
                                                    const RenderOptions& options, const RenderPlan& plan,
                                                    Timings& timings, String& error) {
+    console.step("decoding");
     const ovVeldris::ModelLoadResult loaded =
         ovVeldris::ModelLoader(&session.getSystem()).load(options.model);
     error = loaded.error;
@@ -289,9 +291,11 @@ ovMemory::UniquePtr<ovGraphics::Texture> drawModel(Console& console, Session& se
         return nullptr;
     const Vector lightDirection =
         plan.scene.lightDirection.value_or(model.getMaterials().front().material->getLightDirection());
+    console.step("filtering");
     const auto environment = makeEnvironment(console, session, options, lightDirection, error);
     if (!error.empty())
         return nullptr;
+    console.step("programs");
     const auto picture = ScenePicture::create(session, plan.scene, error);
     if (!picture || !picture->setEnvironment(environment.get()) || !addModel(*picture, model) ||
         !placeCamera(plan.camera, model.getBoundingBox(), &model, picture->getAspect(), picture->getCamera(),
@@ -299,6 +303,8 @@ ovMemory::UniquePtr<ovGraphics::Texture> drawModel(Console& console, Session& se
         error += session.getLogger().take();
         return nullptr;
     }
+    console.step("drawing");
+    picture->setProgress([&console](double share) { console.getProgress().share(share); });
     String warning;
     auto drawn = picture->draw(warning, error);
     console.warn(warning);
@@ -316,6 +322,7 @@ int runRender(Console& console, RenderOptions options) {
         return console.fail(error);
     if (isStandardOutput(options.output))
         console.leaveOutputToData();
+    console.step("device");
     Session session;
     if (!session.open(options.drawing, error))
         return console.fail(error);
@@ -327,6 +334,7 @@ int runRender(Console& console, RenderOptions options) {
     if (!result)
         return console.fail(result.error);
     console.warnEach(session.getLogger().takeLines());
+    console.step("writing");
     if (plan.background)
         layBehind(*result.image, *plan.background, result.content);
     String warning;

@@ -6,7 +6,7 @@
 #include <cstdio>
 #include <fmt/format.h>
 #include <system_error>
-#include <veldris/JsonText.h>
+#include <unistd.h>
 
 namespace veldris {
 
@@ -47,7 +47,12 @@ String kindOf(StringView message) {
 
 } // namespace
 
+Console::Console(bool isJson)
+    : _isJson(isJson)
+    , _progress(!isJson && isatty(STDERR_FILENO)) {}
+
 int Console::fail(StringView message) {
+    _progress.clearLine();
     _tellWarnings();
     const String named = _named(message);
     writeLine(stderr,
@@ -71,11 +76,22 @@ void Console::warnEach(const ovMemory::Buffer<String>& messages) {
         warn(message);
 }
 
+ovMemory::Buffer<JsonObject> Console::reportSteps() {
+    ovMemory::Buffer<JsonObject> steps;
+    for (const StepTime& step : _progress.getSteps()) {
+        if (!_isJson)
+            print(fmt::format("{:10.3f} ms  {}", step.milliseconds, step.name));
+        steps.push_back(JsonObject().text("step", step.name).number("milliseconds", step.milliseconds));
+    }
+    return steps;
+}
+
 void Console::callFile(StringView path, StringView name) {
     _names.emplace_back(fmt::format("'{}'", path), name);
 }
 
 void Console::print(StringView line) {
+    _progress.clearLine();
     writeLine(_outputIsData ? stderr : stdout, String(line));
 }
 
@@ -99,6 +115,7 @@ String Console::_named(StringView message) const {
 }
 
 void Console::_tellWarnings() {
+    _progress.clearLine();
     for (const Warning& warning : _warnings) {
         if (_isJson)
             writeLine(stderr,

@@ -2,6 +2,8 @@
 #pragma once
 
 #include <ovMemory/Memory.h>
+#include <veldris/JsonText.h>
+#include <veldris/console/Progress.h>
 
 namespace veldris {
 
@@ -13,8 +15,15 @@ namespace veldris {
 class Console {
 public:
     /// @param isJson whether messages are for machines
-    explicit Console(bool isJson)
-        : _isJson(isJson) {}
+    explicit Console(bool isJson);
+
+    /// The steps of the run, shown on a terminal while they last.
+    Progress& getProgress() { return _progress; }
+    /// Begins a step of the run.
+    void step(ovMemory::StringView name) { _progress.step(name); }
+    /// The steps until now for a report of times; prints them as well, a line each, unless machines read.
+    /// @return objects of "step" and "milliseconds"
+    ovMemory::Buffer<JsonObject> reportSteps();
 
     /// Tells why the run failed, in one line. @return the exit status of a failure
     int fail(ovMemory::StringView message);
@@ -45,6 +54,7 @@ private:
     void _tellWarnings();
 
     bool _isJson;
+    Progress _progress;
     bool _outputIsData = false;
     ovMemory::Buffer<std::pair<ovMemory::String, ovMemory::String>> _names; ///< of paths in quotes
     ovMemory::Buffer<Warning> _warnings;

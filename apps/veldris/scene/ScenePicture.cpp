@@ -304,8 +304,10 @@ ovMemory::UniquePtr<Texture> ScenePicture::draw(String& warning, String& error) 
     _averageBlock->setTarget(0, picture.get());
     _timings.clear();
     bool drawn = picture != nullptr;
-    for (unsigned int top = 0; drawn && top < _settings.height; top += _stripRows)
+    for (unsigned int top = 0; drawn && top < _settings.height; top += _stripRows) {
         drawn = _drawStrip(top);
+        _progress(static_cast<double>(std::min(top + _stripRows, _settings.height)) / _settings.height);
+    }
     if (!drawn) {
         error = _session.getLogger().take();
         return nullptr;

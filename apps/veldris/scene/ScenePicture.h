@@ -1,6 +1,7 @@
 // Draws a scene of physically based materials into a picture.
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <ovGraphics/System.h>
 #include <ovGraphics/compositor/Compositor.h>
@@ -74,6 +75,8 @@ public:
     /// with one line in error when it cannot be drawn. Samples that are not numbers become black and are
     /// counted in warning.
     ovMemory::UniquePtr<ovGraphics::Texture> draw(ovMemory::String& warning, ovMemory::String& error);
+    /// Is told the share of a picture that is drawn, 0 to 1, after each strip.
+    void setProgress(std::function<void(double share)> progress) { _progress = std::move(progress); }
     /// The passes of the last draw(), when the session measures: each once, whatever the number of strips.
     const ovMemory::Buffer<ovGraphics::PassTiming>& getTimings() const { return _timings; }
 
@@ -115,6 +118,7 @@ private:
     ovMemory::UniquePtr<ovGraphics::Viewport> _averageViewport;
     ovMemory::UniquePtr<ovGraphics::Viewport> _countViewport;
     ovMemory::Buffer<ovGraphics::PassTiming> _timings;
+    std::function<void(double share)> _progress = [](double) {};
     ovMemory::UniquePtr<ovGraphics::Texture> _shadowMap;
     ovMemory::UniquePtr<ovGraphics::Camera> _camera;
     ovMemory::UniquePtr<ovGraphics::Camera> _shadowCamera;

@@ -336,6 +336,12 @@ TEST_F(RenderCommandTest, reportsForMachines) {
     EXPECT_FALSE(report.HasMember("passes"));
     const auto timed =
         parseJson(render(writeQuad(_folder), _folder.getPath("o.png"), {"--json", "--timings", "--shadows"}));
+    ovMemory::String steps;
+    for (const auto& step : timed["steps"].GetArray()) {
+        steps += ovMemory::String(step["step"].GetString()) + ";";
+        EXPECT_GT(step["milliseconds"].GetDouble(), 0.0);
+    }
+    EXPECT_EQ(steps, "starting;device;decoding;filtering;programs;drawing;writing;");
     EXPECT_STREQ(timed["timingMethod"].GetString(), "wall clock");
     ovMemory::String passes;
     for (const auto& pass : timed["passes"].GetArray())
