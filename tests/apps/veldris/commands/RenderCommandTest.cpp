@@ -272,6 +272,46 @@ TEST_F(RenderCommandTest, anEditedMaterialIsDrawnAsEdited) {
         << mistyped.error;
 }
 
+TEST_F(RenderCommandTest, picturesLieBesideTheFileOfMaterials) {
+    ovImages::Image green(2, 2, 3, ovImages::COMPONENT_TYPE::UINT8, ovImages::COLOR_ENCODING::SRGB);
+    for (unsigned int i = 0; i < 4; ++i)
+        green.setComponent(i % 2, i / 2, 1, 1.0f);
+    const String folder = _folder.getPath("elsewhere");
+    std::filesystem::create_directory(folder);
+    ASSERT_TRUE(ovImages::CompositeEncoder().encodeFile(folder + "/moss.png", green.view()));
+    std::ofstream(folder + "/m.ovm")
+        << R"json([{"name": "paint", "type": "PBS", "albedoTexture": {"name": "moss.png", "packing": "rgb"}}])json";
+    const String output = _folder.getPath("moss.png");
+    const Outcome outcome =
+        render(writeQuad(_folder), output, {"--materials", folder + "/m.ovm", "--light", "0,0,-1"});
+    ASSERT_EQ(outcome.status, 0) << outcome.error;
+    EXPECT_EQ(outcome.error, "");
+    for (unsigned int index = 0; index < 4; ++index)
+        EXPECT_GT(quarter(output, index)[1], 2 * quarter(output, index)[0]) << index;
+}
+
+TEST_F(RenderCommandTest, aLightIsAddedToAnEnvironmentOfOnesOwn) {
+    ovImages::Image dim(16, 8, 3, ovImages::COMPONENT_TYPE::FLOAT, ovImages::COLOR_ENCODING::LINEAR);
+    for (unsigned int i = 0; i < 16 * 8 * 3; ++i)
+        dim.setComponent(i / 3 % 16, i / 48, i % 3, 0.05f);
+    const String sky = _folder.getPath("dim.hdr");
+    ASSERT_TRUE(ovImages::CompositeEncoder().encodeFile(sky, dim.view()));
+    const String model = writeQuad(_folder);
+    int brightness[2] = {};
+    for (const bool isLit : {false, true}) {
+        const String output = _folder.getPath(isLit ? "lit.png" : "unlit.png");
+        ovMemory::Buffer<String> arguments = {
+            "render",     model,           "-o", output,      "--size", "40x40",    "--device", "software",
+            "--no-cache", "--environment", sky,  "--samples", "1",      "--camera", "0,0"};
+        if (isLit)
+            arguments.insert(arguments.end(), {"--light", "0,0,-1"});
+        const Outcome outcome = runVeldris(arguments);
+        ASSERT_EQ(outcome.status, 0) << outcome.error;
+        brightness[isLit ? 1 : 0] = quarter(output, 3)[0];
+    }
+    EXPECT_GT(brightness[1], brightness[0] + 50);
+}
+
 TEST_F(RenderCommandTest, aMissingPictureIsDrawnAsAStandInWithOneWarning) {
     const String model = writeQuad(_folder);
     std::filesystem::remove(_folder.getPath("quad.png"));
