@@ -44,6 +44,24 @@ protected:
     TemporaryFolder _folder;
 };
 
+TEST_F(BakeCommandTest, sunsBeyondHalfFloatsStayWhereFloatsAreWritten) {
+    const char* names[] = {"px", "nx", "py", "ny", "pz", "nz"};
+    for (unsigned int face = 0; face < 6; ++face) {
+        Image image = floatImage(4, 4);
+        image.setComponent(1, 2, 0, face == 0 ? 110000.0f : 1.0f);
+        writeImage(_folder.getPath(String("in_") + names[face] + ".exr"), image);
+    }
+    for (const bool isFloat : {false, true}) {
+        const Outcome outcome =
+            bake("cubemap", _folder.getPath("in_{face}.exr"), _folder.getPath("out_{face}.exr"),
+                 {"--size", "4", "--format", isFloat ? "float" : "half"});
+        ASSERT_EQ(outcome.status, 0) << outcome.error;
+        EXPECT_EQ(readImage(_folder.getPath("out_px.exr")).getComponent(1, 2, 0),
+                  isFloat ? 110000.0f : 65504.0f);
+        EXPECT_EQ(outcome.error.empty(), isFloat) << outcome.error;
+    }
+}
+
 TEST_F(BakeCommandTest, facesShowTheirDirections) {
     const String input = writePanorama();
     for (const char* language : {"glsl", "hlsl"}) {
