@@ -6,10 +6,10 @@
 #include <ovGraphics/resources/Shader.h>
 #include <ovGraphics/resources/Texture.h>
 #include <ovGraphics/scene/Mesh.h>
+#include <ovGraphics/scene/Shapes.h>
 #include <ovVeldris/effects/ImageEnvironmentEffect.h>
 #include <veldris/Session.h>
 #include <veldris/demo/DemoSet.h>
-#include <veldris/demo/Shapes.h>
 #include <veldris/pictures/PictureTextures.h>
 #include <veldris/scene/BuiltInSky.h>
 #include <veldris/scene/EnvironmentLight.h>

@@ -5,8 +5,8 @@
 #include <ovGraphics/System.h>
 #include <ovGraphics/resources/Texture.h>
 #include <ovGraphics/scene/Mesh.h>
+#include <ovGraphics/scene/Shapes.h>
 #include <veldris/Session.h>
-#include <veldris/demo/Shapes.h>
 #include <veldris/scene/BuiltInSky.h>
 #include <veldris/scene/EnvironmentLight.h>
 
@@ -225,7 +225,7 @@ bool makeStock(Session& session, Stock& stock, String& error) {
     stock.sky = EnvironmentLight::create(session, drawSkyPanorama(SKY_WIDTH, -LIGHT_DIRECTION).view(),
                                          warning, error);
     stock.sphere = makeSphere(session.getGraphics());
-    stock.ground = makeGround(session.getGraphics(), 6.0f);
+    stock.ground = makePlane(session.getGraphics(), 6.0f);
     if (stock.sky && stock.sphere && stock.ground)
         return true;
     error += session.getLogger().take();

@@ -4,8 +4,8 @@
 #include <ovGraphics/System.h>
 #include <ovGraphics/resources/Texture.h>
 #include <ovGraphics/scene/Mesh.h>
+#include <ovGraphics/scene/Shapes.h>
 #include <veldris/Session.h>
-#include <veldris/demo/Shapes.h>
 
 namespace {
 
@@ -25,7 +25,7 @@ protected:
         settings.lightColor = ovMaths::Vector(1.0f, 1.0f, 1.0f);
         _scene = veldris::ScenePicture::create(_session, settings, error);
         ASSERT_TRUE(_scene) << error;
-        _sphere = veldris::makeSphere(_session.getGraphics());
+        _sphere = ovGraphics::makeSphere(_session.getGraphics());
     }
 
     veldris::Session _session;

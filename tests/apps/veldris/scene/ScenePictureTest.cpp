@@ -10,11 +10,11 @@
 #include <ovGraphics/resources/Texture.h>
 #include <ovGraphics/scene/Mesh.h>
 #include <ovGraphics/scene/Node.h>
+#include <ovGraphics/scene/Shapes.h>
 #include <ovImages/PngEncoder.h>
 #include <ovVeldris/content/ModelLoader.h>
 #include <ovVeldris/materials/PbsMaterial.h>
 #include <veldris/Session.h>
-#include <veldris/demo/Shapes.h>
 #include <veldris/scene/BuiltInSky.h>
 #include <veldris/scene/EnvironmentLight.h>
 #include <veldris/scene/Panoramas.h>
@@ -40,8 +40,8 @@ protected:
         _settings.background = {0.25f, 0.5f, 0.75f};
         _settings.lightDirection = Vector(0.0f, -1.0f, 0.0f);
         _settings.lightColor = Vector(1.0f, 1.0f, 1.0f);
-        _ground = veldris::makeGround(_session.getGraphics(), 1.0f);
-        _sphere = veldris::makeSphere(_session.getGraphics());
+        _ground = ovGraphics::makePlane(_session.getGraphics(), 1.0f);
+        _sphere = ovGraphics::makeSphere(_session.getGraphics());
         _above = ovGraphics::Node::create(&_session.getGraphics());
         _above->setPosition({0.0f, 1.5f, 0.0f});
         _above->setScale({0.4f, 0.4f, 0.4f});
