@@ -1,12 +1,15 @@
 #include <veldris/Session.h>
 
+#include <cerrno>
 #include <charconv>
 #include <cstdlib>
+#include <filesystem>
 #include <fmt/format.h>
 #include <ovGraphics/System.h>
 #include <ovVeldris/System.h>
 #include <ovVeldris/core/GraphicsEngine.h>
 #include <ovVeldris/core/LogManager.h>
+#include <unistd.h>
 #include <utility>
 
 namespace veldris {
@@ -25,6 +28,21 @@ bool parseDevice(const String& text, ovGraphics::Configuration& configuration) {
     const char* end = text.data() + text.size();
     const auto [stop, status] = std::from_chars(text.data(), end, configuration.device);
     return status == std::errc() && stop == end && configuration.device >= 0;
+}
+
+/// Why nothing can be kept in a folder, which is made if it is not there; empty when all is well.
+String cacheProblem(const String& folder) {
+    if (folder.empty())
+        return {};
+    std::error_code status;
+    std::filesystem::create_directories(folder, status);
+    if (!status && ::access(folder.c_str(), W_OK | X_OK) != 0)
+        status = std::error_code(errno, std::generic_category());
+    return !status
+               ? String()
+               : fmt::format("the cache folder '{}' cannot be used: {}; name another with --cache, or give "
+                             "--no-cache.",
+                             folder, status.message());
 }
 
 } // namespace
@@ -76,6 +94,12 @@ bool Session::open(const DrawingOptions& options, String& error) {
     ovVeldris::Configuration configuration;
     if (!toConfiguration(options, configuration.graphicsConfiguration, error))
         return false;
+    String& cache = configuration.graphicsConfiguration.cacheFolder;
+    // Told once, here, and not by everybody who would keep something there.
+    if (const String problem = cacheProblem(cache); !problem.empty()) {
+        _logger.log(problem, "");
+        cache.clear();
+    }
     configuration.graphicsConfiguration.logger = &_logger;
     _system = std::make_unique<ovVeldris::System>();
     // Two channels, library and graphics system: a failure may be told on either.

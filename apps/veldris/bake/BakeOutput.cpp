@@ -86,7 +86,13 @@ bool writeOneFile(const BakeOutput& output, const CubeMap& cube, BakeFiles& file
         if (!warning.empty())
             files.warning = warning;
     }
-    error = ovImages::writeCubeFile(output.path, converted).error;
+    if (isStandardOutput(output.path)) {
+        const auto bytes =
+            ovImages::encodeCube(ovImages::cubeFormatOf(nameWithFormat(output.path)), converted);
+        error = writeOutput(output.path, ovMemory::BufferView<const unsigned char>(bytes)).error;
+    } else {
+        error = ovImages::writeCubeFile(output.path, converted).error;
+    }
     if (!error.empty())
         return false;
     files.paths.push_back(output.path);
@@ -98,9 +104,9 @@ bool writeOneFile(const BakeOutput& output, const CubeMap& cube, BakeFiles& file
 // All that can be wrong with the names is told before the baking, which may take minutes.
 bool planCube(StringView layout, bool needsMips, BakeOutput& output, String& error) {
     const bool hasFaces = hasField(output.path, FACE_FIELD);
-    output.form = !ovImages::cubeFormatOf(output.path).empty() ? BAKE_FORM::CUBE_FILE
-                  : layout == "cross"                          ? BAKE_FORM::CROSS
-                                                               : BAKE_FORM::FACES;
+    output.form = !ovImages::cubeFormatOf(nameWithFormat(output.path)).empty() ? BAKE_FORM::CUBE_FILE
+                  : layout == "cross"                                          ? BAKE_FORM::CROSS
+                                                                               : BAKE_FORM::FACES;
     if (output.form == BAKE_FORM::CUBE_FILE &&
         (hasFaces || hasField(output.path, MIP_FIELD) || !layout.empty()))
         error = fmt::format(
@@ -129,7 +135,7 @@ bool planCube(StringView layout, bool needsMips, BakeOutput& output, String& err
 
 bool planPanorama(BakeOutput& output, String& error) {
     output.form = BAKE_FORM::PANORAMA;
-    if (!ovImages::cubeFormatOf(output.path).empty())
+    if (!ovImages::cubeFormatOf(nameWithFormat(output.path)).empty())
         error = fmt::format("'{}' is for cubes; write a panorama as EXR, HDR or PNG.", output.path);
     else if (hasField(output.path, FACE_FIELD) || hasField(output.path, MIP_FIELD))
         error = fmt::format(

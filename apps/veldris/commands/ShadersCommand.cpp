@@ -6,10 +6,13 @@
 #include <ovGraphics/resources/Program.h>
 #include <ovGraphics/resources/Shader.h>
 #include <ovGraphics/shading/CrossCompiler.h>
+#include <ovVeldris/content/ModelLoader.h>
 #include <ovVeldris/core/settings/SettingCombinations.h>
+#include <ovVeldris/materials/PbsMaterial.h>
 #include <veldris/JsonText.h>
 #include <veldris/console/Console.h>
 #include <veldris/effects/EffectChain.h>
+#include <veldris/scene/ModelLight.h>
 
 namespace veldris {
 
@@ -20,6 +23,7 @@ using ovMemory::Buffer;
 using ovMemory::String;
 
 struct ShadersOptions {
+    String model;
     String effect;
     String print;
     String stage = "both";
@@ -60,6 +64,15 @@ bool isSameText(const ovGraphics::shading::ProgramText& a, const ovGraphics::sha
     return a.name == b.name && isSame(STAGE::VERTEX) && isSame(STAGE::PIXEL);
 }
 
+/// Adds a loaded program, in the place of an equal one.
+void keepProgram(const String& spec, const ovGraphics::Shader& shader, Buffer<GeneratedProgram>& programs) {
+    const auto text = shader.getProgram()->getText();
+    // Compared by name and text. Programs of one name and different texts would be a mistake of an id, and
+    // both must show.
+    std::erase_if(programs, [&](const GeneratedProgram& other) { return isSameText(other.text, text); });
+    programs.push_back({spec, text, ovGraphics::shading::compile(text)});
+}
+
 /// Adds the program of an effect, loaded on the device. Where a setting may mean "choose for me", the choice
 /// comes later in the list and says more: it takes the place of an equal program.
 bool addProgram(Session& session, const PlannedEffect& planned, Buffer<GeneratedProgram>& programs,
@@ -69,11 +82,25 @@ bool addProgram(Session& session, const PlannedEffect& planned, Buffer<Generated
         error = session.getLogger().take();
         return false;
     }
-    const auto text = effect->getShader()->getProgram()->getText();
-    // Compared by name and text. Programs of one name and different texts would be a mistake of an id, and
-    // both must show.
-    std::erase_if(programs, [&](const GeneratedProgram& other) { return isSameText(other.text, text); });
-    programs.push_back({planned.text, text, ovGraphics::shading::compile(text)});
+    keepProgram(planned.text, *effect->getShader(), programs);
+    return true;
+}
+
+/// The programs of a model's materials, lit by a light alone.
+bool generateMaterials(Console& console, Session& session, const String& path,
+                       Buffer<GeneratedProgram>& programs, String& error) {
+    const ovVeldris::ModelLoadResult loaded = ovVeldris::ModelLoader(&session.getSystem()).load(path);
+    error = loaded.error;
+    if (!loaded)
+        return false;
+    console.warnEach(loaded.model->getWarnings());
+    giveModelLight(*loaded.model);
+    if (!loaded.model->loadMaterials()) {
+        error = session.getLogger().take();
+        return false;
+    }
+    for (const ovVeldris::PbsMaterial* material : materialsOf(*loaded.model))
+        keepProgram("material '" + String(material->getName()) + "'", *material->getShader(), programs);
     return true;
 }
 
@@ -109,7 +136,7 @@ int printProgram(Console& console, const Buffer<GeneratedProgram>& programs, con
         return 0;
     }
     return console.fail(
-        fmt::format("no effect generates a program '{}'; 'veldris shaders' lists them.", options.print));
+        fmt::format("nothing here generates a program '{}'; 'veldris shaders' lists them.", options.print));
 }
 
 void listPrograms(Console& console, const Buffer<GeneratedProgram>& programs, const DrawingOptions& options) {
@@ -141,6 +168,8 @@ int runShaders(Console& console, const ShadersOptions& options) {
     Buffer<GeneratedProgram> programs;
     if (!session.open(options.drawing, error) || !generate(session, options.effect, programs, error))
         return console.fail(error);
+    if (!options.model.empty() && !generateMaterials(console, session, options.model, programs, error))
+        return console.fail(error);
     if (!options.print.empty())
         return printProgram(console, programs, options);
     listPrograms(console, programs, options.drawing);
@@ -151,8 +180,10 @@ int runShaders(Console& console, const ShadersOptions& options) {
 
 void addShadersCommand(CLI::App& program, Command& command) {
     auto options = std::make_shared<ShadersOptions>();
-    CLI::App* shaders =
-        program.add_subcommand("shaders", "list, check and print the programs that effects generate");
+    CLI::App* shaders = program.add_subcommand(
+        "shaders", "list, check and print the programs that effects and materials generate");
+    shaders->add_option("MODEL", options->model,
+                        "list the programs of this model's materials too (.glb, .gltf)");
     shaders->add_option("--effect", options->effect, "only the programs of this effect");
     shaders->add_option("--print", options->print, "print this program's text as the compiler sees it");
     shaders->add_option("--stage", options->stage, "stage to print: vertex, pixel or both")

@@ -214,6 +214,17 @@ TEST_F(RenderCommandTest, theFirstPictureStandsOnAGroundThatCatchesItsShadow) {
     EXPECT_GT(countBlack(draw("alpha-ground.png", {"--background", "transparent", "--ground"})), 20u);
 }
 
+TEST_F(RenderCommandTest, anUnusableCacheIsToldOnce) {
+    const String model = writeQuad(_folder);
+    const Outcome outcome = runVeldris({"render", model, "-o", _folder.getPath("o.png"), "--size", "16x16",
+                                        "--device", "software", "--cache", "/proc/nowhere"});
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_TRUE(
+        outcome.error.starts_with("veldris: warning: the cache folder '/proc/nowhere' cannot be used: "))
+        << outcome.error;
+    EXPECT_EQ(std::count(outcome.error.begin(), outcome.error.end(), '\n'), 1) << outcome.error;
+}
+
 TEST_F(RenderCommandTest, theBackOfASingleSidedSurfaceIsNotSeen) {
     const ovMemory::Buffer<String> behind = {"--camera", "180,0",   "--background",
                                              "0,0,0",    "--light", "0,0,1"};

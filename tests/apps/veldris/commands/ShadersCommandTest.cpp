@@ -1,4 +1,5 @@
 #include "veldris/commands/CommandTesting.h"
+#include "veldris/commands/ModelFile.h"
 
 #include <set>
 
@@ -49,6 +50,18 @@ TEST(ShadersCommandTest, printsAProgramAsTheCompilerSeesIt) {
     EXPECT_EQ(device.output.find("vertex stage"), ovMemory::String::npos);
 }
 
+TEST(ShadersCommandTest, listsTheProgramsOfAModelsMaterials) {
+    const TemporaryFolder folder;
+    const Outcome outcome = runVeldris({"shaders", writeQuad(folder), "--device", "software", "--no-cache",
+                                        "--json", "--effect", "texture-copy"});
+    ASSERT_EQ(outcome.status, 0) << outcome.error;
+    const auto report = parseJson(outcome);
+    ASSERT_EQ(report["programs"].Size(), 2u);
+    EXPECT_STREQ(report["programs"][1]["effect"].GetString(), "material 'paint'");
+    EXPECT_STREQ(report["programs"][1]["warnings"].GetString(), "");
+    EXPECT_EQ(runVeldris({"shaders", "nowhere.glb", "--device", "software", "--no-cache"}).status, 1);
+}
+
 TEST(ShadersCommandTest, unknownNamesFail) {
     const Outcome effect = runVeldris({"shaders", "--effect", "sharpen"});
     EXPECT_EQ(effect.status, 1);
@@ -56,7 +69,7 @@ TEST(ShadersCommandTest, unknownNamesFail) {
     const Outcome program = runVeldris({"shaders", "--device", "software", "--no-cache", "--print", "NONE"});
     EXPECT_EQ(program.status, 1);
     EXPECT_EQ(program.error,
-              "veldris: no effect generates a program 'NONE'; 'veldris shaders' lists them.\n");
+              "veldris: nothing here generates a program 'NONE'; 'veldris shaders' lists them.\n");
 }
 
 } // namespace

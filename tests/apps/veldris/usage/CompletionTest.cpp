@@ -25,7 +25,7 @@ TEST(CompletionTest, bashOffersWhatFits) {
     const TemporaryFolder folder;
     const std::pair<const char*, const char*> CASES[] = {
         {"veldris re", "render"},
-        {"veldris render --l", "--light --light-color --language"},
+        {"veldris render --li", "--light --light-color"},
         {"veldris render --language ''", "glsl hlsl"},
         {"veldris render --language g", "glsl"},
         {"veldris render --shadows --no-g", "--no-ground"},
