@@ -67,16 +67,28 @@ TEST(EnvironmentDrawingTest, everyShapeShowsTheSameDirections) {
     }
 }
 
+/// Columns of 0 and 2 in turns.
+ovImages::Image stripes(unsigned int width, unsigned int height) {
+    ovImages::Image image = lightTruth::floatPicture(width, height);
+    for (unsigned int y = 0; y < height; ++y)
+        for (unsigned int x = 1; x < width; x += 2)
+            image.setComponent(x, y, 0, 2.0f);
+    return image;
+}
+
 TEST(EnvironmentDrawingTest, fineEnvironmentsAreAveraged) {
-    ovImages::Image stripes = lightTruth::floatPicture(512, 256); // of one pixel: 0 and 2
-    for (unsigned int y = 0; y < 256; ++y)
-        for (unsigned int x = 1; x < 512; x += 2)
-            stripes.setComponent(x, y, 0, 2.0f);
-    const EnvironmentTexels texels(stripes.view(), false);
-    const ovImages::Image cube = ovVeldris::drawEnvironmentCube(texels, 8);
-    for (unsigned int y = 0; y < 6 * 8; ++y)
-        for (unsigned int x = 0; x < 8; ++x)
-            EXPECT_NEAR(cube.getComponent(x, y, 0), 1.0f, 0.15f) << x << ", " << y;
+    const ovImages::Image panorama = stripes(512, 256);
+    const ovImages::Image faces = stripes(128, 768);
+    for (const bool isCube : {false, true}) {
+        const EnvironmentTexels texels((isCube ? faces : panorama).view(), isCube);
+        const ovImages::Image pictures[] = {ovVeldris::drawEnvironmentCube(texels, 9),
+                                            ovVeldris::drawEnvironmentPanorama(texels, 17)};
+        for (const ovImages::Image& picture : pictures)
+            for (unsigned int y = 0; y < picture.getHeight(); ++y)
+                for (unsigned int x = 0; x < picture.getWidth(); ++x)
+                    EXPECT_NEAR(picture.getComponent(x, y, 0), 1.0f, 0.2f)
+                        << isCube << ": " << x << ", " << y;
+    }
 }
 
 TEST(EnvironmentDrawingTest, lightIsNeitherLostNorMade) {
