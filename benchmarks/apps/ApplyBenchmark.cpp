@@ -26,7 +26,7 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-constexpr int ROUNDS = 5;
+constexpr int ROUNDS = 3;
 constexpr unsigned int WIDTH = 4000;
 constexpr unsigned int HEIGHT = 3000;
 constexpr double RATIO_AIM = 1.5;
