@@ -30,7 +30,7 @@ ovMemory::String fillField(ovMemory::StringView path, ovMemory::StringView field
 struct EnvironmentInput {
     ovImages::Image image; ///< a panorama by longitude and latitude, or one mip of a cube as CubeMap has it
     bool isCube = false;
-    ovMemory::StringView kind; ///< "panorama", "cross", "strip", "faces", "dds" or "ktx2"
+    ovMemory::String kind; ///< "panorama", "cross", "strip", "faces", "dds" or "ktx2"
     ovMemory::Buffer<ovMemory::String> warnings;
 };
 

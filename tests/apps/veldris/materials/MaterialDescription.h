@@ -22,11 +22,10 @@ inline ovMemory::String describe(const ovVeldris::PbsMaterial& m) {
     const auto texture = [&](const ovGraphics::Texture* value, auto channels) {
         text += value ? fmt::format("'{}' {} ", value->getName(), static_cast<int>(channels)) : "none ";
     };
-    for (const ovMemory::StringView name :
-         {ovMemory::StringView(m.getName()), ovMemory::StringView(m.getPositionAttributeName()),
-          ovMemory::StringView(m.getTexCoordAttributeName()),
-          ovMemory::StringView(m.getNormalAttributeName()), ovMemory::StringView(m.getTangentAttributeName()),
-          ovMemory::StringView(m.getBinormalAttributeName())})
+    for (const ovMemory::String& name :
+         {ovMemory::String(m.getName()), ovMemory::String(m.getPositionAttributeName()),
+          ovMemory::String(m.getTexCoordAttributeName()), ovMemory::String(m.getNormalAttributeName()),
+          ovMemory::String(m.getTangentAttributeName()), ovMemory::String(m.getBinormalAttributeName())})
         text.append(name).append(" ");
     vector(true, m.getLightDirection());
     vector(true, m.getLightColor());
