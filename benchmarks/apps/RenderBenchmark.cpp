@@ -113,13 +113,14 @@ int render(const Workplace& workplace, const char* size, const std::vector<std::
     return status;
 }
 
-/// The sum of the milliseconds that the last run reported.
+/// The milliseconds of all passes that the last run reported.
 double reportedMilliseconds(const Workplace& workplace) {
     std::ifstream file(workplace.path("output"));
     const std::string report((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
     constexpr const char* KEY = "\"milliseconds\":";
     double sum = 0.0;
-    for (std::size_t at = report.find(KEY); at != std::string::npos; at = report.find(KEY, at + 1))
+    const std::size_t passes = report.find("\"passes\":"); // behind the steps of the run
+    for (std::size_t at = report.find(KEY, passes); at != std::string::npos; at = report.find(KEY, at + 1))
         sum += std::strtod(report.c_str() + at + std::strlen(KEY), nullptr);
     return sum;
 }
