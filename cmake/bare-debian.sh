@@ -58,7 +58,7 @@ run_in_fresh_root() {
     git clone --quiet --no-hardlinks "$repository" "$run/root/root/OrvaneVeldris"
     printf '== %s\n' "$2"
     env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin HOME=/root LANG=C.UTF-8 \
-        chroot "$run/root" bash -c "cd /root/OrvaneVeldris && time $2"
+        chroot "$run/root" bash -c "cd ~/OrvaneVeldris && time $2"
 }
 
 if [ $# -eq 2 ]; then

@@ -6,25 +6,17 @@
 //
 // Memory is the peak of the resident set in the first large run beyond that after a run of 16 x 16 pixels,
 // which has started everything, in bytes a pixel. Textures of a software rasteriser are part of it.
+#include "apps/CommandRun.h"
 #include "support/Aims.h"
 
-#include <algorithm>
-#include <chrono>
 #include <cmath>
-#include <cstdio>
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <ovImages/CompositeEncoder.h>
 #include <string>
-#include <sys/resource.h>
-#include <unistd.h>
 #include <vector>
-#include <veldris/commands/Commands.h>
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
+using namespace ovBenchmarks;
 
 constexpr int ROUNDS = 3;
 constexpr unsigned int WIDTH = 4000;
@@ -33,110 +25,52 @@ constexpr double RATIO_AIM = 1.5;
 constexpr double BYTES_A_PIXEL_AIM = 12.0;
 constexpr double MEGABYTE = 1 << 20;
 
-double millisecondsSince(Clock::time_point start) {
-    return std::chrono::duration<double, std::milli>(Clock::now() - start).count();
-}
-
-double medianOf(std::vector<double> values) {
-    std::nth_element(values.begin(), values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2),
-                     values.end());
-    return values[values.size() / 2];
-}
-
-double peakBytes() {
-    rusage usage{};
-    getrusage(RUSAGE_SELF, &usage);
-    return static_cast<double>(usage.ru_maxrss) * 1024.0;
-}
-
-/// A folder with a small and a large photograph, for as long as the object lives.
-class Photographs {
-public:
-    Photographs()
-        : _folder(std::filesystem::temp_directory_path() /
-                  ("veldris_apply_benchmark_" + std::to_string(getpid()))) {
-        std::filesystem::create_directories(_folder);
-        write("small.jpg", 16, 16);
-        write("large.jpg", WIDTH, HEIGHT);
-    }
-    ~Photographs() {
-        std::error_code ignored;
-        std::filesystem::remove_all(_folder, ignored);
-    }
-
-    std::string path(const char* name) const { return _folder / name; }
-
-private:
-    /// Soft waves with a grain.
-    void write(const char* name, unsigned int width, unsigned int height) const {
-        ovImages::Image image(width, height, 3, ovImages::COMPONENT_TYPE::UINT8,
-                              ovImages::COLOR_ENCODING::SRGB);
-        unsigned char* value = image.getBytes().data();
-        unsigned int grain = 1;
-        for (unsigned int y = 0; y < height; ++y) {
-            for (unsigned int i = 0; i < 3 * width; ++i) {
-                grain = grain * 1664525u + 1013904223u;
-                *value++ = static_cast<unsigned char>(
-                    120.0 + 90.0 * std::sin(0.003 * i) * std::cos(0.004 * y) + (grain >> 29));
-            }
+/// Soft waves with a grain.
+void writePhotograph(const std::string& path, unsigned int width, unsigned int height) {
+    ovImages::Image image(width, height, 3, ovImages::COMPONENT_TYPE::UINT8, ovImages::COLOR_ENCODING::SRGB);
+    unsigned char* value = image.getBytes().data();
+    unsigned int grain = 1;
+    for (unsigned int y = 0; y < height; ++y) {
+        for (unsigned int i = 0; i < 3 * width; ++i) {
+            grain = grain * 1664525u + 1013904223u;
+            *value++ = static_cast<unsigned char>(120.0 + 90.0 * std::sin(0.003 * i) * std::cos(0.004 * y) +
+                                                  (grain >> 29));
         }
-        ovImages::CompositeEncoder().encodeFile(path(name), image.view());
     }
-
-    std::filesystem::path _folder;
-};
-
-/// Runs the command; what it prints goes to a file.
-int apply(const Photographs& photographs, const char* input, bool timings) {
-    const std::string arguments[] = {"veldris",      "apply",   photographs.path(input),         "--effects",
-                                     "texture-copy", "-o",      photographs.path("picture.png"), "--device",
-                                     "software",     "--cache", photographs.path("cache"),       "--json",
-                                     "--timings"};
-    std::vector<const char*> pointers;
-    for (const std::string& argument : arguments)
-        pointers.push_back(argument.c_str());
-    if (!timings)
-        pointers.pop_back();
-    std::fflush(stdout);
-    const int terminal = dup(STDOUT_FILENO);
-    if (!std::freopen(photographs.path("output").c_str(), "w", stdout))
-        return -1;
-    const int status = veldris::runProgram(static_cast<int>(pointers.size()), pointers.data());
-    std::fflush(stdout);
-    dup2(terminal, STDOUT_FILENO);
-    close(terminal);
-    return status;
+    ovImages::CompositeEncoder().encodeFile(path, image.view());
 }
 
-/// The milliseconds of the one pass that the last run reported.
-double reportedMilliseconds(const Photographs& photographs) {
-    std::ifstream file(photographs.path("output"));
-    const std::string report((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
-    const std::string key = "\"milliseconds\":";
-    const std::size_t at = report.find(key, report.find("\"passes\":")); // behind the steps of the run
-    return at == std::string::npos ? 0.0 : std::strtod(report.c_str() + at + key.size(), nullptr);
+int apply(const BenchmarkFolder& folder, const char* input, bool timings) {
+    std::vector<std::string> arguments = {"apply",   folder.path(input),         "--effects", "texture-copy",
+                                          "-o",      folder.path("picture.png"), "--device",  "software",
+                                          "--cache", folder.path("cache")};
+    if (timings)
+        arguments.insert(arguments.end(), {"--json", "--timings"});
+    return runCommand(folder, arguments);
 }
 
-double decodingMilliseconds(const Photographs& photographs) {
+double decodingMilliseconds(const BenchmarkFolder& folder) {
     const auto start = Clock::now();
-    benchmark::DoNotOptimize(ovImages::CompositeEncoder().decodeFile(photographs.path("large.jpg")));
+    benchmark::DoNotOptimize(ovImages::CompositeEncoder().decodeFile(folder.path("large.jpg")));
     return millisecondsSince(start);
 }
 
-double encodingMilliseconds(const Photographs& photographs) {
-    const auto picture = ovImages::CompositeEncoder().decodeFile(photographs.path("picture.png"));
+double encodingMilliseconds(const BenchmarkFolder& folder) {
+    const auto picture = ovImages::CompositeEncoder().decodeFile(folder.path("picture.png"));
     const auto start = Clock::now();
-    ovImages::CompositeEncoder().encodeFile(photographs.path("again.png"), picture.image->view());
+    ovImages::CompositeEncoder().encodeFile(folder.path("again.png"), picture.image->view());
     return millisecondsSince(start);
 }
 
 void applyToPhotograph(benchmark::State& state) {
-    const Photographs photographs;
-    if (apply(photographs, "small.jpg", false) != 0)
+    const BenchmarkFolder folder("apply_benchmark");
+    writePhotograph(folder.path("small.jpg"), 16, 16);
+    writePhotograph(folder.path("large.jpg"), WIDTH, HEIGHT);
+    if (apply(folder, "small.jpg", false) != 0)
         return state.SkipWithError("the command failed");
-    const double startUp = peakBytes();
-    apply(photographs, "large.jpg", false);
-    const double bytesAPixel = (peakBytes() - startUp) / (double{WIDTH} * HEIGHT);
+    const double startUp = peakMegabytes();
+    apply(folder, "large.jpg", false);
+    const double megabytes = peakMegabytes() - startUp;
 
     std::vector<double> totals;
     std::vector<double> passes;
@@ -145,12 +79,12 @@ void applyToPhotograph(benchmark::State& state) {
     for (auto _ : state) {
         for (int round = 0; round < ROUNDS; ++round) {
             const auto start = Clock::now();
-            apply(photographs, "large.jpg", false);
+            apply(folder, "large.jpg", false);
             totals.push_back(millisecondsSince(start));
-            apply(photographs, "large.jpg", true);
-            passes.push_back(reportedMilliseconds(photographs));
-            decodings.push_back(decodingMilliseconds(photographs));
-            encodings.push_back(encodingMilliseconds(photographs));
+            apply(folder, "large.jpg", true);
+            passes.push_back(passMilliseconds(folder));
+            decodings.push_back(decodingMilliseconds(folder));
+            encodings.push_back(encodingMilliseconds(folder));
         }
         state.SetIterationTime(medianOf(totals) / 1000.0);
     }
@@ -159,10 +93,9 @@ void applyToPhotograph(benchmark::State& state) {
     state.counters["encoding_ms"] = medianOf(encodings);
     state.counters["ratio"] =
         medianOf(totals) / (medianOf(decodings) + medianOf(passes) + medianOf(encodings));
-    state.counters["bytes_a_pixel"] = bytesAPixel;
-    ovBenchmarks::aimAtRatio(state, RATIO_AIM);
-    ovBenchmarks::aimAtMegabytes(state, bytesAPixel * WIDTH * HEIGHT / MEGABYTE,
-                                 BYTES_A_PIXEL_AIM * WIDTH * HEIGHT / MEGABYTE);
+    state.counters["bytes_a_pixel"] = megabytes * MEGABYTE / (double{WIDTH} * HEIGHT);
+    aimAtRatio(state, RATIO_AIM);
+    aimAtMegabytes(state, megabytes, BYTES_A_PIXEL_AIM * WIDTH * HEIGHT / MEGABYTE);
 }
 
 BENCHMARK(applyToPhotograph)

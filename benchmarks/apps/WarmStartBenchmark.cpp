@@ -3,9 +3,9 @@
 // `veldris demo` in small pictures, once with an empty cache folder and once more with what the first run
 // left there, each in a process of its own: the milliseconds that every program of the demo took to be
 // compiled or read, as the command itself reports them. The driver's own cache is as new as ours.
+#include "apps/CommandRun.h"
 #include "support/Aims.h"
 
-#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -49,12 +49,6 @@ Start startDemo(const std::filesystem::path& folder) {
             numberOf(report, "programsFromCache")};
 }
 
-double medianOf(std::vector<double> values) {
-    std::nth_element(values.begin(), values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2),
-                     values.end());
-    return values[values.size() / 2];
-}
-
 void warmStartOverCold(benchmark::State& state) {
     const auto folder =
         std::filesystem::temp_directory_path() / ("veldris-warm-start-" + std::to_string(getpid()));
@@ -79,9 +73,9 @@ void warmStartOverCold(benchmark::State& state) {
     std::filesystem::remove_all(folder);
     if (warm.size() < ROUNDS)
         return;
-    state.counters["cold_ms"] = medianOf(cold);
-    state.counters["warm_ms"] = medianOf(warm);
-    state.counters["ratio"] = medianOf(warm) / medianOf(cold);
+    state.counters["cold_ms"] = ovBenchmarks::medianOf(cold);
+    state.counters["warm_ms"] = ovBenchmarks::medianOf(warm);
+    state.counters["ratio"] = ovBenchmarks::medianOf(warm) / ovBenchmarks::medianOf(cold);
     ovBenchmarks::aimAtRatio(state, RATIO_AIM);
 }
 
