@@ -23,6 +23,14 @@ unsigned int sideOf(std::uint32_t side, unsigned int mip) {
 } // namespace
 
 // Byte by byte: both formats are little-endian, and a file's bytes have no alignment.
+bool findTexels(BufferView<const CubeFormat> formats, std::uint32_t code, CubeTexels& texels) {
+    const auto found = std::ranges::find(formats, code, &CubeFormat::code);
+    if (found == formats.end())
+        return false;
+    texels = found->texels;
+    return true;
+}
+
 std::uint32_t readWord(BufferView<const unsigned char> bytes, std::size_t word) {
     const unsigned char* at = bytes.data() + word * 4;
     return at[0] | std::uint32_t(at[1]) << 8 | std::uint32_t(at[2]) << 16 | std::uint32_t(at[3]) << 24;

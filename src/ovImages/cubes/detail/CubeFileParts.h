@@ -37,6 +37,16 @@ constexpr CubeTexels texelsBlueFirst(unsigned int stored, COLOR_ENCODING encodin
     return {COMPONENT_TYPE::UINT8, encoding, stored, stored, {2, 1, 0, opaque ? CubeTexels::ONE : 3}};
 }
 
+/// The number of a format, and its texels.
+struct CubeFormat {
+    std::uint32_t code;
+    CubeTexels texels;
+};
+
+/// Looks a format up. @return false, changing nothing, when it is not in the table
+OV_API bool findTexels(ovMemory::BufferView<const CubeFormat> formats, std::uint32_t code,
+                       CubeTexels& texels);
+
 /// The cube as the header of a file describes it.
 struct CubeFileHeader {
     std::uint32_t width = 0;

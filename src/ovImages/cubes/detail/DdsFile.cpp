@@ -55,51 +55,37 @@ constexpr std::uint32_t FORMAT_HALF = 10;        // DXGI_FORMAT_R16G16B16A16_FLO
 constexpr std::uint32_t DIMENSION_2D = 3;
 constexpr std::uint32_t MISC_CUBE = 0x4;
 
-/// A number of a format and its texels.
-struct Entry {
-    std::uint32_t code;
-    CubeTexels texels;
-};
-
 using enum COMPONENT_TYPE;
 constexpr COLOR_ENCODING LINEAR = COLOR_ENCODING::LINEAR;
 constexpr COLOR_ENCODING SRGB = COLOR_ENCODING::SRGB;
 constexpr bool OPAQUE = true;
 
 // DXGI_FORMAT: R32G32B32A32_FLOAT, and so on by name.
-constexpr Entry DXGI_FORMATS[] = {{FORMAT_FLOAT, texelsInOrder(FLOAT, 4)},
-                                  {6, texelsInOrder(FLOAT, 3)},
-                                  {FORMAT_HALF, texelsInOrder(HALF, 4)},
-                                  {16, texelsInOrder(FLOAT, 2)},
-                                  {28, texelsInOrder(UINT8, 4)},
-                                  {29, texelsInOrder(UINT8, 4, SRGB)},
-                                  {34, texelsInOrder(HALF, 2)},
-                                  {41, texelsInOrder(FLOAT, 1)},
-                                  {49, texelsInOrder(UINT8, 2)},
-                                  {54, texelsInOrder(HALF, 1)},
-                                  {61, texelsInOrder(UINT8, 1)},
-                                  {87, texelsBlueFirst(4, LINEAR)},
-                                  {88, texelsBlueFirst(4, LINEAR, OPAQUE)},
-                                  {91, texelsBlueFirst(4, SRGB)},
-                                  {93, texelsBlueFirst(4, SRGB, OPAQUE)}};
+constexpr CubeFormat DXGI_FORMATS[] = {{FORMAT_FLOAT, texelsInOrder(FLOAT, 4)},
+                                       {6, texelsInOrder(FLOAT, 3)},
+                                       {FORMAT_HALF, texelsInOrder(HALF, 4)},
+                                       {16, texelsInOrder(FLOAT, 2)},
+                                       {28, texelsInOrder(UINT8, 4)},
+                                       {29, texelsInOrder(UINT8, 4, SRGB)},
+                                       {34, texelsInOrder(HALF, 2)},
+                                       {41, texelsInOrder(FLOAT, 1)},
+                                       {49, texelsInOrder(UINT8, 2)},
+                                       {54, texelsInOrder(HALF, 1)},
+                                       {61, texelsInOrder(UINT8, 1)},
+                                       {87, texelsBlueFirst(4, LINEAR)},
+                                       {88, texelsBlueFirst(4, LINEAR, OPAQUE)},
+                                       {91, texelsBlueFirst(4, SRGB)},
+                                       {93, texelsBlueFirst(4, SRGB, OPAQUE)}};
 
 // Direct3D 9: R16F, G16R16F, A16B16G16R16F, R32F, G32R32F, A32B32G32R32F.
-constexpr Entry OLD_FORMATS[] = {{111, texelsInOrder(HALF, 1)},  {112, texelsInOrder(HALF, 2)},
-                                 {113, texelsInOrder(HALF, 4)},  {114, texelsInOrder(FLOAT, 1)},
-                                 {115, texelsInOrder(FLOAT, 2)}, {116, texelsInOrder(FLOAT, 4)}};
+constexpr CubeFormat OLD_FORMATS[] = {{111, texelsInOrder(HALF, 1)},  {112, texelsInOrder(HALF, 2)},
+                                      {113, texelsInOrder(HALF, 4)},  {114, texelsInOrder(FLOAT, 1)},
+                                      {115, texelsInOrder(FLOAT, 2)}, {116, texelsInOrder(FLOAT, 4)}};
 
 struct Header {
     CubeFileHeader cube;
     std::size_t size = PLAIN_WORDS * 4; ///< bytes before the texels
 };
-
-bool findTexels(BufferView<const Entry> entries, std::uint32_t code, CubeTexels& texels) {
-    const auto found = std::ranges::find(entries, code, &Entry::code);
-    if (found == entries.end())
-        return false;
-    texels = found->texels;
-    return true;
-}
 
 bool readExtension(BufferView<const unsigned char> bytes, Header& header, String& error) {
     header.size = EXTENDED_WORDS * 4;

@@ -42,27 +42,21 @@ constexpr std::array<std::uint32_t, 3> IDENTIFIER_WORDS = {0x58544bab, 0xbb30322
 constexpr std::uint32_t FORMAT_HALF = 97;                               // VK_FORMAT_R16G16B16A16_SFLOAT
 constexpr std::uint32_t FORMAT_FLOAT = 109;                             // VK_FORMAT_R32G32B32A32_SFLOAT
 
-/// A number of VkFormat and its texels.
-struct Entry {
-    std::uint32_t code;
-    CubeTexels texels;
-};
-
 using enum COMPONENT_TYPE;
 constexpr COLOR_ENCODING LINEAR = COLOR_ENCODING::LINEAR;
 constexpr COLOR_ENCODING SRGB = COLOR_ENCODING::SRGB;
 
 // R8_UNORM, R8_SRGB, R8G8_UNORM, and so on by number of components, with their orders.
-constexpr Entry FORMATS[] = {{9, texelsInOrder(UINT8, 1)},     {15, texelsInOrder(UINT8, 1, SRGB)},
-                             {16, texelsInOrder(UINT8, 2)},    {22, texelsInOrder(UINT8, 2, SRGB)},
-                             {23, texelsInOrder(UINT8, 3)},    {29, texelsInOrder(UINT8, 3, SRGB)},
-                             {30, texelsBlueFirst(3, LINEAR)}, {36, texelsBlueFirst(3, SRGB)},
-                             {37, texelsInOrder(UINT8, 4)},    {43, texelsInOrder(UINT8, 4, SRGB)},
-                             {44, texelsBlueFirst(4, LINEAR)}, {50, texelsBlueFirst(4, SRGB)},
-                             {76, texelsInOrder(HALF, 1)},     {83, texelsInOrder(HALF, 2)},
-                             {90, texelsInOrder(HALF, 3)},     {FORMAT_HALF, texelsInOrder(HALF, 4)},
-                             {100, texelsInOrder(FLOAT, 1)},   {103, texelsInOrder(FLOAT, 2)},
-                             {106, texelsInOrder(FLOAT, 3)},   {FORMAT_FLOAT, texelsInOrder(FLOAT, 4)}};
+constexpr CubeFormat FORMATS[] = {{9, texelsInOrder(UINT8, 1)},     {15, texelsInOrder(UINT8, 1, SRGB)},
+                                  {16, texelsInOrder(UINT8, 2)},    {22, texelsInOrder(UINT8, 2, SRGB)},
+                                  {23, texelsInOrder(UINT8, 3)},    {29, texelsInOrder(UINT8, 3, SRGB)},
+                                  {30, texelsBlueFirst(3, LINEAR)}, {36, texelsBlueFirst(3, SRGB)},
+                                  {37, texelsInOrder(UINT8, 4)},    {43, texelsInOrder(UINT8, 4, SRGB)},
+                                  {44, texelsBlueFirst(4, LINEAR)}, {50, texelsBlueFirst(4, SRGB)},
+                                  {76, texelsInOrder(HALF, 1)},     {83, texelsInOrder(HALF, 2)},
+                                  {90, texelsInOrder(HALF, 3)},     {FORMAT_HALF, texelsInOrder(HALF, 4)},
+                                  {100, texelsInOrder(FLOAT, 1)},   {103, texelsInOrder(FLOAT, 2)},
+                                  {106, texelsInOrder(FLOAT, 3)},   {FORMAT_FLOAT, texelsInOrder(FLOAT, 4)}};
 
 constexpr std::size_t LEVEL_WORDS = 6; // offset, bytes in the file and bytes of texels, two words each
 constexpr StringView ORIENTATION_KEY = "KTXorientation";
@@ -167,24 +161,24 @@ bool readHeader(BufferView<const unsigned char> bytes, CubeFileHeader& header, S
         error = "it is no KTX file of version 2.";
         return false;
     }
-    const auto format = std::ranges::find(FORMATS, readWord(bytes, VK_FORMAT), &Entry::code);
+    const bool isKnown = findTexels(FORMATS, readWord(bytes, VK_FORMAT), header.texels);
     if (readWord(bytes, FACES) != FACE_COUNT || readWord(bytes, LAYERS) > 0 || readWord(bytes, DEPTH) > 0)
         error = "it holds no cube, or several; give a file of one cube.";
     else if (const std::uint32_t scheme = readWord(bytes, SUPERCOMPRESSION); scheme != 0)
         error = fmt::format("its texels are compressed by scheme {}; give a file without supercompression.",
                             scheme);
-    else if (format == std::end(FORMATS))
+    else if (!isKnown)
         error =
             fmt::format("its texels have Vulkan's format {}; only floats, half floats and 8 bits are read.",
                         readWord(bytes, VK_FORMAT));
-    else if (readWord(bytes, TYPE_SIZE) != componentSize(format->texels))
+    else if (readWord(bytes, TYPE_SIZE) != componentSize(header.texels))
         error = fmt::format("its components have {} bytes where its format has {}.",
-                            readWord(bytes, TYPE_SIZE), componentSize(format->texels));
+                            readWord(bytes, TYPE_SIZE), componentSize(header.texels));
     if (!error.empty())
         return false;
     // A count of 0 asks the reader to make the mips.
     header = {readWord(bytes, WIDTH), readWord(bytes, HEIGHT), std::max(readWord(bytes, LEVELS), 1u),
-              format->texels};
+              header.texels};
     return checkCubeHeader(header, error);
 }
 
