@@ -1,7 +1,10 @@
 #include <veldris/bake/EnvironmentInput.h>
 
 #include <algorithm>
+#include <array>
+#include <filesystem>
 #include <fmt/format.h>
+#include <fstream>
 #include <ovImages/CompositeEncoder.h>
 #include <ovImages/Conversion.h>
 #include <ovImages/cubes/CubeFile.h>
@@ -66,7 +69,6 @@ bool checkFace(const Image& face, const String& path, unsigned int side, String&
 
 bool readFaces(const String& pattern, const EnvironmentReading& reading, EnvironmentInput& input,
                String& error) {
-    input.kind = "faces";
     ovImages::PICTURE_VIEW unused = ovImages::PICTURE_VIEW::UNTOLD;
     for (unsigned int face = 0; face < FACE_COUNT; ++face) {
         const String path = fillField(pattern, FACE_FIELD, FACE_NAMES[face]);
@@ -88,8 +90,19 @@ bool readFaces(const String& pattern, const EnvironmentReading& reading, Environ
     return true;
 }
 
+/// The format of a file of a cube, "" for pictures. What has no name that tells, as standard input, is known
+/// by how it begins.
+StringView cubeFormatOfFile(const String& path) {
+    std::array<unsigned char, ovImages::CUBE_SIGNATURE_BYTES> begin = {};
+    std::error_code ignored;
+    // What was looked at in a pipe could not be read again.
+    if (std::filesystem::is_regular_file(path, ignored))
+        std::ifstream(path, std::ios::binary).read(reinterpret_cast<char*>(begin.data()), begin.size());
+    const StringView format = ovImages::cubeFormatOfBytes(begin);
+    return format.empty() ? ovImages::cubeFormatOf(path) : format;
+}
+
 bool readCubeInput(const String& path, const EnvironmentReading&, EnvironmentInput& input, String& error) {
-    input.kind = ovImages::cubeFormatOf(path);
     ovImages::CubeReadResult read = ovImages::readCubeFile(path);
     error = read.error;
     if (read)
@@ -153,14 +166,14 @@ bool readPicture(const String& path, const EnvironmentReading& reading, Environm
 }
 
 /// Whether a path can be read as it is asked for. @return false with one line in error
-bool checkLayout(const String& path, const String& layout, String& error) {
+bool checkLayout(const String& path, const String& layout, bool isCube, String& error) {
     const bool hasFaces = path.find(FACE_FIELD) != String::npos;
     if (layout == FACES && !hasFaces)
         error = fmt::format(
             "'{}' names one file; faces are six, with {{face}} for px, nx, py, ny, pz and nz.", path);
     else if (!layout.empty() && layout != FACES && hasFaces)
         error = fmt::format("'{}' names six files, which are no {}; leave --input-layout out.", path, layout);
-    else if (!layout.empty() && !ovImages::cubeFormatOf(path).empty())
+    else if (!layout.empty() && isCube)
         error = fmt::format("'{}' is a cube already; leave --input-layout out.", path);
     return error.empty();
 }
@@ -178,12 +191,12 @@ bool readEnvironment(const String& path, const EnvironmentReading& reading, Envi
                      String& error) {
     input = {};
     error.clear();
-    if (!checkLayout(path, reading.layout, error))
-        return false;
     const bool hasFaces = path.find(FACE_FIELD) != String::npos;
-    const auto read = hasFaces                                ? readFaces
-                      : !ovImages::cubeFormatOf(path).empty() ? readCubeInput
-                                                              : readPicture;
+    input.kind = hasFaces ? FACES : cubeFormatOfFile(path);
+    const bool isCubeFile = !hasFaces && !input.kind.empty();
+    if (!checkLayout(path, reading.layout, isCubeFile, error))
+        return false;
+    const auto read = hasFaces ? readFaces : isCubeFile ? readCubeInput : readPicture;
     if (!read(path, reading, input, error))
         return false;
     input.isCube = input.kind != PANORAMA;

@@ -42,8 +42,9 @@ struct EnvironmentReading {
     ovImages::DecodeOptions decoding;
 };
 
-/// Reads an environment: a DDS or KTX2 file of a cube, six files when the path has {face} in it, or a
-/// picture. Numbers are cleaned as cleanEnvironment() tells. A layout that was guessed is told by a warning.
+/// Reads an environment: a DDS or KTX2 file of a cube, by its content or else its name, six files when the
+/// path has {face} in it, or a picture. Numbers are cleaned as cleanEnvironment() tells. A layout that was
+/// guessed is told by a warning.
 /// @return false with one line in error
 bool readEnvironment(const ovMemory::String& path, const EnvironmentReading& reading, EnvironmentInput& input,
                      ovMemory::String& error);

@@ -43,6 +43,11 @@ StringView cubeFormatOf(StringView path) {
     return {};
 }
 
+StringView cubeFormatOfBytes(ovMemory::BufferView<const unsigned char> bytes) {
+    const auto format = std::ranges::find_if(FORMATS, [&](const Format& known) { return known.isOf(bytes); });
+    return format != std::end(FORMATS) ? format->name : StringView();
+}
+
 CubeReadResult decodeCube(ovMemory::BufferView<const unsigned char> bytes) {
     CubeReadResult result;
     for (const Format& format : FORMATS) {

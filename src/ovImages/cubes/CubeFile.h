@@ -16,6 +16,12 @@ struct CubeReadResult : ovMemory::Result {
 /// The format that a path's extension names, in any case of letters: "dds", "ktx2", or "" for any other.
 OV_API ovMemory::StringView cubeFormatOf(ovMemory::StringView path);
 
+/// The format that bytes begin as: "dds", "ktx2", or "" for any other. Says nothing about the rest.
+OV_API ovMemory::StringView cubeFormatOfBytes(ovMemory::BufferView<const unsigned char> bytes);
+
+/// Bytes from the beginning of a file that cubeFormatOfBytes() looks at.
+inline constexpr std::size_t CUBE_SIGNATURE_BYTES = 12;
+
 /// Decodes a DDS or KTX2 file by its content. One whole cube of 1 to 16384 texels a side, with as many mips
 /// as the file has: 8 bits, half floats or floats of one to four channels.
 ///

@@ -26,6 +26,18 @@ TEST(CubeFileTest, theExtensionNamesTheFormat) {
         EXPECT_EQ(ovImages::cubeFormatOf(row.path), row.name) << row.path;
 }
 
+TEST(CubeFileTest, soDoTheFirstBytes) {
+    for (const char* format : {"dds", "ktx2"}) {
+        ovMemory::Buffer<unsigned char> bytes =
+            ovImages::encodeCube(format, countingCube(1, 1, COMPONENT_TYPE::HALF));
+        bytes.resize(ovImages::CUBE_SIGNATURE_BYTES);
+        EXPECT_EQ(ovImages::cubeFormatOfBytes(bytes), format);
+        bytes.resize(3);
+        EXPECT_EQ(ovImages::cubeFormatOfBytes(bytes), "") << "cut short";
+    }
+    EXPECT_EQ(ovImages::cubeFormatOfBytes({}), "");
+}
+
 TEST(CubeFileTest, filesKeepCubes) {
     const TemporaryFolder folder;
     const CubeMap cube = countingCube(4, 3, COMPONENT_TYPE::HALF);

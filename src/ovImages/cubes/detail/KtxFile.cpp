@@ -147,7 +147,7 @@ Buffer<std::uint32_t> placesOf(const CubeFileHeader& header, const Layout& layou
 }
 
 bool hasIdentifier(BufferView<const unsigned char> bytes) {
-    if (bytes.size() < HEADER_WORDS * 4)
+    if (bytes.size() < IDENTIFIER_WORDS.size() * 4)
         return false;
     for (std::size_t i = 0; i < IDENTIFIER_WORDS.size(); ++i) {
         if (readWord(bytes, IDENTIFIER + i) != IDENTIFIER_WORDS[i])
@@ -157,7 +157,7 @@ bool hasIdentifier(BufferView<const unsigned char> bytes) {
 }
 
 bool readHeader(BufferView<const unsigned char> bytes, CubeFileHeader& header, String& error) {
-    if (!hasIdentifier(bytes)) {
+    if (bytes.size() < HEADER_WORDS * 4 || !hasIdentifier(bytes)) {
         error = "it is no KTX file of version 2.";
         return false;
     }

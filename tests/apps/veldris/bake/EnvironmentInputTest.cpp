@@ -4,6 +4,7 @@
 #include "veldris/bake/EnvironmentPictures.h"
 
 #include <cstring>
+#include <filesystem>
 #include <fstream>
 #include <limits>
 #include <ovImages/Conversion.h>
@@ -35,6 +36,13 @@ protected:
         const String path = _folder.getPath(name);
         const ovMemory::Result written = ovImages::writeCubeFile(path, {.mips = {faces}});
         EXPECT_TRUE(written) << written.error;
+        return path;
+    }
+
+    /// A file of a cube under a name that does not tell its format.
+    String unnamed(const char* from, const char* name) {
+        const String path = _folder.getPath(name);
+        std::filesystem::copy_file(_folder.getPath(from), path);
         return path;
     }
 
@@ -79,7 +87,9 @@ TEST_F(EnvironmentInputTest, readsEveryFormOfACubeAlike) {
                             {cross, "cross"},
                             {strip, "strip"},
                             {writeCube(faces, "cube.DDS"), "dds"},
-                            {writeCube(faces, "cube.ktx2"), "ktx2"}}) {
+                            {writeCube(faces, "cube.ktx2"), "ktx2"},
+                            {unnamed("cube.DDS", "some-cube"), "dds"},
+                            {unnamed("cube.ktx2", "cube.png"), "ktx2"}}) {
         const EnvironmentInput input = read(row.path);
         EXPECT_EQ(input.kind, row.kind);
         EXPECT_TRUE(input.isCube);

@@ -4,6 +4,7 @@
 #include "veldris/commands/ModelFile.h"
 #include "veldris/console/ProgramTesting.h"
 
+#include <fmt/format.h>
 #include <veldris/console/Console.h>
 
 namespace {
@@ -43,6 +44,22 @@ TEST(InputFileTest, pipesCarryPicturesThroughChains) {
     ASSERT_TRUE(read) << read.error;
     for (const unsigned int x : {0u, 17u, 299u})
         EXPECT_EQ(read.image->getComponent(x, 150, 1), picture.getComponent(x, 150, 1)) << x;
+}
+
+// Standard input has no name that tells a cube from a picture.
+TEST(InputFileTest, cubesComeThroughPipes) {
+    const TemporaryFolder folder;
+    writeQuad(folder);
+    for (const char* format : {"dds", "ktx2"}) {
+        const String pipe = fmt::format("cd {}; $V bake cubemap quad.png --size 8 in.{} >printed 2>errors && "
+                                        "$V bake prefilter in.{} --size 8 file.dds >>printed 2>>errors && "
+                                        "$V bake prefilter - --size 8 pipe.dds <in.{} >>printed 2>>errors",
+                                        folder.getPath(), format, format, format);
+        ASSERT_EQ(runShell(pipe), 0) << textOf(folder.getPath("errors"));
+        const String expected = textOf(folder.getPath("file.dds"));
+        EXPECT_FALSE(expected.empty());
+        EXPECT_EQ(textOf(folder.getPath("pipe.dds")), expected) << format;
+    }
 }
 
 TEST(InputFileTest, messagesNameStandardInput) {
