@@ -34,13 +34,27 @@ Buffer<String> namesOf(const OptionDescription& option) {
     return names;
 }
 
-/// Lines that follow the words to the command that they lead to. Both shells read them.
-String pathCases(const Buffer<const CommandDescription*>& commands) {
+/// How a shell names the words of the line.
+struct LineWords {
+    StringView first; ///< place of the word behind the program's
+    StringView last;  ///< place of the word that is completed
+    StringView at;    ///< the word at the place i
+};
+
+/// The head of both scripts: "called" becomes the command that the words lead to.
+String followWords(const Buffer<const CommandDescription*>& commands, const LineWords& words) {
+    const String& program = commands.front()->path;
     String cases;
     for (const CommandDescription* command : commands)
-        if (command->path.find(' ') != String::npos)
+        if (command->path != program)
             cases += fmt::format("        \"{0}\") called=\"{0}\" ;;\n", command->path);
-    return cases;
+    return fmt::format("_{0}() {{\n"
+                       "    local called={0} i\n"
+                       "    for ((i = {1}; i < {2}; ++i)); do\n"
+                       "        case \"$called {3}\" in\n{4}"
+                       "        esac\n"
+                       "    done\n",
+                       program, words.first, words.last, words.at, cases);
 }
 
 /// What may follow a command: subcommands, choices that stand by their place, and options.
@@ -110,16 +124,10 @@ String zshArguments(const CommandDescription& command) {
 String bashCompletion(const CommandDescription& program) {
     const auto commands = allCommands(program);
     String script =
-        fmt::format("# Completion of {0} for bash, made by '{0} completion bash'.\n"
-                    "_{0}() {{\n"
-                    "    local word=${{COMP_WORDS[COMP_CWORD]}} previous=${{COMP_WORDS[COMP_CWORD - 1]}}\n"
-                    "    local called={0} words=\"\" i\n"
-                    "    for ((i = 1; i < COMP_CWORD; ++i)); do\n"
-                    "        case \"$called ${{COMP_WORDS[i]}}\" in\n{1}"
-                    "        esac\n"
-                    "    done\n"
-                    "    case \"$called $previous\" in\n",
-                    program.path, pathCases(commands));
+        fmt::format("# Completion of {0} for bash, made by '{0} completion bash'.\n", program.path);
+    script += followWords(commands, {"1", "COMP_CWORD", "${COMP_WORDS[i]}"});
+    script += "    local word=${COMP_WORDS[COMP_CWORD]} words=\"\"\n"
+              "    case \"$called ${COMP_WORDS[COMP_CWORD - 1]}\" in\n";
     for (const CommandDescription* command : commands)
         script += bashValues(*command);
     script += "    *) case \"$called\" in\n";
@@ -136,16 +144,9 @@ String bashCompletion(const CommandDescription& program) {
 
 String zshCompletion(const CommandDescription& program) {
     const auto commands = allCommands(program);
-    String script = fmt::format("#compdef {0}\n"
-                                "# Completion of {0} for zsh, made by '{0} completion zsh'.\n"
-                                "_{0}() {{\n"
-                                "    local called={0} i\n"
-                                "    for ((i = 2; i < CURRENT; ++i)); do\n"
-                                "        case \"$called $words[i]\" in\n{1}"
-                                "        esac\n"
-                                "    done\n"
-                                "    case \"$called\" in\n",
-                                program.path, pathCases(commands));
+    String script = fmt::format("#compdef {0}\n# Completion of {0} for zsh, made by '{0} completion zsh'.\n",
+                                program.path);
+    script += followWords(commands, {"2", "CURRENT", "$words[i]"}) + "    case \"$called\" in\n";
     for (const CommandDescription* command : commands)
         script +=
             fmt::format("    \"{}\")\n        _arguments{} ;;\n", command->path, zshArguments(*command));
