@@ -28,6 +28,7 @@ std::size_t lastColumnOf(StringView line, std::size_t width) {
 }
 
 void appendWrapped(String& wrapped, StringView line, std::size_t width) {
+    line = line.substr(0, line.find_last_not_of(' ') + 1);
     const std::size_t column = lastColumnOf(line, width);
     wrapped.append(line.substr(0, column));
     line.remove_prefix(column);
@@ -54,6 +55,12 @@ public:
     WrappedHelp() { column_width(OPTION_COLUMN); }
     std::string make_help(const CLI::App* app, std::string name, CLI::AppFormatMode mode) const override {
         return wrapText(CLI::Formatter::make_help(app, std::move(name), mode), helpWidth());
+    }
+
+protected:
+    /// A space more, so that the gap before the text is one even behind a name that nearly fills the column.
+    std::string make_option_opts(const CLI::Option* option) const override {
+        return CLI::Formatter::make_option_opts(option) + " ";
     }
 };
 
