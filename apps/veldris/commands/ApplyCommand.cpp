@@ -118,16 +118,20 @@ void addApplyCommand(CLI::App& program, Command& command) {
     apply->add_option("--effects", options->effects, "effects in order, see below")->required();
     apply
         ->add_option("-o,--output", options->output,
-                     "image to write; its extension chooses the format, and png:- writes to standard output")
+                     "image to write; its extension chooses the format, and png:- writes to standard output. "
+                     "PNG and JPEG get srgb-encoded colours of 8 bits, EXR and HDR linear ones as floats")
         ->required();
     apply
         ->add_option(
             "--input-content", options->inputContent,
-            "what the input's numbers mean (default: EXR and HDR scene-linear, PNG and JPEG srgb-encoded)")
+            "what the input's numbers mean (default: srgb-encoded of JPEG and PNG, scene-linear of EXR, "
+            "HDR and PNG that tells a gamma of 1)")
         ->check(CLI::IsMember({"scene-linear", "display-linear", "srgb-encoded"}));
     addReadingOptions(*apply, options->reading);
-    apply->add_flag("--raw", options->raw,
-                    "numbers in, numbers out: no colour conversions and no checks of them");
+    apply->add_flag(
+        "--raw", options->raw,
+        "numbers in, numbers out: no colour conversions and no checks of them; of PNG and JPEG 0 to "
+        "255 are 0 to 1");
     addDrawingOptions(*apply, options->drawing);
     apply->footer(effectHelp() + "\nExample: veldris apply sky.exr --effects "
                                  "\"tone-mapping:operator=reinhard,max-white=4,4,4\" -o sky.png");

@@ -140,6 +140,51 @@ TEST_F(ApplyCommandTest, everyFailureIsOneLineAndLeavesTheOutputAlone) {
     }
 }
 
+// What the help promises of files, and what the program does with them.
+TEST_F(ApplyCommandTest, filesHoldWhatTheHelpSays) {
+    setenv("COLUMNS", "1000", 1);
+    const ovMemory::String help = runVeldris({"apply", "--help"}).output;
+    unsetenv("COLUMNS");
+    for (const char* promise :
+         {"PNG and JPEG get srgb-encoded colours of 8 bits, EXR and HDR linear ones as floats",
+          "(default: srgb-encoded of JPEG and PNG, scene-linear of EXR, HDR and PNG that tells a gamma of 1)",
+          "of PNG and JPEG 0 to 255 are 0 to 1"})
+        EXPECT_NE(help.find(promise), ovMemory::String::npos) << promise;
+
+    const ovMemory::String half = write("half.exr", 0.5f);
+    const struct {
+        const char* output;
+        float encoded; ///< of display light of 0.5: IEC 61966-2-1, to 8 bits
+        float raw;
+    } outputs[] = {{"o.png", 188.0f / 255.0f, 128.0f / 255.0f},
+                   {"o.jpg", 188.0f / 255.0f, 128.0f / 255.0f},
+                   {"o.exr", 0.5f, 0.5f},
+                   {"o.hdr", 0.5f, 0.5f}};
+    for (const auto& row : outputs) {
+        const ovMemory::String output = _folder.getPath(row.output);
+        ASSERT_EQ(apply(half, "texture-copy", output, {"--input-content", "display-linear"}).status, 0);
+        EXPECT_FLOAT_EQ(firstPixel(output), row.encoded) << row.output;
+        ASSERT_EQ(apply(half, "texture-copy", output, {"--raw"}).status, 0);
+        EXPECT_FLOAT_EQ(firstPixel(output), row.raw) << row.output << " raw";
+    }
+
+    const ovMemory::String linearPng = _folder.getPath("linear.png");
+    Image gammaOne(1, 1, 3, COMPONENT_TYPE::UINT8, COLOR_ENCODING::LINEAR);
+    ASSERT_TRUE(ovImages::CompositeEncoder().encodeFile(linearPng, gammaOne.view()));
+    const struct {
+        ovMemory::String input;
+        bool isSceneLinear;
+    } inputs[] = {{write("i.jpg", 0.5f), false},
+                  {write("i.png", 0.5f), false},
+                  {half, true},
+                  {write("i.hdr", 0.5f), true},
+                  {linearPng, true}};
+    // Tone mapping takes scene light only, and refuses what is none.
+    for (const auto& row : inputs)
+        EXPECT_EQ(apply(row.input, "tone-mapping", _folder.getPath("o.png")).status == 0, row.isSceneLinear)
+            << row.input;
+}
+
 TEST_F(ApplyCommandTest, theUserMaySayWhatAPictureHolds) {
     const ovMemory::String output = _folder.getPath("o.exr");
     const Outcome outcome =
