@@ -1,3 +1,4 @@
+#include "veldris/bake/EnvironmentPictures.h"
 #include "veldris/commands/CommandTesting.h"
 #include "veldris/commands/ModelFile.h"
 
@@ -5,6 +6,7 @@
 
 namespace {
 
+using ovImages::Image;
 using ovMemory::String;
 
 class RenderCommandTest : public testing::Test {
@@ -321,6 +323,38 @@ TEST_F(RenderCommandTest, aLightIsAddedToAnEnvironmentOfOnesOwn) {
         brightness[isLit ? 1 : 0] = quarter(output, 3)[0];
     }
     EXPECT_GT(brightness[1], brightness[0] + 50);
+}
+
+// A cube that bake wrote shows and gives the light of the panorama that it was baked from.
+TEST_F(RenderCommandTest, cubesOfFilesAreTheEnvironmentThatTheyWereBakedFrom) {
+    const String model = writeQuad(_folder);
+    const String panorama = _folder.getPath("panorama.exr");
+    writeImage(panorama, directionPanorama(64));
+    const String copy = _folder.getPath("cube.dds");
+    const String prefiltered = _folder.getPath("prefiltered.ktx2");
+    ASSERT_EQ(runVeldris({"bake", "cubemap", panorama, copy, "--size", "64"}).status, 0);
+    ASSERT_EQ(runVeldris({"bake", "prefilter", panorama, prefiltered, "--size", "64"}).status, 0);
+    const auto picture = [&](const String& environment) {
+        const String output = _folder.getPath("o.exr");
+        const Outcome outcome =
+            runVeldris({"render", model, "-o", output, "--size", "64x32", "--device", "software",
+                        "--no-cache", "--environment", environment, "--environment-rotation", "90",
+                        "--samples", "1", "--camera", "15,20,0.5"});
+        EXPECT_EQ(outcome.status, 0) << outcome.error;
+        EXPECT_EQ(outcome.error, "");
+        return readImage(output);
+    };
+    const Image expected = picture(panorama);
+    for (const String& cube : {copy, prefiltered}) {
+        const Image drawn = picture(cube);
+        double worst = 0.0;
+        for (unsigned int i = 0; i < 64 * 32 * 3; ++i)
+            worst = std::max(worst, std::abs(double(drawn.getComponent(i / 3 % 64, i / 192, i % 3)) -
+                                             expected.getComponent(i / 3 % 64, i / 192, i % 3)));
+        // Colours are parts of directions, which are straight over a texel to 0.0003; half floats below 1 are
+        // 0.0005 apart.
+        EXPECT_LT(worst, 0.001) << cube;
+    }
 }
 
 TEST_F(RenderCommandTest, aMissingPictureIsDrawnAsAStandInWithOneWarning) {
