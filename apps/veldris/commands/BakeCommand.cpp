@@ -2,7 +2,6 @@
 #include <veldris/commands/Commands.h>
 
 #include <CLI/CLI.hpp>
-#include <chrono>
 #include <fmt/format.h>
 #include <optional>
 #include <veldris/JsonText.h>
@@ -17,6 +16,7 @@ namespace veldris {
 
 namespace {
 
+using ovMemory::Buffer;
 using ovMemory::String;
 using ovMemory::StringView;
 
@@ -33,7 +33,8 @@ struct BakeOptions {
     String coefficients = {};
     bool libraryLongitudes = false;
     EnvironmentReading reading = {};
-    DrawingOptions drawing = {};
+    bool timings = false;
+    bool json = false;
 };
 
 constexpr unsigned int MIN_SIZE = 4; // texels
@@ -47,23 +48,10 @@ struct BakeResult {
     BakeFiles files;
 };
 
-class Stopwatch {
-public:
-    /// Seconds since the last call, or since this was made.
-    double lap() {
-        const auto now = std::chrono::steady_clock::now();
-        const std::chrono::duration<double> passed = now - std::exchange(_last, now);
-        return passed.count();
-    }
-
-private:
-    std::chrono::steady_clock::time_point _last = std::chrono::steady_clock::now();
-};
-
 /// The names are those of the directions that the functions grow along, y up.
 String coefficientsText(const ovVeldris::IrradianceCoefficients& coefficients) {
     constexpr const char* BASIS[] = {"1", "x", "y", "z", "zx", "xy", "2y^2-x^2-z^2", "yz", "z^2-x^2"};
-    ovMemory::Buffer<JsonObject> rows;
+    Buffer<JsonObject> rows;
     for (std::size_t i = 0; i < coefficients.values.size(); ++i)
         rows.push_back(JsonObject()
                            .text("basis", BASIS[i])
@@ -134,8 +122,9 @@ bool write(const BakeOptions& options, const BakeOutput& output, BakeResult& res
 }
 
 void printReport(Console& console, const BakeOptions& options, const EnvironmentInput& input,
-                 const BakeResult& result, const JsonObject& seconds) {
-    if (!options.drawing.json) {
+                 const BakeResult& result) {
+    const Buffer<JsonObject> steps = options.timings ? console.reportSteps() : Buffer<JsonObject>();
+    if (!options.json) {
         for (const String& path : result.files.paths)
             printPath(console, path);
         return;
@@ -149,8 +138,8 @@ void printReport(Console& console, const BakeOptions& options, const Environment
         .number("height", isPanorama ? result.panorama.getHeight() : result.cube.getSide())
         .number("mips", isPanorama ? 1.0 : static_cast<double>(result.cube.mips.size()))
         .texts("files", result.files.paths);
-    if (options.drawing.timings)
-        report.object("seconds", seconds);
+    if (options.timings)
+        report.array("steps", steps);
     console.print(report.toText());
 }
 
@@ -163,8 +152,6 @@ int runBake(Console& console, BakeOptions options) {
         return console.fail(error);
     if (isStandardOutput(options.output) || isStandardOutput(options.coefficients))
         console.leaveOutputToData();
-    Stopwatch stopwatch;
-    JsonObject seconds;
     console.step("decoding");
     EnvironmentInput input;
     if (!readEnvironment(options.input, options.reading, input, error))
@@ -175,20 +162,15 @@ int runBake(Console& console, BakeOptions options) {
     console.warnEach(input.warnings);
     if (!input.isCube)
         turnPanorama(options, input.image);
-    seconds.number("read", stopwatch.lap());
-    console.step(fmt::format("baking '{}'", options.input));
+    console.step("baking");
     BakeResult result;
     if (!bake(options, input, result, error))
         return console.fail(error);
-    seconds.number("bake", stopwatch.lap());
     console.step("writing");
     if (!write(options, output, result, error))
         return console.fail(error);
     console.warn(result.files.warning);
-    seconds.number("write", stopwatch.lap());
-    if (options.drawing.timings && !options.drawing.json)
-        console.print(fmt::format("seconds: {}", seconds.toText()));
-    printReport(console, options, input, result, seconds);
+    printReport(console, options, input, result);
     return 0;
 }
 
@@ -227,7 +209,8 @@ void addBake(CLI::App& parent, Command& command, const BakeOptions& defaults, co
     if (options->bake == BAKE::IRRADIANCE)
         mode->add_option("--coefficients", options->coefficients,
                          "JSON file to write the nine coefficients of spherical harmonics to");
-    addDrawingOptions(*mode, options->drawing);
+    addTimingsOption(*mode, options->timings);
+    addJsonOption(*mode, options->json);
     mode->callback([options, &command] {
         command = [options](Console& console) { return runBake(console, *options); };
     });

@@ -58,7 +58,7 @@ void addCheckCommand(CLI::App& program, Command& command) {
     auto options = std::make_shared<CheckOptions>();
     CLI::App* check = program.add_subcommand("check", "list every problem of a file of materials");
     check->add_option("FILE", options->file, "file of material declarations (JSON)")->required();
-    check->add_flag("--json", options->json, "print the result for machines");
+    addJsonOption(*check, options->json);
     check->footer("Prints FILE:LINE: and what is wrong there; the exit status is 1 if anything is.");
     check->callback([options, &command] {
         command = [options](Console& console) { return runCheck(console, *options); };

@@ -28,7 +28,7 @@ void keepFreedMemory() {
 
 } // namespace
 
-void addDrawingOptions(CLI::App& command, DrawingOptions& options) {
+void addDeviceOptions(CLI::App& command, DrawingOptions& options) {
     command.add_option("--language", options.language, "shader language that is compiled: glsl or hlsl")
         ->check(CLI::IsMember({"glsl", "hlsl"}))
         ->capture_default_str();
@@ -38,8 +38,20 @@ void addDrawingOptions(CLI::App& command, DrawingOptions& options) {
         "--cache", options.cache,
         "folder of compiled programs (default: veldris in the user's cache folder, as 'veldris info' tells)");
     command.add_flag("--no-cache", options.noCache, "keep no compiled programs on disk");
-    command.add_flag("--timings", options.timings, "measure every pass");
-    command.add_flag("--json", options.json, "print the result for machines");
+}
+
+void addJsonOption(CLI::App& command, bool& json) {
+    command.add_flag("--json", json, "print the result for machines");
+}
+
+void addTimingsOption(CLI::App& command, bool& timings) {
+    command.add_flag("--timings", timings, "measure every step");
+}
+
+void addDrawingOptions(CLI::App& command, DrawingOptions& options) {
+    addDeviceOptions(command, options);
+    addTimingsOption(command, options.timings);
+    addJsonOption(command, options.json);
 }
 
 void addReadingOptions(CLI::App& command, ovImages::DecodeOptions& options) {

@@ -31,7 +31,16 @@ void addRenderCommand(CLI::App& program, Command& command);
 void addSamplesCommand(CLI::App& program, Command& command);
 void addShadersCommand(CLI::App& program, Command& command);
 
-/// Adds --language, --device, --cache, --no-cache, --timings and --json to a subcommand.
+/// Adds --language, --device, --cache and --no-cache, of commands that start the library.
+void addDeviceOptions(CLI::App& command, DrawingOptions& options);
+
+/// Adds --json, of commands that have a result.
+void addJsonOption(CLI::App& command, bool& json);
+
+/// Adds --timings, of commands whose work takes its time.
+void addTimingsOption(CLI::App& command, bool& timings);
+
+/// Adds all of them, of commands that draw.
 void addDrawingOptions(CLI::App& command, DrawingOptions& options);
 
 /// Adds --layer and --strict, of commands that read pictures.

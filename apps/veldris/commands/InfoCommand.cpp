@@ -80,7 +80,8 @@ int runInfo(Console& console, DrawingOptions options) {
 void addInfoCommand(CLI::App& program, Command& command) {
     auto options = std::make_shared<DrawingOptions>();
     CLI::App* info = program.add_subcommand("info", "show the device, its limits and the versions");
-    addDrawingOptions(*info, *options);
+    addDeviceOptions(*info, *options);
+    addJsonOption(*info, options->json);
     info->callback([options, &command] {
         command = [options](Console& console) { return runInfo(console, *options); };
     });

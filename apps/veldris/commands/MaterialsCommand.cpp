@@ -64,7 +64,8 @@ void addMaterialsCommand(CLI::App& program, Command& command) {
         program.add_subcommand("materials", "write the materials of a model to a file that render reads");
     materials->add_option("MODEL", options->model, "model to read (.glb, .gltf)")->required();
     materials->add_option("-o,--output", options->output, "file of declarations (JSON) to write")->required();
-    addDrawingOptions(*materials, options->drawing);
+    addDeviceOptions(*materials, options->drawing);
+    addJsonOption(*materials, options->drawing.json);
     materials->footer(
         "Example: veldris materials helmet.glb -o helmet.ovm, then edit it, then\n"
         "veldris check helmet.ovm; veldris render helmet.glb --materials helmet.ovm -o helmet.png");

@@ -80,7 +80,7 @@ void addSamplesCommand(CLI::App& program, Command& command) {
         program.add_subcommand("samples", "write a sky, a model and materials to try the subcommands with");
     samples->add_option("FOLDER", options->folder, "where to, made if it is not there")
         ->capture_default_str();
-    samples->add_flag("--json", options->json, "print the result for machines");
+    addJsonOption(*samples, options->json);
     samples->footer(
         "Example: veldris samples; veldris render pawn.glb --environment sky.exr --materials copper.ovm -o "
         "pawn.png");

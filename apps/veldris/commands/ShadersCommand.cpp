@@ -190,7 +190,8 @@ void addShadersCommand(CLI::App& program, Command& command) {
         ->check(CLI::IsMember({"vertex", "pixel", "both"}))
         ->capture_default_str();
     shaders->add_flag("--translated", options->translated, "print the text that the device gets instead");
-    addDrawingOptions(*shaders, options->drawing);
+    addDeviceOptions(*shaders, options->drawing);
+    addJsonOption(*shaders, options->drawing.json);
     shaders->callback([options, &command] {
         command = [options](Console& console) { return runShaders(console, *options); };
     });
