@@ -4,13 +4,13 @@
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
 #include <optional>
+#include <ovImages/Panorama.h>
 #include <veldris/JsonText.h>
 #include <veldris/bake/BakeOutput.h>
 #include <veldris/bake/CubeBaking.h>
 #include <veldris/console/Console.h>
 #include <veldris/console/InputFile.h>
 #include <veldris/console/OutputFile.h>
-#include <veldris/scene/Panoramas.h>
 
 namespace veldris {
 
@@ -82,10 +82,10 @@ bool plan(const BakeOptions& options, BakeOutput& output, String& error) {
 }
 
 /// Photographed panoramas run to the right, the library's longitudes to the left: a panorama that becomes a
-/// cube is turned before, and one made of a cube afterwards, so that letters read right in both.
-void turnPanorama(const BakeOptions& options, ovImages::Image& panorama) {
+/// cube is mirrored before, and one made of a cube afterwards, so that letters read right in both.
+void mirrorPhotograph(const BakeOptions& options, ovImages::Image& panorama) {
     if (!options.libraryLongitudes)
-        turnPhotograph(panorama);
+        ovImages::mirrorPanorama(panorama);
 }
 
 bool bake(const BakeOptions& options, const EnvironmentInput& input, BakeResult& result, String& error) {
@@ -103,7 +103,7 @@ bool bake(const BakeOptions& options, const EnvironmentInput& input, BakeResult&
     const unsigned int height = options.size > 0 ? options.size : 2 * input.image.getWidth();
     if (!bakePanorama(input, height, result.panorama, error))
         return false;
-    turnPanorama(options, result.panorama);
+    mirrorPhotograph(options, result.panorama);
     return true;
 }
 
@@ -161,7 +161,7 @@ int runBake(Console& console, BakeOptions options) {
             fmt::format("'{}' is a panorama already; spherical unwraps cubes.", options.input));
     console.warnEach(input.warnings);
     if (!input.isCube)
-        turnPanorama(options, input.image);
+        mirrorPhotograph(options, input.image);
     console.step("baking");
     BakeResult result;
     if (!bake(options, input, result, error))

@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <fmt/format.h>
 #include <ovGraphics/System.h>
+#include <ovImages/Panorama.h>
 #include <ovVeldris/content/ModelLoader.h>
 #include <ovVeldris/core/NearestName.h>
 #include <veldris/ImageFiles.h>
@@ -21,7 +22,6 @@
 #include <veldris/scene/EnvironmentLight.h>
 #include <veldris/scene/MissingTextures.h>
 #include <veldris/scene/ModelLight.h>
-#include <veldris/scene/Panoramas.h>
 #include <veldris/scene/SceneCamera.h>
 #include <veldris/scene/ScenePicture.h>
 
@@ -164,15 +164,20 @@ ovImages::Image readPanorama(Console& console, const RenderOptions& options, Str
     if (!readEnvironment(options.environment, options.reading, input, error))
         return {};
     console.warnEach(input.warnings);
-    ovImages::Image panorama = std::move(input.image);
-    if (!input.isCube)
-        return turnedPhotograph(panorama.view(), options.environmentRotation);
+    ovImages::Image panorama;
     // A map's middle row has four faces, so this keeps the size of the cube's texels.
-    input.image = std::move(panorama);
-    if (!bakePanorama(input, 2 * input.image.getWidth(), panorama, error))
+    if (input.isCube && !bakePanorama(input, 2 * input.image.getWidth(), panorama, error))
         return {};
-    // Turned as a photograph, which runs the other way round, and back.
-    return turnedPhotograph(turnedPhotograph(panorama.view()).view(), options.environmentRotation);
+    if (!input.isCube) {
+        panorama = std::move(input.image);
+        // In photographs what lies to the right has the larger column; the library's longitudes grow towards
+        // +z, which for an eye that looks along +x lies to the left.
+        ovImages::mirrorPanorama(panorama);
+    }
+    // To the right, which is towards smaller longitudes.
+    ovImages::turnPanorama(panorama,
+                           -ovImages::getColumnsOfTurn(panorama.getWidth(), options.environmentRotation));
+    return panorama;
 }
 
 /// The built-in sky or an image; null without an error for "none".

@@ -6,6 +6,7 @@
 #include <fmt/format.h>
 #include <ovImages/Conversion.h>
 #include <ovImages/ExrEncoder.h>
+#include <ovImages/Panorama.h>
 #include <veldris/ImageFiles.h>
 #include <veldris/JsonText.h>
 #include <veldris/console/Console.h>
@@ -13,7 +14,6 @@
 #include <veldris/samples/SampleModel.h>
 #include <veldris/scene/BuiltInSky.h>
 #include <veldris/scene/ModelLight.h>
-#include <veldris/scene/Panoramas.h>
 
 namespace veldris {
 
@@ -40,8 +40,8 @@ struct SamplesOptions {
 
 /// The built-in sky as a photographed panorama would be, in half floats.
 ovMemory::Result writeSky(const String& path) {
-    const ovImages::Image sky = turnedPhotograph(
-        drawSkyPanorama(SAMPLE_SKY_WIDTH, -DEFAULT_LIGHT_DIRECTION.getNormalizedVec3()).view());
+    ovImages::Image sky = drawSkyPanorama(SAMPLE_SKY_WIDTH, -DEFAULT_LIGHT_DIRECTION.getNormalizedVec3());
+    ovImages::mirrorPanorama(sky); // photographs run the other way round
     const ovImages::Image halves = ovImages::convertImage(sky.view(), ovImages::COMPONENT_TYPE::HALF, 3,
                                                           ovImages::COLOR_ENCODING::LINEAR);
     return encodePicture(ovImages::ExrEncoder(), path, halves.view());

@@ -2,9 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstring>
 #include <numbers>
-#include <ovImages/Conversion.h>
 
 namespace veldris {
 
@@ -57,33 +55,6 @@ ovImages::Image drawPanorama(unsigned int width,
         }
     }
     return image;
-}
-
-ovImages::Image turnedPhotograph(const ovImages::ImageView& photograph, float degrees) {
-    ovImages::Image turned = ovImages::convertImage(photograph, ovImages::COMPONENT_TYPE::FLOAT, 4,
-                                                    ovImages::COLOR_ENCODING::LINEAR);
-    turnPhotograph(turned, degrees);
-    return turned;
-}
-
-void turnPhotograph(ovImages::Image& photograph, float degrees) {
-    if (photograph.isEmpty())
-        return;
-    const std::size_t width = photograph.getWidth();
-    const std::size_t pixel = photograph.getBytes().size() / photograph.getHeight() / width;
-    const double turn = static_cast<double>(degrees) / 360.0;
-    const auto shift =
-        static_cast<std::size_t>(std::lround((turn - std::floor(turn)) * static_cast<double>(width))) % width;
-    ovMemory::Buffer<unsigned char> row(width * pixel);
-    for (unsigned int y = 0; y < photograph.getHeight(); ++y) {
-        unsigned char* const bytes = photograph.getBytes().data() + y * row.size();
-        std::memcpy(row.data(), bytes, row.size());
-        for (std::size_t column = 0; column < width; ++column) {
-            // Twice the width keeps the number above 0; columns run backwards, as the mirror wants.
-            const std::size_t from = (2 * width - 1 - column - shift) % width;
-            std::memcpy(bytes + column * pixel, &row[from * pixel], pixel);
-        }
-    }
 }
 
 Vector studioRadiance(const Vector& direction) {

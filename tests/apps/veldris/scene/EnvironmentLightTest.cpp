@@ -8,10 +8,10 @@
 #include <limits>
 #include <ovGraphics/System.h>
 #include <ovGraphics/resources/Texture.h>
+#include <ovImages/Panorama.h>
 #include <ovVeldris/materials/PbsMaterial.h>
 #include <veldris/Session.h>
 #include <veldris/bake/CubeBaking.h>
-#include <veldris/scene/Panoramas.h>
 
 namespace {
 
@@ -91,7 +91,8 @@ TEST(EnvironmentLightTest, everyTexelOfTheSkyLightsAtAnyRotation) {
     for (const ovImages::Image& sky : skies) {
         for (const float degrees : {0.0f, 1.0f, 2.0f, 3.0f, 5.0f, 181.0f}) {
             SCOPED_TRACE(degrees);
-            const ovImages::Image turned = veldris::turnedPhotograph(sky.view(), degrees);
+            ovImages::Image turned = sky;
+            ovImages::turnPanorama(turned, ovImages::getColumnsOfTurn(turned.getWidth(), degrees));
             ovMemory::String warning;
             const auto light = veldris::EnvironmentLight::create(session, turned.view(), warning, error);
             ASSERT_TRUE(light) << error;
