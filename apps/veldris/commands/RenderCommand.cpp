@@ -238,7 +238,7 @@ bool addModel(ScenePicture& picture, ovVeldris::Model& model) {
         return false;
     model.addTo(picture.getSolid(), picture.getBlended());
     for (const ovVeldris::ModelMaterial& own : model.getMaterials()) {
-        if (!picture.castShadow(*own.material, own.alphaMode != ovGraphics::GLTF_ALPHA_MODE::OPAQUE))
+        if (!picture.castShadow(*own.material, own.alphaMode))
             return false;
     }
     picture.fitShadow(model.getBoundingBox());

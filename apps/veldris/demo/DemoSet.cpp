@@ -46,7 +46,10 @@ void DemoSet::_add(ovGraphics::Mesh& mesh, const Vector& position, float scale, 
     node->setPosition(position);
     node->setScale({scale, scale, scale});
     _scene.getSolid().addEntity(&mesh, material->getShader(), node.get());
-    _loaded = _scene.castShadow(*material, material->getAlphaTexture() != nullptr) && _loaded;
+    // Nothing in the demo blends: alpha means holes.
+    const auto alphaMode =
+        material->getAlphaTexture() ? ovGraphics::GLTF_ALPHA_MODE::MASK : ovGraphics::GLTF_ALPHA_MODE::OPAQUE;
+    _loaded = _scene.castShadow(*material, alphaMode) && _loaded;
     _nodes.push_back(std::move(node));
     _materials.push_back(std::move(material));
 }

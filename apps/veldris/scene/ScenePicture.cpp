@@ -33,7 +33,7 @@ constexpr unsigned int SHADOW_SIDE = 2048; // texels
 // Pushes what casts shadows away from the light, so that surfaces do not shadow themselves.
 constexpr float SHADOW_BIAS = 4.0f;
 constexpr float SHADOW_SLOPE_BIAS = 2.5f;
-// Of surfaces that blend, what covers less casts no shadow.
+// Of surfaces that blend, what covers by this or less casts no shadow.
 constexpr float SHADOW_COVERAGE = 0.5f;
 
 // Pixels along a side of what a texel counts; strips are whole blocks high.
@@ -55,6 +55,14 @@ Sampler* samplerOf(const Shader& shader, const Texture* texture) {
         if (shader.getTexture(unit, EVERY_STAGE) == texture)
             return shader.getSampler(unit, EVERY_STAGE);
     return nullptr;
+}
+
+/// The alpha up to which a surface casts no shadow.
+float shadowCutoffOf(const ovVeldris::PbsMaterial& material, GLTF_ALPHA_MODE alphaMode) {
+    // A masked surface is seen whole or not at all, so its shadow has the holes that are seen. Of a blended
+    // one the shadow map cannot hold a share.
+    const bool blends = alphaMode == GLTF_ALPHA_MODE::BLEND;
+    return blends ? std::max(material.getAlphaCutoff(), SHADOW_COVERAGE) : material.getAlphaCutoff();
 }
 
 } // namespace
@@ -254,11 +262,13 @@ void ScenePicture::light(ovVeldris::PbsMaterial& material) {
     _lightDirection = material.getLightDirection();
 }
 
-bool ScenePicture::castShadow(const ovVeldris::PbsMaterial& material, bool hasHoles) {
-    if (!_shadowMap || (hasHoles && !material.getAlphaTexture() && material.getAlpha() <= SHADOW_COVERAGE))
+bool ScenePicture::castShadow(const ovVeldris::PbsMaterial& material, GLTF_ALPHA_MODE alphaMode) {
+    const bool hasHoles = alphaMode != GLTF_ALPHA_MODE::OPAQUE;
+    const float cutoff = shadowCutoffOf(material, alphaMode);
+    if (!_shadowMap || (hasHoles && !material.getAlphaTexture() && material.getAlpha() <= cutoff))
         return true;
     const bool isCut = hasHoles && material.getAlphaTexture();
-    const DepthShader* depthShader = isCut ? _makeHolesShader(material) : _getSolidShader();
+    const DepthShader* depthShader = isCut ? _makeHolesShader(material, cutoff) : _getSolidShader();
     if (!depthShader)
         return false;
     for (RenderQueue* queue : {_solid.get(), _blended.get()}) {
@@ -271,13 +281,13 @@ bool ScenePicture::castShadow(const ovVeldris::PbsMaterial& material, bool hasHo
     return true;
 }
 
-DepthShader* ScenePicture::_makeHolesShader(const ovVeldris::PbsMaterial& material) {
+DepthShader* ScenePicture::_makeHolesShader(const ovVeldris::PbsMaterial& material, float cutoff) {
     DepthShaderSettings settings;
     settings.alphaTexture = material.getAlphaTexture();
     settings.sampler = samplerOf(*material.getShader(), settings.alphaTexture);
     settings.alphaChannel = static_cast<unsigned int>(material.getAlphaTextureChannels());
     settings.alpha = material.getMixAlphaFactorAndTexture() ? material.getAlpha() : 1.0f;
-    settings.alphaCutoff = std::max(material.getAlphaCutoff(), SHADOW_COVERAGE);
+    settings.alphaCutoff = cutoff;
     return _depthShaders.emplace_back(DepthShader::create(&_session.getGraphics(), settings)).get();
 }
 

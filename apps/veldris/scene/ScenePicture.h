@@ -7,6 +7,7 @@
 #include <ovGraphics/compositor/Compositor.h>
 #include <ovGraphics/compositor/RenderContext.h>
 #include <ovGraphics/compositor/ScenePass.h>
+#include <ovGraphics/gltf/GltfScene.h>
 #include <ovGraphics/resources/Viewport.h>
 #include <ovGraphics/scene/BoundingBox.h>
 #include <ovGraphics/scene/DepthShader.h>
@@ -65,9 +66,10 @@ public:
 
     /// Lights a material. It must be loaded afterwards, and only then added to the queues.
     void light(ovVeldris::PbsMaterial& material);
-    /// Gives the entities of a loaded material a shadow. @param hasHoles where its alpha is low
+    /// Gives the entities of a loaded material a shadow: of opaque surfaces all of it, of masked ones what is
+    /// drawn of them, of blended ones what covers by more than a half.
     /// @return false after one log line when that takes a program that cannot be loaded
-    bool castShadow(const ovVeldris::PbsMaterial& material, bool hasHoles);
+    bool castShadow(const ovVeldris::PbsMaterial& material, ovGraphics::GLTF_ALPHA_MODE alphaMode);
     /// Turns the light's view so that everything in the box casts its shadow.
     void fitShadow(const ovGraphics::BoundingBox& box);
 
@@ -88,7 +90,7 @@ private:
     void _appendShadowPasses();
     void _appendColorPasses();
     ovGraphics::ScenePass* _appendBlendedPass(ovMemory::StringView name, ovGraphics::RenderQueue& queue);
-    ovGraphics::DepthShader* _makeHolesShader(const ovVeldris::PbsMaterial& material);
+    ovGraphics::DepthShader* _makeHolesShader(const ovVeldris::PbsMaterial& material, float cutoff);
     ovGraphics::DepthShader* _getSolidShader();
     void _appendSamplePasses();
     bool _usesShadowMap() const { return _settings.shadows || _settings.ground; }

@@ -21,6 +21,7 @@
 
 namespace {
 
+using ovGraphics::GLTF_ALPHA_MODE;
 using ovMaths::Vector;
 using ovVeldris::PbsMaterial;
 using veldris::ScenePicture;
@@ -99,7 +100,7 @@ TEST_P(ScenePictureTest, theGroundCatchesTheShadowAndNothingElse) {
     ASSERT_TRUE(picture);
     const auto material = makeDiffuse(*picture, {1.0f, 1.0f, 1.0f});
     picture->getSolid().addEntity(_sphere.get(), material->getShader(), _above.get());
-    ASSERT_TRUE(picture->castShadow(*material, false));
+    ASSERT_TRUE(picture->castShadow(*material, GLTF_ALPHA_MODE::OPAQUE));
     // The lower side of the box is the ground.
     picture->fitShadow(ovGraphics::BoundingBox::newBox({0.0f, 0.95f, 0.0f}, {0.8f, 1.9f, 0.8f}));
     const ovImages::Image image = draw(*picture);
@@ -142,7 +143,8 @@ TEST_P(ScenePictureTest, aTransparentPictureHasTheCoverageAsAlpha) {
 /// A slate of 2 by 1 m, 1.5 m above the ground, under a picture of two texels of which the left one alone
 /// covers, by as much as is said. The slate shows four texels side by side, of which the picture's address
 /// decides the last two.
-ovGraphics::GltfScene makeSlate(ovGraphics::TEXTURE_ADDRESS address, float coverage = 1.0f) {
+ovGraphics::GltfScene makeSlate(ovGraphics::TEXTURE_ADDRESS address, float coverage,
+                                GLTF_ALPHA_MODE alphaMode, float cutoff) {
     ovGraphics::GltfScene scene;
     ovImages::Image picture(2, 1, 4, ovImages::COMPONENT_TYPE::UINT8, ovImages::COLOR_ENCODING::SRGB);
     picture.setComponent(0, 0, 3, coverage);
@@ -156,8 +158,8 @@ ovGraphics::GltfScene makeSlate(ovGraphics::TEXTURE_ADDRESS address, float cover
     ovGraphics::GltfMaterial& material = scene.materials.emplace_back();
     material.name = "slate";
     material.baseColorTexture = 0;
-    material.alphaMode =
-        coverage < 1.0f ? ovGraphics::GLTF_ALPHA_MODE::BLEND : ovGraphics::GLTF_ALPHA_MODE::MASK;
+    material.alphaMode = alphaMode;
+    material.alphaCutoff = cutoff;
     material.doubleSided = true;
 
     ovGraphics::GltfPrimitive primitive;
@@ -209,7 +211,7 @@ TEST_P(ScenePictureTest, shadowsFallBelowWhatCastsThem) {
         const auto material = makeDiffuse(*picture, {0.5f, 0.5f, 0.5f});
         picture->getSolid().addEntity(_ground.get(), material->getShader(), nullptr);
         picture->getSolid().addEntity(_sphere.get(), material->getShader(), _above.get());
-        ASSERT_TRUE(picture->castShadow(*material, false));
+        ASSERT_TRUE(picture->castShadow(*material, GLTF_ALPHA_MODE::OPAQUE));
         picture->fitShadow(ovGraphics::BoundingBox::newBox({0.0f, 1.0f, 0.0f}, {2.0f, 2.0f, 2.0f}));
         // From the side, so that the camera sees the ground below the sphere.
         picture->getCamera().setPosition({0.0f, 5.0f, -5.0f});
@@ -229,12 +231,34 @@ TEST_P(ScenePictureTest, whatHardlyCoversCastsNoShadow) {
         const auto glass = makeDiffuse(*picture, {0.5f, 0.5f, 0.5f}, alpha);
         picture->getSolid().addEntity(_ground.get(), white->getShader(), nullptr);
         picture->getBlended().addEntity(_sphere.get(), glass->getShader(), _above.get());
-        ASSERT_TRUE(picture->castShadow(*white, false));
-        ASSERT_TRUE(picture->castShadow(*glass, true));
+        ASSERT_TRUE(picture->castShadow(*white, GLTF_ALPHA_MODE::OPAQUE));
+        ASSERT_TRUE(picture->castShadow(*glass, GLTF_ALPHA_MODE::BLEND));
         picture->fitShadow(ovGraphics::BoundingBox::newBox({0.0f, 1.0f, 0.0f}, {2.0f, 2.0f, 2.0f}));
         picture->getCamera().setPosition({0.0f, 5.0f, -5.0f});
         picture->getCamera().lookAt({0.0f, -1.0f, 1.0f}, {});
         EXPECT_NEAR(pixel(draw(*picture), MIDDLE, MIDDLE).x, alpha > 0.5f ? 0.0f : 0.5f, 1e-2f) << alpha;
+    }
+}
+
+TEST_P(ScenePictureTest, whatIsMaskedWholeCastsItsWholeShadow) {
+    _settings.shadows = true;
+    struct Case {
+        float alpha, cutoff;
+        bool casts;
+    };
+    for (const Case& row : {Case{0.4f, 0.3f, true}, {0.3f, 0.4f, false}, {0.6f, 0.7f, false}}) {
+        const auto picture = makePicture();
+        const auto white = makeDiffuse(*picture, {0.5f, 0.5f, 0.5f});
+        const auto masked = makeDiffuse(*picture, {0.5f, 0.5f, 0.5f}, row.alpha);
+        masked->setAlphaCutoff(row.cutoff);
+        picture->getSolid().addEntity(_ground.get(), white->getShader(), nullptr);
+        picture->getSolid().addEntity(_sphere.get(), masked->getShader(), _above.get());
+        ASSERT_TRUE(picture->castShadow(*white, GLTF_ALPHA_MODE::OPAQUE));
+        ASSERT_TRUE(picture->castShadow(*masked, GLTF_ALPHA_MODE::MASK));
+        picture->fitShadow(ovGraphics::BoundingBox::newBox({0.0f, 1.0f, 0.0f}, {2.0f, 2.0f, 2.0f}));
+        picture->getCamera().setPosition({0.0f, 5.0f, -5.0f});
+        picture->getCamera().lookAt({0.0f, -1.0f, 1.0f}, {});
+        EXPECT_NEAR(pixel(draw(*picture), MIDDLE, MIDDLE).x, row.casts ? 0.0f : 0.5f, 1e-2f) << row.alpha;
     }
 }
 
@@ -244,18 +268,25 @@ TEST_P(ScenePictureTest, shadowsOfHolesReadTexturesAsTheFileSays) {
         TEXTURE_ADDRESS address;
         const char* shadow; ///< of the four texels: '#' where they shade the ground
         float coverage = 1.0f;
+        GLTF_ALPHA_MODE alphaMode = GLTF_ALPHA_MODE::MASK;
+        float cutoff = 0.5f;
     };
     const Case cases[] = {{TEXTURE_ADDRESS::WRAP, "#.#."},
                           {TEXTURE_ADDRESS::CLAMP, "#..."},
                           {TEXTURE_ADDRESS::MIRROR, "#..#"},
-                          {TEXTURE_ADDRESS::WRAP, "#.#.", 0.6f},
-                          {TEXTURE_ADDRESS::WRAP, "....", 0.4f}};
+                          {TEXTURE_ADDRESS::WRAP, "#.#.", 0.6f, GLTF_ALPHA_MODE::BLEND},
+                          {TEXTURE_ADDRESS::WRAP, "....", 0.4f, GLTF_ALPHA_MODE::BLEND},
+                          // Holes of masked surfaces are where they are seen, whatever the cut-off is.
+                          {TEXTURE_ADDRESS::WRAP, "#.#.", 0.4f, GLTF_ALPHA_MODE::MASK, 0.3f},
+                          {TEXTURE_ADDRESS::WRAP, "....", 0.3f, GLTF_ALPHA_MODE::MASK, 0.4f},
+                          {TEXTURE_ADDRESS::WRAP, "....", 0.6f, GLTF_ALPHA_MODE::MASK, 0.7f},
+                          {TEXTURE_ADDRESS::WRAP, "####", 0.1f, GLTF_ALPHA_MODE::MASK, 0.0f}};
     _settings.shadows = true;
     for (const Case& row : cases) {
         const auto picture = makePicture();
         const auto white = makeDiffuse(*picture, {0.5f, 0.5f, 0.5f});
-        const auto loaded =
-            ovVeldris::ModelLoader(&_session.getSystem()).create(makeSlate(row.address, row.coverage));
+        const auto loaded = ovVeldris::ModelLoader(&_session.getSystem())
+                                .create(makeSlate(row.address, row.coverage, row.alphaMode, row.cutoff));
         ASSERT_TRUE(loaded) << loaded.error;
         ovVeldris::Model& slate = *loaded.model;
         PbsMaterial& material = *slate.getMaterials()[0].material;
@@ -263,8 +294,8 @@ TEST_P(ScenePictureTest, shadowsOfHolesReadTexturesAsTheFileSays) {
         ASSERT_TRUE(slate.loadMaterials());
         picture->getSolid().addEntity(_ground.get(), white->getShader(), nullptr);
         slate.addTo(picture->getSolid(), picture->getBlended());
-        ASSERT_TRUE(picture->castShadow(*white, false));
-        ASSERT_TRUE(picture->castShadow(material, true));
+        ASSERT_TRUE(picture->castShadow(*white, GLTF_ALPHA_MODE::OPAQUE));
+        ASSERT_TRUE(picture->castShadow(material, row.alphaMode));
         picture->fitShadow(ovGraphics::BoundingBox::newBox({0.0f, 1.0f, 0.0f}, {2.0f, 2.0f, 2.0f}));
         picture->getCamera().setPosition({0.0f, 5.0f, -5.0f});
         picture->getCamera().lookAt({0.0f, -1.0f, 1.0f}, {});
@@ -272,7 +303,7 @@ TEST_P(ScenePictureTest, shadowsOfHolesReadTexturesAsTheFileSays) {
         ovMemory::String shadow;
         for (const unsigned int x : {10u, 14u, 18u, 22u}) // a texel is four pixels wide, from the eighth on
             shadow += pixel(image, x, MIDDLE).x < 0.1f ? '#' : '.';
-        EXPECT_EQ(shadow, row.shadow);
+        EXPECT_EQ(shadow, row.shadow) << row.coverage << ' ' << row.cutoff;
     }
 }
 
@@ -321,7 +352,7 @@ TEST_P(ScenePictureTest, stripsMakeTheSamePictureAsAWholeDoes) {
         const auto material = makeDiffuse(*picture, {0.5f, 0.4f, 0.3f});
         picture->getSolid().addEntity(_ground.get(), material->getShader(), nullptr);
         picture->getSolid().addEntity(_sphere.get(), material->getShader(), _above.get());
-        ASSERT_TRUE(picture->castShadow(*material, false));
+        ASSERT_TRUE(picture->castShadow(*material, GLTF_ALPHA_MODE::OPAQUE));
         picture->fitShadow(ovGraphics::BoundingBox::newBox({0.0f, 1.0f, 0.0f}, {2.0f, 2.0f, 2.0f}));
         pictures.push_back(draw(*picture));
     }
