@@ -71,16 +71,24 @@ void freeSkinnedMeshes(const Buffer<GltfNodeSource>& sources, GltfScene& scene) 
 bool readMesh(const GltfMeshContext& context, std::size_t index, const GltfSkin* skin, GltfMesh& mesh) {
     const GltfObject source = getGltfObject(context.root["meshes"], "mesh", index, context.report);
     const GltfJson primitives = source.getJson()["primitives"];
+    std::size_t triangles = 0;
+    std::size_t turned = 0;
     for (std::size_t i = 0; i < primitives.getCount(); ++i) {
         const GltfObject part(primitives.at(i), fmt::format("{}, primitive {}", source.getLabel(), i),
                               context.report);
         GltfPrimitive primitive;
-        bool usable = false;
-        if (!readGltfPrimitive(context, part, skin, primitive, usable))
+        GltfPrimitiveNotes notes;
+        if (!readGltfPrimitive(context, part, skin, primitive, notes))
             return false;
-        if (usable)
+        if (notes.usable)
             mesh.primitives.push_back(std::move(primitive));
+        triangles += notes.winding.triangles;
+        turned += notes.winding.isAgainst() ? notes.winding.against : 0;
     }
+    if (turned > 0)
+        source.warn(fmt::format("{} of its {} triangles are wound against their normals; it is drawn right "
+                                "side out",
+                                turned, triangles));
     return true;
 }
 

@@ -6,6 +6,7 @@
 #include <ovGraphics/gltf/detail/GltfMaterials.h>
 #include <ovGraphics/gltf/detail/GltfNodes.h>
 #include <ovGraphics/gltf/detail/GltfSkin.h>
+#include <ovGraphics/gltf/detail/GltfWinding.h>
 
 namespace ovGraphics::detail {
 
@@ -18,12 +19,17 @@ struct GltfMeshContext {
     GltfReport& report;
 };
 
+/// What is to be known of a primitive beside its vertices.
+struct GltfPrimitiveNotes {
+    bool usable = false; ///< otherwise there is nothing to draw in it, and a warning has said so
+    GltfWinding winding; ///< of the file
+};
+
 /// Reads one primitive.
 /// @param source the object of the file @param skin in whose rest pose the vertices are put; null for none
-/// @param usable false if there is nothing to draw in it, after a warning
 /// @return false after an error
 bool readGltfPrimitive(const GltfMeshContext& context, const GltfObject& source, const GltfSkin* skin,
-                       GltfPrimitive& primitive, bool& usable);
+                       GltfPrimitive& primitive, GltfPrimitiveNotes& notes);
 
 /// Fills the meshes of a scene, whose nodes are there. Nodes that wear a skin lose their mesh to a new root
 /// node that stays where the skin puts it. @return false after report.fail()

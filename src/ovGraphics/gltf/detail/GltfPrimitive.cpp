@@ -21,10 +21,10 @@ public:
         , _attributes(source.getObject("attributes")) {}
 
     // The order matters. The pose changes normals and tangents, so it comes before missing ones are made.
+    // Triangles are turned before tangents are made, whose handedness is theirs.
     // Corners are split only where something must be computed for each, as splitting drops all sharing of
     // vertices.
-    bool read(const GltfSkin* skin, GltfPrimitive& primitive, bool& usable) {
-        usable = false;
+    bool read(const GltfSkin* skin, GltfPrimitive& primitive, GltfPrimitiveNotes& notes) {
         if (!_source.readIndex("material", _context.needs.size(), "materials", primitive.material) ||
             !_readPositions())
             return false;
@@ -39,9 +39,12 @@ public:
         if (!_setTopology())
             return true;
         _warnOfIgnored();
-        if (!_completeNormals() || !_completeTangents())
+        if (!_completeNormals())
             return false;
-        usable = true;
+        notes.winding = _matchWinding(skin);
+        if (!_completeTangents())
+            return false;
+        notes.usable = true;
         return _pack(primitive);
     }
 
@@ -183,6 +186,16 @@ private:
         return true;
     }
 
+    // Makes triangles run around their normals. Gives how they ran in the file.
+    GltfWinding _matchWinding(const GltfSkin* skin) {
+        const GltfWinding winding = compareWinding(_geometry);
+        if (!winding.isAgainst())
+            return winding;
+        repairWinding(_geometry);
+        // Joints that mirror turn every triangle round: that is no fault of the file.
+        return skin && skin->mirrors() ? GltfWinding() : winding;
+    }
+
     bool _completeTangents() {
         // Only a normal map reads tangents, and making them splits every corner and joins them again.
         if (!_geometry.isTriangles() || !_needs.tangents || _geometry.uvs.empty() ||
@@ -224,8 +237,8 @@ private:
 } // namespace
 
 bool readGltfPrimitive(const GltfMeshContext& context, const GltfObject& source, const GltfSkin* skin,
-                       GltfPrimitive& primitive, bool& usable) {
-    return PrimitiveReader(context, source).read(skin, primitive, usable);
+                       GltfPrimitive& primitive, GltfPrimitiveNotes& notes) {
+    return PrimitiveReader(context, source).read(skin, primitive, notes);
 }
 
 } // namespace ovGraphics::detail

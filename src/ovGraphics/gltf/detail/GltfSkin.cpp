@@ -1,5 +1,6 @@
 #include <ovGraphics/gltf/detail/GltfSkin.h>
 
+#include <algorithm>
 #include <cmath>
 #include <fmt/format.h>
 
@@ -82,6 +83,10 @@ bool blend(const GltfSkin& skin, const Buffer<GltfSkinWeights>& sets, std::size_
 }
 
 } // namespace
+
+bool GltfSkin::mirrors() const {
+    return std::ranges::any_of(joints, [](const Matrix& joint) { return joint.getDeterminantMat3() < 0.0f; });
+}
 
 bool readGltfSkin(const GltfJson& root, std::size_t index, const GltfData& data, GltfReport& report,
                   const Buffer<GltfNodeSource>& nodes, GltfSkin& skin) {

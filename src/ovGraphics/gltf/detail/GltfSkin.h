@@ -13,6 +13,9 @@ namespace ovGraphics::detail {
 struct GltfSkin {
     /// Of each joint: from the mesh, as it is modelled, to the scene, in the space of the file.
     ovMemory::Buffer<ovMaths::Matrix> joints;
+
+    /// Whether a joint mirrors what it moves.
+    OV_API bool mirrors() const;
 };
 
 /// Reads a skin and puts its joints where their nodes are. @return false after an error

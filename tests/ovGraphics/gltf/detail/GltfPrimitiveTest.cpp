@@ -130,6 +130,8 @@ TEST(GltfPrimitiveTest, givesTangentsWhereTheyServe) {
     const Case cases[] = {
         {"normal map", R"(, "TEXCOORD_0": 1, "NORMAL": 2)", R"(, "material": 1)", true},
         {"normal map, flat", R"(, "TEXCOORD_0": 1)", R"(, "material": 1)", true},
+        {"normal map, wound the other way", R"(, "TEXCOORD_0": 1, "NORMAL": 2)",
+         R"(, "material": 1, "indices": 4)", true},
         {"normal map without texture coordinates", R"(, "NORMAL": 2)", R"(, "material": 1)", false},
         {"no normal map", R"(, "TEXCOORD_0": 1, "NORMAL": 2)", R"(, "material": 0)", false},
         {"no material", R"(, "TEXCOORD_0": 1, "NORMAL": 2)", "", false},
@@ -150,6 +152,7 @@ TEST(GltfPrimitiveTest, givesTangentsWhereTheyServe) {
         }
         file.addFloats("VEC3", normals);
         file.addFloats("VEC4", tangents);
+        file.add<std::uint16_t>({0, 2, 1, 3, 5, 4}, "SCALAR", UINT16);
         file.members +=
             R"(, "images": [{"bufferView": )" + std::to_string(file.addView(makePng())) +
             R"(}], "textures": [{"source": 0}], "materials": [{}, {"normalTexture": {"index": 0}}])";
