@@ -30,6 +30,8 @@ ProgramLibrary::~ProgramLibrary() = default;
 
 const LoadedProgram* ProgramLibrary::acquire(const shading::ProgramText& text, ovMemory::String& error,
                                              ovMemory::String& warnings) {
+    if (_observer)
+        _observer(text);
     ovMemory::String key = keyOf(text);
     const auto known = _programs.find(key);
     if (known != _programs.end()) {

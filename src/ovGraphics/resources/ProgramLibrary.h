@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <ovCommon/Api.h>
 #include <ovGraphics/shading/CompiledProgram.h>
 #include <ovGraphics/shading/ProgramDiskCache.h>
@@ -47,6 +48,11 @@ public:
 
     const ProgramLibraryStatistics& getStatistics() const { return _statistics; }
 
+    /// Is told each text that is acquired from now on, also where it is shared; an empty function ends it.
+    void setObserver(std::function<void(const shading::ProgramText& text)> observer) {
+        _observer = std::move(observer);
+    }
+
 private:
     ovMemory::UniquePtr<LoadedProgram> _load(const shading::ProgramText& text, ovMemory::String& error,
                                              ovMemory::String& warnings);
@@ -58,6 +64,7 @@ private:
     device::Device& _device;
     shading::ProgramDiskCache _diskCache;
     ProgramLibraryStatistics _statistics;
+    std::function<void(const shading::ProgramText& text)> _observer;
     std::unordered_map<ovMemory::String, ovMemory::UniquePtr<LoadedProgram>> _programs; ///< by the full text
     ovMemory::Buffer<ovMemory::Buffer<shading::AttributeInfo>>
         _inputLayouts; ///< each list of attributes once

@@ -65,6 +65,21 @@ TEST_P(ProgramLibraryTest, sharesTheProgramsOfEqualTexts) {
     EXPECT_EQ(warnings, "");
 }
 
+TEST_P(ProgramLibraryTest, tellsWhoeverWatches) {
+    ProgramLibrary library(*getGraphics().getDevice(), "");
+    ovMemory::String error;
+    ovMemory::String warnings;
+    const shading::ProgramText text = makeUnloadedProgram(getGraphics(), UV_TEXT)->getText();
+    ovMemory::Buffer<ovMemory::String> seen;
+    library.setObserver([&seen](const shading::ProgramText& asked) { seen.push_back(asked.name); });
+    for (int i = 0; i < 2; ++i) // compiled, and shared
+        EXPECT_NE(library.acquire(text, error, warnings), nullptr) << error;
+    EXPECT_EQ(seen, (ovMemory::Buffer<ovMemory::String>{text.name, text.name}));
+    library.setObserver({});
+    EXPECT_NE(library.acquire(text, error, warnings), nullptr) << error;
+    EXPECT_EQ(seen.size(), 2u);
+}
+
 TEST_P(ProgramLibraryTest, theDiskKeepsProgramsBetweenSystems) {
     const TemporaryFolder folder;
     const ovMemory::String cache = folder.getPath("cache");

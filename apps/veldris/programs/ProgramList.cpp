@@ -1,0 +1,229 @@
+#include <veldris/programs/ProgramList.h>
+
+#include <algorithm>
+#include <array>
+#include <ovGraphics/System.h>
+#include <ovGraphics/resources/ProgramLibrary.h>
+#include <ovGraphics/resources/Texture.h>
+#include <ovGraphics/scene/DepthShader.h>
+#include <ovGraphics/shading/CrossCompiler.h>
+#include <ovVeldris/System.h>
+#include <ovVeldris/content/ModelLoader.h>
+#include <ovVeldris/core/settings/SettingCombinations.h>
+#include <ovVeldris/environment/EnvironmentRenderer.h>
+#include <ovVeldris/environment/PbsEnvironmentMapFilter.h>
+#include <ovVeldris/materials/PbsMaterial.h>
+#include <veldris/Session.h>
+#include <veldris/effects/EffectChain.h>
+#include <veldris/pictures/PictureShader.h>
+#include <veldris/scene/ModelLight.h>
+#include <veldris/scene/ScenePicture.h>
+
+namespace veldris {
+
+using ovGraphics::Texture;
+using ovGraphics::TEXTURE_TYPE;
+using ovGraphics::shading::ProgramText;
+using ovGraphics::shading::STAGE;
+using ovMemory::Buffer;
+using ovMemory::String;
+using ovMemory::StringView;
+using ovMemory::UniquePtr;
+using ovVeldris::Setting;
+using ovVeldris::SETTING_KIND;
+using ovVeldris::SettingAssignment;
+
+namespace {
+
+constexpr unsigned int SMALL_SIDE = 4; // texels
+
+/// Settings that select the text of a shader, as a list of effects has them.
+PlannedEffect plannedWith(const ovVeldris::EffectKind& kind, const Buffer<SettingAssignment>& settings) {
+    PlannedEffect effect;
+    effect.kind = &kind;
+    effect.settings = settings;
+    effect.text = kind.getName();
+    // The spelling of --effects, so that a line of the list can be pasted into a command.
+    char separator = ':';
+    for (const SettingAssignment& assignment : settings) {
+        const Setting& setting = *kind.settings().find(assignment.name);
+        effect.text += separator;
+        effect.text.append(setting.name).append("=").append(toText(setting, assignment.value));
+        separator = ',';
+    }
+    return effect;
+}
+
+bool isSameText(const ProgramText& a, const ProgramText& b) {
+    const auto isSame = [&](STAGE stage) {
+        return ovGraphics::shading::getFullText(a, stage) == ovGraphics::shading::getFullText(b, stage);
+    };
+    // The full texts, since the defines make programs of one source differ.
+    return a.name == b.name && isSame(STAGE::VERTEX) && isSame(STAGE::PIXEL);
+}
+
+UniquePtr<Texture> makeTexture(Session& session, StringView name, TEXTURE_TYPE type) {
+    auto texture = Texture::create(&session.getGraphics());
+    texture->setName(name);
+    texture->setTexType(type);
+    texture->setFormat(ovGraphics::FORMAT::R32G32B32A32_FLOAT);
+    texture->setWidth(SMALL_SIDE);
+    texture->setHeight(SMALL_SIDE);
+    return texture;
+}
+
+/// The other values of a switch or an enumeration; none of what waits for no load() or names channels.
+Buffer<SettingAssignment> otherValuesOf(const Setting& setting) {
+    if (!setting.waitsForLoad || setting.name.ends_with("-channel") || setting.name.ends_with("-channels"))
+        return {};
+    if (setting.kind == SETTING_KIND::FLAG)
+        return {{setting.name, !std::get<bool>(setting.defaultValue)}};
+    Buffer<SettingAssignment> others;
+    for (const String& choice : setting.choices)
+        if (choice != std::get<String>(setting.defaultValue))
+            others.push_back({setting.name, choice});
+    return others;
+}
+
+} // namespace
+
+ProgramList::ProgramList(Session& session)
+    : _session(session) {
+    _session.getGraphics().getProgramLibrary().setObserver([this](const ProgramText& text) { _keep(text); });
+}
+
+ProgramList::~ProgramList() {
+    _session.getGraphics().getProgramLibrary().setObserver({});
+}
+
+/// Adds a program, in the place of an equal one: where a setting may mean "choose for me", the choice comes
+/// later in the list and says more. Compared by name and text: programs of one name and different texts would
+/// be a mistake of an id, and both must show.
+void ProgramList::_keep(const ProgramText& text) {
+    std::erase_if(_programs, [&](const GeneratedProgram& other) { return isSameText(other.text, text); });
+    _programs.push_back({_from, text});
+}
+
+bool ProgramList::_fail(String& error) const {
+    error = _from + " cannot be loaded: " + _session.getLogger().take();
+    return false;
+}
+
+bool ProgramList::addEffects(StringView only, String& error) {
+    for (const ovVeldris::EffectKind& kind : ovVeldris::effectKinds()) {
+        if (!only.empty() && kind.getName() != only)
+            continue;
+        for (const auto& settings : finiteCombinations(kind.settings())) {
+            const PlannedEffect planned = plannedWith(kind, settings);
+            _from = planned.text;
+            if (!makeEffect(_session, planned)->load())
+                return _fail(error);
+        }
+    }
+    return true;
+}
+
+bool ProgramList::_addMaterial(String from, ovMemory::BufferView<const SettingAssignment> settings) {
+    _from = std::move(from);
+    const auto material = ovVeldris::PbsMaterial::create(&_session.getSystem());
+    material->setName(_from);
+    for (const SettingAssignment& assignment : settings)
+        material->getSettings().find(assignment.name)->set(*material, assignment.value);
+    return material->load();
+}
+
+bool ProgramList::addMaterials(String& error) {
+    Buffer<UniquePtr<Texture>> owned; // one each: textures that are shared are read once
+    const ovVeldris::SettingTable& table = ovVeldris::PbsMaterial::settings();
+    bool isLoaded = _addMaterial("material without textures", {});
+    Buffer<SettingAssignment> textures;
+    for (const Setting& setting : table) {
+        if (setting.kind != SETTING_KIND::TEXTURE)
+            continue;
+        owned.push_back(makeTexture(_session, setting.name, TEXTURE_TYPE::TEXTURE_2D));
+        textures.push_back({setting.name, owned.back().get()});
+        isLoaded = isLoaded && _addMaterial("material with " + String(setting.name), {&textures.back(), 1});
+    }
+    isLoaded = isLoaded && _addMaterial("material with all textures", textures);
+    for (const Setting& setting : table) {
+        for (const SettingAssignment& other : otherValuesOf(setting)) {
+            textures.push_back(other);
+            isLoaded = isLoaded && _addMaterial("material with all textures, " + String(other.name) + "=" +
+                                                    toText(setting, other.value),
+                                                textures);
+            textures.pop_back();
+        }
+    }
+    return isLoaded || _fail(error);
+}
+
+bool ProgramList::addModel(StringView path, Buffer<String>& warnings, String& error) {
+    const ovVeldris::ModelLoadResult loaded = ovVeldris::ModelLoader(&_session.getSystem()).load(path);
+    error = loaded.error;
+    if (!loaded)
+        return false;
+    warnings = loaded.model->getWarnings();
+    giveModelLight(*loaded.model);
+    for (ovVeldris::PbsMaterial* material : materialsOf(*loaded.model)) {
+        _from = "material '" + String(material->getName()) + "'";
+        if (!material->load())
+            return _fail(error);
+    }
+    return true;
+}
+
+bool ProgramList::addPasses(String& error) {
+    ovGraphics::System& graphics = _session.getGraphics();
+    const UniquePtr<Texture> texture = makeTexture(_session, "alpha", TEXTURE_TYPE::TEXTURE_2D);
+    SceneSettings smallScene;
+    smallScene.width = smallScene.height = SMALL_SIDE;
+    const std::pair<StringView, std::function<bool()>> PASSES[] = {
+        {"pass of a scene over its surroundings, on a ground",
+         [&] {
+             SceneSettings settings = smallScene;
+             settings.ground = true;
+             return ScenePicture::create(_session, settings, error) != nullptr;
+         }},
+        {"pass of a scene with alpha",
+         [&] {
+             SceneSettings settings = smallScene;
+             settings.transparent = true;
+             return ScenePicture::create(_session, settings, error) != nullptr;
+         }},
+        {"pass of shadows", [&] { return ovGraphics::DepthShader::create(&graphics, {}) != nullptr; }},
+        {"pass of shadows with holes",
+         [&] {
+             return ovGraphics::DepthShader::create(&graphics, {.alphaTexture = texture.get()}) != nullptr;
+         }},
+        {"pass from display light to sRGB", [&] { return PictureShader::encodeSrgb(graphics) != nullptr; }},
+        {"pass from sRGB to display light", [&] { return PictureShader::decodeSrgb(graphics) != nullptr; }},
+    };
+    for (const auto& [from, load] : PASSES) {
+        _from = from;
+        if (!load())
+            return _fail(error);
+    }
+    return true;
+}
+
+// The tools make their programs when they are first asked for a picture.
+bool ProgramList::addTools(String& error) {
+    const UniquePtr<Texture> flat = makeTexture(_session, "panorama", TEXTURE_TYPE::TEXTURE_2D);
+    const UniquePtr<Texture> cube = makeTexture(_session, "cube", TEXTURE_TYPE::CUBE);
+    const UniquePtr<Texture> result = makeTexture(_session, "result", TEXTURE_TYPE::TEXTURE_2D);
+    _from = "tool";
+    if (!flat->load() || !cube->load())
+        return _fail(error);
+    _from = "tool that filters environments";
+    for (Texture* input : {cube.get(), flat.get()})
+        _session.getSystem().getPbsEnvironmentMapFilter()->requestEnvironmentMapFiltering(input, result.get(),
+                                                                                          SMALL_SIDE);
+    _from = "tool that unwraps cubes";
+    _session.getSystem().getEnvironmentRenderer()->cubemapToSphericalMap(result.get(), cube.get(), SMALL_SIDE,
+                                                                         SMALL_SIDE / 2);
+    // They return nothing, and log what they could not do.
+    error = _session.getLogger().take();
+    return error.empty();
+}
+
+} // namespace veldris

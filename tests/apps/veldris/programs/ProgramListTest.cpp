@@ -1,0 +1,93 @@
+#include <veldris/programs/ProgramList.h>
+
+#include "veldris/commands/ModelFile.h"
+
+#include <algorithm>
+#include <gtest/gtest.h>
+#include <ovGraphics/System.h>
+#include <ovGraphics/resources/Program.h>
+#include <ovGraphics/shading/CrossCompiler.h>
+#include <set>
+#include <veldris/Session.h>
+
+namespace {
+
+using ovMemory::String;
+
+class ProgramListTest : public testing::Test {
+protected:
+    ProgramListTest() {
+        veldris::DrawingOptions options;
+        options.device = "software";
+        options.noCache = true;
+        String error;
+        EXPECT_TRUE(_session.open(options, error)) << error;
+    }
+
+    static std::multiset<String> namesOf(const veldris::ProgramList& programs) {
+        std::multiset<String> names;
+        for (const veldris::GeneratedProgram& program : programs.get())
+            names.insert(program.text.name);
+        return names;
+    }
+
+    veldris::Session _session;
+    String _error;
+};
+
+TEST_F(ProgramListTest, passesAndToolsAreAllThere) {
+    veldris::ProgramList programs(_session);
+    ASSERT_TRUE(programs.addPasses(_error)) << _error;
+    EXPECT_EQ(namesOf(programs),
+              (std::multiset<String>{"ORVANE_DEPTH", "ORVANE_DEPTH", "VELDRIS_AVERAGE_SAMPLES",
+                                     "VELDRIS_AVERAGE_SAMPLES_ALPHA", "VELDRIS_COUNT_SAMPLES",
+                                     "VELDRIS_DECODE_SRGB", "VELDRIS_ENCODE_SRGB", "VELDRIS_SHADOW_GROUND"}));
+    const std::size_t passes = programs.get().size();
+    ASSERT_TRUE(programs.addTools(_error)) << _error;
+    EXPECT_EQ(programs.get().size(), passes + 3) << "two shapes of what is filtered, and unwrapping";
+}
+
+TEST_F(ProgramListTest, materialsComeOneSettingAfterAnother) {
+    veldris::ProgramList programs(_session);
+    ASSERT_TRUE(programs.addMaterials(_error)) << _error;
+    std::set<String> texts;
+    for (const veldris::GeneratedProgram& program : programs.get()) {
+        EXPECT_TRUE(program.text.name.starts_with("ORVANE_PBS_PROGRAM_")) << program.from;
+        EXPECT_TRUE(program.from.starts_with("material ")) << program.from;
+        texts.insert(getFullText(program.text, ovGraphics::shading::STAGE::VERTEX) +
+                     getFullText(program.text, ovGraphics::shading::STAGE::PIXEL));
+    }
+    EXPECT_EQ(texts.size(), programs.get().size()) << "each has a text of its own";
+    const auto isListed = [&](const char* from) {
+        return std::ranges::count(programs.get(), from, &veldris::GeneratedProgram::from) == 1;
+    };
+    for (const char* from :
+         {"material without textures", "material with normal-map-texture",
+          "material with environment-texture", "material with shadow-map-texture",
+          "material with all textures", "material with all textures, pbs-model=specular-glossiness",
+          "material with all textures, combine-light-and-environment=true",
+          "material with all textures, environment-texture-is-cube-by-default=false"})
+        EXPECT_TRUE(isListed(from)) << from;
+}
+
+TEST_F(ProgramListTest, modelsNameTheirMaterials) {
+    const TemporaryFolder folder;
+    veldris::ProgramList programs(_session);
+    ovMemory::Buffer<String> warnings;
+    ASSERT_TRUE(programs.addModel(writeQuad(folder), warnings, _error)) << _error;
+    ASSERT_EQ(programs.get().size(), 1u);
+    EXPECT_EQ(programs.get()[0].from, "material 'paint'");
+    EXPECT_FALSE(programs.addModel("nowhere.glb", warnings, _error));
+    EXPECT_NE(_error.find("nowhere.glb"), String::npos);
+}
+
+TEST_F(ProgramListTest, whatIsLoadedLaterIsNotWatched) {
+    { const veldris::ProgramList programs(_session); }
+    veldris::ProgramList programs(_session);
+    ASSERT_TRUE(programs.addEffects("texture-copy", _error)) << _error;
+    ASSERT_TRUE(programs.addEffects("texture-copy", _error)) << _error;
+    EXPECT_EQ(programs.get().size(), 1u) << "each once";
+    EXPECT_EQ(programs.get()[0].from, "texture-copy");
+}
+
+} // namespace
