@@ -29,7 +29,13 @@ constexpr StringView IGNORED_EXTENSIONS[] = {"KHR_materials_anisotropy",
                                              "MSFT_packing_normalRoughnessMetallic",
                                              "MSFT_packing_occlusionRoughnessMetallic"};
 
+constexpr StringView NORMAL = "normalTexture";
 constexpr StringView OCCLUSION = "occlusionTexture";
+constexpr StringView EMISSIVE = "emissiveTexture";
+
+String describeUvs(const GltfUvSource& uvs) {
+    return fmt::format("TEXCOORD_{}{}", uvs.set, uvs.isIdentity() ? "" : " and a KHR_texture_transform");
+}
 
 GltfUvSource readUvSource(const GltfObject& info) {
     GltfUvSource source;
@@ -52,8 +58,10 @@ GltfUvSource readUvSource(const GltfObject& info) {
 
 class MaterialReader {
 public:
-    MaterialReader(const GltfObject& source, GltfScene& scene)
+    MaterialReader(const GltfObject& source, std::size_t index, GltfUvSets& sets, GltfScene& scene)
         : _source(source)
+        , _index(index)
+        , _sets(sets)
         , _scene(scene) {}
 
     bool read(GltfMaterial& material, GltfVertexNeeds& needs) {
@@ -61,11 +69,11 @@ public:
             return false;
         _readAlpha(material);
         _warnOfExtensions();
+        needs.anyTexture = !_uses.empty();
+        if (needs.anyTexture && !_chooseUvSource(material, needs))
+            return false;
         // Tangents cost a split of every corner and 24 bytes a vertex, so they are made for normal maps only.
         needs.tangents = material.normalTexture >= 0;
-        needs.anyTexture = !_uses.empty();
-        if (needs.anyTexture)
-            needs.uvs = _chooseUvSource(material);
         return true;
     }
 
@@ -114,11 +122,11 @@ private:
     }
 
     bool _readCommon(GltfMaterial& material) {
-        if (!_readTexture(_source, "normalTexture", false, material.normalTexture) ||
+        if (!_readTexture(_source, NORMAL, false, material.normalTexture) ||
             !_readTexture(_source, OCCLUSION, false, material.occlusionTexture) ||
-            !_readTexture(_source, "emissiveTexture", true, material.emissiveTexture))
+            !_readTexture(_source, EMISSIVE, true, material.emissiveTexture))
             return false;
-        const GltfObject normal = _source.getObject("normalTexture");
+        const GltfObject normal = _source.getObject(NORMAL);
         material.normalScale = normal.readFloat("scale", 1.0f, -HUGE_NUMBER, HUGE_NUMBER);
         const GltfObject occlusion = _source.getObject(OCCLUSION);
         material.occlusionStrength = occlusion.readFloat("strength", 1.0f, 0.0f, 1.0f);
@@ -149,16 +157,16 @@ private:
 
     // Vertices have room for one set: that of the first texture read, which is the base colour's if it has
     // one. Occlusion often has a set of its own, and decides last.
-    GltfUvSource _chooseUvSource(GltfMaterial& material) const {
+    bool _chooseUvSource(GltfMaterial& material, GltfVertexNeeds& needs) {
         const auto first = std::ranges::find_if(_uses, [](const Use& use) { return use.slot != OCCLUSION; });
         const Use& chosen = first != _uses.end() ? *first : _uses.front();
+        needs.uvs = chosen.uvs;
         String others;
         for (const Use& use : _uses) {
-            if (use.uvs == chosen.uvs)
-                continue;
-            if (use.slot == OCCLUSION)
-                _leaveOcclusionOut(material, chosen.slot);
-            else
+            bool same = false;
+            if (!_sets.compare(_index, use.uvs, chosen.uvs, same))
+                return false;
+            if (!same && !_leaveOut(use, chosen, material))
                 others += fmt::format("{}{}", others.empty() ? "" : ", ", use.slot);
         }
         if (!others.empty())
@@ -166,17 +174,34 @@ private:
                 fmt::format("{} should be read with other texture coordinates than {}; they are drawn "
                             "with those of {}",
                             others, chosen.slot, chosen.slot));
-        return chosen.uvs;
+        return true;
     }
 
-    // Read with other coordinates, it darkens what lies open to the light: worse than none.
-    void _leaveOcclusionOut(GltfMaterial& material, StringView chosen) const {
-        material.occlusionTexture = -1;
-        _source.warn(fmt::format("{} should be read with other texture coordinates than {}; it is left out",
-                                 OCCLUSION, chosen));
+    // Leaves a texture out that is worse than none when it is read with the coordinates of another.
+    // @return false if it is not: what tells the colour of the surface has no other value, and a relief in
+    // another scale is still one
+    bool _leaveOut(const Use& use, const Use& chosen, GltfMaterial& material) {
+        const bool hasOtherSet = use.uvs.set != chosen.uvs.set;
+        if (use.slot == OCCLUSION) { // it would darken what lies open to the light
+            material.occlusionTexture = -1;
+        } else if (use.slot == NORMAL && hasOtherSet) {
+            material.normalTexture = -1;
+        } else if (use.slot == EMISSIVE && hasOtherSet) {
+            material.emissiveTexture = -1;
+            material.emissive = {}; // or all of the surface would shine
+        } else {
+            return false;
+        }
+        _source.warn(fmt::format("{} should be read with {}, but {} is with {}, and a material reads one set "
+                                 "of texture coordinates; {} is left out",
+                                 use.slot, describeUvs(use.uvs), chosen.slot, describeUvs(chosen.uvs),
+                                 use.slot));
+        return true;
     }
 
     const GltfObject& _source;
+    std::size_t _index;
+    GltfUvSets& _sets;
     GltfScene& _scene;
     Buffer<Use> _uses;
 };
@@ -189,11 +214,12 @@ bool readGltfMaterials(const GltfJson& root, const GltfData& data, StringView fo
         return false;
     const GltfJson materials = root["materials"];
     GltfNames names("material");
+    GltfUvSets sets(root, data, report);
     for (std::size_t i = 0; i < materials.getCount(); ++i) {
         const GltfObject source = getGltfObject(materials, "material", i, report);
         GltfMaterial& material = scene.materials.emplace_back();
         material.name = names.makeUnique(source.readString("name"), i);
-        if (!MaterialReader(source, scene).read(material, needs.emplace_back()))
+        if (!MaterialReader(source, i, sets, scene).read(material, needs.emplace_back()))
             return false;
     }
     return true;

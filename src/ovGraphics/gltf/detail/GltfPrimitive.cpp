@@ -90,12 +90,10 @@ private:
         // Tangents belong to normals and to texture coordinates.
         if (_geometry.normals.empty() || _geometry.uvs.empty())
             _geometry.tangents.clear();
-        const auto& transform = _needs.uvs.transform;
         if (_needs.uvs.isIdentity())
             return true;
         for (Vector& uv : _geometry.uvs)
-            uv = {transform[0] * uv.x + transform[1] * uv.y + transform[2],
-                  transform[3] * uv.x + transform[4] * uv.y + transform[5]};
+            uv = _needs.uvs.apply(uv);
         return true;
     }
 

@@ -108,41 +108,73 @@ TEST(GltfMaterialsTest, warnsOfWhatIsDrawnOtherwise) {
          "material 0: KHR_materials_ior is ignored; it is drawn without"},
         {R"({"pbrMetallicRoughness": {"roughnessFactor": 7}})",
          "material 0, pbrMetallicRoughness: 'roughnessFactor' is 7; 1 is taken instead"},
-        {R"({"pbrMetallicRoughness": {"baseColorTexture": {"index": 0}}, "normalTexture": {"index": 1, "texCoord": 1},
-             "emissiveTexture": {"index": 2, "texCoord": 1}})",
-         "material 0: normalTexture, emissiveTexture should be read with other texture coordinates than "
+        {R"({"pbrMetallicRoughness": {"baseColorTexture": {"index": 0}, "metallicRoughnessTexture": {"index": 3,
+             "texCoord": 1}}, "normalTexture": {"index": 1, "extensions": {"KHR_texture_transform": {"scale": [2, 2]}}}})",
+         "material 0: metallicRoughnessTexture, normalTexture should be read with other texture coordinates "
+         "than "
          "baseColorTexture; they are drawn with those of baseColorTexture"},
     };
     for (const Case& row : cases)
         decodeMaterial(row.material, {row.warning});
 }
 
-TEST(GltfMaterialsTest, occlusionWithASetOfItsOwnIsLeftOut) {
+TEST(GltfMaterialsTest, whatHasASetOfItsOwnIsLeftOut) {
     struct Case {
         const char* material;
-        int texture; ///< that stays
+        int normal, occlusion, emissive; ///< textures that stay
         Strings warnings;
     };
     const Case cases[] = {
         {R"({"pbrMetallicRoughness": {"baseColorTexture": {"index": 0}},
              "occlusionTexture": {"index": 1, "texCoord": 1}})",
          -1,
-         {"material 0: occlusionTexture should be read with other texture coordinates than baseColorTexture; "
-          "it is "
-          "left out"}},
+         -1,
+         -1,
+         {"material 0: occlusionTexture should be read with TEXCOORD_1, but baseColorTexture is with "
+          "TEXCOORD_0, "
+          "and a material reads one set of texture coordinates; occlusionTexture is left out"}},
         {R"({"occlusionTexture": {"index": 1, "texCoord": 1}, "emissiveTexture": {"index": 2}})",
          -1,
-         {"material 0: occlusionTexture should be read with other texture coordinates than emissiveTexture; "
-          "it is "
-          "left out"}},
-        {R"({"occlusionTexture": {"index": 1, "texCoord": 1}})", 1, {}},
+         -1,
+         2,
+         {"material 0: occlusionTexture should be read with TEXCOORD_1, but emissiveTexture is with "
+          "TEXCOORD_0, "
+          "and a material reads one set of texture coordinates; occlusionTexture is left out"}},
+        {R"({"pbrMetallicRoughness": {"baseColorTexture": {"index": 0, "extensions": {"KHR_texture_transform":
+             {"scale": [4, 4]}}}}, "occlusionTexture": {"index": 1}})",
+         -1,
+         -1,
+         -1,
+         {"material 0: occlusionTexture should be read with TEXCOORD_0, but baseColorTexture is with "
+          "TEXCOORD_0 "
+          "and a KHR_texture_transform, and a material reads one set of texture coordinates; "
+          "occlusionTexture "
+          "is left out"}},
+        {R"({"pbrMetallicRoughness": {"baseColorTexture": {"index": 0}}, "normalTexture": {"index": 3, "texCoord": 1},
+             "emissiveTexture": {"index": 2, "texCoord": 1}, "emissiveFactor": [1, 1, 1]})",
+         -1,
+         -1,
+         -1,
+         {"material 0: normalTexture should be read with TEXCOORD_1, but baseColorTexture is with "
+          "TEXCOORD_0, "
+          "and a material reads one set of texture coordinates; normalTexture is left out",
+          "material 0: emissiveTexture should be read with TEXCOORD_1, but baseColorTexture is with "
+          "TEXCOORD_0, "
+          "and a material reads one set of texture coordinates; emissiveTexture is left out"}},
+        {R"({"occlusionTexture": {"index": 1, "texCoord": 1}})", -1, 1, -1, {}},
         {R"({"pbrMetallicRoughness": {"baseColorTexture": {"index": 0, "texCoord": 1}},
-             "occlusionTexture": {"index": 1, "texCoord": 1}})",
+             "normalTexture": {"index": 4, "texCoord": 1}, "occlusionTexture": {"index": 1, "texCoord": 1},
+             "emissiveTexture": {"index": 5, "texCoord": 1}})",
+         4,
          1,
+         5,
          {}}};
     for (const Case& row : cases) {
         const GltfMaterial material = decodeMaterial(row.material, row.warnings);
-        EXPECT_EQ(material.occlusionTexture, row.texture) << row.material;
+        EXPECT_EQ(material.normalTexture, row.normal) << row.material;
+        EXPECT_EQ(material.occlusionTexture, row.occlusion) << row.material;
+        EXPECT_EQ(material.emissiveTexture, row.emissive) << row.material;
+        EXPECT_EQ(material.emissive, Vector()) << "without its texture all of the surface would shine";
     }
 }
 
