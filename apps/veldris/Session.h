@@ -17,8 +17,8 @@ namespace veldris {
 /// Options of every subcommand that draws.
 struct DrawingOptions {
     ovMemory::String language = "glsl"; ///< glsl or hlsl
-    ovMemory::String device;            ///< empty, a number, or "software"
-    ovMemory::String cache;             ///< folder of compiled programs
+    ovMemory::String device = {};       ///< empty, a number, or "software"
+    ovMemory::String cache = {};        ///< folder of compiled programs
     bool noCache = false;
     bool timings = false;
     bool json = false;

@@ -2,7 +2,9 @@
 #pragma once
 
 #include <csignal>
+#include <cstdlib>
 #include <fstream>
+#include <gtest/gtest.h>
 #include <iterator>
 #include <ovMemory/Memory.h>
 #include <support/TemporaryFolder.h>
@@ -78,3 +80,19 @@ private:
     bool _installed = true;
     ovMemory::String _number;
 };
+
+/// Has the windows of the test open on a display.
+/// @return false when the test must end: it is skipped where Xvfb is not installed, and fails where that does
+/// not start
+inline bool openWindowsOn(const VirtualDisplay& display) {
+    const ovMemory::String name = display.getName();
+    if (!display.isInstalled())
+        [] { GTEST_SKIP() << "Xvfb is not installed"; }();
+    else
+        EXPECT_NE(name, "") << "Xvfb did not start";
+    if (name.empty())
+        return false;
+    setenv("DISPLAY", name.c_str(), 1);
+    unsetenv("WAYLAND_DISPLAY");
+    return true;
+}

@@ -9,7 +9,10 @@
 // neighbour, and a block around the brightest direction.
 //
 // Beside it `cmgen` of Debian's libfilament-tools, when it is installed, with 1024 samples a texel: its mips
-// are of other roughnesses (0.134, 0.293, 0.5 and 1), and are held against the truth at these.
+// are of other roughnesses, 1 - sqrt(1 - i / 4), and are held against the truth at these. They were measured:
+// of caps of light of 90, 30 and 10 degrees around +y, which have no direction to mistake, it made mips with
+// 4096 samples; of all roughnesses the lobe fits those at 0.132 to 0.135, 0.293, 0.500 and 1.002 best, with
+// residuals of 0.05 to 1.2 % of the light.
 //
 // Prints a table in Markdown after the benchmarks of Google's library; times are those of
 // prefilterEnvironment().

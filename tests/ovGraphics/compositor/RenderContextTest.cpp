@@ -62,11 +62,8 @@ TEST_P(RenderContextTest, aHeadlessSystemHasNoWindowToDrawIn) {
 
 TEST_P(RenderContextTest, aWindowShowsLightAsFilesDo) {
     const VirtualDisplay display;
-    if (!display.isInstalled())
-        GTEST_SKIP() << "Xvfb is not installed";
-    ASSERT_NE(display.getName(), "") << "Xvfb did not start";
-    setenv("DISPLAY", display.getName().c_str(), 1);
-    unsetenv("WAYLAND_DISPLAY");
+    if (!openWindowsOn(display))
+        return;
     System windowed;
     Configuration configuration;
     configuration.language = GetParam();

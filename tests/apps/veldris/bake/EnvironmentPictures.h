@@ -1,34 +1,22 @@
 // Small environments whose colours tell directions.
 #pragma once
 
-#include <array>
 #include <cmath>
 #include <gtest/gtest.h>
 #include <ovImages/CompositeEncoder.h>
 #include <ovMemory/Memory.h>
+#include <support/LightTruth.h>
 
-using Direction = std::array<double, 3>;
+using lightTruth::Direction;
 
-/// Direction of the middle of a texel of a face, by Direct3D's table of faces.
+/// Direction of the middle of a texel of a face.
 inline Direction directionOfTexel(unsigned int face, unsigned int side, unsigned int x, unsigned int y) {
-    const double u = (2.0 * x + 1.0) / side - 1.0;
-    const double v = (2.0 * y + 1.0) / side - 1.0;
-    const Direction table[] = {{1, -v, -u}, {-1, -v, u}, {u, 1, v}, {u, -1, -v}, {u, -v, 1}, {-u, -v, -1}};
-    Direction direction = table[face];
-    const double length = std::sqrt(1.0 + u * u + v * v);
-    for (double& part : direction)
-        part /= length;
-    return direction;
+    return lightTruth::faceDirection(face, side, x + 0.5, y + 0.5);
 }
 
-/// Direction of the middle of a pixel of a panorama: the top row looks up, the middle along +x, +z to its
-/// right.
+/// Direction of the middle of a pixel of a panorama.
 inline Direction directionOfPixel(unsigned int width, unsigned int height, unsigned int x, unsigned int y) {
-    constexpr double PI = 3.14159265358979;
-    const double longitude = ((x + 0.5) / width - 0.5) * 2.0 * PI;
-    const double latitude = (0.5 - (y + 0.5) / height) * PI;
-    return {std::cos(latitude) * std::cos(longitude), std::sin(latitude),
-            std::cos(latitude) * std::sin(longitude)};
+    return lightTruth::panoramaDirection(width, height, x + 0.5, y + 0.5);
 }
 
 /// Directions as colours: half of each part, and 0.5.

@@ -5,19 +5,15 @@
 #include <ovGraphics/resources/Texture.h>
 #include <ovGraphics/scene/Mesh.h>
 #include <ovGraphics/scene/Shapes.h>
-#include <veldris/Session.h>
+#include <veldris/SessionTesting.h>
 
 namespace {
 
 class DemoSetTest : public testing::Test {
 protected:
     void SetUp() override {
-        veldris::DrawingOptions options;
-        options.device = "software";
-        options.noCache = true;
-        options.timings = true;
+        ASSERT_NO_FATAL_FAILURE(openOnSoftware(_session, {.timings = true}));
         ovMemory::String error;
-        ASSERT_TRUE(_session.open(options, error)) << error;
         veldris::SceneSettings settings;
         settings.width = settings.height = 33;
         settings.background = {0.0f, 0.0f, 0.0f};

@@ -4,18 +4,15 @@
 #include <gtest/gtest.h>
 #include <map>
 #include <support/TemporaryFolder.h>
-#include <veldris/Session.h>
+#include <veldris/SessionTesting.h>
 
 namespace {
 
 TEST(EnvironmentScenesTest, drawsEnvironmentsTheirFilteringAndProjections) {
     const TemporaryFolder folder;
-    veldris::DrawingOptions options;
-    options.device = "software";
-    options.cache = folder.getPath("cache");
     veldris::Session session;
+    ASSERT_NO_FATAL_FAILURE(openOnSoftware(session, {.cache = folder.getPath("cache")}));
     ovMemory::String error;
-    ASSERT_TRUE(session.open(options, error)) << error;
     std::map<ovMemory::String, ovImages::Image> pictures;
     const bool drawn = veldris::drawEnvironmentPictures(
         session, 64, 36, "",

@@ -4,7 +4,7 @@
 #include <cmath>
 #include <gtest/gtest.h>
 #include <ovGraphics/resources/Camera.h>
-#include <veldris/Session.h>
+#include <veldris/SessionTesting.h>
 #include <veldris/scene/BuiltInSky.h>
 
 namespace {
@@ -13,13 +13,7 @@ using ovMaths::Vector;
 
 class MaterialScenesTest : public testing::Test {
 protected:
-    void SetUp() override {
-        veldris::DrawingOptions options;
-        options.device = "software";
-        options.noCache = true;
-        ovMemory::String error;
-        ASSERT_TRUE(_session.open(options, error)) << error;
-    }
+    void SetUp() override { ASSERT_NO_FATAL_FAILURE(openOnSoftware(_session)); }
 
     veldris::Session _session;
 };

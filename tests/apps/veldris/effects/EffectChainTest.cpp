@@ -4,7 +4,7 @@
 #include <cmath>
 #include <gtest/gtest.h>
 #include <ovImages/Conversion.h>
-#include <veldris/Session.h>
+#include <veldris/SessionTesting.h>
 
 namespace {
 
@@ -18,13 +18,7 @@ using veldris::PICTURE_CONTENT;
 class EffectChainTest : public testing::TestWithParam<const char*> {
 protected:
     void SetUp() override {
-        veldris::DrawingOptions options;
-        options.language = GetParam();
-        options.device = "software";
-        options.noCache = true;
-        options.timings = true;
-        ovMemory::String error;
-        ASSERT_TRUE(_session.open(options, error)) << error;
+        ASSERT_NO_FATAL_FAILURE(openOnSoftware(_session, {.language = GetParam(), .timings = true}));
     }
 
     ChainResult run(const Image& image, const char* text, const ChainOptions& options) {

@@ -10,7 +10,7 @@
 #include <ovVeldris/materials/MaterialManager.h>
 #include <random>
 #include <support/TemporaryFolder.h>
-#include <veldris/Session.h>
+#include <veldris/SessionTesting.h>
 #include <veldris/materials/MaterialDescription.h>
 
 using namespace veldris;
@@ -26,11 +26,7 @@ class MaterialFileTest : public testing::Test {
 protected:
     static void SetUpTestSuite() {
         session = new Session;
-        DrawingOptions options;
-        options.device = "software";
-        options.noCache = true;
-        String error;
-        ASSERT_TRUE(session->open(options, error)) << error;
+        ASSERT_NO_FATAL_FAILURE(openOnSoftware(*session));
     }
     static void TearDownTestSuite() {
         delete session;

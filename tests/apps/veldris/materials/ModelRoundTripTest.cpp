@@ -13,7 +13,7 @@
 #include <set>
 #include <support/TemporaryFolder.h>
 #include <tuple>
-#include <veldris/Session.h>
+#include <veldris/SessionTesting.h>
 #include <veldris/materials/DeclarationCheck.h>
 #include <veldris/materials/MaterialDescription.h>
 #include <veldris/scene/ModelLight.h>
@@ -150,12 +150,8 @@ class ModelRoundTripTest : public testing::Test {
 protected:
     /// Opens the session that has the model and the one that has only what was read.
     void SetUp() override {
-        DrawingOptions options;
-        options.device = "software";
-        options.noCache = true;
-        String error;
-        ASSERT_TRUE(_writer.open(options, error)) << error;
-        ASSERT_TRUE(_reader.open(options, error)) << error;
+        ASSERT_NO_FATAL_FAILURE(openOnSoftware(_writer));
+        ASSERT_NO_FATAL_FAILURE(openOnSoftware(_reader));
     }
 
     void expectRestored(const GltfBytes& bytes) {

@@ -3,7 +3,7 @@
 #include <cmath>
 #include <gtest/gtest.h>
 #include <limits>
-#include <veldris/Session.h>
+#include <veldris/SessionTesting.h>
 #include <veldris/pictures/PictureTextures.h>
 
 namespace {
@@ -17,14 +17,7 @@ constexpr float INFINITE = std::numeric_limits<float>::infinity();
 
 class PictureShaderTest : public testing::TestWithParam<const char*> {
 protected:
-    void SetUp() override {
-        veldris::DrawingOptions options;
-        options.language = GetParam();
-        options.device = "software";
-        options.noCache = true;
-        ovMemory::String error;
-        ASSERT_TRUE(_session.open(options, error)) << error;
-    }
+    void SetUp() override { ASSERT_NO_FATAL_FAILURE(openOnSoftware(_session, {.language = GetParam()})); }
 
     Image draw(PictureShader& shader, const Image& source, unsigned int width, unsigned int height) {
         ovGraphics::System& graphics = _session.getGraphics();

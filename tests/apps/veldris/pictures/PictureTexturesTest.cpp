@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 #include <ovGraphics/System.h>
 #include <ovVeldris/effects/TextureCopyEffect.h>
-#include <veldris/Session.h>
+#include <veldris/SessionTesting.h>
 
 namespace {
 
@@ -13,14 +13,7 @@ using ovImages::Image;
 
 class PictureTexturesTest : public testing::Test {
 protected:
-    void SetUp() override {
-        veldris::DrawingOptions options;
-        options.device = "software";
-        options.noCache = true;
-        options.timings = true;
-        ovMemory::String error;
-        ASSERT_TRUE(_session.open(options, error)) << error;
-    }
+    void SetUp() override { ASSERT_NO_FATAL_FAILURE(openOnSoftware(_session, {.timings = true})); }
 
     veldris::Session _session;
 };

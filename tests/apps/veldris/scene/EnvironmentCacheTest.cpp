@@ -5,7 +5,7 @@
 #include <ovGraphics/System.h>
 #include <ovGraphics/resources/Texture.h>
 #include <support/TemporaryFolder.h>
-#include <veldris/Session.h>
+#include <veldris/SessionTesting.h>
 
 namespace {
 
@@ -15,11 +15,7 @@ using ovMemory::String;
 class EnvironmentCacheTest : public testing::Test {
 protected:
     void SetUp() override {
-        veldris::DrawingOptions options;
-        options.device = "software";
-        options.cache = _folder.getPath("cache");
-        String error;
-        ASSERT_TRUE(_session.open(options, error)) << error;
+        ASSERT_NO_FATAL_FAILURE(openOnSoftware(_session, {.cache = _folder.getPath("cache")}));
         _panorama =
             ovImages::Image(4, 2, 4, ovImages::COMPONENT_TYPE::FLOAT, ovImages::COLOR_ENCODING::LINEAR);
     }
@@ -107,12 +103,8 @@ TEST_F(EnvironmentCacheTest, damagedFilesCountAsAbsent) {
 }
 
 TEST_F(EnvironmentCacheTest, withoutAFolderNothingIsKept) {
-    veldris::DrawingOptions options;
-    options.device = "software";
-    options.noCache = true;
     veldris::Session session;
-    String error;
-    ASSERT_TRUE(session.open(options, error)) << error;
+    ASSERT_NO_FATAL_FAILURE(openOnSoftware(session));
     const veldris::EnvironmentCache none(session.getGraphics(), _panorama.view(), "");
     EXPECT_EQ(none.getPath(), "");
     EXPECT_FALSE(none.load({}));

@@ -10,7 +10,7 @@
 #include <ovGraphics/resources/Texture.h>
 #include <ovImages/Panorama.h>
 #include <ovVeldris/materials/PbsMaterial.h>
-#include <veldris/Session.h>
+#include <veldris/SessionTesting.h>
 #include <veldris/bake/CubeBaking.h>
 
 namespace {
@@ -80,12 +80,9 @@ lightTruth::Coefficients coefficientsBehind(ovGraphics::Texture& irradiance) {
 }
 
 TEST(EnvironmentLightTest, everyTexelOfTheSkyLightsAtAnyRotation) {
-    veldris::DrawingOptions options;
-    options.device = "software";
-    options.noCache = true;
     veldris::Session session;
+    ASSERT_NO_FATAL_FAILURE(openOnSoftware(session));
     ovMemory::String error;
-    ASSERT_TRUE(session.open(options, error)) << error;
     const ovImages::Image skies[] = {lightTruth::hardSunPanorama(180),
                                      lightTruth::oneBrightTexel(360, 180, 200, 70)};
     for (const ovImages::Image& sky : skies) {
@@ -112,12 +109,9 @@ TEST(EnvironmentLightTest, everyTexelOfTheSkyLightsAtAnyRotation) {
 }
 
 TEST(EnvironmentLightTest, agreesWithWhatIsBaked) {
-    veldris::DrawingOptions options;
-    options.device = "software";
-    options.noCache = true;
     veldris::Session session;
+    ASSERT_NO_FATAL_FAILURE(openOnSoftware(session));
     ovMemory::String error;
-    ASSERT_TRUE(session.open(options, error)) << error;
     ovMemory::String warning;
     veldris::EnvironmentInput input;
     input.image = lightTruth::hardSunPanorama(180);
@@ -136,12 +130,9 @@ TEST(EnvironmentLightTest, agreesWithWhatIsBaked) {
 }
 
 TEST(EnvironmentLightTest, aConstantEnvironmentLightsEvenly) {
-    veldris::DrawingOptions options;
-    options.device = "software";
-    options.noCache = true;
     veldris::Session session;
+    ASSERT_NO_FATAL_FAILURE(openOnSoftware(session));
     ovMemory::String error;
-    ASSERT_TRUE(session.open(options, error)) << error;
     ovMemory::String warning;
     const auto light = veldris::EnvironmentLight::create(session, panoramaOf(0.5f).view(), warning, error);
     ASSERT_TRUE(light) << error;

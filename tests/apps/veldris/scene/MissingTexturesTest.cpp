@@ -7,7 +7,7 @@
 #include <ovImages/CompositeEncoder.h>
 #include <ovVeldris/materials/PbsMaterial.h>
 #include <support/TemporaryFolder.h>
-#include <veldris/Session.h>
+#include <veldris/SessionTesting.h>
 
 namespace {
 
@@ -18,11 +18,7 @@ using ovVeldris::THREE_CHANNEL_PACK;
 class MissingTexturesTest : public testing::Test {
 protected:
     void SetUp() override {
-        ovMemory::String error;
-        veldris::DrawingOptions options;
-        options.device = "software";
-        options.noCache = true;
-        ASSERT_TRUE(_session.open(options, error)) << error;
+        ASSERT_NO_FATAL_FAILURE(openOnSoftware(_session));
         _material = PbsMaterial::create(&_session.getSystem());
     }
     void TearDown() override { _material.reset(); }

@@ -4,7 +4,7 @@
 #include <ovVeldris/System.h>
 #include <ovVeldris/content/ModelLoader.h>
 #include <ovVeldris/materials/PbsMaterial.h>
-#include <veldris/Session.h>
+#include <veldris/SessionTesting.h>
 
 namespace {
 
@@ -13,11 +13,7 @@ using ovMaths::Vector;
 class ModelLightTest : public testing::Test {
 protected:
     void SetUp() override {
-        ovMemory::String error;
-        veldris::DrawingOptions options;
-        options.device = "software";
-        options.noCache = true;
-        ASSERT_TRUE(_session.open(options, error)) << error;
+        ASSERT_NO_FATAL_FAILURE(openOnSoftware(_session));
         ovGraphics::GltfPrimitive primitive;
         primitive.composition.addAttribute("POSITION", ovGraphics::FORMAT::R32G32B32_FLOAT);
         primitive.vertices.resize(36);

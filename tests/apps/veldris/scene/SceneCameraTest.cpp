@@ -6,7 +6,7 @@
 #include <ovGraphics/resources/Camera.h>
 #include <ovVeldris/System.h>
 #include <ovVeldris/content/ModelLoader.h>
-#include <veldris/Session.h>
+#include <veldris/SessionTesting.h>
 
 namespace {
 
@@ -159,11 +159,8 @@ ovGraphics::GltfScene sceneWith(const ovGraphics::GltfCamera& camera) {
 
 TEST(SceneCameraTest, theFilesCameraKeepsItsRollAndItsHeight) {
     veldris::Session session;
-    veldris::DrawingOptions options;
-    options.device = "software";
-    options.noCache = true;
+    ASSERT_NO_FATAL_FAILURE(openOnSoftware(session));
     ovMemory::String error;
-    ASSERT_TRUE(session.open(options, error)) << error;
     CameraChoice choice;
     choice.kind = CameraChoice::KIND::FILE;
     for (const bool isOrthographic : {false, true}) {

@@ -14,7 +14,7 @@
 #include <ovImages/PngEncoder.h>
 #include <ovVeldris/content/ModelLoader.h>
 #include <ovVeldris/materials/PbsMaterial.h>
-#include <veldris/Session.h>
+#include <veldris/SessionTesting.h>
 #include <veldris/scene/BuiltInSky.h>
 #include <veldris/scene/EnvironmentLight.h>
 #include <veldris/scene/Panoramas.h>
@@ -30,12 +30,7 @@ using veldris::SceneSettings;
 class ScenePictureTest : public testing::TestWithParam<const char*> {
 protected:
     void SetUp() override {
-        veldris::DrawingOptions options;
-        options.device = "software";
-        options.language = GetParam();
-        options.noCache = true;
-        ovMemory::String error;
-        ASSERT_TRUE(_session.open(options, error)) << error;
+        ASSERT_NO_FATAL_FAILURE(openOnSoftware(_session, {.language = GetParam()}));
         _settings.width = 32;
         _settings.height = 32;
         _settings.background = {0.25f, 0.5f, 0.75f};

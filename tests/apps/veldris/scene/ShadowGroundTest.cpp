@@ -6,7 +6,7 @@
 #include <ovGraphics/resources/Camera.h>
 #include <ovGraphics/resources/Texture.h>
 #include <ovGraphics/scene/RenderQueue.h>
-#include <veldris/Session.h>
+#include <veldris/SessionTesting.h>
 #include <veldris/pictures/PictureTextures.h>
 
 namespace {
@@ -17,11 +17,7 @@ using ovMaths::Vector;
 class ShadowGroundTest : public testing::Test {
 protected:
     void SetUp() override {
-        veldris::DrawingOptions options;
-        options.device = "software";
-        options.noCache = true;
-        ovMemory::String error;
-        ASSERT_TRUE(_session.open(options, error)) << error;
+        ASSERT_NO_FATAL_FAILURE(openOnSoftware(_session));
         _map = veldris::makeTarget(_session.getGraphics(), "map", ovGraphics::FORMAT::D32_FLOAT, 64, 64);
         _camera = ovGraphics::Camera::create(&_session.getGraphics());
         _ground = veldris::ShadowGround::create(_session.getGraphics(), *_map, *_camera);

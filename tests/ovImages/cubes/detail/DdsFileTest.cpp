@@ -9,6 +9,8 @@ namespace {
 
 using ovImages::COMPONENT_TYPE;
 using ovImages::CubeMap;
+using ovImages::detail::decodeDds;
+using ovImages::detail::encodeDds;
 using ovMemory::Buffer;
 using ovMemory::String;
 
@@ -20,7 +22,7 @@ TEST(DdsFileTest, writesWhatTheFormatsDocumentationAsksFor) {
     };
     for (const Case& row : {Case{COMPONENT_TYPE::HALF, 10, 8}, Case{COMPONENT_TYPE::FLOAT, 2, 16}}) {
         const CubeMap cube = countingCube(4, 3, row.type);
-        const Buffer<unsigned char> bytes = ovImages::detail::encodeDds(cube);
+        const Buffer<unsigned char> bytes = encodeDds(cube);
         ASSERT_EQ(bytes.size(), 148 + 6 * (16 + 4 + 1) * row.texelSize);
         EXPECT_EQ(String(bytes.begin(), bytes.begin() + 4), "DDS ");
         // Offset in the file and value: sizes, flags, shape, the four letters, caps, and the extension.
@@ -55,15 +57,7 @@ TEST(DdsFileTest, readsWhatItWrites) {
                           {7, 1, COMPONENT_TYPE::HALF}};
     for (const Case& row : cases) {
         const CubeMap cube = countingCube(row.side, row.mipCount, row.type);
-        CubeMap back;
-        String error = "old";
-        ASSERT_TRUE(ovImages::detail::decodeDds(ovImages::detail::encodeDds(cube), back, error)) << error;
-        EXPECT_EQ(error, "");
-        ASSERT_EQ(back.mips.size(), cube.mips.size());
-        for (unsigned int mip = 0; mip < row.mipCount; ++mip) {
-            EXPECT_EQ(back.mips[mip].getComponentType(), row.type);
-            EXPECT_TRUE(std::ranges::equal(back.mips[mip].getBytes(), cube.mips[mip].getBytes()));
-        }
+        expectReadAs(cube, decodeDds, encodeDds(cube));
     }
 }
 
@@ -74,21 +68,18 @@ TEST(DdsFileTest, readsTheOlderCodesOfTheFormats) {
     };
     for (const Case& row : {Case{COMPONENT_TYPE::HALF, 113}, Case{COMPONENT_TYPE::FLOAT, 116}}) {
         const CubeMap cube = countingCube(2, 1, row.type);
-        Buffer<unsigned char> bytes = ovImages::detail::encodeDds(cube);
+        Buffer<unsigned char> bytes = encodeDds(cube);
         setWord(bytes, 84, row.code);
         setWord(bytes, 28, 0); // some writers leave the count of one mip out
         bytes.erase(bytes.begin() + 128, bytes.begin() + 148);
-        CubeMap back;
-        String error;
-        ASSERT_TRUE(ovImages::detail::decodeDds(bytes, back, error)) << error;
-        EXPECT_TRUE(std::ranges::equal(back.mips.front().getBytes(), cube.mips.front().getBytes()));
+        expectReadAs(cube, decodeDds, bytes);
     }
 }
 
 /// A file of one texel a face, 1, 2, 3, ... byte by byte, with words of its header changed.
 Buffer<unsigned char> fileOfOneTexel(std::size_t texelSize, bool isExtended,
                                      const Buffer<std::pair<std::size_t, std::uint32_t>>& words) {
-    Buffer<unsigned char> bytes = ovImages::detail::encodeDds(countingCube(1, 1, COMPONENT_TYPE::HALF));
+    Buffer<unsigned char> bytes = encodeDds(countingCube(1, 1, COMPONENT_TYPE::HALF));
     bytes.resize(isExtended ? 148 : 128);
     for (const auto& [offset, value] : words)
         setWord(bytes, offset, value);
@@ -127,8 +118,7 @@ TEST(DdsFileTest, readsEveryFormatOfColors) {
     for (const Case& row : cases) {
         CubeMap cube;
         String error;
-        ASSERT_TRUE(ovImages::detail::decodeDds(fileOfOneTexel(row.texelSize, true, {{128, row.format}}),
-                                                cube, error))
+        ASSERT_TRUE(decodeDds(fileOfOneTexel(row.texelSize, true, {{128, row.format}}), cube, error))
             << row.format << ": " << error;
         const ovImages::Image& mip = cube.mips.front();
         EXPECT_EQ(mip.getComponentType(), row.type) << row.format;
@@ -166,8 +156,7 @@ TEST(DdsFileTest, readsOldCodesAndMasks) {
     for (const Case& row : cases) {
         CubeMap cube;
         String error;
-        ASSERT_TRUE(ovImages::detail::decodeDds(fileOfOneTexel(row.texelSize, false, row.words), cube, error))
-            << error;
+        ASSERT_TRUE(decodeDds(fileOfOneTexel(row.texelSize, false, row.words), cube, error)) << error;
         const ovImages::Image& mip = cube.mips.front();
         EXPECT_EQ(mip.getComponentType(), row.type);
         EXPECT_EQ(mip.getEncoding(),
@@ -181,18 +170,13 @@ TEST(DdsFileTest, readsOldCodesAndMasks) {
           masks(0, 8, 0xff, 0, 0, 0)}) {
         CubeMap cube;
         String error;
-        EXPECT_FALSE(ovImages::detail::decodeDds(fileOfOneTexel(4, false, words), cube, error));
+        EXPECT_FALSE(decodeDds(fileOfOneTexel(4, false, words), cube, error));
         EXPECT_NE(error.find("no floats, half floats or 8 bits"), String::npos) << error;
     }
 }
 
 TEST(DdsFileTest, everyWrongHeaderIsToldAndChangesNothing) {
-    struct Case {
-        std::size_t offset;
-        std::uint32_t value;
-        const char* message;
-    };
-    const Case cases[] = {
+    const WrongWord cases[] = {
         {0, 0x474e5089, "no DDS file"},
         {4, 123, "no DDS file"},
         {76, 31, "no DDS file"},
@@ -210,32 +194,15 @@ TEST(DdsFileTest, everyWrongHeaderIsToldAndChangesNothing) {
         {136, 0, "no cube"},
         {140, 2, "or several"},
     };
-    const Buffer<unsigned char> good = ovImages::detail::encodeDds(countingCube(4, 3, COMPONENT_TYPE::HALF));
-    for (const Case& row : cases) {
-        Buffer<unsigned char> bytes = good;
-        setWord(bytes, row.offset, row.value);
-        CubeMap cube;
-        String error;
-        EXPECT_FALSE(ovImages::detail::decodeDds(bytes, cube, error)) << row.message;
-        EXPECT_NE(error.find(row.message), String::npos) << error;
-        EXPECT_TRUE(cube.mips.empty());
-    }
+    expectRefused(encodeDds(countingCube(4, 3, COMPONENT_TYPE::HALF)), decodeDds, cases);
 }
 
 TEST(DdsFileTest, anyOtherLengthIsRefused) {
-    const Buffer<unsigned char> good = ovImages::detail::encodeDds(countingCube(2, 2, COMPONENT_TYPE::HALF));
-    for (std::size_t length = 0; length < good.size() + 3; ++length) {
-        Buffer<unsigned char> bytes = good;
-        bytes.resize(length);
-        CubeMap cube;
-        String error;
-        EXPECT_EQ(ovImages::detail::decodeDds(bytes, cube, error), length == good.size()) << length;
-        EXPECT_EQ(error.empty(), length == good.size()) << length;
-    }
+    expectNoOtherLength(encodeDds(countingCube(2, 2, COMPONENT_TYPE::HALF)), decodeDds);
 }
 
 TEST(DdsFileTest, writesNothingButWholeCubes) {
-    EXPECT_TRUE(ovImages::detail::encodeDds(CubeMap()).empty());
+    EXPECT_TRUE(encodeDds(CubeMap()).empty());
 }
 
 } // namespace

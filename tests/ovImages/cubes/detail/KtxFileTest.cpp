@@ -8,6 +8,8 @@ namespace {
 
 using ovImages::COMPONENT_TYPE;
 using ovImages::CubeMap;
+using ovImages::detail::decodeKtx;
+using ovImages::detail::encodeKtx;
 using ovMemory::Buffer;
 using ovMemory::String;
 
@@ -26,7 +28,7 @@ TEST(KtxFileTest, writesWhatTheFormatsSpecificationAsksFor) {
     for (const Case& row :
          {Case{COMPONENT_TYPE::HALF, 97, 2, 0xc00f0000}, Case{COMPONENT_TYPE::FLOAT, 109, 4, 0xc01f0000}}) {
         const CubeMap cube = countingCube(4, 3, row.type);
-        const Buffer<unsigned char> bytes = ovImages::detail::encodeKtx(cube);
+        const Buffer<unsigned char> bytes = encodeKtx(cube);
         const std::uint32_t texelSize = 4 * row.componentSize;
         ASSERT_GT(bytes.size(), KEYS + 6 * (16 + 4 + 1) * texelSize);
         EXPECT_EQ(String(bytes.begin(), bytes.begin() + 12), "\xabKTX 20\xbb\r\n\x1a\n");
@@ -66,32 +68,24 @@ TEST(KtxFileTest, writesWhatTheFormatsSpecificationAsksFor) {
         }
         EXPECT_EQ(bytes.size(), at);
     }
-    EXPECT_TRUE(ovImages::detail::encodeKtx(CubeMap()).empty());
+    EXPECT_TRUE(encodeKtx(CubeMap()).empty());
 }
 
 TEST(KtxFileTest, readsWhatItWrites) {
     for (const COMPONENT_TYPE type : {COMPONENT_TYPE::HALF, COMPONENT_TYPE::FLOAT}) {
         for (const unsigned int mipCount : {1u, 2u, 3u}) {
             const CubeMap cube = countingCube(5, mipCount, type);
-            Buffer<unsigned char> bytes = ovImages::detail::encodeKtx(cube);
+            Buffer<unsigned char> bytes = encodeKtx(cube);
             if (mipCount == 1)
                 setWord(bytes, 40, 0); // mips are left to the reader
-            CubeMap back;
-            String error = "old";
-            ASSERT_TRUE(ovImages::detail::decodeKtx(bytes, back, error)) << error;
-            EXPECT_EQ(error, "");
-            ASSERT_EQ(back.mips.size(), mipCount);
-            for (unsigned int mip = 0; mip < mipCount; ++mip) {
-                EXPECT_EQ(back.mips[mip].getComponentType(), type);
-                EXPECT_TRUE(std::ranges::equal(back.mips[mip].getBytes(), cube.mips[mip].getBytes()));
-            }
+            expectReadAs(cube, decodeKtx, bytes);
         }
     }
 }
 
 TEST(KtxFileTest, readsFilesWithoutKeys) {
     const CubeMap cube = countingCube(4, 3, COMPONENT_TYPE::HALF);
-    Buffer<unsigned char> bytes = ovImages::detail::encodeKtx(cube);
+    Buffer<unsigned char> bytes = encodeKtx(cube);
     // The keys end at 296, where the mips begin; without them these begin at 248, after padding of 4 bytes.
     bytes.erase(bytes.begin() + KEYS + 4, bytes.begin() + 296);
     setWord(bytes, KEYS, 0);
@@ -99,10 +93,7 @@ TEST(KtxFileTest, readsFilesWithoutKeys) {
     setWord(bytes, 60, 0);
     for (std::size_t mip = 0; mip < 3; ++mip)
         setWord(bytes, PLACES + 24 * mip, word(bytes, PLACES + 24 * mip) - 48);
-    CubeMap back;
-    String error;
-    ASSERT_TRUE(ovImages::detail::decodeKtx(bytes, back, error)) << error;
-    EXPECT_TRUE(std::ranges::equal(back.mips[0].getBytes(), cube.mips[0].getBytes()));
+    expectReadAs(cube, decodeKtx, bytes);
 }
 
 /// A file of one texel a face and two mips below none, written byte by byte from the format's rules.
@@ -198,7 +189,7 @@ TEST(KtxFileTest, readsEveryFormatOfColors) {
         const auto bytes = fileOfTwoMips(row.format, row.typeSize, texelSize, samples, row.isSrgb ? 2 : 1);
         CubeMap cube;
         String error;
-        ASSERT_TRUE(ovImages::detail::decodeKtx(bytes, cube, error)) << row.format << ": " << error;
+        ASSERT_TRUE(decodeKtx(bytes, cube, error)) << row.format << ": " << error;
         ASSERT_EQ(cube.mips.size(), 2u);
         EXPECT_EQ(cube.mips[0].getComponentType(), row.type) << row.format;
         EXPECT_EQ(cube.mips[0].getChannels(), row.channels) << row.format;
@@ -208,19 +199,14 @@ TEST(KtxFileTest, readsEveryFormatOfColors) {
         EXPECT_EQ(cube.mips[1].getBytes()[0], 1 + red) << row.format;
         // The same with a channel that its format has not there.
         samples[0] ^= 0x01000000;
-        EXPECT_FALSE(ovImages::detail::decodeKtx(
+        EXPECT_FALSE(decodeKtx(
             fileOfTwoMips(row.format, row.typeSize, texelSize, samples, row.isSrgb ? 2 : 1), cube, error));
         EXPECT_NE(error.find("other texels"), String::npos) << error;
     }
 }
 
 TEST(KtxFileTest, everyWrongHeaderIsToldAndChangesNothing) {
-    struct Case {
-        std::size_t offset;
-        std::uint32_t value;
-        const char* message;
-    };
-    const Case cases[] = {
+    const WrongWord cases[] = {
         {0, 0x20534444, "no KTX file"},
         {4, 0xbb313120, "no KTX file of version 2"}, // version 1
         {8, 0, "no KTX file"},
@@ -257,28 +243,11 @@ TEST(KtxFileTest, everyWrongHeaderIsToldAndChangesNothing) {
         {KEYS, 0, "not whole"},
         {KEYS + 19, 0x7572, "orientation rd"}, // "ru"
     };
-    Buffer<unsigned char> good = ovImages::detail::encodeKtx(countingCube(4, 3, COMPONENT_TYPE::HALF));
-    for (const Case& row : cases) {
-        Buffer<unsigned char> bytes = good;
-        setWord(bytes, row.offset, row.value);
-        CubeMap cube;
-        String error;
-        EXPECT_FALSE(ovImages::detail::decodeKtx(bytes, cube, error)) << row.offset << ": " << row.message;
-        EXPECT_NE(error.find(row.message), String::npos) << row.offset << ": " << error;
-        EXPECT_TRUE(cube.mips.empty());
-    }
+    expectRefused(encodeKtx(countingCube(4, 3, COMPONENT_TYPE::HALF)), decodeKtx, cases);
 }
 
 TEST(KtxFileTest, anyOtherLengthIsRefused) {
-    const Buffer<unsigned char> good = ovImages::detail::encodeKtx(countingCube(2, 2, COMPONENT_TYPE::HALF));
-    for (std::size_t length = 0; length < good.size() + 9; ++length) {
-        Buffer<unsigned char> bytes = good;
-        bytes.resize(length);
-        CubeMap cube;
-        String error;
-        EXPECT_EQ(ovImages::detail::decodeKtx(bytes, cube, error), length == good.size()) << length;
-        EXPECT_EQ(error.empty(), length == good.size()) << length;
-    }
+    expectNoOtherLength(encodeKtx(countingCube(2, 2, COMPONENT_TYPE::HALF)), decodeKtx);
 }
 
 } // namespace
