@@ -113,12 +113,12 @@ ovGraphics::Sampler* ScreenEffectBase::_prepareSampler(const EffectSamplerSettin
 }
 
 ovGraphics::ShaderPassMemorySlot& ScreenEffectBase::_constantSlot(ovGraphics::Shader& shader,
-                                                                  unsigned int index) {
-    ovGraphics::ConstantBuffer* buffer = shader.addConstantBuffer(0, 0);
+                                                                  unsigned int index, unsigned int buffer) {
+    ovGraphics::ConstantBuffer* constants = shader.addConstantBuffer(buffer, 0);
     // Slots are made when first asked for, so that live setters and loading go through one function.
-    while (buffer->getPassMemorySlotCount() <= index)
-        buffer->addPassMemorySlot();
-    return *buffer->getPassMemorySlot(index);
+    while (constants->getPassMemorySlotCount() <= index)
+        constants->addPassMemorySlot();
+    return *constants->getPassMemorySlot(index);
 }
 
 void ScreenEffectBase::_logLoadFailure(ovMemory::StringView what) const {

@@ -67,8 +67,9 @@ protected:
     /// The sampler of that name, created when missing, with these settings, loaded.
     ovGraphics::Sampler* _prepareSampler(const EffectSamplerSettings& settings) const;
 
-    /// A slot of constant buffer 0; the buffer and the slots up to it are added when missing.
-    static ovGraphics::ShaderPassMemorySlot& _constantSlot(ovGraphics::Shader& shader, unsigned int index);
+    /// A slot of a constant buffer; the buffer and the slots up to it are added when missing.
+    static ovGraphics::ShaderPassMemorySlot& _constantSlot(ovGraphics::Shader& shader, unsigned int index,
+                                                           unsigned int buffer = 0);
 
 private:
     virtual ovGraphics::Program* _acquireProgram(const ProgramTrackersHolder& trackers) = 0;
