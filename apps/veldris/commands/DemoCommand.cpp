@@ -13,6 +13,7 @@
 #include <veldris/JsonText.h>
 #include <veldris/console/Console.h>
 #include <veldris/demo/DemoScene.h>
+#include <veldris/demo/EffectPictures.h>
 #include <veldris/demo/EnvironmentScenes.h>
 #include <veldris/demo/GalleryPage.h>
 #include <veldris/demo/MaterialScenes.h>
@@ -52,9 +53,7 @@ bool planScene(ovMemory::StringView text, ChainPlan& plan, String& error) {
 bool drawExample(Session& session, const ovImages::ImageView& scene, const ovVeldris::EffectKind& kind,
                  const ovVeldris::EffectExample& example, const DemoOptions& options,
                  Buffer<GalleryEntry>& entries, String& error) {
-    String list = kind.getName();
-    if (!example.settings.empty())
-        list.append(":").append(example.settings);
+    const String list = listOfExample(kind, example);
     ChainPlan plan;
     if (!planScene(list, plan, error))
         return false;
@@ -92,28 +91,39 @@ bool drawExamples(Session& session, const ovImages::ImageView& scene, const Demo
     return true;
 }
 
-/// Scenes are tone mapped as a user would.
-constexpr const char* SCENE_EFFECTS = "tone-mapping:operator=reinhard,max-white=6,6,6";
-
-GalleryEntry sceneEntry(const MaterialPicture& picture, const String& file) {
-    const String command = fmt::format("veldris demo --only {} --out .", picture.name);
-    GalleryEntry entry{String(picture.name), String(picture.caption), command, "", file, {}};
+/// The entry of a picture that no other command draws.
+GalleryEntry demoEntry(ovMemory::StringView name, ovMemory::StringView caption) {
+    const String command = fmt::format("veldris demo --only {} --out .", name);
+    GalleryEntry entry{String(name), String(caption), command, "", String(name) + ".png", {}};
     std::ranges::replace(entry.title, '-', ' ');
-    for (const ovGraphics::PassTiming& pass : picture.passes)
-        entry.passes.push_back({pass.name, pass.milliseconds});
     return entry;
+}
+
+/// The pictures that compare settings of an effect.
+bool drawComparisons(Session& session, const ovImages::ImageView& scene, const DemoOptions& options,
+                     Buffer<GalleryEntry>& entries, String& error) {
+    const auto write = [&](EffectPicture& picture, String& reason) {
+        entries.push_back(demoEntry(picture.name, picture.caption));
+        for (const EffectTiming& timing : picture.timings)
+            entries.back().passes.push_back({timing.effect, timing.milliseconds});
+        return writeGalleryPicture(options.folder + "/" + entries.back().afterFile, picture.image.view(),
+                                   reason);
+    };
+    return drawEffectPictures(session, scene, options.only, write, error);
 }
 
 bool drawScenes(Session& session, const DemoOptions& options, Buffer<GalleryEntry>& entries, String& error) {
     ChainPlan plan;
-    if (!planScene(SCENE_EFFECTS, plan, error))
+    if (!planScene(DEFAULT_TONE_MAPPING, plan, error))
         return false;
     const auto write = [&](MaterialPicture& picture, String& reason) {
         const ChainResult mapped = runChain(session, std::move(picture.texture), plan);
         reason = mapped.error;
-        const String file = String(picture.name) + ".png";
-        entries.push_back(sceneEntry(picture, file));
-        return mapped && writeGalleryPicture(options.folder + "/" + file, mapped.image->view(), reason);
+        entries.push_back(demoEntry(picture.name, picture.caption));
+        for (const ovGraphics::PassTiming& pass : picture.passes)
+            entries.back().passes.push_back({pass.name, pass.milliseconds});
+        return mapped && writeGalleryPicture(options.folder + "/" + entries.back().afterFile,
+                                             mapped.image->view(), reason);
     };
     return drawMaterialPictures(session, options.width, options.height, options.only, write, error) &&
            drawEnvironmentPictures(session, options.width, options.height, options.only, write, error);
@@ -126,6 +136,7 @@ bool drawGallery(Session& session, const DemoOptions& options, Buffer<GalleryEnt
         !writePicture(options.folder + "/" + SCENE_FILE, scene.view(), false, ignored, error))
         return false;
     if (!drawExamples(session, scene.view(), options, entries, error) ||
+        !drawComparisons(session, scene.view(), options, entries, error) ||
         !drawScenes(session, options, entries, error))
         return false;
     if (entries.empty()) {

@@ -37,7 +37,6 @@ using ovMemory::StringView;
 constexpr const char* BUILT_IN_SKY = "sky";
 constexpr unsigned int SKY_WIDTH = 512;
 constexpr const char* TRANSPARENT = "transparent";
-constexpr const char* DEFAULT_EFFECTS = "tone-mapping:operator=reinhard,max-white=6,6,6";
 
 struct RenderOptions {
     String model;
@@ -51,7 +50,7 @@ struct RenderOptions {
     float environmentRotation = 0.0f; ///< degrees
     EnvironmentReading reading = {};
     String size = "1280x720";
-    String effects; ///< empty: DEFAULT_EFFECTS, or none for scene light
+    String effects; ///< empty: DEFAULT_TONE_MAPPING, or none for scene light
     unsigned int samples = 4;
     bool shadows = false;
     int ground = 0; ///< above 0: yes; below: no; 0: where the built-in sky is to be seen
@@ -138,7 +137,8 @@ bool readEffects(const RenderOptions& options, ChainPlan& plan, String& error) {
     chain.input = PICTURE_CONTENT::SCENE_LINEAR;
     Buffer<PlannedEffect> effects;
     const bool holdsSceneLight = !chain.output;
-    const String list = options.effects.empty() && !holdsSceneLight ? DEFAULT_EFFECTS : options.effects;
+    const String list =
+        options.effects.empty() && !holdsSceneLight ? String(DEFAULT_TONE_MAPPING) : options.effects;
     if (!list.empty() && !planEffects(list, effects, error))
         return false;
     return planChain(std::move(effects), chain, plan, error);
@@ -401,7 +401,7 @@ void addRenderCommand(CLI::App& program, Command& command) {
         "--effects", options->effects,
         "effects over the picture, as of veldris apply (default: none for EXR and HDR, which hold scene "
         "light, otherwise " +
-            String(DEFAULT_EFFECTS) + ")");
+            String(DEFAULT_TONE_MAPPING) + ")");
     addDrawingOptions(*render, options->drawing);
     render->footer("Example: veldris render helmet.glb --light 0.3,-1,-0.5 --shadows -o helmet.png");
     render->callback([options, &command] {

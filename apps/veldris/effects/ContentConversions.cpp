@@ -14,9 +14,10 @@ bool canConvert(PICTURE_CONTENT from, PICTURE_CONTENT to) {
     return from != PICTURE_CONTENT::SCENE_LINEAR && to != PICTURE_CONTENT::SCENE_LINEAR;
 }
 
-String adviceFor(PICTURE_CONTENT from) {
+String adviceFor(PICTURE_CONTENT from, bool toFile) {
     if (from == PICTURE_CONTENT::SCENE_LINEAR)
-        return "put a tone-mapping between them, write an EXR or HDR file, or use --raw";
+        return toFile ? "put a tone-mapping between them, write an EXR or HDR file, or use --raw"
+                      : "put a tone-mapping between them, or use --raw";
     return "take that step away, say with --input-content what the file holds, or use --raw";
 }
 
@@ -35,7 +36,7 @@ bool planConversions(PICTURE_CONTENT source, const Buffer<EffectContent>& effect
             return true;
         if (!canConvert(content, *wanted)) {
             error = taker + " takes " + toText(*wanted) + " colours and " + giver + " gives " +
-                    toText(content) + " ones: " + adviceFor(content) + ".";
+                    toText(content) + " ones: " + adviceFor(content, place == effects.size()) + ".";
             return false;
         }
         conversions.push_back({place, content, *wanted});

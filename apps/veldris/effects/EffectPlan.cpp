@@ -55,6 +55,16 @@ SettingTable settingsInChain(const EffectKind& kind) {
     return SettingTable(std::move(settings));
 }
 
+String listOfExample(const EffectKind& kind, const ovVeldris::EffectExample& example) {
+    String list;
+    if (kind.takes && kind.takes != PICTURE_CONTENT::SCENE_LINEAR)
+        list.append(DEFAULT_TONE_MAPPING).append(";");
+    list += kind.getName();
+    if (!example.settings.empty())
+        list.append(":").append(example.settings);
+    return list;
+}
+
 bool planEffects(ovMemory::StringView text, Buffer<PlannedEffect>& effects, String& error) {
     effects.clear();
     Buffer<EffectSpec> specs;

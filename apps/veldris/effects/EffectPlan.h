@@ -26,6 +26,13 @@ bool planEffects(ovMemory::StringView text, ovMemory::Buffer<PlannedEffect>& eff
 /// binds, and those of the chain's view for a kind with a camera.
 ovVeldris::SettingTable settingsInChain(const ovVeldris::EffectKind& kind);
 
+/// The tone mapping of whoever did not choose one.
+constexpr ovMemory::StringView DEFAULT_TONE_MAPPING = "tone-mapping:operator=reinhard,max-white=6,6,6";
+
+/// The list of effects that shows an example over a picture of scene light: a tone mapping stands before a
+/// kind that takes the colours of a display.
+ovMemory::String listOfExample(const ovVeldris::EffectKind& kind, const ovVeldris::EffectExample& example);
+
 /// Where a picture comes from and goes to.
 struct ChainOptions {
     PICTURE_CONTENT input = PICTURE_CONTENT::SCENE_LINEAR; ///< what the picture's numbers mean

@@ -1,6 +1,7 @@
 #include <ovVeldris/effects/EffectKind.h>
 
 #include <ovVeldris/core/NearestName.h>
+#include <ovVeldris/effects/FxaaEffect.h>
 #include <ovVeldris/effects/ImageEnvironmentEffect.h>
 #include <ovVeldris/effects/TextureCopyEffect.h>
 #include <ovVeldris/effects/ToneMappingEffect.h>
@@ -22,6 +23,8 @@ EffectKind row(EFFECT_TYPE type, ovMemory::StringView summary, Content takes = {
 
 const ovMemory::Buffer<EffectKind>& effectKinds() {
     static const ovMemory::Buffer<EffectKind> KINDS = {
+        row<FxaaEffect>(EFFECT_TYPE::FXAA, "smooths the stairs of edges", PICTURE_CONTENT::SRGB_ENCODED,
+                        PICTURE_CONTENT::SRGB_ENCODED, {{"fxaa", "preset=39"}}),
         row<ImageEnvironmentEffect>(EFFECT_TYPE::IMAGE_ENVIRONMENT,
                                     "draws the view of a camera that the picture surrounds"),
         row<TextureCopyEffect>(EFFECT_TYPE::TEXTURE_COPY, "draws the picture unchanged", {}, {},

@@ -76,6 +76,7 @@ TEST_P(EffectKindTest, onlySettingsThatWaitForLoadSelectTheText) {
 
 TEST_P(EffectKindTest, namesAreTheTypesInLowerCaseAndAreFound) {
     const std::pair<EFFECT_TYPE, const char*> NAMES[] = {
+        {EFFECT_TYPE::FXAA, "fxaa"},
         {EFFECT_TYPE::IMAGE_ENVIRONMENT, "image-environment"},
         {EFFECT_TYPE::TEXTURE_COPY, "texture-copy"},
         {EFFECT_TYPE::TONE_MAPPING, "tone-mapping"},
@@ -89,10 +90,9 @@ TEST_P(EffectKindTest, namesAreTheTypesInLowerCaseAndAreFound) {
     }
     String error;
     EXPECT_EQ(findEffectKind("tonemapping", error), nullptr);
-    EXPECT_EQ(
-        error,
-        "there is no effect 'tonemapping'; the effects are image-environment, texture-copy, tone-mapping. "
-        "Did you mean 'tone-mapping'?");
+    EXPECT_EQ(error, "there is no effect 'tonemapping'; the effects are fxaa, image-environment, "
+                     "texture-copy, tone-mapping. "
+                     "Did you mean 'tone-mapping'?");
     EXPECT_EQ(findEffectKind(EFFECT_TYPE::UNKNOWN), nullptr);
 }
 

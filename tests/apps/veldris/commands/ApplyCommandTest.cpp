@@ -121,7 +121,7 @@ TEST_F(ApplyCommandTest, everyFailureIsOneLineAndLeavesTheOutputAlone) {
         {_folder.getPath("missing.exr"), "tone-mapping", output, "missing.exr"},
         {_folder.getPath(), "tone-mapping", output, _folder.getPath()},
         {broken, "tone-mapping", output, "broken.exr"},
-        {light, "sharpen", output, "the effects are image-environment, texture-copy, tone-mapping"},
+        {light, "sharpen", output, "the effects are fxaa, image-environment, texture-copy, tone-mapping"},
         {light, "tone-mapping:operator=filmic", output, "it takes one of reinhard, hables, aces"},
         {light, "tone-mapping:white=2", output, "there is no setting 'white'; it has operator"},
         {light, "", output, "the list of effects is empty"},

@@ -46,8 +46,8 @@ TEST(EffectPlanTest, whatIsWrongIsToldWithTheEffect) {
         const char* text;
         const char* error;
     } CASES[] = {
-        {"sharpen",
-         "there is no effect 'sharpen'; the effects are image-environment, texture-copy, tone-mapping."},
+        {"sharpen", "there is no effect 'sharpen'; the effects are fxaa, image-environment, texture-copy, "
+                    "tone-mapping."},
         {"texture-copy:strength=1", "effect 'texture-copy': there is no setting 'strength'; it has none."},
         {"texture-copy:source-texture=x",
          "effect 'texture-copy': there is no setting 'source-texture'; it has none."},
@@ -93,11 +93,52 @@ TEST(EffectPlanTest, everyExampleOfEveryKindIsRight) {
             Buffer<PlannedEffect> effects;
             veldris::ChainPlan plan;
             String error;
-            EXPECT_TRUE(veldris::planEffects(kind.getName() + ":" + String(example.settings), effects, error))
-                << error;
+            EXPECT_TRUE(veldris::planEffects(veldris::listOfExample(kind, example), effects, error)) << error;
             EXPECT_TRUE(veldris::planChain(effects, {}, plan, error)) << error;
         }
     }
+}
+
+TEST(EffectPlanTest, examplesStandBehindAToneMappingWhereTheyNeedOne) {
+    const auto list = [](ovVeldris::EFFECT_TYPE type, ovMemory::StringView settings) {
+        return veldris::listOfExample(*ovVeldris::findEffectKind(type), {"", settings});
+    };
+    EXPECT_EQ(list(ovVeldris::EFFECT_TYPE::TEXTURE_COPY, ""), "texture-copy");
+    EXPECT_EQ(list(ovVeldris::EFFECT_TYPE::TONE_MAPPING, "operator=aces"), "tone-mapping:operator=aces");
+    EXPECT_EQ(list(ovVeldris::EFFECT_TYPE::FXAA, "preset=39"),
+              "tone-mapping:operator=reinhard,max-white=6,6,6;fxaa:preset=39");
+}
+
+TEST(EffectPlanTest, fxaaIsGivenEncodedColors) {
+    const auto plan = [](const char* list, veldris::PICTURE_CONTENT input, String& error) {
+        Buffer<PlannedEffect> effects;
+        veldris::ChainPlan result;
+        veldris::ChainOptions options;
+        options.input = input;
+        options.output = veldris::PICTURE_CONTENT::SRGB_ENCODED;
+        options.outputName = "the file";
+        if (!veldris::planEffects(list, effects, error) ||
+            !veldris::planChain(effects, options, result, error))
+            return Buffer<veldris::ContentConversion>();
+        EXPECT_EQ(result.content, veldris::PICTURE_CONTENT::SRGB_ENCODED);
+        return result.conversions;
+    };
+    using enum veldris::PICTURE_CONTENT;
+    using Conversions = Buffer<veldris::ContentConversion>;
+    String error;
+    EXPECT_EQ(plan("tone-mapping;fxaa:preset=12,min-contrast=0.5", SCENE_LINEAR, error),
+              (Conversions{{1, DISPLAY_LINEAR, SRGB_ENCODED}}));
+    EXPECT_EQ(plan("fxaa;fxaa", SRGB_ENCODED, error), Conversions());
+    EXPECT_EQ(plan("texture-copy;fxaa", DISPLAY_LINEAR, error),
+              (Conversions{{1, DISPLAY_LINEAR, SRGB_ENCODED}}));
+    EXPECT_EQ(error, "");
+    plan("fxaa", SCENE_LINEAR, error);
+    EXPECT_EQ(error, "'fxaa' takes srgb-encoded colours and the input gives scene-linear ones: put a "
+                     "tone-mapping between them, or use --raw.");
+    plan("fxaa;tone-mapping", SRGB_ENCODED, error);
+    EXPECT_EQ(error,
+              "'tone-mapping' takes scene-linear colours and 'fxaa' gives srgb-encoded ones: take that "
+              "step away, say with --input-content what the file holds, or use --raw.");
 }
 
 TEST(EffectPlanTest, everyDefaultMayBeWritten) {

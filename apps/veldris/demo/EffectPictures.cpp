@@ -1,0 +1,123 @@
+#include <veldris/demo/EffectPictures.h>
+
+#include <algorithm>
+#include <cmath>
+#include <fmt/format.h>
+#include <iterator>
+#include <ovVeldris/effects/FxaaEffect.h>
+
+namespace veldris {
+
+using ovImages::Image;
+using ovImages::ImageView;
+using ovMemory::String;
+
+namespace {
+
+constexpr auto DISPLAY = ovImages::COLOR_ENCODING::SRGB;
+
+Image makePicture(unsigned int width, unsigned int height) {
+    Image picture(width, height, 4, ovImages::COMPONENT_TYPE::FLOAT, DISPLAY);
+    std::ranges::fill(std::span(reinterpret_cast<float*>(picture.getBytes().data()), 4ul * width * height),
+                      1.0f);
+    return picture;
+}
+
+/// Hard edges as a scene has them: a wheel of thin spokes above, and stripes below whose steps are long.
+Image drawEdgeChart(unsigned int width, unsigned int height) {
+    Image chart = makePicture(width, height);
+    for (unsigned int y = 0; y < height; ++y) {
+        for (unsigned int x = 0; x < width; ++x) {
+            const double right = x + 0.5 - 0.5 * width;
+            const double down = y + 0.5 - 0.32 * height;
+            const double radius = std::hypot(right, down) / height;
+            const double turn = std::atan2(down, right) / 0.3491; // spokes every 20 degrees
+            const bool isSpoke = radius < 0.25 && std::abs(turn - std::round(turn)) * radius * height < 2.0;
+            const bool isRim = std::abs(radius - 0.28) < 0.025;
+            const bool isStripe =
+                down > 0.32 * height && std::fmod(0.05 * x + y, 7.0) < 3.0; // steps of twenty
+            const float shade = isSpoke || isRim || isStripe ? 0.08f : 0.92f;
+            for (unsigned int channel = 0; channel < 3; ++channel)
+                chart.setComponent(x, y, channel, isStripe && channel == 0 ? 0.75f : shade);
+        }
+    }
+    return chart;
+}
+
+/// Copies a picture into another one, each texel enlarged to a square. What does not fit is left out.
+void copyEnlarged(const Image& from, unsigned int scale, Image& to, unsigned int left, unsigned int top) {
+    const unsigned int width = std::min(scale * from.getWidth(), to.getWidth() - left);
+    const unsigned int height = std::min(scale * from.getHeight(), to.getHeight() - top);
+    for (unsigned int y = 0; y < height; ++y)
+        for (unsigned int x = 0; x < width; ++x)
+            for (unsigned int channel = 0; channel < 4; ++channel)
+                to.setComponent(left + x, top + y, channel, from.getComponent(x / scale, y / scale, channel));
+}
+
+bool runEffects(Session& session, const ImageView& picture, const String& list, PICTURE_CONTENT content,
+                ChainResult& result, String& error) {
+    ovMemory::Buffer<PlannedEffect> effects;
+    ChainPlan plan;
+    ChainOptions options;
+    options.input = content;
+    options.output = PICTURE_CONTENT::SRGB_ENCODED;
+    if (!planEffects(list, effects, error) || !planChain(std::move(effects), options, plan, error))
+        return false;
+    result = runChain(session, picture, plan);
+    error = result.error;
+    return !!result;
+}
+
+/// Three rows of six: a chart without FXAA, and with each of the presets.
+bool drawFxaaPresets(Session& session, const ImageView& scene, EffectPicture& picture, String& error) {
+    constexpr unsigned int COLUMNS = 6;
+    constexpr unsigned int ROWS = 3;
+    constexpr unsigned int SCALE = 3;
+    picture.image = makePicture(scene.width, scene.height);
+    const unsigned int cellWidth = scene.width / COLUMNS;
+    const unsigned int cellHeight = scene.height / ROWS;
+    const Image chart = drawEdgeChart(std::max(cellWidth / SCALE, 1u), std::max(cellHeight / SCALE, 1u));
+    copyEnlarged(chart, SCALE, picture.image, 0, 0);
+    unsigned int cell = 1;
+    for (const auto& preset : ovVeldris::FXAA_PRESET_ENTRIES) {
+        ChainResult smoothed;
+        if (!runEffects(session, chart.view(), fmt::format("fxaa:preset={}", preset.text),
+                        PICTURE_CONTENT::SRGB_ENCODED, smoothed, error))
+            return false;
+        std::ranges::move(smoothed.timings, std::back_inserter(picture.timings));
+        copyEnlarged(*smoothed.image, SCALE, picture.image, cell % COLUMNS * cellWidth,
+                     cell / COLUMNS * cellHeight);
+        ++cell;
+    }
+    return true;
+}
+
+/// How a picture is drawn, and what it is called.
+struct Comparison {
+    ovMemory::StringView name;
+    ovMemory::StringView caption;
+    bool (*draw)(Session& session, const ImageView& scene, EffectPicture& picture, String& error);
+};
+
+constexpr Comparison COMPARISONS[] = {
+    {"fxaa-presets",
+     "edges three times enlarged: as they are, then row by row FXAA with the presets 10 to 15, 20 to 29 and "
+     "39",
+     drawFxaaPresets},
+};
+
+} // namespace
+
+bool drawEffectPictures(Session& session, const ImageView& scene, ovMemory::StringView only,
+                        const TakeEffectPicture& take, String& error) {
+    for (const Comparison& comparison : COMPARISONS) {
+        if (!only.empty() && only != comparison.name)
+            continue;
+        EffectPicture picture{comparison.name, comparison.caption, {}};
+        if (!comparison.draw(session, scene, picture, error) || !take(picture, error))
+            return false;
+    }
+    return true;
+}
+
+} // namespace veldris

@@ -1,0 +1,87 @@
+#include <veldris/demo/EffectPictures.h>
+
+#include <gtest/gtest.h>
+#include <map>
+#include <support/TemporaryFolder.h>
+#include <veldris/Session.h>
+#include <veldris/demo/DemoScene.h>
+
+namespace {
+
+using ovImages::Image;
+using Pictures = std::map<ovMemory::String, Image>;
+
+class EffectPicturesTest : public testing::Test {
+protected:
+    void SetUp() override {
+        veldris::DrawingOptions options;
+        options.device = "software";
+        options.noCache = true;
+        options.timings = true;
+        ovMemory::String error;
+        ASSERT_TRUE(_session.open(options, error)) << error;
+    }
+
+    Pictures drawAll(unsigned int width, unsigned int height, const char* only) {
+        Pictures pictures;
+        ovMemory::String error;
+        const auto take = [&](veldris::EffectPicture& picture, ovMemory::String&) {
+            EXPECT_FALSE(picture.caption.empty());
+            EXPECT_FALSE(picture.timings.empty());
+            EXPECT_TRUE(pictures.emplace(picture.name, std::move(picture.image)).second) << picture.name;
+            return true;
+        };
+        EXPECT_TRUE(veldris::drawEffectPictures(_session, veldris::drawDemoScene(width, height).view(), only,
+                                                take, error))
+            << error;
+        return pictures;
+    }
+
+    veldris::Session _session;
+};
+
+/// Shades of a part of a picture that are neither of the two of the edges.
+std::size_t countBetween(const Image& picture, unsigned int left, unsigned int top, unsigned int width,
+                         unsigned int height) {
+    std::size_t count = 0;
+    for (unsigned int y = top; y < top + height; ++y)
+        for (unsigned int x = left; x < left + width; ++x) {
+            const float green = picture.getComponent(x, y, 1);
+            count += green > 0.15f && green < 0.85f ? 1 : 0;
+        }
+    return count;
+}
+
+TEST_F(EffectPicturesTest, presetsSmoothTheChartEachInItsOwnWay) {
+    const Pictures pictures = drawAll(576, 324, "fxaa-presets");
+    ASSERT_EQ(pictures.size(), 1u);
+    const Image& picture = pictures.at("fxaa-presets");
+    EXPECT_EQ(picture.getWidth(), 576u);
+    EXPECT_EQ(picture.getHeight(), 324u);
+    EXPECT_EQ(countBetween(picture, 0, 0, 96, 108), 0u) << "without FXAA there are two shades";
+    for (unsigned int cell = 1; cell < 18; ++cell)
+        EXPECT_GT(countBetween(picture, cell % 6 * 96, cell / 6 * 108, 96, 108), 500u) << cell;
+    // The first preset searches 16 texels, the last one 25.5: long steps look different.
+    std::size_t different = 0;
+    for (unsigned int y = 0; y < 108; ++y)
+        for (unsigned int x = 0; x < 96; ++x)
+            different +=
+                picture.getComponent(96 + x, y, 1) != picture.getComponent(480 + x, 216 + y, 1) ? 1 : 0;
+    EXPECT_GT(different, 100u);
+}
+
+TEST_F(EffectPicturesTest, areDrawnInAnySizeAndHandedOnUntilSomebodyStops) {
+    for (const auto& [name, picture] : drawAll(16, 16, ""))
+        EXPECT_EQ(picture.getWidth(), 16u) << name;
+    EXPECT_TRUE(drawAll(16, 16, "no such picture").empty());
+    ovMemory::String error;
+    const auto stop = [](veldris::EffectPicture&, ovMemory::String& reason) {
+        reason = "stopped";
+        return false;
+    };
+    EXPECT_FALSE(
+        veldris::drawEffectPictures(_session, veldris::drawDemoScene(16, 16).view(), "", stop, error));
+    EXPECT_EQ(error, "stopped");
+}
+
+} // namespace
