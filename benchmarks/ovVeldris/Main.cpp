@@ -2,6 +2,7 @@
 #include "ovVeldris/content/ContentLoaderBenchmark.h"
 #include "ovVeldris/content/ModelLoaderBenchmark.h"
 #include "ovVeldris/effects/EffectBenchmark.h"
+#include "ovVeldris/effects/FxaaBenchmark.h"
 #include "ovVeldris/environment/EnvironmentFilterBenchmark.h"
 #include "ovVeldris/environment/IrradianceBenchmark.h"
 #include "ovVeldris/environment/SkyErrorBenchmark.h"
@@ -11,6 +12,7 @@ int main(int argumentCount, char** arguments) {
     ovBenchmarks::registerContentLoader();
     ovBenchmarks::registerModelLoader();
     ovBenchmarks::registerEffects();
+    ovBenchmarks::registerFxaa();
     ovBenchmarks::registerEnvironmentFilter();
     ovBenchmarks::registerIrradiance();
     ovBenchmarks::registerSkyErrors();

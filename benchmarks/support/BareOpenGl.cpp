@@ -108,6 +108,11 @@ BareOpenGlPass::~BareOpenGlPass() {
     glDeleteBuffers(1, &_constants);
 }
 
+void BareOpenGlPass::setLinear() {
+    glSamplerParameteri(_sampler, GL_TEXTURE_MIN_FILTER, GL_LINEAR_MIPMAP_NEAREST);
+    glSamplerParameteri(_sampler, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
+}
+
 void BareOpenGlPass::setSource(unsigned int componentType, const void* texels) {
     glTextureSubImage2D(_source, 0, 0, 0, _width, _height, GL_RGBA, componentType, texels);
 }

@@ -21,6 +21,8 @@ public:
     BareOpenGlPass(const BareOpenGlPass&) = delete;
     BareOpenGlPass& operator=(const BareOpenGlPass&) = delete;
 
+    /// Reads the source linear between texels; otherwise single texels.
+    void setLinear();
     /// Replaces the source texture's texels: tightly packed, four components a texel.
     void setSource(unsigned int componentType, const void* texels);
     /// The state that all passes share; call it once before a run of draw() calls.

@@ -1,39 +1,23 @@
 // What an effect costs at 1920 x 1080 beside a hand-written OpenGL program of the same formula.
 //
-// Both sides read and write four half floats a texel, with the same texels, and wait for the device after
-// each draw. difference is the largest difference of the two pictures: a faster wrong picture would show.
+// EffectPass.h tells what makes the comparison fair.
 #include "ovVeldris/effects/EffectBenchmark.h"
 
-#include "support/Aims.h"
-#include "support/BareOpenGl.h"
-#include "support/Pairs.h"
+#include "ovVeldris/effects/EffectPass.h"
 
-#include <algorithm>
 #include <cmath>
-#include <epoxy/gl.h>
-#include <functional>
-#include <ovGraphics/System.h>
-#include <ovGraphics/compositor/Compositor.h>
-#include <ovGraphics/compositor/RenderContext.h>
-#include <ovGraphics/device/Device.h>
-#include <ovGraphics/resources/Texture.h>
 #include <ovImages/Half.h>
-#include <ovVeldris/System.h>
-#include <ovVeldris/core/GraphicsEngine.h>
 #include <ovVeldris/effects/TextureCopyEffect.h>
 #include <ovVeldris/effects/ToneMappingEffect.h>
 #include <ovVeldris/effects/ToneMappingHablesCurve.h>
 
 namespace {
 
-constexpr int WIDTH = 1920;
-constexpr int HEIGHT = 1080;
-constexpr int ROUNDS = 25;
+using namespace ovBenchmarks;
 
-const std::string HEADER = R"glsl(#version 450 core
-layout(binding = 0) uniform sampler2D sourceTexture;
-layout(location = 0) in vec2 uvs;
-layout(location = 0) out vec4 colour;
+constexpr double RATIO_AIM = 1.1;
+
+const std::string HEADER = BARE_HEADER + R"glsl(
 float luminance(vec3 rgb) { return dot(rgb, vec3(0.2126, 0.7152, 0.0722)); }
 )glsl";
 
@@ -99,103 +83,18 @@ void main() {
 )glsl";
 
 /// Light over twelve stops in half floats.
-std::vector<std::uint16_t> makeLight() {
-    std::vector<std::uint16_t> texels;
-    texels.reserve(4ull * WIDTH * HEIGHT);
-    for (int y = 0; y < HEIGHT; ++y) {
-        for (int x = 0; x < WIDTH; ++x) {
-            const float stops = std::exp2(12.0f * static_cast<float>(x) / WIDTH - 8.0f);
-            for (const float share : {0.3f + 0.7f * static_cast<float>(y) / HEIGHT, 0.8f, 0.5f})
+HalfTexels makeLight() {
+    HalfTexels texels;
+    texels.reserve(4ull * EFFECT_WIDTH * EFFECT_HEIGHT);
+    for (int y = 0; y < EFFECT_HEIGHT; ++y) {
+        for (int x = 0; x < EFFECT_WIDTH; ++x) {
+            const float stops = std::exp2(12.0f * static_cast<float>(x) / EFFECT_WIDTH - 8.0f);
+            for (const float share : {0.3f + 0.7f * static_cast<float>(y) / EFFECT_HEIGHT, 0.8f, 0.5f})
                 texels.push_back(ovImages::floatToHalf(stops * share));
             texels.push_back(ovImages::floatToHalf(1.0f));
         }
     }
     return texels;
-}
-
-/// One effect of the library, drawn by a compositor.
-class LibraryEffect {
-public:
-    bool load(const std::function<ovMemory::UniquePtr<ovVeldris::Effect>(ovVeldris::System&,
-                                                                         ovGraphics::Texture*)>& make,
-              const std::vector<std::uint16_t>& texels) {
-        ovVeldris::Configuration configuration;
-        configuration.graphicsConfiguration.software = true;
-        if (!_system.initialize(configuration))
-            return false;
-        _source = _makeTexture();
-        const auto* bytes = reinterpret_cast<const unsigned char*>(texels.data());
-        _source->setCpuData(0, 0, {bytes, texels.size() * sizeof(std::uint16_t)});
-        _target = _makeTexture();
-        _target->setUsableAsRenderTarget(true);
-        _effect = make(_system, _source.get());
-        if (!_source->load() || !_target->load() || !_effect->load())
-            return false;
-        _compositor = ovGraphics::Compositor::create(&graphics());
-        auto* block = _compositor->appendNode()->appendOperationsBlock();
-        block->setTarget(0, _target.get());
-        block->appendPostProcessPass()->setShader(_effect->getShader());
-        _context = ovGraphics::RenderContext::create(&graphics());
-        _context->setCompositor(_compositor.get());
-        return true;
-    }
-
-    ovGraphics::System& graphics() { return *_system.getGraphicsEngine()->getGraphicsSystem(); }
-    void draw() { graphics().frame(_context.get()); }
-    ovMemory::UniquePtr<ovImages::Image> read() { return _target->convertToImage(); }
-
-private:
-    ovMemory::UniquePtr<ovGraphics::Texture> _makeTexture() {
-        auto texture = ovGraphics::Texture::create(&graphics());
-        texture->setWidth(WIDTH);
-        texture->setHeight(HEIGHT);
-        texture->setFormat(ovGraphics::FORMAT::R16G16B16A16_FLOAT);
-        return texture;
-    }
-
-    ovVeldris::System _system;
-    ovMemory::UniquePtr<ovGraphics::Texture> _source;
-    ovMemory::UniquePtr<ovGraphics::Texture> _target;
-    ovMemory::UniquePtr<ovVeldris::Effect> _effect;
-    ovMemory::UniquePtr<ovGraphics::Compositor> _compositor;
-    ovMemory::UniquePtr<ovGraphics::RenderContext> _context;
-};
-
-double largestDifference(const ovImages::Image& ours, const std::vector<float>& bare) {
-    double largest = 0.0;
-    const auto* halves = reinterpret_cast<const std::uint16_t*>(ours.getBytes().data());
-    for (std::size_t i = 0; i < bare.size(); ++i)
-        largest =
-            std::max(largest, std::abs(static_cast<double>(ovImages::halfToFloat(halves[i])) - bare[i]));
-    return largest;
-}
-
-using MakeEffect =
-    std::function<ovMemory::UniquePtr<ovVeldris::Effect>(ovVeldris::System&, ovGraphics::Texture*)>;
-
-void effectOverBareOpenGl(benchmark::State& state, const MakeEffect& make, const std::string& pixelText,
-                          const std::vector<float>& constants) {
-    const std::vector<std::uint16_t> texels = makeLight();
-    LibraryEffect library;
-    if (!library.load(make, texels)) {
-        state.SkipWithError("the effect could not be loaded");
-        return;
-    }
-    ovBenchmarks::BareOpenGlPass bare(pixelText, GL_RGBA16F, WIDTH, HEIGHT, constants);
-    bare.setSource(GL_HALF_FLOAT, texels.data());
-
-    const ovBenchmarks::Side baseline{ovBenchmarks::BareOpenGlPass::bindSharedState, [&] {
-                                          bare.draw();
-                                          ovBenchmarks::finish();
-                                      }};
-    const ovBenchmarks::Side ours{[&] { library.graphics().getDevice()->invalidateState(); },
-                                  [&] {
-                                      library.draw();
-                                      ovBenchmarks::finish();
-                                  }};
-    ovBenchmarks::runPair(state, baseline, ours, ROUNDS, ovBenchmarks::LOAD::TWO_CORES);
-    ovBenchmarks::aimAtRatio(state, 1.1);
-    state.counters["difference"] = largestDifference(*library.read(), bare.read());
 }
 
 MakeEffect toneMapping(bool useLuminance,
@@ -226,14 +125,6 @@ std::vector<float> hablesConstants() {
     return constants;
 }
 
-void registerEffect(const char* name, const MakeEffect& make, const std::string& text,
-                    const std::vector<float>& constants) {
-    benchmark::RegisterBenchmark(name, effectOverBareOpenGl, make, text, constants)
-        ->Iterations(1)
-        ->UseManualTime()
-        ->Unit(benchmark::kMillisecond);
-}
-
 } // namespace
 
 namespace ovBenchmarks {
@@ -246,6 +137,11 @@ void registerEffects() {
     };
     const std::vector<float> white = {4.0f, 4.0f, 4.0f, 0.0f};
     const std::vector<float> identity = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
+    const auto registerEffect = [](const char* name, const MakeEffect& make, const std::string& text,
+                                   const std::vector<float>& constants) {
+        registerEffectPair(
+            name, make, [=] { return makeBarePass(text, constants); }, makeLight, RATIO_AIM);
+    };
     registerEffect("effect/texture_copy", copy, COPY, {});
     registerEffect("effect/reinhard_luminance", toneMapping(true, setReinhard), REINHARD, white);
     registerEffect("effect/reinhard_channels", toneMapping(false, setReinhard), REINHARD_CHANNELS, white);
