@@ -357,6 +357,34 @@ TEST_F(RenderCommandTest, cubesOfFilesAreTheEnvironmentThatTheyWereBakedFrom) {
     }
 }
 
+TEST_F(RenderCommandTest, surroundingsTurnToTheRight) {
+    const String model = writeQuad(_folder);
+    const String panorama = _folder.getPath("panorama.exr");
+    writeImage(panorama, directionPanorama(64));
+    // The longitude and the latitude of the file that a corner of the picture shows, in degrees.
+    const auto seen = [&](const char* degrees) {
+        const String output = _folder.getPath("o.exr");
+        const Outcome outcome =
+            runVeldris({"render", model, "-o", output, "--size", "64x32", "--device", "software",
+                        "--no-cache", "--environment", panorama, "--environment-rotation", degrees,
+                        "--samples", "1", "--camera", "15,20,0.5"});
+        EXPECT_EQ(outcome.status, 0) << outcome.error;
+        const Image picture = readImage(output);
+        const auto part = [&](unsigned int channel) {
+            return 2.0 * picture.getComponent(0, 0, channel) - 1.0;
+        };
+        return std::array{std::atan2(part(2), part(0)) * 180.0 / lightTruth::PI,
+                          std::asin(part(1)) * 180.0 / lightTruth::PI};
+    };
+    const auto straight = seen("0");
+    for (const char* degrees : {"45", "-22.5"}) { // whole columns of 2.8125
+        const auto turned = seen(degrees);
+        // What was to the left of the place is there now, and columns grow to the right.
+        EXPECT_NEAR(std::remainder(turned[0] - straight[0] + std::atof(degrees), 360.0), 0.0, 0.3) << degrees;
+        EXPECT_NEAR(turned[1], straight[1], 0.3) << degrees;
+    }
+}
+
 TEST_F(RenderCommandTest, aMissingPictureIsDrawnAsAStandInWithOneWarning) {
     const String model = writeQuad(_folder);
     std::filesystem::remove(_folder.getPath("quad.png"));

@@ -212,6 +212,32 @@ TEST(GltfWindingTest, filesAreDrawnRightSideOutWithOneLine) {
     }
 }
 
+TEST(GltfWindingTest, aFewOddTrianglesStayAsTheyAre) {
+    GltfBuilder file = makeSolidFile({RIGHT}, R"({"mesh": 0})");
+    // Five of eight, one more than half: too few to say that the file means the other side.
+    GltfGeometry odd = makeOctahedron();
+    turnTrianglesOf(odd, 5);
+    const std::string given = "\"indices\": 1";
+    const std::string own =
+        "\"indices\": " +
+        std::to_string(
+            file.add(std::vector<std::uint32_t>(odd.indices.begin(), odd.indices.end()), "SCALAR", UINT32));
+    file.members.replace(file.members.find(given), given.size(), own);
+    ovGraphics::GltfDecodeOptions options;
+    options.optimizeMeshes = false;
+    const GltfScene scene = decodeWhole(file, options);
+    EXPECT_EQ(scene.warnings, Strings());
+    std::size_t inwards = 0;
+    const auto corners = cornersOf(scene.meshes.at(0).primitives.at(0), "POSITION");
+    for (std::size_t i = 0; i < corners.size(); i += 3)
+        inwards +=
+            Vector::dotVec3(Vector::crossVec3(corners[i + 1] - corners[i], corners[i + 2] - corners[i]),
+                            corners[i]) < 0.0f
+                ? 1
+                : 0;
+    EXPECT_EQ(inwards, 5u);
+}
+
 TEST(GltfWindingTest, mirroringNodesTurnNothing) {
     // One mesh at a mirroring node and at one that does not: the node turns the winding, not the mesh.
     const GltfScene scene =
