@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <cstring>
+#include <functional>
 #include <gtest/gtest.h>
 #include <limits>
 #include <ovGraphics/System.h>
@@ -77,6 +78,36 @@ protected:
     static Vector pixel(const ovImages::Image& image, unsigned int x, unsigned int y) {
         return {image.getComponent(x, y, 0), image.getComponent(x, y, 1), image.getComponent(x, y, 2),
                 image.getComponent(x, y, 3)};
+    }
+
+    /// Which of the four texels of makeSlate() shade the ground: '#', the others '.'.
+    /// @param change what the material of the file has otherwise
+    ovMemory::String shadowOfSlate(const ovGraphics::GltfScene& scene,
+                                   const std::function<void(PbsMaterial&)>& change = {}) {
+        const auto picture = makePicture();
+        const auto white = makeDiffuse(*picture, {0.5f, 0.5f, 0.5f});
+        const auto loaded = ovVeldris::ModelLoader(&_session.getSystem()).create(scene);
+        EXPECT_TRUE(loaded) << loaded.error;
+        if (!loaded)
+            return "";
+        ovVeldris::Model& slate = *loaded.model;
+        PbsMaterial& material = *slate.getMaterials()[0].material;
+        if (change)
+            change(material);
+        picture->light(material);
+        EXPECT_TRUE(slate.loadMaterials());
+        picture->getSolid().addEntity(_ground.get(), white->getShader(), nullptr);
+        slate.addTo(picture->getSolid(), picture->getBlended());
+        EXPECT_TRUE(picture->castShadow(*white, GLTF_ALPHA_MODE::OPAQUE));
+        EXPECT_TRUE(picture->castShadow(material, scene.materials[0].alphaMode));
+        picture->fitShadow(ovGraphics::BoundingBox::newBox({0.0f, 1.0f, 0.0f}, {2.0f, 2.0f, 2.0f}));
+        picture->getCamera().setPosition({0.0f, 5.0f, -5.0f});
+        picture->getCamera().lookAt({0.0f, -1.0f, 1.0f}, {});
+        const ovImages::Image image = draw(*picture);
+        ovMemory::String shadow;
+        for (const unsigned int x : {10u, 14u, 18u, 22u}) // a texel is four pixels wide, from the eighth on
+            shadow += pixel(image, x, 16).x < 0.1f ? '#' : '.';
+        return shadow;
     }
 
     veldris::Session _session;
@@ -261,7 +292,7 @@ TEST_P(ScenePictureTest, shadowsOfHolesReadTexturesAsTheFileSays) {
     using ovGraphics::TEXTURE_ADDRESS;
     struct Case {
         TEXTURE_ADDRESS address;
-        const char* shadow; ///< of the four texels: '#' where they shade the ground
+        const char* shadow;
         float coverage = 1.0f;
         GLTF_ALPHA_MODE alphaMode = GLTF_ALPHA_MODE::MASK;
         float cutoff = 0.5f;
@@ -277,29 +308,25 @@ TEST_P(ScenePictureTest, shadowsOfHolesReadTexturesAsTheFileSays) {
                           {TEXTURE_ADDRESS::WRAP, "....", 0.6f, GLTF_ALPHA_MODE::MASK, 0.7f},
                           {TEXTURE_ADDRESS::WRAP, "####", 0.1f, GLTF_ALPHA_MODE::MASK, 0.0f}};
     _settings.shadows = true;
-    for (const Case& row : cases) {
-        const auto picture = makePicture();
-        const auto white = makeDiffuse(*picture, {0.5f, 0.5f, 0.5f});
-        const auto loaded = ovVeldris::ModelLoader(&_session.getSystem())
-                                .create(makeSlate(row.address, row.coverage, row.alphaMode, row.cutoff));
-        ASSERT_TRUE(loaded) << loaded.error;
-        ovVeldris::Model& slate = *loaded.model;
-        PbsMaterial& material = *slate.getMaterials()[0].material;
-        picture->light(material);
-        ASSERT_TRUE(slate.loadMaterials());
-        picture->getSolid().addEntity(_ground.get(), white->getShader(), nullptr);
-        slate.addTo(picture->getSolid(), picture->getBlended());
-        ASSERT_TRUE(picture->castShadow(*white, GLTF_ALPHA_MODE::OPAQUE));
-        ASSERT_TRUE(picture->castShadow(material, row.alphaMode));
-        picture->fitShadow(ovGraphics::BoundingBox::newBox({0.0f, 1.0f, 0.0f}, {2.0f, 2.0f, 2.0f}));
-        picture->getCamera().setPosition({0.0f, 5.0f, -5.0f});
-        picture->getCamera().lookAt({0.0f, -1.0f, 1.0f}, {});
-        const ovImages::Image image = draw(*picture);
-        ovMemory::String shadow;
-        for (const unsigned int x : {10u, 14u, 18u, 22u}) // a texel is four pixels wide, from the eighth on
-            shadow += pixel(image, x, MIDDLE).x < 0.1f ? '#' : '.';
-        EXPECT_EQ(shadow, row.shadow) << row.coverage << ' ' << row.cutoff;
-    }
+    for (const Case& row : cases)
+        EXPECT_EQ(shadowOfSlate(makeSlate(row.address, row.coverage, row.alphaMode, row.cutoff)), row.shadow)
+            << row.coverage << ' ' << row.cutoff;
+}
+
+TEST_P(ScenePictureTest, holesHaveTheSamplerOfTheirOwnTexture) {
+    // The base colour is another texture, which comes first and is read another way.
+    ovGraphics::GltfScene scene =
+        makeSlate(ovGraphics::TEXTURE_ADDRESS::WRAP, 1.0f, GLTF_ALPHA_MODE::MASK, 0.5f);
+    scene.textures.push_back(scene.textures[0]);
+    scene.textures[1].name = "paint";
+    scene.textures[1].addressU = ovGraphics::TEXTURE_ADDRESS::CLAMP;
+    scene.materials[0].baseColorTexture = 1;
+    scene.materials[0].emissiveTexture = 0;
+    _settings.shadows = true;
+    const auto takeHoles = [](PbsMaterial& material) {
+        material.setAlphaTexture(material.getEmissiveTexture(), ovVeldris::ONE_CHANNEL_PACK::A);
+    };
+    EXPECT_EQ(shadowOfSlate(scene, takeHoles), "#.#.");
 }
 
 TEST_P(ScenePictureTest, blendsOverWhatIsSolid) {
