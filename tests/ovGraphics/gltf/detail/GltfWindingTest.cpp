@@ -112,15 +112,28 @@ TEST(GltfWindingTest, turnsWhatIsWrongOfAClosedSurface) {
     }
 }
 
+TEST(GltfWindingTest, aSmallHoleLeavesASurfaceClosed) {
+    GltfGeometry geometry = makeOctahedron();
+    geometry.indices.resize(21);
+    turnNormalsOf(geometry);
+    const auto indices = geometry.indices;
+    repairWinding(geometry);
+    EXPECT_TRUE(looksOutwards(geometry));
+    EXPECT_EQ(geometry.indices, indices);
+}
+
 TEST(GltfWindingTest, believesTheNormalsOfWhatIsOpen) {
-    // Half an octahedron; a closed sheet of two sides that encloses nothing; a tetrahedron without a face.
+    // An octahedron without two faces that meet; a half of one; a closed sheet of two sides that encloses
+    // nothing.
+    GltfGeometry open = makeOctahedron();
+    open.indices.resize(18);
     GltfGeometry half = makeOctahedron();
     half.indices.resize(12);
     GltfGeometry sheet;
     sheet.positions = {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {0, 0, 0}, {1, 0, 0}, {0, 1, 0}};
     sheet.normals = {{0, 0, -1}, {0, 0, -1}, {0, 0, -1}, {0, 0, 1}, {0, 0, 1}, {0, 0, 1}};
     sheet.indices = {0, 2, 1, 3, 4, 5};
-    for (GltfGeometry geometry : {half, sheet}) {
+    for (GltfGeometry geometry : {open, half, sheet}) {
         turnNormalsOf(geometry);
         const auto normals = geometry.normals;
         ASSERT_TRUE(compareWinding(geometry).isAgainst());
