@@ -87,7 +87,8 @@ ovMemory::Buffer<String> CollectingLogger::takeLines() {
     return std::exchange(_lines, {});
 }
 
-Session::Session() = default;
+Session::Session(Progress* progress)
+    : _progress(progress) {}
 Session::~Session() = default;
 
 bool Session::open(const DrawingOptions& options, String& error) {

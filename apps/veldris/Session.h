@@ -4,6 +4,7 @@
 #include <ovLog/Logger.h>
 #include <ovMemory/Memory.h>
 #include <ovVeldris/Configuration.h>
+#include <veldris/console/Progress.h>
 
 namespace ovGraphics {
 class System;
@@ -48,7 +49,8 @@ private:
 /// An initialised library.
 class Session {
 public:
-    Session();
+    /// @param progress of the run, borrowed; null: nobody asks
+    explicit Session(Progress* progress = nullptr);
     ~Session();
     Session(const Session&) = delete;
     Session& operator=(const Session&) = delete;
@@ -59,8 +61,11 @@ public:
     ovVeldris::System& getSystem() { return *_system; }
     ovGraphics::System& getGraphics();
     CollectingLogger& getLogger() { return _logger; }
+    /// For TimedPart, which takes null.
+    Progress* getProgress() const { return _progress; }
 
 private:
+    Progress* _progress;
     CollectingLogger _logger;
     ovMemory::UniquePtr<ovVeldris::System> _system;
 };

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <atomic>
 #include <cstddef>
+#include <ovCommon/WorkProgress.h>
 #include <system_error>
 #include <thread>
 #include <vector>
@@ -33,5 +34,16 @@ void parallelFor(std::size_t count, const Task& task) {
     }
     work();
 } // the others are joined here
+
+/// The same, and tells the share of the tasks that are done after each of them.
+template <typename Task>
+void parallelFor(std::size_t count, const WorkProgress& progress, const Task& task) {
+    std::atomic<std::size_t> done = 0;
+    parallelFor(count, [&](std::size_t i) {
+        task(i);
+        if (progress)
+            progress(static_cast<double>(++done) / static_cast<double>(count));
+    });
+}
 
 } // namespace ovCommon

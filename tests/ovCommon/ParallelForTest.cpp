@@ -1,6 +1,7 @@
 #include <ovCommon/ParallelFor.h>
 
 #include <gtest/gtest.h>
+#include <mutex>
 #include <set>
 
 namespace {
@@ -11,6 +12,20 @@ TEST(ParallelForTest, threadsTakeEachNumberOnce) {
         ovCommon::parallelFor(count, [&](std::size_t i) { ++calls[i]; });
         EXPECT_EQ(calls, std::vector<int>(count, 1));
     }
+}
+
+TEST(ParallelForTest, threadsTellTheShareThatIsDone) {
+    std::mutex mutex;
+    std::multiset<double> shares;
+    const auto remember = [&](double share) {
+        const std::lock_guard lock(mutex);
+        shares.insert(share);
+    };
+    ovCommon::parallelFor(8, remember, [](std::size_t) {});
+    EXPECT_EQ(shares, (std::multiset<double>{0.125, 0.25, 0.375, 0.5, 0.625, 0.75, 0.875, 1.0}));
+    int calls = 0;
+    ovCommon::parallelFor(1, ovCommon::WorkProgress(), [&](std::size_t) { ++calls; });
+    EXPECT_EQ(calls, 1) << "nobody asks";
 }
 
 TEST(ParallelForTest, threadsWorkAtTheSameTime) {

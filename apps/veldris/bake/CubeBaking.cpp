@@ -8,6 +8,7 @@
 
 namespace veldris {
 
+using ovCommon::WorkProgress;
 using ovImages::Image;
 using ovMemory::String;
 using ovVeldris::EnvironmentTexels;
@@ -43,9 +44,9 @@ bool isCubeOf(const EnvironmentInput& input, unsigned int side) {
     return input.isCube && input.image.getWidth() == side;
 }
 
-Image firstMipOf(const EnvironmentInput& input, unsigned int side) {
+Image firstMipOf(const EnvironmentInput& input, unsigned int side, const WorkProgress& progress) {
     if (!isCubeOf(input, side))
-        return ovVeldris::drawEnvironmentCube(texelsOf(input), side);
+        return ovVeldris::drawEnvironmentCube(texelsOf(input), side, progress);
     // Not drawn anew: its texels stay what they are.
     return ovImages::convertImage(input.image.view(), ovImages::COMPONENT_TYPE::FLOAT, CUBE_CHANNELS,
                                   ovImages::COLOR_ENCODING::LINEAR);
@@ -53,41 +54,45 @@ Image firstMipOf(const EnvironmentInput& input, unsigned int side) {
 
 } // namespace
 
-bool bakeCube(const EnvironmentInput& input, unsigned int side, CubeMap& cube, String& error) {
+bool bakeCube(const EnvironmentInput& input, unsigned int side, CubeMap& cube, String& error,
+              const WorkProgress& progress) {
     if (!checkSide(side, error))
         return false;
     cube.mips.clear();
-    cube.mips.push_back(firstMipOf(input, side));
+    cube.mips.push_back(firstMipOf(input, side, progress));
     while (!cube.mips.back().isEmpty() && cube.mips.back().getWidth() > 1)
         cube.mips.push_back(ovVeldris::halveCube(cube.mips.back()));
     return checkMade(!cube.mips.back().isEmpty(), error);
 }
 
-bool bakePrefiltered(const EnvironmentInput& input, unsigned int side, CubeMap& cube, String& error) {
+bool bakePrefiltered(const EnvironmentInput& input, unsigned int side, CubeMap& cube, String& error,
+                     const WorkProgress& progress) {
     if (!checkSide(side, error))
         return false;
-    cube.mips = ovVeldris::prefilterEnvironment(texelsOf(input), side);
+    cube.mips = ovVeldris::prefilterEnvironment(texelsOf(input), side, progress);
     if (!checkMade(!cube.mips.empty(), error))
         return false;
     if (isCubeOf(input, side)) // a mirror shows it as it is
-        cube.mips.front() = firstMipOf(input, side);
+        cube.mips.front() = firstMipOf(input, side, {});
     return checkMade(!cube.mips.front().isEmpty(), error);
 }
 
 bool bakeIrradiance(const EnvironmentInput& input, unsigned int side, CubeMap& cube,
-                    ovVeldris::IrradianceCoefficients& coefficients, String& error) {
+                    ovVeldris::IrradianceCoefficients& coefficients, String& error,
+                    const WorkProgress& progress) {
     if (!checkSide(side, error))
         return false;
     coefficients = ovVeldris::projectEnvironment(texelsOf(input));
     cube.mips.clear();
-    cube.mips.push_back(ovVeldris::drawIrradianceCube(coefficients, side));
+    cube.mips.push_back(ovVeldris::drawIrradianceCube(coefficients, side, progress));
     return checkMade(!cube.mips.front().isEmpty(), error);
 }
 
-bool bakePanorama(const EnvironmentInput& input, unsigned int height, Image& panorama, String& error) {
+bool bakePanorama(const EnvironmentInput& input, unsigned int height, Image& panorama, String& error,
+                  const WorkProgress& progress) {
     if (!checkSize(height, MAX_PANORAMA_HEIGHT, "the height of a panorama", error))
         return false;
-    panorama = ovVeldris::drawEnvironmentPanorama(texelsOf(input), height);
+    panorama = ovVeldris::drawEnvironmentPanorama(texelsOf(input), height, progress);
     return checkMade(!panorama.isEmpty(), error);
 }
 

@@ -29,28 +29,35 @@ struct ApplyOptions {
     DrawingOptions drawing;
 };
 
-void printReport(Console& console, const ApplyOptions& options, const ChainPlan& plan,
-                 const ChainResult& result, Session& session) {
-    const String method(session.getGraphics().getPassTimingMethod());
+/// What is told of a picture that was written.
+struct ApplyReport {
+    unsigned int width = 0;
+    unsigned int height = 0;
+    String content;
+    String timingMethod;
+    ovMemory::Buffer<EffectTiming> passes;
+};
+
+void printReport(Console& console, const ApplyOptions& options, const ApplyReport& result) {
     const ovMemory::Buffer<JsonObject> steps =
         options.drawing.timings ? console.reportSteps() : ovMemory::Buffer<JsonObject>();
     if (!options.drawing.json) {
-        for (const EffectTiming& timing : result.timings)
-            console.print(fmt::format("{:10.3f} ms  {} ({})", timing.milliseconds, timing.effect, method));
+        for (const EffectTiming& pass : result.passes)
+            console.print(
+                fmt::format("{:10.3f} ms  {} ({})", pass.milliseconds, pass.effect, result.timingMethod));
         printPath(console, options.output);
         return;
     }
     ovMemory::Buffer<JsonObject> passes;
-    for (const EffectTiming& timing : result.timings)
-        passes.push_back(
-            JsonObject().text("effect", timing.effect).number("milliseconds", timing.milliseconds));
+    for (const EffectTiming& pass : result.passes)
+        passes.push_back(JsonObject().text("effect", pass.effect).number("milliseconds", pass.milliseconds));
     JsonObject report;
     report.text("output", options.output)
-        .number("width", result.image->getWidth())
-        .number("height", result.image->getHeight())
-        .text("content", options.raw ? String("raw") : toText(plan.output));
+        .number("width", result.width)
+        .number("height", result.height)
+        .text("content", result.content);
     if (options.drawing.timings)
-        report.array("steps", steps).text("timingMethod", method).array("passes", passes);
+        report.array("steps", steps).text("timingMethod", result.timingMethod).array("passes", passes);
     console.print(report.toText());
 }
 
@@ -65,6 +72,34 @@ bool readOptions(const ApplyOptions& options, ovMemory::Buffer<PlannedEffect>& e
         return false;
     chain.outputName = "the file '" + options.output + "'";
     chain.raw = options.raw;
+    return true;
+}
+
+/// Everything that needs the device, which is closed again at the end.
+bool drawAndWrite(Console& console, const ApplyOptions& options, ovImages::Image input, const ChainPlan& plan,
+                  ApplyReport& report, String& error) {
+    console.step("device");
+    Session session(&console.getProgress());
+    if (!session.open(options.drawing, error))
+        return false;
+    console.step("drawing");
+    ChainResult result =
+        runChainForFile(session, std::move(input), plan, formOfFile(options.output), options.raw);
+    error = result.error;
+    if (!result)
+        return false;
+    console.warnEach(session.getLogger().takeLines());
+    console.warn(result.warning);
+
+    console.step("writing");
+    String warning;
+    if (!writePicture(options.output, result.image->view(), options.raw, warning, error))
+        return false;
+    console.warn(warning);
+    report = {result.image->getWidth(), result.image->getHeight(),
+              options.raw ? String("raw") : toText(plan.output),
+              String(session.getGraphics().getPassTimingMethod()), std::move(result.timings)};
+    console.step("closing");
     return true;
 }
 
@@ -85,27 +120,11 @@ int runApply(Console& console, ApplyOptions options) {
     console.warn(input.warning);
     chain.input = ovVeldris::contentFromText(options.inputContent).value_or(contentOf(input.image->view()));
     ChainPlan plan;
-    if (!planChain(std::move(effects), chain, plan, error))
+    ApplyReport report;
+    if (!planChain(std::move(effects), chain, plan, error) ||
+        !drawAndWrite(console, options, std::move(*input.image), plan, report, error))
         return console.fail(error);
-
-    console.step("device");
-    Session session;
-    if (!session.open(options.drawing, error))
-        return console.fail(error);
-    console.step("drawing");
-    ChainResult result =
-        runChainForFile(session, std::move(*input.image), plan, formOfFile(options.output), options.raw);
-    if (!result)
-        return console.fail(result.error);
-    console.warnEach(session.getLogger().takeLines());
-    console.warn(result.warning);
-
-    console.step("writing");
-    String warning;
-    if (!writePicture(options.output, result.image->view(), options.raw, warning, error))
-        return console.fail(error);
-    console.warn(warning);
-    printReport(console, options, plan, result, session);
+    printReport(console, options, report);
     return 0;
 }
 

@@ -88,20 +88,22 @@ void mirrorPhotograph(const BakeOptions& options, ovImages::Image& panorama) {
         ovImages::mirrorPanorama(panorama);
 }
 
-bool bake(const BakeOptions& options, const EnvironmentInput& input, BakeResult& result, String& error) {
+bool bake(Console& console, const BakeOptions& options, const EnvironmentInput& input, BakeResult& result,
+          String& error) {
+    const auto progress = [&console](double share) { console.getProgress().share(share); };
     switch (options.bake) {
     case BAKE::PREFILTER:
-        return bakePrefiltered(input, options.size, result.cube, error);
+        return bakePrefiltered(input, options.size, result.cube, error, progress);
     case BAKE::IRRADIANCE:
-        return bakeIrradiance(input, options.size, result.cube, result.coefficients, error);
+        return bakeIrradiance(input, options.size, result.cube, result.coefficients, error, progress);
     case BAKE::CUBEMAP:
-        return bakeCube(input, options.size, result.cube, error);
+        return bakeCube(input, options.size, result.cube, error, progress);
     case BAKE::SPHERICAL:
         break;
     }
     // A map's middle row has four faces, so this keeps the size of the cube's texels.
     const unsigned int height = options.size > 0 ? options.size : 2 * input.image.getWidth();
-    if (!bakePanorama(input, height, result.panorama, error))
+    if (!bakePanorama(input, height, result.panorama, error, progress))
         return false;
     mirrorPhotograph(options, result.panorama);
     return true;
@@ -164,7 +166,7 @@ int runBake(Console& console, BakeOptions options) {
         mirrorPhotograph(options, input.image);
     console.step("baking");
     BakeResult result;
-    if (!bake(options, input, result, error))
+    if (!bake(console, options, input, result, error))
         return console.fail(error);
     console.step("writing");
     if (!write(options, output, result, error))

@@ -89,11 +89,11 @@ void addCommands(CLI::App& program, Command& command) {
 
 } // namespace
 
-int runProgram(int argumentCount, const char* const* arguments) {
+int runProgram(int argumentCount, const char* const* arguments, std::chrono::steady_clock::time_point start) {
     keepFreedMemory();
     const std::span<const char* const> given(arguments + 1, arguments + std::max(argumentCount, 1));
     // Before anything is parsed: what the parser refuses is told in the same form.
-    Console console(std::ranges::find(given, StringView("--json")) != given.end());
+    Console console(std::ranges::find(given, StringView("--json")) != given.end(), start);
     CLI::App program(
         "Draws models with physically based materials under skies, runs effects over pictures and "
         "bakes environments; without a display, on a GPU or in software.",

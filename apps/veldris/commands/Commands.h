@@ -1,6 +1,7 @@
 // The subcommands of veldris, one source each.
 #pragma once
 
+#include <chrono>
 #include <functional>
 #include <ovImages/Encoder.h>
 #include <ovMemory/Memory.h>
@@ -50,7 +51,8 @@ struct EnvironmentReading;
 /// Adds --input-layout and the options of addReadingOptions(), of commands that read environments.
 void addEnvironmentOptions(CLI::App& command, EnvironmentReading& reading);
 
-/// Runs the program. @return its exit status: 0 done, 1 failed, 2 wrong usage
-int runProgram(int argumentCount, const char* const* arguments);
+/// Runs the program. @param start of the first step @return its exit status: 0 done, 1 failed, 2 wrong usage
+int runProgram(int argumentCount, const char* const* arguments,
+               std::chrono::steady_clock::time_point start = std::chrono::steady_clock::now());
 
 } // namespace veldris

@@ -9,6 +9,7 @@
 #include <ovGraphics/device/Device.h>
 #include <ovGraphics/resources/ProgramLibrary.h>
 #include <ovResources/Files.h>
+#include <ovVeldris/core/NearestName.h>
 #include <veldris/ImageFiles.h>
 #include <veldris/JsonText.h>
 #include <veldris/console/Console.h>
@@ -50,6 +51,24 @@ bool planScene(ovMemory::StringView text, ChainPlan& plan, String& error) {
     return planEffects(text, effects, error) && planChain(std::move(effects), {}, plan, error);
 }
 
+/// The names of all pictures.
+Buffer<ovMemory::StringView> pictureNames() {
+    Buffer<ovMemory::StringView> names;
+    for (const auto& some : {effectPictureNames(), materialPictureNames(), environmentPictureNames()})
+        names.insert(names.end(), some.begin(), some.end());
+    for (const ovVeldris::EffectKind& kind : ovVeldris::effectKinds())
+        for (const ovVeldris::EffectExample& example : kind.examples)
+            names.push_back(example.name);
+    return names;
+}
+
+/// Tells which share of all pictures the entries are.
+void tellShare(Session& session, const Buffer<GalleryEntry>& entries) {
+    if (session.getProgress())
+        session.getProgress()->share(static_cast<double>(entries.size()) /
+                                     static_cast<double>(pictureNames().size()));
+}
+
 bool drawExample(Session& session, const ovImages::ImageView& scene, const ovVeldris::EffectKind& kind,
                  const ovVeldris::EffectExample& example, const DemoOptions& options,
                  Buffer<GalleryEntry>& entries, String& error) {
@@ -73,6 +92,7 @@ bool drawExample(Session& session, const ovImages::ImageView& scene, const ovVel
     for (const EffectTiming& timing : result.timings)
         entry.passes.push_back({timing.effect, timing.milliseconds});
     entries.push_back(entry);
+    tellShare(session, entries);
     return writeGalleryPicture(options.folder + "/" + file, result.image->view(), error);
 }
 
@@ -106,6 +126,7 @@ bool drawComparisons(Session& session, const ovImages::ImageView& scene, const D
         entries.push_back(demoEntry(picture.name, picture.caption));
         for (const EffectTiming& timing : picture.timings)
             entries.back().passes.push_back({timing.effect, timing.milliseconds});
+        tellShare(session, entries);
         return writeGalleryPicture(options.folder + "/" + entries.back().afterFile, picture.image.view(),
                                    reason);
     };
@@ -122,11 +143,18 @@ bool drawScenes(Session& session, const DemoOptions& options, Buffer<GalleryEntr
         entries.push_back(demoEntry(picture.name, picture.caption));
         for (const ovGraphics::PassTiming& pass : picture.passes)
             entries.back().passes.push_back({pass.name, pass.milliseconds});
+        tellShare(session, entries);
         return mapped && writeGalleryPicture(options.folder + "/" + entries.back().afterFile,
                                              mapped.image->view(), reason);
     };
-    return drawMaterialPictures(session, options.width, options.height, options.only, write, error) &&
-           drawEnvironmentPictures(session, options.width, options.height, options.only, write, error);
+    // Where none of a kind is wanted, what its pictures share is not made either.
+    const auto isAnyWanted = [&](const Buffer<ovMemory::StringView>& names) {
+        return std::ranges::any_of(names, [&](ovMemory::StringView name) { return isWanted(options, name); });
+    };
+    return (!isAnyWanted(materialPictureNames()) ||
+            drawMaterialPictures(session, options.width, options.height, options.only, write, error)) &&
+           (!isAnyWanted(environmentPictureNames()) ||
+            drawEnvironmentPictures(session, options.width, options.height, options.only, write, error));
 }
 
 bool drawGallery(Session& session, const DemoOptions& options, Buffer<GalleryEntry>& entries, String& error) {
@@ -139,10 +167,6 @@ bool drawGallery(Session& session, const DemoOptions& options, Buffer<GalleryEnt
         !drawComparisons(session, scene.view(), options, entries, error) ||
         !drawScenes(session, options, entries, error))
         return false;
-    if (entries.empty()) {
-        error = "there is no picture '" + options.only + "'; the page of all of them names each.";
-        return false;
-    }
     if (!options.only.empty())
         return true; // the page shows all
     const auto& graphics = session.getGraphics();
@@ -188,18 +212,32 @@ void printReport(Console& console, const DemoOptions& options, const Buffer<Gall
                       .toText());
 }
 
+/// Whether a picture has the name that was asked for. @return false with one line in error
+bool checkName(const DemoOptions& options, String& error) {
+    const Buffer<ovMemory::StringView> names = pictureNames();
+    if (options.only.empty() || std::ranges::find(names, options.only) != names.end())
+        return true;
+    error = fmt::format("there is no picture '{}'; there are {}.{}", options.only, fmt::join(names, ", "),
+                        ovVeldris::nearestNameHint(options.only, names));
+    return false;
+}
+
 int runDemo(Console& console, DemoOptions options) {
+    String error;
+    if (!checkName(options, error))
+        return console.fail(error);
     std::error_code status;
     std::filesystem::create_directories(options.folder, status);
     if (status)
         return console.fail(fmt::format("could not make the folder '{}': {}; name another with --out.",
                                         options.folder, status.message()));
-    String error = ovResources::checkWritable(options.folder + "/index.html").error;
+    error = ovResources::checkWritable(options.folder + "/index.html").error;
     if (!error.empty())
         return console.fail(error);
     DrawingOptions measured = options.drawing;
     measured.timings = true; // the page shows them
-    Session session;
+    console.step("device");
+    Session session(&console.getProgress());
     if (!session.open(measured, error))
         return console.fail(error);
     console.step("drawing the gallery");

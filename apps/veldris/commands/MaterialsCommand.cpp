@@ -3,13 +3,13 @@
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
-#include <ovVeldris/content/ModelLoader.h>
 #include <veldris/JsonText.h>
 #include <veldris/console/Console.h>
 #include <veldris/console/InputFile.h>
 #include <veldris/console/OutputFile.h>
 #include <veldris/materials/MaterialFile.h>
 #include <veldris/scene/ModelLight.h>
+#include <veldris/scene/ModelReading.h>
 
 namespace veldris {
 
@@ -31,15 +31,13 @@ int runMaterials(Console& console, MaterialsOptions options) {
         return console.fail(error);
     if (isStandardOutput(options.output))
         console.leaveOutputToData();
-    Session session;
+    console.step("device");
+    Session session(&console.getProgress());
     if (!session.open(options.drawing, error))
         return console.fail(error);
-    console.step("decoding");
-    const ovVeldris::ModelLoadResult loaded =
-        ovVeldris::ModelLoader(&session.getSystem()).load(options.model);
+    const ovVeldris::ModelLoadResult loaded = readModel(console, session, options.model);
     if (!loaded)
         return console.fail(loaded.error);
-    console.warnEach(loaded.model->getWarnings());
     giveModelLight(*loaded.model);
     const ovMemory::Buffer<ovVeldris::PbsMaterial*> materials = materialsOf(*loaded.model);
     const String text = writeMaterialFile(materials);

@@ -8,7 +8,6 @@
 #include <fmt/format.h>
 #include <ovGraphics/System.h>
 #include <ovImages/Panorama.h>
-#include <ovVeldris/content/ModelLoader.h>
 #include <ovVeldris/core/NearestName.h>
 #include <veldris/ImageFiles.h>
 #include <veldris/JsonText.h>
@@ -22,6 +21,7 @@
 #include <veldris/scene/EnvironmentLight.h>
 #include <veldris/scene/MissingTextures.h>
 #include <veldris/scene/ModelLight.h>
+#include <veldris/scene/ModelReading.h>
 #include <veldris/scene/SceneCamera.h>
 #include <veldris/scene/ScenePicture.h>
 
@@ -160,13 +160,16 @@ bool makePlan(const RenderOptions& options, RenderPlan& plan, String& error) {
 
 /// The user's environment as the library reads panoramas; the empty picture with one line in error.
 ovImages::Image readPanorama(Console& console, const RenderOptions& options, String& error) {
+    console.step("decoding");
     EnvironmentInput input;
     if (!readEnvironment(options.environment, options.reading, input, error))
         return {};
     console.warnEach(input.warnings);
+    console.step("conversion");
     ovImages::Image panorama;
+    const auto progress = [&console](double share) { console.getProgress().share(share); };
     // A map's middle row has four faces, so this keeps the size of the cube's texels.
-    if (input.isCube && !bakePanorama(input, 2 * input.image.getWidth(), panorama, error))
+    if (input.isCube && !bakePanorama(input, 2 * input.image.getWidth(), panorama, error, progress))
         return {};
     if (!input.isCube) {
         panorama = std::move(input.image);
@@ -186,17 +189,15 @@ ovMemory::UniquePtr<EnvironmentLight> makeEnvironment(Console& console, Session&
                                                       const Vector& lightDirection, String& error) {
     if (options.environment == "none")
         return nullptr;
+    const ovImages::Image panorama = options.environment == BUILT_IN_SKY
+                                         ? drawSkyPanorama(SKY_WIDTH, -lightDirection.getNormalizedVec3())
+                                         : readPanorama(console, options, error);
+    if (panorama.isEmpty())
+        return nullptr;
+    console.step("filtering");
     String warning;
-    ovMemory::UniquePtr<EnvironmentLight> light;
-    if (options.environment == BUILT_IN_SKY) {
-        const ovImages::Image sky = drawSkyPanorama(SKY_WIDTH, -lightDirection.getNormalizedVec3());
-        light = EnvironmentLight::create(session, sky.view(), warning, error);
-    } else {
-        const ovImages::Image panorama = readPanorama(console, options, error);
-        if (panorama.isEmpty())
-            return nullptr;
-        light = EnvironmentLight::create(session, panorama.view(), warning, error);
-    }
+    auto light = EnvironmentLight::create(session, panorama.view(), warning, error,
+                                          [&console](double share) { console.getProgress().share(share); });
     console.warn(warning);
     return light;
 }
@@ -226,7 +227,7 @@ bool readMaterials(Console& console, Session& session, const RenderOptions& opti
                                      ovVeldris::nearestNameHint(material->getName(), names)));
     }
     const String folder = std::filesystem::path(options.materials).parent_path().native();
-    console.warnEach(loadMissingTextures(own, folder));
+    console.warnEach(loadMissingTextures(own, folder, &console.getProgress()));
     return true;
 }
 
@@ -245,48 +246,44 @@ bool addModel(ScenePicture& picture, ovVeldris::Model& model) {
     return true;
 }
 
-using Timings = ovMemory::Buffer<ovGraphics::PassTiming>;
+/// What is told of a picture that was written.
+struct RenderReport {
+    unsigned int width = 0;
+    unsigned int height = 0;
+    String timingMethod;
+    /// Those of the scene, then the effects'.
+    Buffer<ovGraphics::PassTiming> passes;
+};
 
-/// @param timings of the passes of the scene; those of the effects are the chain's
-void printReport(Console& console, const RenderOptions& options, const Timings& timings,
-                 const ChainResult& result, Session& session) {
-    const String method(session.getGraphics().getPassTimingMethod());
+void printReport(Console& console, const RenderOptions& options, const RenderReport& result) {
     const Buffer<JsonObject> steps = options.drawing.timings ? console.reportSteps() : Buffer<JsonObject>();
-    ovMemory::Buffer<JsonObject> passes;
-    const auto addPass = [&](const String& name, double milliseconds) {
+    Buffer<JsonObject> passes;
+    for (const ovGraphics::PassTiming& pass : result.passes) {
         if (!options.drawing.json)
-            console.print(fmt::format("{:10.3f} ms  {} ({})", milliseconds, name, method));
-        passes.push_back(JsonObject().text("pass", name).number("milliseconds", milliseconds));
-    };
-    for (const ovGraphics::PassTiming& timing : timings)
-        addPass(timing.name, timing.milliseconds);
-    for (const EffectTiming& timing : result.timings)
-        addPass(timing.effect, timing.milliseconds);
+            console.print(
+                fmt::format("{:10.3f} ms  {} ({})", pass.milliseconds, pass.name, result.timingMethod));
+        passes.push_back(JsonObject().text("pass", pass.name).number("milliseconds", pass.milliseconds));
+    }
     if (!options.drawing.json) {
         printPath(console, options.output);
         return;
     }
     JsonObject report;
-    report.text("output", options.output)
-        .number("width", result.image->getWidth())
-        .number("height", result.image->getHeight());
+    report.text("output", options.output).number("width", result.width).number("height", result.height);
     if (options.drawing.timings)
-        report.array("steps", steps).text("timingMethod", method).array("passes", passes);
+        report.array("steps", steps).text("timingMethod", result.timingMethod).array("passes", passes);
     console.print(report.toText());
 }
 
 /// The model's picture before any effect.
 ovMemory::UniquePtr<ovGraphics::Texture> drawModel(Console& console, Session& session,
                                                    const RenderOptions& options, const RenderPlan& plan,
-                                                   Timings& timings, String& error) {
-    console.step("decoding");
-    const ovVeldris::ModelLoadResult loaded =
-        ovVeldris::ModelLoader(&session.getSystem()).load(options.model);
+                                                   RenderReport& report, String& error) {
+    const ovVeldris::ModelLoadResult loaded = readModel(console, session, options.model);
     error = loaded.error;
     if (!loaded)
         return nullptr;
     ovVeldris::Model& model = *loaded.model;
-    console.warnEach(model.getWarnings());
     if (model.getParts().empty()) {
         error = "the model '" + options.model + "' has nothing to draw.";
         return nullptr;
@@ -296,7 +293,6 @@ ovMemory::UniquePtr<ovGraphics::Texture> drawModel(Console& console, Session& se
         return nullptr;
     const Vector lightDirection =
         plan.scene.lightDirection.value_or(model.getMaterials().front().material->getLightDirection());
-    console.step("filtering");
     const auto environment = makeEnvironment(console, session, options, lightDirection, error);
     if (!error.empty())
         return nullptr;
@@ -313,8 +309,39 @@ ovMemory::UniquePtr<ovGraphics::Texture> drawModel(Console& console, Session& se
     String warning;
     auto drawn = picture->draw(warning, error);
     console.warn(warning);
-    timings = picture->getTimings();
+    report.passes = picture->getTimings();
     return drawn;
+}
+
+/// Everything that needs the device, which is closed again at the end.
+bool render(Console& console, const RenderOptions& options, const RenderPlan& plan, RenderReport& report,
+            String& error) {
+    console.step("device");
+    Session session(&console.getProgress());
+    if (!session.open(options.drawing, error))
+        return false;
+    auto picture = drawModel(console, session, options, plan, report, error);
+    if (!picture)
+        return false;
+    const ChainResult result = runChain(session, std::move(picture), plan.chain);
+    error = result.error;
+    if (!result)
+        return false;
+    console.warnEach(session.getLogger().takeLines());
+    console.step("writing");
+    if (plan.background)
+        layBehind(*result.image, *plan.background, result.content);
+    String warning;
+    if (!writePicture(options.output, result.image->view(), false, warning, error))
+        return false;
+    console.warn(warning);
+    report.width = result.image->getWidth();
+    report.height = result.image->getHeight();
+    report.timingMethod = session.getGraphics().getPassTimingMethod();
+    for (const EffectTiming& timing : result.timings)
+        report.passes.push_back({timing.effect, timing.milliseconds});
+    console.step("closing");
+    return true;
 }
 
 int runRender(Console& console, RenderOptions options) {
@@ -327,26 +354,10 @@ int runRender(Console& console, RenderOptions options) {
         return console.fail(error);
     if (isStandardOutput(options.output))
         console.leaveOutputToData();
-    console.step("device");
-    Session session;
-    if (!session.open(options.drawing, error))
+    RenderReport report;
+    if (!render(console, options, plan, report, error))
         return console.fail(error);
-    Timings timings;
-    auto picture = drawModel(console, session, options, plan, timings, error);
-    if (!picture)
-        return console.fail(error);
-    const ChainResult result = runChain(session, std::move(picture), plan.chain);
-    if (!result)
-        return console.fail(result.error);
-    console.warnEach(session.getLogger().takeLines());
-    console.step("writing");
-    if (plan.background)
-        layBehind(*result.image, *plan.background, result.content);
-    String warning;
-    if (!writePicture(options.output, result.image->view(), false, warning, error))
-        return console.fail(error);
-    console.warn(warning);
-    printReport(console, options, timings, result, session);
+    printReport(console, options, report);
     return 0;
 }
 

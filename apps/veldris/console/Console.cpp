@@ -47,9 +47,9 @@ String kindOf(StringView message) {
 
 } // namespace
 
-Console::Console(bool isJson)
+Console::Console(bool isJson, Progress::Clock::time_point start)
     : _isJson(isJson)
-    , _progress(!isJson && isatty(STDERR_FILENO)) {}
+    , _progress(!isJson && isatty(STDERR_FILENO), start) {}
 
 int Console::fail(StringView message) {
     _progress.clearLine();

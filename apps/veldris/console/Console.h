@@ -14,8 +14,8 @@ namespace veldris {
 /// once, with the first of them as the example, when the run fails or ends.
 class Console {
 public:
-    /// @param isJson whether messages are for machines
-    explicit Console(bool isJson);
+    /// @param isJson whether messages are for machines @param start of the first step
+    explicit Console(bool isJson, Progress::Clock::time_point start = Progress::Clock::now());
 
     /// The steps of the run, shown on a terminal while they last.
     Progress& getProgress() { return _progress; }

@@ -40,8 +40,10 @@ String progressText(StringView step, double seconds, double share) {
     return fmt::format("{}, {:.0f} %, about {:.0f} s left", step, 100.0 * share, left);
 }
 
-Progress::Progress(bool isShown)
-    : _isShown(isShown) {
+Progress::Progress(bool isShown, Clock::time_point start)
+    : _isShown(isShown)
+    , _shownSince(start)
+    , _timedSince(start) {
     if (_isShown)
         _painter = std::thread([this] { _show(); });
 }
@@ -59,9 +61,17 @@ Progress::~Progress() {
 
 void Progress::step(StringView name) {
     const std::lock_guard lock(_mutex);
-    _endStep();
-    _name = name;
+    _time(name);
+    _shown = name;
+    _shownSince = _timedSince;
     _share = 0.0;
+}
+
+String Progress::part(StringView name) {
+    const std::lock_guard lock(_mutex);
+    String before = _timed;
+    _time(name);
+    return before;
 }
 
 void Progress::share(double done) {
@@ -77,21 +87,22 @@ void Progress::clearLine() {
 Buffer<StepTime> Progress::getSteps() const {
     const std::lock_guard lock(_mutex);
     Buffer<StepTime> steps = _steps;
-    addTo(steps, _name, 1000.0 * secondsOf(Clock::now() - _start));
+    addTo(steps, _timed, 1000.0 * secondsOf(Clock::now() - _timedSince));
     return steps;
 }
 
-void Progress::_endStep() {
+void Progress::_time(StringView name) {
     const Clock::time_point now = Clock::now();
-    addTo(_steps, _name, 1000.0 * secondsOf(now - _start));
-    _start = now;
+    addTo(_steps, _timed, 1000.0 * secondsOf(now - _timedSince));
+    _timed = name;
+    _timedSince = now;
 }
 
 void Progress::_show() {
     std::unique_lock lock(_mutex);
     String shown;
     while (!_ended.wait_for(lock, REPAINTED_AFTER, [this] { return _isOver; })) {
-        const String text = progressText(_name, secondsOf(Clock::now() - _start), _share);
+        const String text = progressText(_shown, secondsOf(Clock::now() - _shownSince), _share);
         if (text.empty() || (_hasLine && text == shown))
             continue;
         fmt::print(stderr, "\r\x1b[K{}", text);

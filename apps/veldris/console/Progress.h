@@ -24,15 +24,21 @@ ovMemory::String progressText(ovMemory::StringView step, double seconds, double 
 /// terminal. A thread of its own draws the line, so that nobody who works has to.
 class Progress {
 public:
+    using Clock = std::chrono::steady_clock;
+
     /// @param isShown whether standard error is a terminal and nobody reads JSON from it
-    explicit Progress(bool isShown);
+    /// @param start of the first step
+    explicit Progress(bool isShown, Clock::time_point start = Clock::now());
     ~Progress();
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
 
     /// Ends the step before, and begins one. Steps of one name are one.
     void step(ovMemory::StringView name);
-    /// The share of the step that is done, 0 to 1.
+    /// Counts the time from here on for another step, while the one that is shown goes on.
+    /// @return whose time it was before
+    ovMemory::String part(ovMemory::StringView name);
+    /// The share of the step that is shown, 0 to 1.
     void share(double done);
     /// Takes the line away before something else is printed; it comes back while work goes on.
     void clearLine();
@@ -41,8 +47,7 @@ public:
     ovMemory::Buffer<StepTime> getSteps() const;
 
 private:
-    using Clock = std::chrono::steady_clock;
-    void _endStep();
+    void _time(ovMemory::StringView name);
     void _show();
     void _clear();
 
@@ -51,11 +56,32 @@ private:
     std::condition_variable _ended;
     bool _isOver = false;
     bool _hasLine = false;
-    ovMemory::String _name = "starting";
+    ovMemory::String _shown = "starting";
+    Clock::time_point _shownSince;
     double _share = 0.0;
-    Clock::time_point _start = Clock::now();
+    ovMemory::String _timed = _shown;
+    Clock::time_point _timedSince;
     ovMemory::Buffer<StepTime> _steps;
     std::thread _painter; // last: it uses all of the above
+};
+
+/// Counts the time of a scope for another step.
+class TimedPart {
+public:
+    /// @param progress null: nobody asks
+    TimedPart(Progress* progress, ovMemory::StringView step)
+        : _progress(progress)
+        , _outer(progress ? progress->part(step) : ovMemory::String()) {}
+    ~TimedPart() {
+        if (_progress)
+            _progress->part(_outer);
+    }
+    TimedPart(const TimedPart&) = delete;
+    TimedPart& operator=(const TimedPart&) = delete;
+
+private:
+    Progress* _progress;
+    ovMemory::String _outer;
 };
 
 } // namespace veldris

@@ -108,6 +108,13 @@ constexpr Comparison COMPARISONS[] = {
 
 } // namespace
 
+ovMemory::Buffer<ovMemory::StringView> effectPictureNames() {
+    ovMemory::Buffer<ovMemory::StringView> names;
+    for (const Comparison& comparison : COMPARISONS)
+        names.push_back(comparison.name);
+    return names;
+}
+
 bool drawEffectPictures(Session& session, const ImageView& scene, ovMemory::StringView only,
                         const TakeEffectPicture& take, String& error) {
     for (const Comparison& comparison : COMPARISONS) {

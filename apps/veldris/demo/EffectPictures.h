@@ -25,4 +25,7 @@ using TakeEffectPicture = std::function<bool(EffectPicture& picture, ovMemory::S
 bool drawEffectPictures(Session& session, const ovImages::ImageView& scene, ovMemory::StringView only,
                         const TakeEffectPicture& take, ovMemory::String& error);
 
+/// The names of those pictures.
+ovMemory::Buffer<ovMemory::StringView> effectPictureNames();
+
 } // namespace veldris

@@ -26,6 +26,7 @@ namespace {
 
 constexpr unsigned int PANORAMA_WIDTH = 512;
 constexpr unsigned int SAMPLES = 4; // of a pixel
+constexpr ovMemory::StringView STRIP_NAME = "prefiltered-mips";
 const Vector TOWARDS_SUN = Vector(-0.5f, 0.35f, 0.6f).getNormalizedVec3();
 
 /// An environment and what its picture is called.
@@ -129,22 +130,25 @@ bool drawProjection(Session& session, Texture* source, IMAGE_ENVIRONMENT_PROJECT
     return true;
 }
 
+/// A picture of the image environment effect.
+struct Projection {
+    ovMemory::StringView name;
+    ovMemory::StringView caption;
+    IMAGE_ENVIRONMENT_PROJECTION projection;
+    bool ofCube;
+};
+
+constexpr Projection PROJECTIONS[] = {
+    {"projection-flat", "image environment, flat: the panorama stretched over the screen",
+     IMAGE_ENVIRONMENT_PROJECTION::FLAT, false},
+    {"projection-cube", "image environment, cube: a view into the cube", IMAGE_ENVIRONMENT_PROJECTION::CUBE,
+     true},
+    {"projection-equirectangular", "image environment, equirectangular: the same view into the panorama",
+     IMAGE_ENVIRONMENT_PROJECTION::EQUIRECTANGULAR, false},
+};
+
 bool drawProjections(Session& session, const EnvironmentLight& light, unsigned int width, unsigned int height,
                      const TakePicture& take, String& error) {
-    struct Projection {
-        ovMemory::StringView name;
-        ovMemory::StringView caption;
-        IMAGE_ENVIRONMENT_PROJECTION projection;
-        bool ofCube;
-    };
-    constexpr Projection PROJECTIONS[] = {
-        {"projection-flat", "image environment, flat: the panorama stretched over the screen",
-         IMAGE_ENVIRONMENT_PROJECTION::FLAT, false},
-        {"projection-cube", "image environment, cube: a view into the cube",
-         IMAGE_ENVIRONMENT_PROJECTION::CUBE, true},
-        {"projection-equirectangular", "image environment, equirectangular: the same view into the panorama",
-         IMAGE_ENVIRONMENT_PROJECTION::EQUIRECTANGULAR, false},
-    };
     for (const Projection& current : PROJECTIONS) {
         MaterialPicture picture{current.name, current.caption, nullptr};
         Texture* source = current.ofCube ? light.getPrefiltered() : light.getPanorama();
@@ -156,6 +160,16 @@ bool drawProjections(Session& session, const EnvironmentLight& light, unsigned i
 }
 
 } // namespace
+
+ovMemory::Buffer<ovMemory::StringView> environmentPictureNames() {
+    ovMemory::Buffer<ovMemory::StringView> names;
+    for (const Surroundings& surroundings : SURROUNDINGS)
+        names.push_back(surroundings.name);
+    names.push_back(STRIP_NAME);
+    for (const Projection& projection : PROJECTIONS)
+        names.push_back(projection.name);
+    return names;
+}
 
 bool drawEnvironmentPictures(Session& session, unsigned int width, unsigned int height,
                              ovMemory::StringView only, const TakePicture& takeWanted, String& error) {
@@ -177,7 +191,7 @@ bool drawEnvironmentPictures(Session& session, unsigned int width, unsigned int 
             return false;
         }
     }
-    MaterialPicture strip{"prefiltered-mips",
+    MaterialPicture strip{STRIP_NAME,
                           "a prefiltered cube, its six faces from mip to mip, and below them irradiance",
                           uploadPicture(session.getGraphics(), drawStrip(*light).view())};
     return take(strip, error) && drawProjections(session, *light, width, height, take, error);

@@ -12,4 +12,7 @@ namespace veldris {
 bool drawEnvironmentPictures(Session& session, unsigned int width, unsigned int height,
                              ovMemory::StringView only, const TakePicture& take, ovMemory::String& error);
 
+/// The names of those pictures.
+ovMemory::Buffer<ovMemory::StringView> environmentPictureNames();
+
 } // namespace veldris

@@ -248,6 +248,13 @@ bool drawScene(Session& session, const Stock& stock, const SceneOfMaterials& sce
 
 } // namespace
 
+ovMemory::Buffer<ovMemory::StringView> materialPictureNames() {
+    ovMemory::Buffer<ovMemory::StringView> names;
+    for (const SceneOfMaterials& scene : SCENES)
+        names.push_back(scene.name);
+    return names;
+}
+
 bool drawMaterialPictures(Session& session, unsigned int width, unsigned int height,
                           ovMemory::StringView only, const TakePicture& take, String& error) {
     Stock stock;

@@ -37,22 +37,20 @@ public:
 
     bool drawEffect(const PlannedEffect& planned) {
         const UniquePtr<ovVeldris::Effect> effect = makeEffect(_session, planned);
-        _setSource(planned, *effect);
-        return effect->load() && _draw(*effect->getShader(), planned.text);
+        return _load(planned, *effect) && _draw(*effect->getShader(), planned.text);
     }
 
     /// Draws an effect strip by strip into a picture of the source's size. @param encoding of what it draws
     bool drawEffectInStrips(const PlannedEffect& planned, ovImages::COLOR_ENCODING encoding,
                             ovImages::Image& result, ovImages::ConversionLosses& losses) {
         const UniquePtr<ovVeldris::Effect> effect = makeEffect(_session, planned);
-        _setSource(planned, *effect);
         const unsigned int width = _picture->getWidth();
         const unsigned int height = _picture->getHeight();
         const unsigned int rows = std::clamp(STRIP_PIXELS / width, 1u, height);
         const UniquePtr<Texture> target = makeTarget(_graphics, "strip", PICTURE_FORMAT, width, rows);
         const auto viewport = ovGraphics::Viewport::create(&_graphics);
         viewport->setSize(width, height);
-        if (!target || !effect->load())
+        if (!target || !_load(planned, *effect))
             return false;
         _timings.push_back({planned.text, 0.0});
         for (unsigned int top = 0; top < height; top += rows) {
@@ -63,11 +61,14 @@ public:
                 _timings.back().milliseconds += timing.milliseconds;
             const auto drawn = target->readBack();
             const unsigned int count = std::min(rows, height - top);
+            const TimedPart part(_session.getProgress(), "conversion");
             if (!drawn || !ovImages::convertRows({width, count, 4, ovImages::COMPONENT_TYPE::FLOAT, encoding,
                                                   ovMemory::BufferView<const unsigned char>(*drawn).first(
                                                       drawn->size() / rows * count)},
                                                  result, top, losses))
                 return false;
+            if (_session.getProgress())
+                _session.getProgress()->share(static_cast<double>(top + count) / height);
         }
         if (!_graphics.getPassTimingEnabled())
             _timings.pop_back();
@@ -78,9 +79,7 @@ public:
 
     bool convert(const ContentConversion& conversion) {
         const String name = toText(conversion.from) + " to " + toText(conversion.to);
-        const auto shader = conversion.to == PICTURE_CONTENT::SRGB_ENCODED
-                                ? PictureShader::encodeSrgb(_graphics)
-                                : PictureShader::decodeSrgb(_graphics);
+        const auto shader = _makeConversion(conversion);
         if (!shader)
             return false;
         shader->setSource(*_picture);
@@ -91,6 +90,18 @@ public:
     const ovMemory::Buffer<EffectTiming>& getTimings() const { return _timings; }
 
 private:
+    UniquePtr<PictureShader> _makeConversion(const ContentConversion& conversion) {
+        const TimedPart part(_session.getProgress(), "programs");
+        return conversion.to == PICTURE_CONTENT::SRGB_ENCODED ? PictureShader::encodeSrgb(_graphics)
+                                                              : PictureShader::decodeSrgb(_graphics);
+    }
+
+    bool _load(const PlannedEffect& planned, ovVeldris::Effect& effect) {
+        const TimedPart part(_session.getProgress(), "programs");
+        _setSource(planned, effect);
+        return effect.load();
+    }
+
     /// Gives the effect the picture, and a camera wherever it asks for one.
     void _setSource(const PlannedEffect& planned, ovVeldris::Effect& effect) {
         effect.setSetting(ovVeldris::EffectKind::PICTURE_SETTING, _picture.get());
@@ -133,6 +144,11 @@ bool drawFirst(ChainRunner& runner, const ChainPlan& plan, std::size_t count) {
     return true;
 }
 
+UniquePtr<Texture> uploadTimed(Session& session, ovImages::Image picture) {
+    const TimedPart part(session.getProgress(), "uploading");
+    return uploadPicture(session.getGraphics(), std::move(picture));
+}
+
 ChainResult failure(Session& session) {
     ChainResult result;
     result.error = session.getLogger().take();
@@ -172,7 +188,7 @@ ChainResult runChain(Session& session, const ovImages::ImageView& picture, const
 
 ChainResult runChainForFile(Session& session, ovImages::Image picture, const ChainPlan& plan,
                             const FileForm& form, bool raw) {
-    UniquePtr<Texture> uploaded = uploadPicture(session.getGraphics(), std::move(picture));
+    UniquePtr<Texture> uploaded = uploadTimed(session, std::move(picture));
     // Without effects there is nothing to draw in strips.
     if (!uploaded || plan.effects.empty())
         return uploaded ? runChain(session, std::move(uploaded), plan) : failure(session);
@@ -191,6 +207,7 @@ ChainResult runChainForFile(Session& session, ovImages::Image picture, const Cha
             result.error = "the picture at the end of the effects needs more memory than there is.";
         return result;
     }
+    const TimedPart part(session.getProgress(), "conversion");
     dropOpaqueAlpha(*result.image);
     result.warning = ovImages::describeLosses(losses);
     result.timings = runner.getTimings();

@@ -44,6 +44,14 @@ bool loadCube(Texture& texture, ovMemory::BufferView<const ovImages::Image> mips
     return texture.load();
 }
 
+ovImages::Image cleanedCopy(Session& session, const ovImages::ImageView& panorama, String& warning) {
+    const TimedPart part(session.getProgress(), "conversion");
+    ovImages::Image image = ovImages::convertImage(panorama, ovImages::COMPONENT_TYPE::FLOAT, 4,
+                                                   ovImages::COLOR_ENCODING::LINEAR);
+    cleanEnvironment(image, warning);
+    return image;
+}
+
 } // namespace
 
 void cleanEnvironment(ovImages::Image& environment, String& warning) {
@@ -69,10 +77,9 @@ EnvironmentLight::~EnvironmentLight() = default;
 
 ovMemory::UniquePtr<EnvironmentLight> EnvironmentLight::create(Session& session,
                                                                const ovImages::ImageView& panorama,
-                                                               String& warning, String& error) {
-    ovImages::Image image = ovImages::convertImage(panorama, ovImages::COMPONENT_TYPE::FLOAT, 4,
-                                                   ovImages::COLOR_ENCODING::LINEAR);
-    cleanEnvironment(image, warning);
+                                                               String& warning, String& error,
+                                                               const ovCommon::WorkProgress& progress) {
+    const ovImages::Image image = cleanedCopy(session, panorama, warning);
     if (image.isEmpty()) {
         error = "the environment is no picture that memory holds.";
         return nullptr;
@@ -88,7 +95,7 @@ ovMemory::UniquePtr<EnvironmentLight> EnvironmentLight::create(Session& session,
         return nullptr;
     if (isFiltered)
         return light;
-    if (!light->_filter(session, image, error))
+    if (!light->_filter(session, image, progress, error))
         return nullptr;
     // A cache that cannot be written is no failure: the next run filters again.
     const String notKept = cache.store(filtered);
@@ -97,6 +104,7 @@ ovMemory::UniquePtr<EnvironmentLight> EnvironmentLight::create(Session& session,
 }
 
 bool EnvironmentLight::_makePanorama(Session& session, const ovImages::Image& panorama, String& error) {
+    const TimedPart part(session.getProgress(), "uploading");
     _panorama = makeTexture(session, "environment");
     _panorama->setFromImage(panorama.view());
     if (_panorama->load())
@@ -105,15 +113,18 @@ bool EnvironmentLight::_makePanorama(Session& session, const ovImages::Image& pa
     return false;
 }
 
-bool EnvironmentLight::_filter(Session& session, const ovImages::Image& panorama, String& error) {
+bool EnvironmentLight::_filter(Session& session, const ovImages::Image& panorama,
+                               const ovCommon::WorkProgress& progress, String& error) {
     const ovVeldris::EnvironmentTexels environment(panorama.view(), false);
     const ovImages::Image irradiance =
         ovVeldris::drawIrradianceCube(ovVeldris::projectEnvironment(environment), IRRADIANCE_SIDE);
-    const Buffer<ovImages::Image> mips = ovVeldris::prefilterEnvironment(environment, PREFILTERED_SIDE);
+    const Buffer<ovImages::Image> mips =
+        ovVeldris::prefilterEnvironment(environment, PREFILTERED_SIDE, progress);
     if (mips.empty() || irradiance.isEmpty()) {
         error = "the environment cannot be filtered: it needs more memory than there is.";
         return false;
     }
+    const TimedPart part(session.getProgress(), "uploading");
     if (loadCube(*_prefiltered, mips) && loadCube(*_irradiance, {&irradiance, 1}))
         return true;
     error = session.getLogger().take();

@@ -1,6 +1,7 @@
 // Light from all around, ready for physically based materials.
 #pragma once
 
+#include <ovCommon/WorkProgress.h>
 #include <ovImages/Image.h>
 #include <ovMemory/Memory.h>
 
@@ -22,9 +23,11 @@ public:
     /// is cleaned as cleanEnvironment() tells. What is filtered is kept in the session's cache folder
     /// (EnvironmentCache).
     /// @param warning gets one line when something was cleaned
+    /// @param progress of the filtering
     /// @return null with one line in error when the device cannot hold it
     static ovMemory::UniquePtr<EnvironmentLight> create(Session& session, const ovImages::ImageView& panorama,
-                                                        ovMemory::String& warning, ovMemory::String& error);
+                                                        ovMemory::String& warning, ovMemory::String& error,
+                                                        const ovCommon::WorkProgress& progress = {});
     ~EnvironmentLight();
 
     ovGraphics::Texture* getPanorama() const { return _panorama.get(); }
@@ -37,7 +40,8 @@ public:
 private:
     EnvironmentLight();
     bool _makePanorama(Session& session, const ovImages::Image& panorama, ovMemory::String& error);
-    bool _filter(Session& session, const ovImages::Image& panorama, ovMemory::String& error);
+    bool _filter(Session& session, const ovImages::Image& panorama, const ovCommon::WorkProgress& progress,
+                 ovMemory::String& error);
 
     ovMemory::UniquePtr<ovGraphics::Texture> _panorama;
     ovMemory::UniquePtr<ovGraphics::Texture> _prefiltered;

@@ -8,6 +8,7 @@
 #include <ovVeldris/content/StandInPicture.h>
 #include <ovVeldris/core/NearestName.h>
 #include <ovVeldris/materials/PbsMaterial.h>
+#include <veldris/console/Progress.h>
 
 namespace veldris {
 
@@ -80,7 +81,7 @@ ovMemory::Buffer<StringView> loadedNames(ovMemory::BufferView<PbsMaterial* const
 } // namespace
 
 ovMemory::Buffer<String> loadMissingTextures(ovMemory::BufferView<PbsMaterial* const> materials,
-                                             const String& folder) {
+                                             const String& folder, Progress* progress) {
     ovMemory::Buffer<String> warnings;
     const ovMemory::Buffer<StringView> known = loadedNames(materials);
     for (const Slot& slot : SLOTS) {
@@ -91,7 +92,10 @@ ovMemory::Buffer<String> loadMissingTextures(ovMemory::BufferView<PbsMaterial* c
             if (!texture || !texture->isUnloaded())
                 continue;
             String warning;
-            load(*texture, readPicture(String(texture->getName()), folder, slot.encoding, known, warning));
+            const ovImages::Image picture =
+                readPicture(String(texture->getName()), folder, slot.encoding, known, warning);
+            const TimedPart part(progress, "uploading");
+            load(*texture, picture);
             if (!warning.empty())
                 warnings.push_back(warning);
         }

@@ -35,12 +35,13 @@ ovGraphics::GltfMaterial defaultMaterial() {
 /// Makes a model, part by part.
 class ModelBuilder {
 public:
-    ModelBuilder(System& system, ovGraphics::System& graphics, const GltfScene& scene)
+    ModelBuilder(System& system, ovGraphics::System& graphics, const GltfScene& scene,
+                 const ModelLoadProgress& progress)
         : _materials(*system.getMaterialManager())
         , _graphics(graphics)
         , _scene(scene)
         , _model(std::make_unique<Model>(&system))
-        , _textures(graphics, scene, _model->_warnings) {}
+        , _textures(graphics, scene, _model->_warnings, progress) {}
 
     ModelLoadResult build() {
         _model->_warnings = _scene.warnings;
@@ -95,6 +96,7 @@ private:
         const int material = source.primitives[primitive].material;
         const bool doubleSided =
             material >= 0 && _scene.materials[static_cast<std::size_t>(material)].doubleSided;
+        const detail::LoadSteps::Scope step(_textures.getSteps(), MODEL_LOAD_STEP::UPLOADING);
         auto created = detail::makeMesh(_graphics, source.primitives[primitive], source.name, doubleSided);
         if (!created) {
             _error = "the mesh '" + source.name + "' could not be loaded; the log says why.";
@@ -143,6 +145,8 @@ ModelLoader::ModelLoader(System* system)
 ModelLoader::~ModelLoader() = default;
 
 ModelLoadResult ModelLoader::load(ovMemory::StringView path) const {
+    if (_progress)
+        _progress(MODEL_LOAD_STEP::DECODING, 0.0);
     const ovGraphics::GltfDecodeResult decoded = ovGraphics::GltfEncoder().decodeFile(path);
     if (!decoded)
         return ovMemory::failed<ModelLoadResult>(decoded.error, decoded.place);
@@ -158,7 +162,7 @@ ModelLoadResult ModelLoader::create(const GltfScene& scene) const {
     if (!graphics || !graphics->getIsInitialized() || !_system->getMaterialManager())
         return ovMemory::failed<ModelLoadResult>(
             "the system is not initialised; call System::initialize first.");
-    return ModelBuilder(*_system, *graphics, scene).build();
+    return ModelBuilder(*_system, *graphics, scene, _progress).build();
 }
 
 } // namespace ovVeldris

@@ -3,6 +3,7 @@
 
 #include <ovMemory/Result.h>
 #include <ovVeldris/content/Model.h>
+#include <ovVeldris/content/ModelLoadProgress.h>
 
 namespace ovVeldris {
 
@@ -27,6 +28,9 @@ public:
     explicit ModelLoader(System* system);
     ~ModelLoader();
 
+    /// Who is told of what load() and create() do; an empty function ends it.
+    void setProgress(ModelLoadProgress progress) { _progress = std::move(progress); }
+
     /// Reads a .glb or .gltf file. Materials are not loaded yet.
     ModelLoadResult load(ovMemory::StringView path) const;
     /// Makes a model of what was read.
@@ -34,6 +38,7 @@ public:
 
 private:
     ovMemory::Borrowed<System> _system;
+    ModelLoadProgress _progress;
 };
 
 } // namespace ovVeldris

@@ -79,6 +79,32 @@ TEST_P(ModelLoaderTest, carriesCamerasLightAndWarningsOver) {
     EXPECT_EQ(model->getWarnings(), _scene.warnings);
 }
 
+TEST_P(ModelLoaderTest, tellsWhatItIsAt) {
+    ovGraphics::GltfMaterial material;
+    material.baseColorTexture = _scene.addTexture("base", pngOf({{200, 100, 50, 255}, {10, 20, 30, 255}}));
+    material.metallicRoughnessTexture =
+        _scene.addTexture("metal", pngOf({{0, 90, 0, 255}, {0, 90, 255, 255}}));
+    material.metallic = 1.0f;
+    _scene.addMaterial(material);
+    _scene.roots = {static_cast<unsigned int>(_scene.nodes.size()) - 1};
+    ModelLoader loader(getSystem());
+    ovMemory::Buffer<MODEL_LOAD_STEP> steps;
+    double lastShare = 0.0;
+    loader.setProgress([&](MODEL_LOAD_STEP step, double share) {
+        if (steps.empty() || steps.back() != step)
+            steps.push_back(step);
+        EXPECT_GE(share, lastShare);
+        lastShare = share;
+    });
+    ASSERT_TRUE(loader.create(_scene));
+    EXPECT_EQ(lastShare, 1.0);
+    // Its mesh; then the roughness, and the metalness that makes two pictures of base colours.
+    using enum MODEL_LOAD_STEP;
+    EXPECT_EQ(steps, (ovMemory::Buffer<MODEL_LOAD_STEP>{UPLOADING, DECODING, UPLOADING, DECODING, CONVERSION,
+                                                        DECODING, UPLOADING, DECODING, CONVERSION, DECODING,
+                                                        UPLOADING, DECODING}));
+}
+
 TEST_P(ModelLoaderTest, tellsWhyThereIsNoModel) {
     const ModelLoadResult missing = ModelLoader(getSystem()).load("nowhere/at-all.glb");
     EXPECT_FALSE(missing);

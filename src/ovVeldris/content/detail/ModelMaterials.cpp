@@ -158,7 +158,8 @@ private:
     void _buildVarying() {
         const MetalSurface surface =
             _surfaceOf(_textures.read(_source.metallicRoughnessTexture, COLOR_ENCODING::LINEAR));
-        _setAlbedo(_textures.add(_source.name + " diffuse", makeDiffuse(surface), _sampled()), WHITE);
+        _setAlbedo(_textures.add(_source.name + " diffuse", _converted(makeDiffuse, surface), _sampled()),
+                   WHITE);
         _addReflectance(surface);
     }
 
@@ -167,8 +168,13 @@ private:
                 _source.metallic};
     }
 
+    Image _converted(Image (*convert)(const MetalSurface&), const MetalSurface& surface) {
+        const LoadSteps::Scope step(_textures.getSteps(), MODEL_LOAD_STEP::CONVERSION);
+        return convert(surface);
+    }
+
     void _addReflectance(const MetalSurface& surface) {
-        Image reflectance = makeReflectance(surface);
+        Image reflectance = _converted(makeReflectance, surface);
         _textures.forgetPictures();
         _setSpecular(_textures.add(_source.name + " reflectance", std::move(reflectance), _sampled()), WHITE);
     }
@@ -242,22 +248,27 @@ private:
     template <typename Adjust>
     ovGraphics::Texture* _adjusted(ovMemory::StringView suffix, int texture, Adjust adjust) {
         const ImageView picture = _textures.read(texture, COLOR_ENCODING::LINEAR);
-        PictureRows rows(picture, picture.width, picture.height);
-        Image adjusted =
-            makePicture(picture.width, picture.height, COLOR_ENCODING::LINEAR,
-                        [&](unsigned int y, ovMemory::BufferView<float> row) {
-                            const auto texels = rows.read(y);
-                            for (std::size_t i = 0; i < row.size(); i += 4) {
-                                const Vector result =
-                                    adjust(Vector(texels[i], texels[i + 1], texels[i + 2], texels[i + 3]));
-                                row[i] = result.x;
-                                row[i + 1] = result.y;
-                                row[i + 2] = result.z;
-                                row[i + 3] = result.w;
-                            }
-                        });
+        Image adjusted = _adjustedPicture(picture, adjust);
         _textures.forgetPictures();
         return _textures.add(_source.name + String(suffix), std::move(adjusted), texture);
+    }
+
+    template <typename Adjust>
+    Image _adjustedPicture(const ImageView& picture, Adjust adjust) {
+        const LoadSteps::Scope step(_textures.getSteps(), MODEL_LOAD_STEP::CONVERSION);
+        PictureRows rows(picture, picture.width, picture.height);
+        return makePicture(picture.width, picture.height, COLOR_ENCODING::LINEAR,
+                           [&](unsigned int y, ovMemory::BufferView<float> row) {
+                               const auto texels = rows.read(y);
+                               for (std::size_t i = 0; i < row.size(); i += 4) {
+                                   const Vector result =
+                                       adjust(Vector(texels[i], texels[i + 1], texels[i + 2], texels[i + 3]));
+                                   row[i] = result.x;
+                                   row[i + 1] = result.y;
+                                   row[i + 2] = result.z;
+                                   row[i + 3] = result.w;
+                               }
+                           });
     }
 
     const GltfMaterial& _source;

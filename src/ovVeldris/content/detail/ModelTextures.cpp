@@ -7,7 +7,6 @@
 #include <ovGraphics/resources/Texture.h>
 #include <ovImages/Conversion.h>
 #include <ovVeldris/content/StandInPicture.h>
-#include <utility>
 
 namespace ovVeldris::detail {
 
@@ -30,10 +29,11 @@ Image makeWhitePixel() {
 } // namespace
 
 ModelTextures::ModelTextures(ovGraphics::System& graphics, const ovGraphics::GltfScene& scene,
-                             ovMemory::Buffer<String>& warnings)
+                             ovMemory::Buffer<String>& warnings, const ModelLoadProgress& progress)
     : _graphics(graphics)
     , _scene(scene)
-    , _warnings(warnings) {}
+    , _warnings(warnings)
+    , _steps(progress, scene) {}
 
 ovGraphics::Texture* ModelTextures::get(int texture, COLOR_ENCODING encoding) {
     if (texture < 0)
@@ -71,19 +71,26 @@ Image ModelTextures::_decode(int texture, COLOR_ENCODING encoding) {
     const ovGraphics::GltfImage& source = _scene.images[static_cast<std::size_t>(index)];
     if (source.isMissing()) // the reader has warned
         return {};
+    const LoadSteps::Scope step(_steps, MODEL_LOAD_STEP::DECODING);
     ovImages::DecodeResult decoded = source.decode(encoding);
+    const bool isFirst = _decoded.insert(index).second;
+    if (isFirst)
+        _steps.addDecoded(source.bytes.size());
     if (decoded)
         return std::move(*decoded.image);
     // Several textures may share a damaged image; one warning is enough.
-    if (!std::exchange(_reported[index], true))
+    if (isFirst)
         _warnings.push_back(decoded.error + " It is drawn as a chequerboard of magenta and black.");
     return {};
 }
 
 ovGraphics::Texture* ModelTextures::add(StringView name, Image image, int like) {
     // Grey pictures become colours, for shaders read the channels that the material names.
-    if (image.getChannels() != 4)
+    if (image.getChannels() != 4) {
+        const LoadSteps::Scope step(_steps, MODEL_LOAD_STEP::CONVERSION);
         image = convertImage(image.view(), image.getComponentType(), 4, image.getEncoding());
+    }
+    const LoadSteps::Scope step(_steps, MODEL_LOAD_STEP::UPLOADING);
     ovGraphics::Texture* texture = _graphics.getTextureManager()->createOrRetrieve(_freeName(name));
     const bool mipmapped = like < 0 || _scene.textures[static_cast<std::size_t>(like)].mipmapped;
     texture->takeImage(std::move(image));

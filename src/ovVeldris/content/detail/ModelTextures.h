@@ -4,6 +4,8 @@
 #include <map>
 #include <ovGraphics/gltf/GltfScene.h>
 #include <ovImages/Image.h>
+#include <ovVeldris/content/detail/LoadSteps.h>
+#include <set>
 
 namespace ovGraphics {
 class Sampler;
@@ -24,7 +26,7 @@ public:
 
     /// @param warnings gets a line for each picture that cannot be used
     ModelTextures(ovGraphics::System& graphics, const ovGraphics::GltfScene& scene,
-                  ovMemory::Buffer<ovMemory::String>& warnings);
+                  ovMemory::Buffer<ovMemory::String>& warnings, const ModelLoadProgress& progress = {});
 
     /// A texture of the file as a shader reads it; null for -1. A missing picture gives the stand-in.
     ovGraphics::Texture* get(int texture, ovImages::COLOR_ENCODING encoding);
@@ -39,6 +41,9 @@ public:
     /// A texture of a picture that was computed. @param like gives the sampler: a texture of the file or -1
     ovGraphics::Texture* add(ovMemory::StringView name, ovImages::Image image, int like);
 
+    /// What is being done, for those who make textures of others.
+    LoadSteps& getSteps() { return _steps; }
+
     /// Everything made so far.
     const ovMemory::Buffer<Made>& getMade() const { return _made; }
 
@@ -50,9 +55,10 @@ private:
     ovGraphics::System& _graphics;
     const ovGraphics::GltfScene& _scene;
     ovMemory::Buffer<ovMemory::String>& _warnings;
+    LoadSteps _steps;
     std::map<std::pair<int, ovImages::COLOR_ENCODING>, ovGraphics::Texture*> _ofFile;
     std::map<int, ovImages::Image> _pictures; ///< by texture
-    std::map<int, bool> _reported;            ///< images that a warning was written for
+    std::set<int> _decoded;                   ///< images that were tried: each counts, and is warned of, once
     ovMemory::Buffer<Made> _made;
 };
 

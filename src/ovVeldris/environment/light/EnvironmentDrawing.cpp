@@ -29,10 +29,11 @@ double sideOf(const EnvironmentTexels& environment) {
 /// Fills every texel with the mean of places a side, in each of which lightAt(column, row) is the light of a
 /// place of the picture, in texels.
 template <typename LightAt>
-void drawMeans(ovImages::Image& picture, unsigned int places, const LightAt& lightAt) {
+void drawMeans(ovImages::Image& picture, unsigned int places, const ovCommon::WorkProgress& progress,
+               const LightAt& lightAt) {
     float* const texels = floatsOf(picture);
     const unsigned int width = picture.getWidth();
-    ovCommon::parallelFor(picture.getHeight(), [&](std::size_t row) {
+    ovCommon::parallelFor(picture.getHeight(), progress, [&](std::size_t row) {
         float* texel = texels + row * width * DRAWN_CHANNELS;
         for (unsigned int column = 0; column < width; ++column, texel += DRAWN_CHANNELS) {
             std::array<double, 3> sum = {};
@@ -58,12 +59,13 @@ unsigned int placesFor(double wanted, unsigned int side) {
 
 } // namespace
 
-ovImages::Image drawEnvironmentCube(const EnvironmentTexels& environment, unsigned int side) {
+ovImages::Image drawEnvironmentCube(const EnvironmentTexels& environment, unsigned int side,
+                                    const ovCommon::WorkProgress& progress) {
     ovImages::Image cube = makePicture(side, side * ENVIRONMENT_FACES, DRAWN_CHANNELS);
     if (cube.isEmpty())
         return cube;
     const EnvironmentSampler sampler(environment);
-    drawMeans(cube, placesFor(sideOf(environment), side), [&](double column, double row) {
+    drawMeans(cube, placesFor(sideOf(environment), side), progress, [&](double column, double row) {
         const auto face = static_cast<unsigned int>(row / side);
         return sampler.sample(
             directionOfFace(face, 2.0 * column / side - 1.0, 2.0 * (row - face * side) / side - 1.0));
@@ -71,14 +73,15 @@ ovImages::Image drawEnvironmentCube(const EnvironmentTexels& environment, unsign
     return cube;
 }
 
-ovImages::Image drawEnvironmentPanorama(const EnvironmentTexels& environment, unsigned int height) {
+ovImages::Image drawEnvironmentPanorama(const EnvironmentTexels& environment, unsigned int height,
+                                        const ovCommon::WorkProgress& progress) {
     constexpr double PI = std::numbers::pi;
     ovImages::Image panorama = makePicture(2 * height, height, DRAWN_CHANNELS);
     if (panorama.isEmpty())
         return panorama;
     const EnvironmentSampler sampler(environment);
     const double wanted = 0.5 * PI * sideOf(environment);
-    drawMeans(panorama, placesFor(wanted, height), [&](double column, double row) {
+    drawMeans(panorama, placesFor(wanted, height), progress, [&](double column, double row) {
         const double longitude = PI * (column / height - 1.0);
         const double latitude = PI * (0.5 - row / height);
         return sampler.sample({std::cos(latitude) * std::cos(longitude), std::sin(latitude),

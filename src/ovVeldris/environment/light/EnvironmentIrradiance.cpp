@@ -41,13 +41,14 @@ IrradianceCoefficients projectEnvironment(const EnvironmentTexels& environment) 
     return sums;
 }
 
-ovImages::Image drawIrradianceCube(const IrradianceCoefficients& coefficients, unsigned int side) {
+ovImages::Image drawIrradianceCube(const IrradianceCoefficients& coefficients, unsigned int side,
+                                   const ovCommon::WorkProgress& progress) {
     ovImages::Image image(side, side * ENVIRONMENT_FACES, CHANNELS, ovImages::COMPONENT_TYPE::FLOAT,
                           ovImages::COLOR_ENCODING::LINEAR);
     if (image.isEmpty())
         return image;
     auto* const texels = reinterpret_cast<float*>(image.getBytes().data());
-    ovCommon::parallelFor(std::size_t{side} * ENVIRONMENT_FACES, [&](std::size_t row) {
+    ovCommon::parallelFor(std::size_t{side} * ENVIRONMENT_FACES, progress, [&](std::size_t row) {
         for (unsigned int column = 0; column < side; ++column) {
             const auto basis =
                 irradianceBasisOf(directionOfCubeTexel(side, column, static_cast<unsigned int>(row)));

@@ -1,6 +1,7 @@
 // The diffuse light of environments, every texel counted by the part of the sphere that it covers.
 #pragma once
 
+#include <ovCommon/WorkProgress.h>
 #include <ovVeldris/environment/irradiance/IrradianceTransform.h>
 #include <ovVeldris/environment/light/EnvironmentTexels.h>
 
@@ -14,6 +15,7 @@ OV_API IrradianceCoefficients projectEnvironment(const EnvironmentTexels& enviro
 
 /// The irradiance over pi in the middle of each texel of a cube: four floats a pixel, alpha 1, six faces
 /// below each other. Empty when memory does not suffice. @param side texels a side of a face, 1 or more
-OV_API ovImages::Image drawIrradianceCube(const IrradianceCoefficients& coefficients, unsigned int side);
+OV_API ovImages::Image drawIrradianceCube(const IrradianceCoefficients& coefficients, unsigned int side,
+                                          const ovCommon::WorkProgress& progress = {});
 
 } // namespace ovVeldris

@@ -105,7 +105,8 @@ unsigned int countPrefilteredMips(unsigned int side) {
 }
 
 ovMemory::Buffer<ovImages::Image> prefilterEnvironment(const EnvironmentTexels& environment,
-                                                       unsigned int side) {
+                                                       unsigned int side,
+                                                       const ovCommon::WorkProgress& progress) {
     const unsigned int mipCount = countPrefilteredMips(side);
     if (mipCount == 0)
         return {};
@@ -132,7 +133,7 @@ ovMemory::Buffer<ovImages::Image> prefilterEnvironment(const EnvironmentTexels& 
     // Of a coarse environment the texels would show as spots: its interpolation is summed instead.
     const EnvironmentTexels interpolated(mips.front().view(), true);
     const LightTree tree(isFineEnough(environment, lobes[1].width) ? environment : interpolated);
-    ovCommon::parallelFor(work.size(), [&](std::size_t i) { filterTiles(tree, work[i]); });
+    ovCommon::parallelFor(work.size(), progress, [&](std::size_t i) { filterTiles(tree, work[i]); });
     return mips;
 }
 

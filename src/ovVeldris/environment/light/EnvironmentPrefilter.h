@@ -1,6 +1,7 @@
 // What surfaces of every roughness mirror, as the mips of a cube, computed on the CPU.
 #pragma once
 
+#include <ovCommon/WorkProgress.h>
 #include <ovVeldris/environment/light/EnvironmentTexels.h>
 
 namespace ovVeldris {
@@ -15,10 +16,12 @@ OV_API unsigned int countPrefilteredMips(unsigned int side);
 /// sun: far texels are summed through a LightTree. The same bits on any number of cores.
 ///
 /// @param side texels a side of a face of the first mip, 4 or more
+/// @param progress of all mips but the first, which is quick
 /// @return six faces below each other a mip, linear floats with alpha 1; none when memory does not suffice or
 /// the
 ///         side is too small
 OV_API ovMemory::Buffer<ovImages::Image> prefilterEnvironment(const EnvironmentTexels& environment,
-                                                              unsigned int side);
+                                                              unsigned int side,
+                                                              const ovCommon::WorkProgress& progress = {});
 
 } // namespace ovVeldris

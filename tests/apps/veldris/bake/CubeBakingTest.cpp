@@ -4,9 +4,13 @@
 #include "veldris/bake/EnvironmentPictures.h"
 
 #include <algorithm>
+#include <functional>
+#include <mutex>
+
 namespace {
 
 using ovImages::Image;
+using ovMemory::Buffer;
 using ovMemory::String;
 using veldris::CubeMap;
 using veldris::EnvironmentInput;
@@ -277,6 +281,37 @@ TEST_F(CubeBakingTest, whatIsTooLargeIsOneLine) {
     for (const String& error : errors) {
         EXPECT_NE(error.find("can be held here"), String::npos) << error;
         EXPECT_EQ(error.find('\n'), String::npos) << error;
+    }
+}
+
+TEST_F(CubeBakingTest, everyKindTellsHowFarItIs) {
+    const EnvironmentInput panorama = inputOf(directionPanorama(8), false);
+    const EnvironmentInput faces = inputOf(directionFaces(8), true);
+    using Progress = ovCommon::WorkProgress;
+    CubeMap cube;
+    Image picture;
+    ovVeldris::IrradianceCoefficients coefficients;
+    String error;
+    const std::function<bool(const Progress&)> KINDS[] = {
+        [&](const Progress& progress) { return veldris::bakeCube(panorama, 8, cube, error, progress); },
+        [&](const Progress& progress) {
+            return veldris::bakePrefiltered(panorama, 8, cube, error, progress);
+        },
+        [&](const Progress& progress) {
+            return veldris::bakeIrradiance(panorama, 8, cube, coefficients, error, progress);
+        },
+        [&](const Progress& progress) { return veldris::bakePanorama(faces, 8, picture, error, progress); },
+    };
+    for (const auto& bake : KINDS) {
+        std::mutex mutex;
+        Buffer<double> shares;
+        EXPECT_TRUE(bake([&](double share) {
+            const std::lock_guard lock(mutex);
+            shares.push_back(share);
+        })) << error;
+        ASSERT_GE(shares.size(), 6u);
+        EXPECT_EQ(*std::ranges::max_element(shares), 1.0);
+        EXPECT_LT(*std::ranges::min_element(shares), 0.2);
     }
 }
 

@@ -2,6 +2,7 @@
 #include "veldris/commands/CommandTesting.h"
 
 #include <algorithm>
+#include <chrono>
 #include <fstream>
 #include <ovImages/CompositeEncoder.h>
 
@@ -104,6 +105,29 @@ TEST_F(ApplyCommandTest, reportsForMachines) {
     ASSERT_EQ(report["passes"].Size(), 2u);
     EXPECT_STREQ(report["passes"][1]["effect"].GetString(), "tone-mapping:operator=aces");
     EXPECT_GT(report["passes"][1]["milliseconds"].GetDouble(), 0.0);
+}
+
+TEST_F(ApplyCommandTest, itsStepsAreAllThatItDoes) {
+    Image photograph(3000, 2000, 3, COMPONENT_TYPE::UINT8, COLOR_ENCODING::SRGB);
+    for (std::size_t i = 0; i < photograph.getBytes().size(); ++i)
+        photograph.getBytes()[i] = static_cast<unsigned char>(i * i % 251);
+    const ovMemory::String input = _folder.getPath("photograph.jpg");
+    ASSERT_TRUE(ovImages::CompositeEncoder().encodeFile(input, photograph.view()));
+    const auto start = std::chrono::steady_clock::now();
+    const Outcome outcome =
+        apply(input, "texture-copy;texture-copy", _folder.getPath("o.png"), {"--json", "--timings"});
+    const std::chrono::duration<double, std::milli> wall = std::chrono::steady_clock::now() - start;
+    ASSERT_EQ(outcome.status, 0) << outcome.error;
+    const auto report = parseJson(outcome);
+    ovMemory::String names;
+    double sum = 0.0;
+    for (const auto& step : report["steps"].GetArray()) {
+        names += ovMemory::String(step["step"].GetString()) + ";";
+        sum += step["milliseconds"].GetDouble();
+    }
+    EXPECT_EQ(names, "starting;decoding;device;drawing;uploading;programs;conversion;writing;closing;");
+    EXPECT_GE(sum, 0.95 * wall.count());
+    EXPECT_LE(sum, wall.count());
 }
 
 TEST_F(ApplyCommandTest, everyFailureIsOneLineAndLeavesTheOutputAlone) {

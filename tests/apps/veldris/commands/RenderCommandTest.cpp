@@ -3,6 +3,7 @@
 #include "veldris/commands/ModelFile.h"
 
 #include <array>
+#include <chrono>
 
 namespace {
 
@@ -440,6 +441,41 @@ TEST_F(RenderCommandTest, whatCannotBeDrawnFailsWithOneLine) {
     EXPECT_FALSE(std::filesystem::exists(output));
 }
 
+/// A model whose metalness varies, so that its pictures are converted.
+String writeMetalQuad(const TemporaryFolder& folder) {
+    const String model = writeQuad(folder, R"(, "normalTexture": {"index": 0, "scale": 0.5})");
+    Image picture(512, 512, 3, ovImages::COMPONENT_TYPE::UINT8, ovImages::COLOR_ENCODING::SRGB);
+    for (std::size_t i = 0; i < picture.getBytes().size(); ++i)
+        picture.getBytes()[i] = static_cast<unsigned char>(i * i % 251);
+    writeImage(folder.getPath("quad.png"), picture);
+    return model;
+}
+
+// Half of a tenth of what the run takes may be told nowhere: what lies before the first step and behind the
+// last.
+TEST_F(RenderCommandTest, itsStepsAreAllThatItDoes) {
+    const String sky = _folder.getPath("sky.exr");
+    writeImage(sky, directionPanorama(64));
+    const String model = writeMetalQuad(_folder);
+    const auto start = std::chrono::steady_clock::now();
+    const Outcome outcome =
+        runVeldris({"render", model, "-o", _folder.getPath("o.png"), "--device", "software", "--no-cache",
+                    "--environment", sky, "--size", "320x180", "--json", "--timings"});
+    const std::chrono::duration<double, std::milli> wall = std::chrono::steady_clock::now() - start;
+    ASSERT_EQ(outcome.status, 0) << outcome.error;
+    const auto report = parseJson(outcome);
+    String names;
+    double sum = 0.0;
+    for (const auto& step : report["steps"].GetArray()) {
+        names += String(step["step"].GetString()) + ";";
+        sum += step["milliseconds"].GetDouble();
+    }
+    EXPECT_EQ(names,
+              "starting;device;decoding;uploading;conversion;filtering;programs;drawing;writing;closing;");
+    EXPECT_GE(sum, 0.95 * wall.count());
+    EXPECT_LE(sum, wall.count());
+}
+
 TEST_F(RenderCommandTest, reportsForMachines) {
     const auto report = parseJson(render(writeQuad(_folder), _folder.getPath("o.png"), {"--json"}));
     EXPECT_EQ(report["width"].GetInt(), 40);
@@ -452,7 +488,7 @@ TEST_F(RenderCommandTest, reportsForMachines) {
         steps += ovMemory::String(step["step"].GetString()) + ";";
         EXPECT_GT(step["milliseconds"].GetDouble(), 0.0);
     }
-    EXPECT_EQ(steps, "starting;device;decoding;filtering;programs;drawing;writing;");
+    EXPECT_EQ(steps, "starting;device;decoding;uploading;conversion;programs;drawing;writing;closing;");
     EXPECT_STREQ(timed["timingMethod"].GetString(), "wall clock");
     ovMemory::String passes;
     for (const auto& pass : timed["passes"].GetArray())

@@ -38,6 +38,34 @@ TEST(ProgressTest, stepsFollowEachOtherWithoutAGap) {
     EXPECT_GE(sum, 0.95 * wall.count());
 }
 
+// Loading goes from picture to picture: what is shown is the whole, what is timed the parts.
+TEST(ProgressTest, partsAreTimedWhileTheStepIsShown) {
+    testing::internal::CaptureStderr();
+    {
+        veldris::Progress progress(true);
+        progress.step("decoding");
+        progress.share(0.25);
+        for (int i = 0; i < 13; ++i) {
+            const veldris::TimedPart part(&progress, "uploading");
+            std::this_thread::sleep_for(std::chrono::milliseconds(50));
+            const veldris::TimedPart inner(&progress, "conversion");
+            std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        }
+        const veldris::TimedPart nobody(nullptr, "nothing");
+        const auto steps = progress.getSteps();
+        ASSERT_EQ(steps.size(), 4u);
+        EXPECT_EQ(steps[1].name, "decoding");
+        EXPECT_LT(steps[1].milliseconds, 200.0);
+        for (const std::size_t i : {2u, 3u}) {
+            EXPECT_EQ(steps[i].name, i == 2 ? "uploading" : "conversion");
+            EXPECT_GE(steps[i].milliseconds, 13 * 50.0);
+        }
+    }
+    const String shown = testing::internal::GetCapturedStderr();
+    EXPECT_NE(shown.find("decoding, 25 %, about 3 s left"), String::npos) << shown;
+    EXPECT_EQ(shown.find("uploading"), String::npos) << shown;
+}
+
 TEST(ProgressTest, aTerminalShowsWhatLasts) {
     testing::internal::CaptureStderr();
     {
