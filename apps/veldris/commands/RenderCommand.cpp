@@ -35,6 +35,7 @@ using ovMemory::String;
 using ovMemory::StringView;
 
 constexpr const char* BUILT_IN_SKY = "sky";
+constexpr const char* NO_ENVIRONMENT = "none";
 constexpr unsigned int SKY_WIDTH = 512;
 constexpr const char* TRANSPARENT = "transparent";
 
@@ -65,13 +66,14 @@ struct RenderPlan {
     std::optional<Vector> background; ///< to be laid behind the picture
 };
 
-bool readVector(ovMemory::StringView option, const String& text, Vector& vector, String& error) {
+/// @param example of the numbers, and of what else the option takes
+bool readVector(StringView option, const String& text, StringView example, Vector& vector, String& error) {
     const auto numbers = parseNumbers(text);
     if (numbers && numbers->size() == 3) {
         vector = {(*numbers)[0], (*numbers)[1], (*numbers)[2]};
         return true;
     }
-    error = fmt::format("{} '{}' is not three numbers such as 0.5,-1,0.5.", option, text);
+    error = fmt::format("{} '{}' is not three numbers such as {}.", option, text, example);
     return false;
 }
 
@@ -106,12 +108,12 @@ bool readScene(const RenderOptions& options, SceneSettings& scene, String& error
         return false;
     }
     if (!options.lightColor.empty() &&
-        !readVector("--light-color", options.lightColor, scene.lightColor.emplace(), error))
+        !readVector("--light-color", options.lightColor, "3,2.8,2.5", scene.lightColor.emplace(), error))
         return false;
     if (options.light.empty())
         return true;
     Vector direction;
-    if (!readVector("--light", options.light, direction, error))
+    if (!readVector("--light", options.light, "0.5,-1,0.5", direction, error))
         return false;
     if (direction.getNormalizedVec3() == Vector()) {
         error = "--light has no direction; give another vector than zero.";
@@ -124,8 +126,12 @@ bool readScene(const RenderOptions& options, SceneSettings& scene, String& error
 /// A background is no part of the scene: no effect may change it.
 bool readBackground(const RenderOptions& options, RenderPlan& plan, String& error) {
     plan.scene.transparent = !options.background.empty();
-    return options.background.empty() || options.background == TRANSPARENT ||
-           readVector("--background", options.background, plan.background.emplace(), error);
+    if (options.background.empty() || options.background == TRANSPARENT ||
+        readVector("--background", options.background, "0.2,0.4,0.6, or transparent",
+                   plan.background.emplace(), error))
+        return true;
+    error += ovVeldris::nearestNameHint(options.background, {TRANSPARENT});
+    return false;
 }
 
 /// The effects, and the conversions between them and the file. Files that hold scene light get it.
@@ -155,6 +161,8 @@ bool makePlan(const RenderOptions& options, RenderPlan& plan, String& error) {
         return true;
     const auto camera = parseCamera(options.camera, error);
     plan.camera = camera.value_or(CameraChoice());
+    if (!camera)
+        error += ovVeldris::nearestNameHint(options.camera, {"file"});
     return camera.has_value();
 }
 
@@ -187,7 +195,7 @@ ovImages::Image readPanorama(Console& console, const RenderOptions& options, Str
 ovMemory::UniquePtr<EnvironmentLight> makeEnvironment(Console& console, Session& session,
                                                       const RenderOptions& options,
                                                       const Vector& lightDirection, String& error) {
-    if (options.environment == "none")
+    if (options.environment == NO_ENVIRONMENT)
         return nullptr;
     const ovImages::Image panorama = options.environment == BUILT_IN_SKY
                                          ? drawSkyPanorama(SKY_WIDTH, -lightDirection.getNormalizedVec3())
@@ -209,6 +217,10 @@ bool readMaterials(Console& console, Session& session, const RenderOptions& opti
         return true;
     ovMemory::Buffer<DeclarationProblem> problems;
     const auto read = readMaterialFile(options.materials, session.getSystem(), problems);
+    if (!problems.empty() && problems.front().line == 0) { // it cannot even be read
+        error = problems.front().message;
+        return false;
+    }
     for (const DeclarationProblem& problem : problems)
         console.warn(fmt::format("{}:{}: {}", options.materials, problem.line, problem.message));
     if (read.empty()) {

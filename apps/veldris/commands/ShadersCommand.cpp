@@ -87,7 +87,7 @@ void listPrograms(Console& console, const Buffer<GeneratedProgram>& programs, co
                            .number("textureUnits", static_cast<double>(compiled.textureUnits.size()))
                            .text("warnings", result.warning));
         if (!options.json)
-            console.print(fmt::format("{:<36} {}{}", program.text.name, program.from,
+            console.print(fmt::format("{:<40} {}{}", program.text.name, program.from,
                                       result.warning.empty() ? "" : "  warnings: " + result.warning));
     }
     if (options.json)

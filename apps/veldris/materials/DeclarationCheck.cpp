@@ -371,7 +371,11 @@ DeclarationFile checkDeclarations(StringView text) {
     DeclarationFile file;
     ovExport::ExporterLoadResult parsed = ovExport::JsonExporter().importIntoTree(text);
     if (!parsed) {
-        file.problems.push_back({parsed._error._line, parsed._error._errorInfo});
+        // Where the line stands is told by whoever shows the problem.
+        StringView message = parsed._error._errorInfo;
+        if (const String line = fmt::format("line {}, ", parsed._error._line); message.starts_with(line))
+            message.remove_prefix(line.size());
+        file.problems.push_back({parsed._error._line, String(message)});
         return file;
     }
     file.tree = std::move(parsed._tree);

@@ -45,6 +45,23 @@ bool isKnown(StringView extension) {
            std::end(KNOWN_EXTENSIONS);
 }
 
+StringView textOf(Bytes bytes) {
+    return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
+}
+
+/// The first letter behind a mark of the byte order and spaces; 0 where there is none.
+char firstOfText(Bytes bytes) {
+    const StringView text = textOf(bytes);
+    const std::size_t first = text.find_first_not_of("\xef\xbb\xbf \t\r\n");
+    return first == StringView::npos ? '\0' : text[first];
+}
+
+/// Whether bytes begin as a binary file or as JSON, or hold nothing.
+bool beginsAsGltf(Bytes bytes) {
+    const char first = firstOfText(bytes);
+    return isBinaryGltf(bytes) || first == '{' || first == '[' || first == '\0';
+}
+
 bool checkVersion(const GltfJson& root, GltfReport& report) {
     const GltfJson asset = root["asset"];
     const StringView version = asset["version"].getString().value_or(StringView());
@@ -95,7 +112,11 @@ bool readScene(Bytes bytes, const GltfDecodeOptions& options, GltfReport& report
     const auto container = openGltfContainer(bytes, error);
     const auto tree = container ? parseGltfJson(container->json, error) : nullptr;
     if (!tree)
-        return report.fail(error);
+        // Of a picture the JSON reader's message would be riddles.
+        return report.fail(beginsAsGltf(bytes)
+                               ? error
+                               : "it begins neither as a binary file of glTF nor as JSON; give "
+                                 "a .glb or .gltf file");
     const GltfJson root(tree.get());
     if (!checkVersion(root, report) || !checkExtensions(root, report))
         return false;
@@ -123,9 +144,7 @@ bool GltfEncoder::canDecode(Bytes bytes) const {
     // JSON of other programs.
     if (isBinaryGltf(bytes))
         return bytes.size() >= 8 && bytes[4] == 2 && bytes[5] == 0 && bytes[6] == 0 && bytes[7] == 0;
-    const StringView text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
-    const std::size_t first = text.find_first_not_of("\xef\xbb\xbf \t\r\n");
-    return first != StringView::npos && text[first] == '{' && text.find(ASSET_MEMBER) != StringView::npos;
+    return firstOfText(bytes) == '{' && textOf(bytes).find(ASSET_MEMBER) != StringView::npos;
 }
 
 GltfDecodeResult GltfEncoder::decode(Bytes bytes, const GltfDecodeOptions& options) const {

@@ -110,6 +110,12 @@ TEST(GltfEncoderTest, namesThePathOfAFileThatCannotBeRead) {
     EXPECT_EQ(GltfEncoder().decodeFile(folder.getPath("bad.glb")).error,
               "the model '" + folder.getPath("bad.glb") +
                   "' cannot be read: the JSON is no object, so this is no glTF file");
+    writeFile(folder.getPath("picture.glb"), bytesOf("\x89PNG\r\n\x1a\n{"));
+    EXPECT_EQ(
+        GltfEncoder().decodeFile(folder.getPath("picture.glb")).error,
+        "the model '" + folder.getPath("picture.glb") +
+            "' cannot be read: it begins neither as a binary file of glTF nor as JSON; give a .glb or .gltf "
+            "file");
 }
 
 TEST(GltfEncoderTest, checksVersionsAndExtensions) {

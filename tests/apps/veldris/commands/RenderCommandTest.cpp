@@ -408,7 +408,11 @@ TEST_F(RenderCommandTest, wrongOptionsAreToldBeforeAnythingIsRead) {
         {"--samples", "3", "--samples 3 is no square of a whole number; 1, 4, 9 and 16 are."},
         {"--light", "1,2", "--light '1,2' is not three numbers such as 0.5,-1,0.5."},
         {"--light", "0,0,0", "--light has no direction; give another vector than zero."},
-        {"--light-color", "red", "--light-color 'red' is not three numbers such as 0.5,-1,0.5."},
+        {"--light-color", "red", "--light-color 'red' is not three numbers such as 3,2.8,2.5."},
+        {"--background", "blue",
+         "--background 'blue' is not three numbers such as 0.2,0.4,0.6, or transparent."},
+        {"--background", "transparant", "or transparent. Did you mean 'transparent'?"},
+        {"--camera", "flie", "or file. Did you mean 'file'?"},
         {"--camera", "up", "the camera 'up' is not"},
         {"--effects", "nothing", "nothing"},
         {"--effects", "tone-mapping:operator=loud", "loud"},
@@ -437,7 +441,17 @@ TEST_F(RenderCommandTest, whatCannotBeDrawnFailsWithOneLine) {
     EXPECT_EQ(empty.status, 1);
     EXPECT_NE(empty.error.find("has nothing to draw."), String::npos) << empty.error;
     const String model = writeQuad(_folder);
-    EXPECT_EQ(render(model, output, {"--materials", "nowhere.ovm"}).status, 1);
+    const Outcome noMaterials = render(model, output, {"--materials", "nowhere.ovm"});
+    EXPECT_EQ(noMaterials.status, 1);
+    EXPECT_EQ(noMaterials.error,
+              "veldris: Reading file 'nowhere.ovm' failed: No such file or directory; check the path\n");
+    const Outcome picture = render(_folder.getPath("quad.png"), output);
+    EXPECT_EQ(picture.status, 1);
+    EXPECT_NE(
+        picture.error.find("it begins neither as a binary file of glTF nor as JSON; give a .glb or .gltf "
+                           "file"),
+        String::npos)
+        << picture.error;
     EXPECT_FALSE(std::filesystem::exists(output));
 }
 

@@ -83,7 +83,7 @@ TEST(DeclarationCheckTest, tellsWhereTheTextIsNoJson) {
     const DeclarationFile file = checkDeclarations("[\n{\"name\": }]");
     ASSERT_EQ(file.problems.size(), 1u);
     EXPECT_EQ(file.problems.front().line, 2u);
-    EXPECT_NE(file.problems.front().message.find("column 10"), String::npos) << file.problems.front().message;
+    EXPECT_TRUE(file.problems.front().message.starts_with("column 10: ")) << file.problems.front().message;
     EXPECT_EQ(file.tree, nullptr);
     EXPECT_TRUE(file.entries.empty());
     EXPECT_EQ(checkDeclarations("").problems.size(), 1u);
