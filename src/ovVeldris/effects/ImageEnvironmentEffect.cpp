@@ -91,7 +91,7 @@ void ImageEnvironmentEffect::setSourceCamera(ovGraphics::Camera* camera) {
     ovGraphics::Shader* shader = _getLoadedShader();
     // A flat image has no constants, so there is no slot for a camera.
     if (shader && _loadedInfo.sourceProjection != PROJECTION::FLAT)
-        _constantSlot(*shader, 0).setAsCamCornersWorld(camera);
+        constantSlot(*shader, 0).setAsCamCornersWorld(camera);
 }
 
 void ImageEnvironmentEffect::setSourceProjection(IMAGE_ENVIRONMENT_PROJECTION projection) {
@@ -145,7 +145,7 @@ void ImageEnvironmentEffect::_bindResources(ovGraphics::Shader& shader) {
     ovGraphics::Sampler* sampler = getSourceSampler();
     shader.setSampler(sampler ? sampler : defaultSampler, SOURCE_UNIT, 0);
     if (_loadedInfo.sourceProjection != PROJECTION::FLAT)
-        _constantSlot(shader, 0).setAsCamCornersWorld(getSourceCamera());
+        constantSlot(shader, 0).setAsCamCornersWorld(getSourceCamera());
 }
 
 } // namespace ovVeldris

@@ -32,6 +32,10 @@ struct EffectSamplerSettings {
     bool hidden = true;
 };
 
+/// A slot of a constant buffer of a shader; the buffer and the slots up to it are added when missing.
+OV_API ovGraphics::ShaderPassMemorySlot& constantSlot(ovGraphics::Shader& shader, unsigned int index,
+                                                      unsigned int buffer = 0);
+
 /// The part of ScreenEffect that does not depend on the kind's types. Derive from ScreenEffect.
 class OV_API ScreenEffectBase : public Effect {
 public:
@@ -66,10 +70,6 @@ protected:
 
     /// The sampler of that name, created when missing, with these settings, loaded.
     ovGraphics::Sampler* _prepareSampler(const EffectSamplerSettings& settings) const;
-
-    /// A slot of a constant buffer; the buffer and the slots up to it are added when missing.
-    static ovGraphics::ShaderPassMemorySlot& _constantSlot(ovGraphics::Shader& shader, unsigned int index,
-                                                           unsigned int buffer = 0);
 
 private:
     virtual ovGraphics::Program* _acquireProgram(const ProgramTrackersHolder& trackers) = 0;

@@ -2,8 +2,6 @@
 
 #include <algorithm>
 #include <bit>
-#include <charconv>
-#include <limits>
 #include <ovGraphics/resources/BlendState.h>
 #include <ovGraphics/resources/Camera.h>
 #include <ovGraphics/resources/Shader.h>
@@ -36,13 +34,6 @@ constexpr EffectSamplerSettings SAMPLER = {
     .borderColor = std::array{0.0f, 0.0f, 0.0f, 0.0f},
     .hidden = false,
 };
-
-/// Six decimals, which is what programs are compiled with.
-ovMemory::String toLiteral(float number) {
-    constexpr int DECIMALS = 6;
-    char digits[std::numeric_limits<float>::max_exponent10 + DECIMALS + 4];
-    return {digits, std::to_chars(digits, std::end(digits), number, std::chars_format::fixed, DECIMALS).ptr};
-}
 
 } // namespace
 
@@ -202,7 +193,7 @@ void SsaoEffect::_fillSources(ovGraphics::ProgramSourcesHolder& sources) const {
     });
     sources.setVertexMemory(vertexText);
     sources.setPixelMemory(pixelText);
-    sources.addDefineMacroPixel("DEPTH_BIAS", toLiteral(_loadedInfo.depthBias));
+    sources.addDefineMacroPixel("DEPTH_BIAS", toSixDecimals(_loadedInfo.depthBias));
     sources.addDefineMacroPixel("MAX_KERNEL_SAMPLES", std::to_string(_loadedInfo.kernelSampleCount));
     if (_loadedInfo.readsPositions) {
         sources.addDefineMacroPixel("GBUFFER_POSITION", "");
@@ -227,7 +218,7 @@ void SsaoEffect::_bindResources(ovGraphics::Shader& shader) {
             shader.setTexture(getNormalBuffer(), NORMAL_UNIT, 0);
     } else {
         shader.setTexture(getDepthBuffer(), SCENE_UNIT, 0);
-        _constantSlot(shader, PROJECTION_PARAMETERS_SLOT, PIXEL_CONSTANTS).setAsProjectionParameters();
+        constantSlot(shader, PROJECTION_PARAMETERS_SLOT, PIXEL_CONSTANTS).setAsProjectionParameters();
     }
     shader.setSampler(_prepareSampler(SAMPLER), 0, 0);
 }
@@ -238,15 +229,15 @@ void SsaoEffect::_writeSamplingVarsIfLoaded() const {
 }
 
 void SsaoEffect::_writeSamplingVars(ovGraphics::Shader& shader) const {
-    _constantSlot(shader, SAMPLING_SLOT, PIXEL_CONSTANTS)
+    constantSlot(shader, SAMPLING_SLOT, PIXEL_CONSTANTS)
         .setFromVector(
             {_currentInfo.samplingRadius, _currentInfo.maxOcclusionDistance, _currentInfo.strength});
 }
 
 void SsaoEffect::_writeCamera(ovGraphics::Shader& shader) const {
-    _constantSlot(shader, PROJECTION_SLOT, PIXEL_CONSTANTS).setAsProjectionMatrix(getCamera());
+    constantSlot(shader, PROJECTION_SLOT, PIXEL_CONSTANTS).setAsProjectionMatrix(getCamera());
     if (!_loadedInfo.readsPositions) // positions need no directions
-        _constantSlot(shader, 0, VERTEX_CONSTANTS).setAsCamCornersView(getCamera());
+        constantSlot(shader, 0, VERTEX_CONSTANTS).setAsCamCornersView(getCamera());
 }
 
 void SsaoEffectUtils::prepareBlendStateForAoBlending(ovGraphics::BlendState* blendState) {

@@ -170,13 +170,13 @@ void ToneMappingEffect::_bindResources(ovGraphics::Shader& shader) {
 
 void ToneMappingEffect::_writeConstants(ovGraphics::Shader& shader, TONE_MAPPING_OPERATOR used) const {
     if (used == OPERATOR::REINHARD) {
-        _constantSlot(shader, 0).setFromVector(_reinhardMaxWhite);
+        constantSlot(shader, 0).setFromVector(_reinhardMaxWhite);
     } else if (used == OPERATOR::HABLES) {
         const ToneMappingHablesCurve curve = computeToneMappingHablesCurve(_hablesDescriptor);
         for (unsigned int i = 0; i < curve.size(); ++i)
-            _constantSlot(shader, i).setFromVector(curve[i]);
+            constantSlot(shader, i).setFromVector(curve[i]);
     } else {
-        _constantSlot(shader, 0).setFromMatrix(_acesLookTransform);
+        constantSlot(shader, 0).setFromMatrix(_acesLookTransform);
     }
 }
 

@@ -14,7 +14,7 @@
 #include <ovVeldris/core/GraphicsEngine.h>
 #include <ovVeldris/core/LogManager.h>
 #include <ovVeldris/environment/detail/CubeFaces.h>
-#include <ovVeldris/environment/detail/OneShotFrame.h>
+#include <ovVeldris/core/OneShotFrame.h>
 #include <ovVeldris/environment/detail/PbsFilterLobe.h>
 #include <ovVeldris/environment/detail/ToolTarget.h>
 #include <ovVeldris/shaders/ShaderText.h>

@@ -1,5 +1,9 @@
 #include <ovVeldris/shaders/ShaderText.h>
 
+#include <charconv>
+#include <iterator>
+#include <limits>
+
 namespace ovVeldris {
 
 ovMemory::String assembleShaderText(std::initializer_list<ShaderPiece> pieces) {
@@ -11,6 +15,12 @@ ovMemory::String assembleShaderText(std::initializer_list<ShaderPiece> pieces) {
             text += '\n';
     }
     return text;
+}
+
+ovMemory::String toSixDecimals(float number) {
+    constexpr int DECIMALS = 6;
+    char digits[std::numeric_limits<float>::max_exponent10 + DECIMALS + 4];
+    return {digits, std::to_chars(digits, std::end(digits), number, std::chars_format::fixed, DECIMALS).ptr};
 }
 
 } // namespace ovVeldris

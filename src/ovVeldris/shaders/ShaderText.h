@@ -18,4 +18,8 @@ struct ShaderPiece {
 /// constant.
 OV_API ovMemory::String assembleShaderText(std::initializer_list<ShaderPiece> pieces);
 
+/// A number with six decimals ("%f"), in the "C" locale: numbers of programs that hosts know by their text.
+/// What is not finite becomes a text that no shader compiles.
+OV_API ovMemory::String toSixDecimals(float number);
+
 } // namespace ovVeldris

@@ -4,6 +4,7 @@
 #include <charconv>
 #include <limits>
 #include <ovGraphics/resources/ProgramSourcesHolder.h>
+#include <ovVeldris/shaders/ShaderText.h>
 
 namespace ovVeldris {
 
@@ -36,11 +37,16 @@ ovMemory::String toLiteral(float number) {
 
 } // namespace
 
-void addShadowMapDefines(ovGraphics::ProgramSourcesHolder& sources, const ShadowMapParameters& parameters) {
+void addShadowMapDefines(ovGraphics::ProgramSourcesHolder& sources, const ShadowMapParameters& parameters,
+                         SHADOW_MAP_DEFINES form) {
+    const bool isExact = form == SHADOW_MAP_DEFINES::EXACT;
     if (const ovMemory::StringView method = defineOf(parameters.pcfMethod); !method.empty())
         sources.addDefineMacroPixel(method, "");
+    else if (!isExact)
+        sources.addDefineMacroPixel("OV_SHADOW_MAP_METHOD_PCF_NONE", "");
     if (parameters.bias >= 0.0f)
-        sources.addDefineMacroPixel("OV_SHADOW_MAP_METHOD_BIAS", toLiteral(parameters.bias));
+        sources.addDefineMacroPixel("OV_SHADOW_MAP_METHOD_BIAS",
+                                    isExact ? toLiteral(parameters.bias) : toSixDecimals(parameters.bias));
     if (parameters.debugOutOfBounds)
         sources.addDefineMacroPixel("OV_SHADOW_MAP_METHOD_DEBUG_OOB", "");
 }

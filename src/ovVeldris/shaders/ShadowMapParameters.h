@@ -35,8 +35,23 @@ struct ShadowMapParameters {
     bool debugOutOfBounds = false;
 };
 
+/// How the defines of a shadow map are written. Programs are known by their text, so each user keeps its own.
+enum class SHADOW_MAP_DEFINES : unsigned int {
+    EXACT,       ///< the bias as it reads back; NONE has no define
+    SIX_DECIMALS ///< the bias with six decimals; NONE is OV_SHADOW_MAP_METHOD_PCF_NONE, which nothing reads
+};
+
+inline constexpr ovMemory::EnumEntry<SHADOW_MAP_DEFINES> SHADOW_MAP_DEFINES_ENTRIES[] = {
+    {SHADOW_MAP_DEFINES::EXACT, "EXACT"},
+    {SHADOW_MAP_DEFINES::SIX_DECIMALS, "SIX_DECIMALS"},
+};
+constexpr ovMemory::EnumTable<SHADOW_MAP_DEFINES> enumTable(SHADOW_MAP_DEFINES) {
+    return {"SHADOW_MAP_DEFINES", SHADOW_MAP_DEFINES_ENTRIES};
+}
+
 /// Adds the pixel defines that ShadowMappingLib::ovShadowMap() reads.
 OV_API void addShadowMapDefines(ovGraphics::ProgramSourcesHolder& sources,
-                                const ShadowMapParameters& parameters);
+                                const ShadowMapParameters& parameters,
+                                SHADOW_MAP_DEFINES form = SHADOW_MAP_DEFINES::EXACT);
 
 } // namespace ovVeldris

@@ -24,7 +24,6 @@ public:
     bool breakProgram = false;
     bool breakShader = false;
     ToneMappingEffectInfo& info() { return _currentInfo; }
-    using ScreenEffectBase::_constantSlot;
     using ScreenEffectBase::_getLoadedShader;
     using ScreenEffectBase::_prepareSampler;
 
@@ -180,11 +179,11 @@ TEST_P(ScreenEffectTest, addsConstantSlotsAsNeeded) {
     ASSERT_TRUE(effect.load());
     ovGraphics::Shader& shader = *effect.getShader();
     EXPECT_EQ(shader.getConstantBuffer(0, 0), nullptr);
-    ovGraphics::ShaderPassMemorySlot* third = &BreakableEffect::_constantSlot(shader, 2);
+    ovGraphics::ShaderPassMemorySlot* third = &constantSlot(shader, 2);
     ASSERT_NE(shader.getConstantBuffer(0, 0), nullptr);
     EXPECT_EQ(shader.getConstantBuffer(0, 0)->getPassMemorySlotCount(), 3u);
-    EXPECT_EQ(&BreakableEffect::_constantSlot(shader, 2), third);
-    EXPECT_EQ(&BreakableEffect::_constantSlot(shader, 0),
+    EXPECT_EQ(&constantSlot(shader, 2), third);
+    EXPECT_EQ(&constantSlot(shader, 0),
               shader.getConstantBuffer(0, 0)->getPassMemorySlot(0));
     EXPECT_EQ(shader.getConstantBuffer(0, 0)->getPassMemorySlotCount(), 3u);
 }

@@ -66,3 +66,13 @@ TEST(ShadowMapParametersTest, NegativeBiasesKeepTheShadersOwn) {
          {-1.0f, -1e-30f, -std::numeric_limits<float>::infinity(), std::numeric_limits<float>::quiet_NaN()})
         EXPECT_EQ(definesOf({SHADOW_MAP_PCF::NONE, bias, false}), Defines()) << bias;
 }
+
+TEST(ShadowMapParametersTest, SixDecimalsNameEveryKernel) {
+    ovGraphics::ProgramSourcesHolder sources;
+    addShadowMapDefines(sources, {SHADOW_MAP_PCF::NONE, 0.00015f, true}, SHADOW_MAP_DEFINES::SIX_DECIMALS);
+    addShadowMapDefines(sources, {SHADOW_MAP_PCF::PCF_4_TAP, -1.0f, false}, SHADOW_MAP_DEFINES::SIX_DECIMALS);
+    EXPECT_EQ(sources.getPixel().defines, Defines({{"OV_SHADOW_MAP_METHOD_PCF_NONE", ""},
+                                                   {"OV_SHADOW_MAP_METHOD_BIAS", "0.000150"},
+                                                   {"OV_SHADOW_MAP_METHOD_DEBUG_OOB", ""},
+                                                   {"OV_SHADOW_MAP_METHOD_PCF_4_TAP", ""}}));
+}

@@ -4,7 +4,7 @@
 #include <ovGraphics/resources/Camera.h>
 #include <ovGraphics/resources/Viewport.h>
 #include <ovVeldris/environment/EnvironmentFixture.h>
-#include <ovVeldris/environment/detail/OneShotFrame.h>
+#include <ovVeldris/core/OneShotFrame.h>
 
 using namespace ovVeldris;
 

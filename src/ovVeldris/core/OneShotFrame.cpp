@@ -1,4 +1,4 @@
-#include <ovVeldris/environment/detail/OneShotFrame.h>
+#include <ovVeldris/core/OneShotFrame.h>
 
 #include <ovGraphics/Managers.h>
 #include <ovGraphics/System.h>
