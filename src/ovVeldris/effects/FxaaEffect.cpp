@@ -88,7 +88,7 @@ void FxaaEffect::setSourceTexture(ovGraphics::Texture* texture) {
     _currentInfo.sourceTexture = texture;
     _bindTextureIfLoaded(texture, SOURCE_UNIT);
     if (ovGraphics::Shader* shader = _getLoadedShader())
-        _constantSlot(*shader, SIZE_SLOT).setAsTextureSize(texture);
+        constantSlot(*shader, SIZE_SLOT).setAsTextureSize(texture);
 }
 
 void FxaaEffect::setMinContrast(float contrast) {
@@ -137,13 +137,13 @@ void FxaaEffect::_fillSources(ovGraphics::ProgramSourcesHolder& sources) const {
 
 void FxaaEffect::_bindResources(ovGraphics::Shader& shader) {
     _writeNumbers(shader);
-    _constantSlot(shader, SIZE_SLOT).setAsTextureSize(getSourceTexture());
+    constantSlot(shader, SIZE_SLOT).setAsTextureSize(getSourceTexture());
     shader.setTexture(getSourceTexture(), SOURCE_UNIT, 0);
     shader.setSampler(_prepareSampler(SAMPLER), SOURCE_UNIT, 0);
 }
 
 void FxaaEffect::_writeNumbers(ovGraphics::Shader& shader) const {
-    _constantSlot(shader, NUMBERS_SLOT)
+    constantSlot(shader, NUMBERS_SLOT)
         .setFromVector({_currentInfo.minContrast, _currentInfo.minLuminance, _currentInfo.smoothingStrength});
 }
 
