@@ -180,8 +180,9 @@ TEST_F(CubeBakingTest, prefilteredMipsAreTheSumOverAllTexels) {
 }
 
 TEST_F(CubeBakingTest, aPrefilteredCubeOfTheSameSizeKeepsItsTexels) {
-    const Image faces = lightTruth::hardSunFaces(13);
-    const CubeMap same = prefiltered(inputOf(faces, true), 13);
+    // Beside a sun, where a texel that is drawn anew takes a little of its neighbour.
+    const Image faces = smallSunFaces(37);
+    const CubeMap same = prefiltered(inputOf(faces, true), 37);
     EXPECT_TRUE(std::ranges::equal(same.mips[0].getBytes(), faces.getBytes()));
     // A panorama that is as wide as a cube is no cube.
     const CubeMap drawn = prefiltered(inputOf(lightTruth::hardSunPanorama(8), false), 16);
