@@ -70,11 +70,7 @@ bool bakePrefiltered(const EnvironmentInput& input, unsigned int side, CubeMap& 
     if (!checkSide(side, error))
         return false;
     cube.mips = ovVeldris::prefilterEnvironment(texelsOf(input), side, progress);
-    if (!checkMade(!cube.mips.empty(), error))
-        return false;
-    if (isCubeOf(input, side)) // a mirror shows it as it is
-        cube.mips.front() = firstMipOf(input, side, {});
-    return checkMade(!cube.mips.front().isEmpty(), error);
+    return checkMade(!cube.mips.empty(), error);
 }
 
 bool bakeIrradiance(const EnvironmentInput& input, unsigned int side, CubeMap& cube,
