@@ -430,6 +430,22 @@ TEST_P(EnvironmentRendererTest, worksAfterTheGraphicsSystemStartedAnew) {
     EXPECT_TRUE(getLog().messages.empty()) << getLog().getText();
 }
 
+TEST_P(EnvironmentRendererTest, followsItsSystemToOtherGraphics) {
+    System system;
+    EnvironmentRenderer renderer(&system);
+    for (int round = 0; round < 2; ++round) {
+        ASSERT_TRUE(initializeOwn(system));
+        ovGraphics::System& graphics = *system.getGraphicsEngine()->getGraphicsSystem();
+        const auto input = ovGraphics::Texture::create(&graphics);
+        input->setTexType(TEXTURE_TYPE::CUBE);
+        ASSERT_TRUE(input->load());
+        const auto output = ovGraphics::Texture::create(&graphics);
+        renderer.cubemapToSphericalMap(output.get(), input.get(), 4, 2);
+        EXPECT_FALSE(output->isUnloaded()) << round << getLog().getText();
+        system.shutdown();
+    }
+}
+
 TEST_P(EnvironmentRendererTest, drawsTheSameBitsInBothLanguages) {
     const auto drawAll = [&] {
         ovMemory::Buffer<FloatPicture> pictures;
