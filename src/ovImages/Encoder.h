@@ -1,6 +1,7 @@
 // What every image file format offers: recognising, decoding and encoding bytes in memory.
 #pragma once
 
+#include <ovCommon/WorkProgress.h>
 #include <ovImages/Image.h>
 #include <ovMemory/Result.h>
 
@@ -23,6 +24,9 @@ struct DecodeOptions {
     /// The layer to read of a file with several (EXR): "diffuse" for diffuse.R, diffuse.G, diffuse.B. Empty:
     /// the unnamed layer, or else the only one with colours.
     ovMemory::String layer = {};
+    /// Is told the share of the rows that are decoded. Interlaced and progressive files give several shares
+    /// or none, since they have no rows until late.
+    ovCommon::WorkProgress progress = {};
 };
 
 /// How to encode. Formats ignore what does not concern them.

@@ -181,6 +181,8 @@ DecodeResult decodeHdr(Bytes bytes, const DecodeOptions& options) {
             break;
         }
         decoder.decode(line, result.image->getBytes().data() + i * stride);
+        if (options.progress)
+            options.progress((i + 1.0) / header.scanlines);
     }
     *result.image = detail::applyOrientation(std::move(*result.image), header.orientation);
     return result;

@@ -86,7 +86,7 @@ DecodeResult decodePixels(detail::JpegReader& reader, const detail::JpegHeader& 
     if (isCmyk)
         cmyk.resize(std::size_t(header.width) * header.height * 4);
     if (!reader.readPixels(isCmyk ? cmyk.data() : result.image->getBytes().data(),
-                           {options.smoothChroma, options.refuseDamaged}))
+                           {options.smoothChroma, options.refuseDamaged, options.progress}))
         return detail::failFormat<DecodeResult>(
             NAME, fmt::format("damaged data: {}", reader.getComplaints().error));
     if (isCmyk)

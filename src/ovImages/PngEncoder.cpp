@@ -125,6 +125,22 @@ bool reachesEnd(ovMemory::BufferView<const unsigned char> bytes) {
     return false;
 }
 
+// Row by row, as the library does it for whole pictures, so that somebody can be told.
+int decodeRows(spng_ctx* context, int format, std::size_t height, ovMemory::BufferView<unsigned char> pixels,
+               const ovCommon::WorkProgress& progress) {
+    const std::size_t rowSize = pixels.size() / height;
+    int status = spng_decode_image(context, nullptr, 0, format, SPNG_DECODE_TRNS | SPNG_DECODE_PROGRESSIVE);
+    spng_row_info row = {};
+    while (status == SPNG_OK) {
+        status = spng_get_row_info(context, &row);
+        if (status == SPNG_OK)
+            status = spng_decode_row(context, pixels.data() + row.row_num * rowSize, rowSize);
+        if (progress)
+            progress((row.row_num + 1.0) / static_cast<double>(height));
+    }
+    return status == SPNG_EOI ? SPNG_OK : status;
+}
+
 DecodeResult decodePng(ovMemory::BufferView<const unsigned char> bytes, const DecodeOptions& options) {
     const Context context(spng_ctx_new(0));
     if (!context)
@@ -163,7 +179,7 @@ DecodeResult decodePng(ovMemory::BufferView<const unsigned char> bytes, const De
                                encoding))
         return result;
     const auto pixels = result.image->getBytes();
-    status = spng_decode_image(context.get(), pixels.data(), pixels.size(), layout.format, SPNG_DECODE_TRNS);
+    status = decodeRows(context.get(), layout.format, header.height, pixels, options.progress);
     if (status == SPNG_OK)
         // The chunks behind the pixels too: EXIF may stand there.
         status = spng_decode_chunks(context.get());

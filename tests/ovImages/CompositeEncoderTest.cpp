@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 
@@ -164,6 +165,31 @@ TEST(CompositeEncoderTest, filesThatCannotBeWrittenAreNamedAndNothingIsLeft) {
         EXPECT_EQ(written.warning, "");
     }
     EXPECT_EQ(countEntries(folder), 2u);
+}
+
+TEST(CompositeEncoderTest, decodingTellsHowFarItIs) {
+    const TemporaryFolder folder;
+    constexpr unsigned ROWS = 1200; // EXR is read in bands of 512
+    for (const char* name : {"a.png", "a.jpg", "a.hdr", "a.exr"}) {
+        const bool isFloat = ovMemory::StringView(name).ends_with("r");
+        Image image(3, ROWS, 3, isFloat ? COMPONENT_TYPE::FLOAT : COMPONENT_TYPE::UINT8,
+                    isFloat ? COLOR_ENCODING::LINEAR : COLOR_ENCODING::SRGB);
+        for (unsigned y = 0; y < ROWS; ++y)
+            image.setComponent(1, y, 2, static_cast<float>(y) / ROWS);
+        const ovMemory::String path = folder.getPath(name);
+        ASSERT_TRUE(ENCODER.encodeFile(path, image.view()));
+        ovMemory::Buffer<double> shares;
+        DecodeOptions options;
+        options.progress = [&shares](double share) { shares.push_back(share); };
+        const DecodeResult watched = ENCODER.decodeFile(path, options);
+        const DecodeResult alone = ENCODER.decodeFile(path);
+        ASSERT_TRUE(watched && alone) << watched.error << alone.error;
+        EXPECT_TRUE(std::ranges::equal(watched.image->getBytes(), alone.image->getBytes())) << name;
+        ASSERT_GE(shares.size(), 3u) << name;
+        EXPECT_LT(shares.front(), 0.5) << name;
+        EXPECT_EQ(shares.back(), 1.0) << name;
+        EXPECT_TRUE(std::ranges::is_sorted(shares)) << name;
+    }
 }
 
 } // namespace

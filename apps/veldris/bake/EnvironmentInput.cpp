@@ -67,13 +67,23 @@ bool checkFace(const Image& face, const String& path, unsigned int side, String&
     return error.empty();
 }
 
+/// How a face is read: its share is a sixth of the whole.
+EnvironmentReading readingOfFace(const EnvironmentReading& reading, unsigned int face) {
+    EnvironmentReading own = reading;
+    if (reading.decoding.progress)
+        own.decoding.progress = [&reading, face](double share) {
+            reading.decoding.progress((face + share) / FACE_COUNT);
+        };
+    return own;
+}
+
 bool readFaces(const String& pattern, const EnvironmentReading& reading, EnvironmentInput& input,
                String& error) {
     ovImages::PICTURE_VIEW unused = ovImages::PICTURE_VIEW::UNTOLD;
     for (unsigned int face = 0; face < FACE_COUNT; ++face) {
         const String path = fillField(pattern, FACE_FIELD, FACE_NAMES[face]);
         Image image;
-        if (!decode(path, reading, input, image, unused, error) ||
+        if (!decode(path, readingOfFace(reading, face), input, image, unused, error) ||
             !checkFace(image, path, input.image.getWidth(), error))
             return false;
         // The first face sets the size that the others must have.

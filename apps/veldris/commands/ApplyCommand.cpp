@@ -114,6 +114,7 @@ int runApply(Console& console, ApplyOptions options) {
         console.leaveOutputToData();
 
     console.step("decoding");
+    options.reading.progress = console.getShare();
     ovImages::DecodeResult input = ovImages::CompositeEncoder().decodeFile(options.input, options.reading);
     if (!input)
         return console.fail(input.error);

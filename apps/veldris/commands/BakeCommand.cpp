@@ -90,7 +90,7 @@ void mirrorPhotograph(const BakeOptions& options, ovImages::Image& panorama) {
 
 bool bake(Console& console, const BakeOptions& options, const EnvironmentInput& input, BakeResult& result,
           String& error) {
-    const auto progress = [&console](double share) { console.getProgress().share(share); };
+    const ovCommon::WorkProgress progress = console.getShare();
     switch (options.bake) {
     case BAKE::PREFILTER:
         return bakePrefiltered(input, options.size, result.cube, error, progress);
@@ -155,6 +155,7 @@ int runBake(Console& console, BakeOptions options) {
     if (isStandardOutput(options.output) || isStandardOutput(options.coefficients))
         console.leaveOutputToData();
     console.step("decoding");
+    options.reading.decoding.progress = console.getShare();
     EnvironmentInput input;
     if (!readEnvironment(options.input, options.reading, input, error))
         return console.fail(error);

@@ -170,14 +170,15 @@ bool makePlan(const RenderOptions& options, RenderPlan& plan, String& error) {
 ovImages::Image readPanorama(Console& console, const RenderOptions& options, String& error) {
     console.step("decoding");
     EnvironmentInput input;
-    if (!readEnvironment(options.environment, options.reading, input, error))
+    EnvironmentReading reading = options.reading;
+    reading.decoding.progress = console.getShare();
+    if (!readEnvironment(options.environment, reading, input, error))
         return {};
     console.warnEach(input.warnings);
     console.step("conversion");
     ovImages::Image panorama;
-    const auto progress = [&console](double share) { console.getProgress().share(share); };
     // A map's middle row has four faces, so this keeps the size of the cube's texels.
-    if (input.isCube && !bakePanorama(input, 2 * input.image.getWidth(), panorama, error, progress))
+    if (input.isCube && !bakePanorama(input, 2 * input.image.getWidth(), panorama, error, console.getShare()))
         return {};
     if (!input.isCube) {
         panorama = std::move(input.image);
@@ -204,8 +205,7 @@ ovMemory::UniquePtr<EnvironmentLight> makeEnvironment(Console& console, Session&
         return nullptr;
     console.step("filtering");
     String warning;
-    auto light = EnvironmentLight::create(session, panorama.view(), warning, error,
-                                          [&console](double share) { console.getProgress().share(share); });
+    auto light = EnvironmentLight::create(session, panorama.view(), warning, error, console.getShare());
     console.warn(warning);
     return light;
 }
@@ -317,7 +317,7 @@ ovMemory::UniquePtr<ovGraphics::Texture> drawModel(Console& console, Session& se
         return nullptr;
     }
     console.step("drawing");
-    picture->setProgress([&console](double share) { console.getProgress().share(share); });
+    picture->setProgress(console.getShare());
     String warning;
     auto drawn = picture->draw(warning, error);
     console.warn(warning);

@@ -1,6 +1,7 @@
 // What a run of the program says.
 #pragma once
 
+#include <ovCommon/WorkProgress.h>
 #include <ovMemory/Memory.h>
 #include <veldris/JsonText.h>
 #include <veldris/console/Progress.h>
@@ -19,6 +20,10 @@ public:
 
     /// The steps of the run, shown on a terminal while they last.
     Progress& getProgress() { return _progress; }
+    /// Tells the share of the step that is done, for whoever does it. It must not outlive the console.
+    ovCommon::WorkProgress getShare() {
+        return [this](double share) { _progress.share(share); };
+    }
     /// Begins a step of the run.
     void step(ovMemory::StringView name) { _progress.step(name); }
     /// The steps until now for a report of times; prints them as well, a line each, unless machines read.

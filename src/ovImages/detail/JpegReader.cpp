@@ -158,6 +158,8 @@ bool JpegReader::readPixels(unsigned char* pixels, const Options& options) {
     while (file.output_scanline < file.output_height) {
         JSAMPROW row = pixels + file.output_scanline * rowSize;
         jpeg_read_scanlines(&file, &row, 1);
+        if (options.progress)
+            options.progress(static_cast<double>(file.output_scanline) / file.output_height);
     }
     jpeg_finish_decompress(&file);
     return true;

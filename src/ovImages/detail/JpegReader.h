@@ -1,6 +1,7 @@
 // JPEG data read by libjpeg, with its warnings told apart. Internal to the library.
 #pragma once
 
+#include <ovCommon/WorkProgress.h>
 #include <ovMemory/Memory.h>
 
 namespace ovImages::detail {
@@ -39,6 +40,7 @@ public:
     struct Options {
         bool smoothChroma = true;
         bool stopAtDamage = true; ///< makes damage an error
+        ovCommon::WorkProgress progress = {};
     };
 
     /// Reads all pixels, after the header. Progressive files of more than 500 scans are refused.

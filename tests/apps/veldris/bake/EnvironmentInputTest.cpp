@@ -103,6 +103,17 @@ TEST_F(EnvironmentInputTest, readsEveryFormOfACubeAlike) {
     }
 }
 
+TEST_F(EnvironmentInputTest, sixFilesAreOneWork) {
+    const String pattern = writeFaces(directionFaces(SIDE));
+    ovMemory::Buffer<double> shares;
+    veldris::EnvironmentReading reading;
+    reading.decoding.progress = [&shares](double share) { shares.push_back(share); };
+    EnvironmentInput input;
+    String error;
+    ASSERT_TRUE(veldris::readEnvironment(pattern, reading, input, error)) << error;
+    EXPECT_EQ(shares, (ovMemory::Buffer<double>{1.0 / 6, 2.0 / 6, 3.0 / 6, 4.0 / 6, 5.0 / 6, 1.0}));
+}
+
 TEST_F(EnvironmentInputTest, readsPanoramasOfAllFormatsAsLinearFloats) {
     for (const char* name : {"p.exr", "p.hdr", "p.png", "p.jpg"}) {
         const bool hasFloats = String(name).ends_with("r");
