@@ -111,6 +111,7 @@ bool Session::open(const DrawingOptions& options, String& error) {
         return false;
     }
     getGraphics().setPassTimingEnabled(options.timings);
+    getGraphics().setFixedTime(options.time, 0.0);
     return true;
 }
 

@@ -23,6 +23,7 @@ struct DrawingOptions {
     bool noCache = false;
     bool timings = false;
     bool json = false;
+    double time = 0.0; ///< seconds that effects which change with the time are drawn at
 };
 
 /// The graphics configuration of the options. @return false with one line in error when a value is wrong
@@ -55,6 +56,7 @@ public:
     Session(const Session&) = delete;
     Session& operator=(const Session&) = delete;
 
+    /// The time stands still, so that pictures repeat exactly.
     /// @return false with one line in error when no device can be opened
     bool open(const DrawingOptions& options, ovMemory::String& error);
 

@@ -191,10 +191,10 @@ def main():
     arguments.add_argument("--report", default=str(ROOT / "build/mistakes/report.txt"))
     options = arguments.parse_args()
     mistakes = read_list()
-    faults = check(mistakes)
+    wanted = [m for m in mistakes if str(m.number) in options.only.split(",") or re.search(options.only, m.path)]
+    faults = check(wanted)
     if faults:
         sys.exit("\n".join(faults))
-    wanted = [m for m in mistakes if str(m.number) in options.only.split(",") or re.search(options.only, m.path)]
 
     copy_sources()
     together = [m for m in mistakes if not m.is_alone]

@@ -152,6 +152,7 @@ void addApplyCommand(CLI::App& program, Command& command) {
         "--raw", options->raw,
         "numbers in, numbers out: no colour conversions and no checks of them; of PNG and JPEG 0 to "
         "255 are 0 to 1");
+    addTimeOption(*apply, options->drawing.time);
     addDrawingOptions(*apply, options->drawing);
     apply->footer(effectHelp() + "\nExample: veldris apply sky.exr --effects "
                                  "\"tone-mapping:operator=reinhard,max-white=4,4,4\" -o sky.png");

@@ -48,6 +48,20 @@ void addTimingsOption(CLI::App& command, bool& timings) {
     command.add_flag("--timings", timings, "measure every step");
 }
 
+void addTimeOption(CLI::App& command, double& seconds) {
+    constexpr double LONGEST = 1e9; // thirty years
+    command
+        .add_option("--time", seconds,
+                    "seconds of a film that effects which change with the time are drawn at, such as grain")
+        ->check([](const std::string& text) {
+            double value = 0.0;
+            // Of the parser's own ranges NaN is a part.
+            const bool isTime = CLI::detail::lexical_cast(text, value) && value >= 0.0 && value <= LONGEST;
+            return isTime ? std::string() : "'" + text + "' is no time; give seconds from 0 to 1e9";
+        })
+        ->capture_default_str();
+}
+
 void addDrawingOptions(CLI::App& command, DrawingOptions& options) {
     addDeviceOptions(command, options);
     addTimingsOption(command, options.timings);

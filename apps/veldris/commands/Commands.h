@@ -41,7 +41,10 @@ void addJsonOption(CLI::App& command, bool& json);
 /// Adds --timings, of commands whose work takes its time.
 void addTimingsOption(CLI::App& command, bool& timings);
 
-/// Adds all of them, of commands that draw.
+/// Adds --time, of commands that draw effects.
+void addTimeOption(CLI::App& command, double& seconds);
+
+/// Adds all of them but --time, of commands that draw.
 void addDrawingOptions(CLI::App& command, DrawingOptions& options);
 
 /// Adds --layer and --strict, of commands that read pictures.

@@ -425,6 +425,7 @@ void addRenderCommand(CLI::App& program, Command& command) {
         "effects over the picture, as of veldris apply (default: none for EXR and HDR, which hold scene "
         "light, otherwise " +
             String(DEFAULT_TONE_MAPPING) + ")");
+    addTimeOption(*render, options->drawing.time);
     addDrawingOptions(*render, options->drawing);
     render->footer("Example: veldris render helmet.glb --light 0.3,-1,-0.5 --shadows -o helmet.png");
     render->callback([options, &command] {

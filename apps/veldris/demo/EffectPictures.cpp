@@ -4,7 +4,10 @@
 #include <cmath>
 #include <fmt/format.h>
 #include <iterator>
+#include <ovGraphics/System.h>
+#include <ovImages/Conversion.h>
 #include <ovVeldris/effects/FxaaEffect.h>
+#include <veldris/Session.h>
 
 namespace veldris {
 
@@ -92,6 +95,52 @@ bool drawFxaaPresets(Session& session, const ImageView& scene, EffectPicture& pi
     return true;
 }
 
+/// The middle of a picture.
+Image cropMiddle(const Image& picture, unsigned int width, unsigned int height) {
+    Image crop = makePicture(width, height);
+    const unsigned int left = (picture.getWidth() - width) / 2;
+    const unsigned int top = (picture.getHeight() - height) / 2;
+    for (unsigned int y = 0; y < height; ++y)
+        for (unsigned int x = 0; x < width; ++x)
+            for (unsigned int channel = 0; channel < 4; ++channel)
+                crop.setComponent(x, y, channel, picture.getComponent(left + x, top + y, channel));
+    return crop;
+}
+
+/// A strip of six frames of a film for each mode of the grain, below each other.
+bool drawGrainModes(Session& session, const ImageView& scene, EffectPicture& picture, String& error) {
+    constexpr unsigned int FRAMES = 6;
+    constexpr double FRAME_SECONDS = 1.0 / 24.0;
+    constexpr const char* MODES[] = {
+        "film-grain:strength=0.35",
+        "film-grain:strength=0.35,rgb-noise=true",
+        "film-grain:strength=0.35,blend-grain-in-target=true",
+        "film-grain:strength=0.35,rgb-noise=true,blend-grain-in-target=true",
+    };
+    ChainResult shown;
+    if (!runEffects(session, scene, String(DEFAULT_TONE_MAPPING), PICTURE_CONTENT::SCENE_LINEAR, shown,
+                    error))
+        return false;
+    const unsigned int cellWidth = scene.width / FRAMES;
+    const unsigned int cellHeight = scene.height / std::size(MODES);
+    const Image still =
+        cropMiddle(ovImages::convertImage(shown.image->view(), shown.image->getComponentType(), 4, DISPLAY),
+                   cellWidth, cellHeight);
+    picture.image = makePicture(scene.width, scene.height);
+    for (unsigned int frame = 0; frame < FRAMES; ++frame) {
+        session.getGraphics().setFixedTime(frame * FRAME_SECONDS, FRAME_SECONDS);
+        for (unsigned int mode = 0; mode < std::size(MODES); ++mode) {
+            ChainResult grainy;
+            if (!runEffects(session, still.view(), MODES[mode], PICTURE_CONTENT::SRGB_ENCODED, grainy, error))
+                return false;
+            std::ranges::move(grainy.timings, std::back_inserter(picture.timings));
+            copyEnlarged(*grainy.image, 1, picture.image, frame * cellWidth, mode * cellHeight);
+        }
+    }
+    session.getGraphics().setFixedTime(0.0, 0.0);
+    return true;
+}
+
 /// How a picture is drawn, and what it is called.
 struct Comparison {
     ovMemory::StringView name;
@@ -104,6 +153,9 @@ constexpr Comparison COMPARISONS[] = {
      "edges three times enlarged: as they are, then row by row FXAA with the presets 10 to 15, 20 to 29 and "
      "39",
      drawFxaaPresets},
+    {"film-grain-modes",
+     "six frames of a film, row by row: grey grain, grain of each colour, and both blended with the target",
+     drawGrainModes},
 };
 
 } // namespace

@@ -6,6 +6,7 @@
 #include <ovGraphics/resources/Viewport.h>
 #include <ovImages/Conversion.h>
 #include <ovVeldris/System.h>
+#include <ovVeldris/effects/TextureCopyEffect.h>
 #include <veldris/Session.h>
 #include <veldris/pictures/PictureShader.h>
 #include <veldris/pictures/PictureTextures.h>
@@ -26,6 +27,49 @@ ovImages::COLOR_ENCODING encodingOf(PICTURE_CONTENT content) {
                                                     : ovImages::COLOR_ENCODING::LINEAR;
 }
 
+/// An effect over a picture, ready to be drawn.
+class LoadedEffect {
+public:
+    /// Null when something cannot be loaded. @param picture outlives the effect
+    static UniquePtr<LoadedEffect> load(Session& session, const PlannedEffect& planned, Texture& picture,
+                                        ovGraphics::Camera& camera) {
+        const TimedPart part(session.getProgress(), "programs");
+        auto loaded = std::make_unique<LoadedEffect>();
+        loaded->_effect = makeEffect(session, planned);
+        ovVeldris::Effect& effect = *loaded->_effect;
+        effect.setSetting(ovVeldris::EffectKind::PICTURE_SETTING, &picture);
+        planned.view.apply(camera,
+                           static_cast<float>(picture.getWidth()) / static_cast<float>(picture.getHeight()));
+        for (const ovVeldris::Setting& setting : effect.getSettings())
+            if (setting.kind == ovVeldris::SETTING_KIND::CAMERA)
+                setting.set(effect, &camera);
+        return effect.load() && loaded->_makePasses(session, planned, picture) ? std::move(loaded) : nullptr;
+    }
+
+    /// What is drawn, in this order: an effect that blends stands behind a copy of its picture.
+    ovMemory::BufferView<const PicturePass> getPasses() const { return _passes; }
+
+private:
+    bool _makePasses(Session& session, const PlannedEffect& planned, Texture& picture) {
+        PicturePass pass = {*_effect->getShader(), planned.text};
+        if (planned.kind->prepareBlending && planned.kind->prepareBlending(*_effect, pass.blending)) {
+            _below = ovVeldris::TextureCopyEffect::create(&session.getSystem());
+            _below->setSourceTexture(&picture);
+            if (!_below->load())
+                return false;
+            _passes.push_back({*_below->getShader(), "picture to blend with"});
+            // A picture keeps its alpha, as where the effect reads it.
+            pass.blending.setWriteMask(ovGraphics::COLOR_WRITE_ALL & ~ovGraphics::COLOR_WRITE_ALPHA, 0);
+        }
+        _passes.push_back(pass);
+        return true;
+    }
+
+    UniquePtr<ovVeldris::Effect> _effect;
+    UniquePtr<ovVeldris::TextureCopyEffect> _below;
+    ovMemory::Buffer<PicturePass> _passes;
+};
+
 /// Draws single steps of a chain from texture to texture. A step's source goes when the step is done.
 class ChainRunner {
 public:
@@ -36,26 +80,26 @@ public:
         , _picture(std::move(picture)) {}
 
     bool drawEffect(const PlannedEffect& planned) {
-        const UniquePtr<ovVeldris::Effect> effect = makeEffect(_session, planned);
-        return _load(planned, *effect) && _draw(*effect->getShader(), planned.text);
+        const auto effect = LoadedEffect::load(_session, planned, *_picture, *_camera);
+        return effect && _draw(effect->getPasses());
     }
 
     /// Draws an effect strip by strip into a picture of the source's size. @param encoding of what it draws
     bool drawEffectInStrips(const PlannedEffect& planned, ovImages::COLOR_ENCODING encoding,
                             ovImages::Image& result, ovImages::ConversionLosses& losses) {
-        const UniquePtr<ovVeldris::Effect> effect = makeEffect(_session, planned);
+        const auto effect = LoadedEffect::load(_session, planned, *_picture, *_camera);
         const unsigned int width = _picture->getWidth();
         const unsigned int height = _picture->getHeight();
         const unsigned int rows = std::clamp(STRIP_PIXELS / width, 1u, height);
         const UniquePtr<Texture> target = makeTarget(_graphics, "strip", PICTURE_FORMAT, width, rows);
         const auto viewport = ovGraphics::Viewport::create(&_graphics);
         viewport->setSize(width, height);
-        if (!target || !_load(planned, *effect))
+        if (!target || !effect)
             return false;
         _timings.push_back({planned.text, 0.0});
         for (unsigned int top = 0; top < height; top += rows) {
             viewport->setOrigin(0, -static_cast<int>(top));
-            if (!drawPicture(_graphics, *effect->getShader(), *target, planned.text, viewport.get()))
+            if (!drawPasses(_graphics, effect->getPasses(), *target, viewport.get()))
                 return false;
             for (const ovGraphics::PassTiming& timing : _graphics.getPassTimings())
                 _timings.back().milliseconds += timing.milliseconds;
@@ -83,7 +127,8 @@ public:
         if (!shader)
             return false;
         shader->setSource(*_picture);
-        return _draw(*shader->getShader(), name);
+        const PicturePass pass = {*shader->getShader(), name};
+        return _draw({&pass, 1});
     }
 
     UniquePtr<Texture> takePicture() { return std::move(_picture); }
@@ -96,26 +141,10 @@ private:
                                                               : PictureShader::decodeSrgb(_graphics);
     }
 
-    bool _load(const PlannedEffect& planned, ovVeldris::Effect& effect) {
-        const TimedPart part(_session.getProgress(), "programs");
-        _setSource(planned, effect);
-        return effect.load();
-    }
-
-    /// Gives the effect the picture, and a camera wherever it asks for one.
-    void _setSource(const PlannedEffect& planned, ovVeldris::Effect& effect) {
-        effect.setSetting(ovVeldris::EffectKind::PICTURE_SETTING, _picture.get());
-        planned.view.apply(*_camera, static_cast<float>(_picture->getWidth()) /
-                                         static_cast<float>(_picture->getHeight()));
-        for (const ovVeldris::Setting& setting : effect.getSettings())
-            if (setting.kind == ovVeldris::SETTING_KIND::CAMERA)
-                setting.set(effect, _camera.get());
-    }
-
-    bool _draw(ovGraphics::Shader& shader, ovMemory::StringView name) {
+    bool _draw(ovMemory::BufferView<const PicturePass> passes) {
         UniquePtr<Texture> target =
             makeTarget(_graphics, "picture", PICTURE_FORMAT, _picture->getWidth(), _picture->getHeight());
-        if (!target || !drawPicture(_graphics, shader, *target, name))
+        if (!target || !drawPasses(_graphics, passes, *target))
             return false;
         for (const ovGraphics::PassTiming& timing : _graphics.getPassTimings())
             _timings.push_back({timing.name, timing.milliseconds});

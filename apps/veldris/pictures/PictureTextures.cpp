@@ -59,22 +59,31 @@ UniquePtr<ovImages::Image> downloadPicture(UniquePtr<Texture> picture) {
                                              ovImages::COLOR_ENCODING::LINEAR, std::move(*bytes));
 }
 
-bool drawPicture(ovGraphics::System& graphics, ovGraphics::Shader& shader, Texture& target,
-                 ovMemory::StringView name, ovGraphics::Viewport* viewport) {
+bool drawPasses(ovGraphics::System& graphics, ovMemory::BufferView<const PicturePass> passes, Texture& target,
+                ovGraphics::Viewport* viewport) {
     const auto compositor = ovGraphics::Compositor::create(&graphics);
     ovGraphics::CompositorOperationsBlock* block = compositor->appendNode()->appendOperationsBlock();
     block->setTarget(0, &target);
     if (viewport)
         block->setViewport(viewport);
-    ovGraphics::PostProcessPass* pass = block->appendPostProcessPass();
-    pass->setShader(&shader);
-    pass->setName(name);
+    for (const PicturePass& drawn : passes) {
+        ovGraphics::PostProcessPass* pass = block->appendPostProcessPass();
+        pass->setShader(&drawn.shader);
+        pass->setName(drawn.name);
+        pass->getBlendState() = drawn.blending;
+    }
     const auto context = ovGraphics::RenderContext::create(&graphics);
     context->setDescriptor({.texture = &target});
     context->setCompositor(compositor.get());
     if (graphics.getPassTimingEnabled())
         graphics.frame(context.get()); // the first draw compiles: not what a user wants measured
     return graphics.frame(context.get());
+}
+
+bool drawPicture(ovGraphics::System& graphics, ovGraphics::Shader& shader, Texture& target,
+                 ovMemory::StringView name) {
+    const PicturePass pass = {shader, name};
+    return drawPasses(graphics, {&pass, 1}, target);
 }
 
 } // namespace veldris

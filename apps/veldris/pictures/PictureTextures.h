@@ -1,6 +1,7 @@
 // Pictures on the device.
 #pragma once
 
+#include <ovGraphics/resources/BlendState.h>
 #include <ovGraphics/resources/Texture.h>
 #include <ovImages/Image.h>
 
@@ -28,10 +29,20 @@ ovMemory::UniquePtr<ovGraphics::Texture> uploadPicture(ovGraphics::System& graph
 /// in memory twice at most. @return null after one log line when it cannot be read
 ovMemory::UniquePtr<ovImages::Image> downloadPicture(ovMemory::UniquePtr<ovGraphics::Texture> picture);
 
-/// Draws a shader over a whole target, in one frame of one pass; when passes are measured, a second time, so
-/// that what is measured compiles nothing. @param viewport of a picture of which the target shows a part;
-/// null: the whole target @return false after one log line when that fails
+/// What is drawn over a whole target.
+struct PicturePass {
+    ovGraphics::Shader& shader;
+    ovMemory::StringView name;
+    ovGraphics::BlendState blending = {}; ///< none by default: the pass replaces what the target holds
+};
+
+/// Draws passes one over another, in one frame; when passes are measured, a second time, so that what is
+/// measured compiles nothing. @param viewport of a picture of which the target shows a part; null: the whole
+/// target @return false after one log line when that fails
+bool drawPasses(ovGraphics::System& graphics, ovMemory::BufferView<const PicturePass> passes,
+                ovGraphics::Texture& target, ovGraphics::Viewport* viewport = nullptr);
+/// One pass alone.
 bool drawPicture(ovGraphics::System& graphics, ovGraphics::Shader& shader, ovGraphics::Texture& target,
-                 ovMemory::StringView name, ovGraphics::Viewport* viewport = nullptr);
+                 ovMemory::StringView name);
 
 } // namespace veldris

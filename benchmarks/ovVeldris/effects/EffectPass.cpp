@@ -30,6 +30,7 @@ public:
         configuration.graphicsConfiguration.software = true;
         if (!_system.initialize(configuration))
             return false;
+        graphics().setFixedTime(EFFECT_SECONDS, 0.0);
         _source = _makeTexture();
         const auto* bytes = reinterpret_cast<const unsigned char*>(texels.data());
         _source->setCpuData(0, 0, {bytes, texels.size() * sizeof(std::uint16_t)});

@@ -19,6 +19,7 @@ namespace ovBenchmarks {
 
 constexpr int EFFECT_WIDTH = 1920;
 constexpr int EFFECT_HEIGHT = 1080;
+constexpr float EFFECT_SECONDS = 1.5f; // the time at which effects that change with it are drawn
 
 /// An unloaded effect over a source.
 using MakeEffect =

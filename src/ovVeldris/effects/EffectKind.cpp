@@ -1,6 +1,7 @@
 #include <ovVeldris/effects/EffectKind.h>
 
 #include <ovVeldris/core/NearestName.h>
+#include <ovVeldris/effects/FilmGrainEffect.h>
 #include <ovVeldris/effects/FxaaEffect.h>
 #include <ovVeldris/effects/ImageEnvironmentEffect.h>
 #include <ovVeldris/effects/TextureCopyEffect.h>
@@ -16,13 +17,27 @@ template <typename T>
 EffectKind row(EFFECT_TYPE type, ovMemory::StringView summary, Content takes = {}, Content gives = {},
                const ovMemory::Buffer<EffectExample>& examples = {}) {
     const auto create = [](System* system) -> ovMemory::UniquePtr<Effect> { return T::create(system); };
-    return {type, summary, takes, gives, create, &T::settings, examples};
+    return {type, summary, takes, gives, create, &T::settings, examples, nullptr};
+}
+
+EffectKind blending(EffectKind kind, bool (*prepareBlending)(const Effect&, ovGraphics::BlendState&)) {
+    kind.prepareBlending = prepareBlending;
+    return kind;
+}
+
+bool prepareGrainBlending(const Effect& effect, ovGraphics::BlendState& state) {
+    if (!static_cast<const FilmGrainEffect&>(effect).getBlendGrainInTarget())
+        return false;
+    FilmGrainEffectUtils::prepareBlendStateForGrainBlending(&state);
+    return true;
 }
 
 } // namespace
 
 const ovMemory::Buffer<EffectKind>& effectKinds() {
     static const ovMemory::Buffer<EffectKind> KINDS = {
+        blending(row<FilmGrainEffect>(EFFECT_TYPE::FILM_GRAIN, "adds the grain of film"),
+                 prepareGrainBlending),
         row<FxaaEffect>(EFFECT_TYPE::FXAA, "smooths the stairs of edges", PICTURE_CONTENT::SRGB_ENCODED,
                         PICTURE_CONTENT::SRGB_ENCODED, {{"fxaa", "preset=39"}}),
         row<ImageEnvironmentEffect>(EFFECT_TYPE::IMAGE_ENVIRONMENT,

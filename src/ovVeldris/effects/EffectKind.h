@@ -5,6 +5,10 @@
 #include <ovVeldris/core/PictureContent.h>
 #include <ovVeldris/effects/Effect.h>
 
+namespace ovGraphics {
+class BlendState;
+}
+
 namespace ovVeldris {
 
 class System;
@@ -28,6 +32,10 @@ struct OV_API EffectKind {
     ovMemory::UniquePtr<Effect> (*create)(System* system);
     const SettingTable& (*settings)();
     ovMemory::Buffer<EffectExample> examples; ///< of a picture of scene light
+    /// For kinds that may draw over their picture in the target instead of reading it: prepares the state
+    /// with which an effect of the kind does. @return false when the effect, as it is set, reads its picture.
+    /// Null: the kind always reads it
+    bool (*prepareBlending)(const Effect& effect, ovGraphics::BlendState& state);
 
     /// The kind's text in lower case with dashes: "tone-mapping".
     ovMemory::String getName() const;

@@ -65,6 +65,17 @@ TEST(SessionTest, opensASoftwareDevice) {
     EXPECT_TRUE(session.getGraphics().getDeviceInfo()->software);
 }
 
+TEST(SessionTest, theTimeStandsStill) {
+    for (const double seconds : {0.0, 12.5}) {
+        DrawingOptions options = optionsWith("glsl", "software", "", true);
+        options.time = seconds;
+        veldris::Session session;
+        ovMemory::String error;
+        ASSERT_TRUE(session.open(options, error)) << error;
+        EXPECT_EQ(session.getGraphics().getFrameTime().seconds, seconds);
+    }
+}
+
 TEST(SessionTest, aDeviceThatIsNotThereIsOneClearLine) {
     veldris::Session session;
     ovMemory::String error;

@@ -1,5 +1,6 @@
 #include <ovVeldris/effects/EffectKind.h>
 
+#include <ovGraphics/resources/BlendState.h>
 #include <ovGraphics/resources/Program.h>
 #include <ovGraphics/shading/CrossCompiler.h>
 #include <ovVeldris/core/settings/SettingCombinations.h>
@@ -76,6 +77,7 @@ TEST_P(EffectKindTest, onlySettingsThatWaitForLoadSelectTheText) {
 
 TEST_P(EffectKindTest, namesAreTheTypesInLowerCaseAndAreFound) {
     const std::pair<EFFECT_TYPE, const char*> NAMES[] = {
+        {EFFECT_TYPE::FILM_GRAIN, "film-grain"},
         {EFFECT_TYPE::FXAA, "fxaa"},
         {EFFECT_TYPE::IMAGE_ENVIRONMENT, "image-environment"},
         {EFFECT_TYPE::TEXTURE_COPY, "texture-copy"},
@@ -90,7 +92,7 @@ TEST_P(EffectKindTest, namesAreTheTypesInLowerCaseAndAreFound) {
     }
     String error;
     EXPECT_EQ(findEffectKind("tonemapping", error), nullptr);
-    EXPECT_EQ(error, "there is no effect 'tonemapping'; the effects are fxaa, image-environment, "
+    EXPECT_EQ(error, "there is no effect 'tonemapping'; the effects are film-grain, fxaa, image-environment, "
                      "texture-copy, tone-mapping. "
                      "Did you mean 'tone-mapping'?");
     EXPECT_EQ(findEffectKind(EFFECT_TYPE::UNKNOWN), nullptr);
@@ -103,4 +105,17 @@ TEST_P(EffectKindTest, everyKindTakesAPicture) {
         EXPECT_EQ(picture->kind, SETTING_KIND::TEXTURE);
         EXPECT_FALSE(picture->waitsForLoad);
     }
+}
+
+TEST_P(EffectKindTest, onlyGrainThatIsDrawnAloneIsBlended) {
+    for (const EffectKind& kind : effectKinds())
+        EXPECT_EQ(kind.prepareBlending != nullptr, kind.type == EFFECT_TYPE::FILM_GRAIN) << kind.getName();
+    const EffectKind& kind = *findEffectKind(EFFECT_TYPE::FILM_GRAIN);
+    const auto effect = kind.create(getSystem());
+    ovGraphics::BlendState state;
+    EXPECT_FALSE(kind.prepareBlending(*effect, state));
+    EXPECT_EQ(state.getDesc(), ovGraphics::BlendState().getDesc());
+    EXPECT_EQ(effect->setSetting("blend-grain-in-target", true).error, "");
+    EXPECT_TRUE(kind.prepareBlending(*effect, state));
+    EXPECT_EQ(state.getDesc().targets[0].sourceFactor, ovGraphics::BLEND::DEST_COLOR);
 }

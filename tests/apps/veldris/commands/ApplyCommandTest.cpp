@@ -94,6 +94,26 @@ TEST_F(ApplyCommandTest, rawKeepsNumbers) {
     EXPECT_EQ(firstPixel(output), 123.25f);
 }
 
+TEST_F(ApplyCommandTest, grainRepeatsAtATimeAndChangesWithIt) {
+    const ovMemory::String input = write("light.exr", 1.0f);
+    const auto pixelAt = [&](const ovMemory::Buffer<ovMemory::String>& time) {
+        const ovMemory::String output = _folder.getPath("grain.exr");
+        const Outcome outcome = apply(input, "film-grain:strength=0.5", output, time);
+        EXPECT_EQ(outcome.status, 0) << outcome.error;
+        return firstPixel(output);
+    };
+    const float atStart = pixelAt({});
+    EXPECT_GE(atStart, 1.0f);
+    EXPECT_LT(atStart, 1.5f);
+    EXPECT_EQ(pixelAt({"--time", "0"}), atStart);
+    const float later = pixelAt({"--time", "2.25"});
+    EXPECT_NE(later, atStart);
+    EXPECT_EQ(pixelAt({"--time", "2.25", "--timings"}), later) << "measuring draws a second time";
+    for (const char* time : {"-1", "inf", "nan", "soon"})
+        EXPECT_EQ(apply(input, "film-grain", _folder.getPath("grain.exr"), {"--time", time}).status, 2)
+            << time;
+}
+
 TEST_F(ApplyCommandTest, reportsForMachines) {
     const Outcome outcome = apply(write("light.hdr", 1.0f), "texture-copy;tone-mapping:operator=aces",
                                   _folder.getPath("o.png"), {"--json", "--timings"});
@@ -145,7 +165,8 @@ TEST_F(ApplyCommandTest, everyFailureIsOneLineAndLeavesTheOutputAlone) {
         {_folder.getPath("missing.exr"), "tone-mapping", output, "missing.exr"},
         {_folder.getPath(), "tone-mapping", output, _folder.getPath()},
         {broken, "tone-mapping", output, "broken.exr"},
-        {light, "sharpen", output, "the effects are fxaa, image-environment, texture-copy, tone-mapping"},
+        {light, "sharpen", output,
+         "the effects are film-grain, fxaa, image-environment, texture-copy, tone-mapping"},
         {light, "tone-mapping:operator=filmic", output, "it takes one of reinhard, hables, aces"},
         {light, "tone-mapping:white=2", output, "there is no setting 'white'; it has operator"},
         {light, "", output, "the list of effects is empty"},

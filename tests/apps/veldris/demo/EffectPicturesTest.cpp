@@ -1,5 +1,6 @@
 #include <veldris/demo/EffectPictures.h>
 
+#include <cmath>
 #include <gtest/gtest.h>
 #include <map>
 #include <support/TemporaryFolder.h>
@@ -68,6 +69,30 @@ TEST_F(EffectPicturesTest, presetsSmoothTheChartEachInItsOwnWay) {
             different +=
                 picture.getComponent(96 + x, y, 1) != picture.getComponent(480 + x, 216 + y, 1) ? 1 : 0;
     EXPECT_GT(different, 100u);
+}
+
+TEST_F(EffectPicturesTest, grainChangesFromFrameToFrameAndBlendsToTheSame) {
+    const Pictures pictures = drawAll(192, 128, "film-grain-modes");
+    ASSERT_EQ(pictures.size(), 1u);
+    const Image& picture = pictures.at("film-grain-modes");
+    constexpr unsigned int SIDE = 32; // of a cell: six frames across, four modes down
+    const auto colorAt = [&](unsigned int frame, unsigned int mode, unsigned int x, unsigned int y,
+                             unsigned int channel) {
+        return picture.getComponent(frame * SIDE + x, mode * SIDE + y, channel);
+    };
+    std::size_t changed = 0, tinted = 0;
+    for (unsigned int y = 0; y < SIDE; ++y) {
+        for (unsigned int x = 0; x < SIDE; ++x) {
+            changed += colorAt(0, 0, x, y, 1) != colorAt(1, 0, x, y, 1) ? 1 : 0;
+            const float grey = colorAt(2, 0, x, y, 0) / colorAt(2, 0, x, y, 2);
+            tinted += std::abs(colorAt(2, 1, x, y, 0) / colorAt(2, 1, x, y, 2) - grey) > 0.02f ? 1 : 0;
+            for (unsigned int mode = 0; mode < 2; ++mode)
+                for (unsigned int channel = 0; channel < 4; ++channel)
+                    ASSERT_NEAR(colorAt(3, mode, x, y, channel), colorAt(3, mode + 2, x, y, channel), 1e-6f);
+        }
+    }
+    EXPECT_GT(changed, 900u);
+    EXPECT_GT(tinted, 700u);
 }
 
 TEST_F(EffectPicturesTest, areDrawnInAnySizeAndHandedOnUntilSomebodyStops) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <gtest/gtest.h>
+#include <ovGraphics/System.h>
 #include <ovImages/Conversion.h>
 #include <veldris/SessionTesting.h>
 
@@ -135,6 +136,93 @@ TEST_P(EffectChainTest, panoramasAreLookedInto) {
     const ChainResult flat = run(panorama, "image-environment:source-projection=flat", {});
     ASSERT_TRUE(flat) << flat.error;
     EXPECT_NEAR(flat.image->getComponent(3, 1, 2), 32.0f, 1e-4f);
+}
+
+Image makeColors(unsigned int width, unsigned int height) {
+    Image picture(width, height, 4, COMPONENT_TYPE::FLOAT, COLOR_ENCODING::LINEAR);
+    for (unsigned int y = 0; y < height; ++y)
+        for (unsigned int x = 0; x < width; ++x)
+            for (unsigned int channel = 0; channel < 4; ++channel)
+                picture.setComponent(x, y, channel,
+                                     static_cast<float>((x * 7 + y * 3 + channel) % 11) / 10.0f);
+    return picture;
+}
+
+TEST_P(EffectChainTest, grainIsBlendedWithThePictureToTheSameColors) {
+    const Image picture = makeColors(31, 17);
+    _session.getGraphics().setFixedTime(2.5, 0.0);
+    for (const char* noise : {"film-grain:strength=0.8", "film-grain:strength=0.8,rgb-noise=true"}) {
+        const ChainResult drawn = run(picture, noise, {});
+        const ChainResult blended =
+            run(picture, (std::string(noise) + ",blend-grain-in-target=true;texture-copy").c_str(), {});
+        ASSERT_TRUE(drawn) << drawn.error;
+        ASSERT_TRUE(blended) << blended.error;
+        ASSERT_EQ(blended.timings.size(), 3u);
+        EXPECT_EQ(blended.timings[0].effect, "picture to blend with");
+        EXPECT_FALSE(std::ranges::equal(drawn.image->getBytes(), picture.getBytes()));
+        for (unsigned int y = 0; y < 17; ++y)
+            for (unsigned int x = 0; x < 31; ++x)
+                for (unsigned int channel = 0; channel < 4; ++channel)
+                    ASSERT_NEAR(blended.image->getComponent(x, y, channel),
+                                drawn.image->getComponent(x, y, channel), 3e-7f)
+                        << noise;
+    }
+}
+
+TEST_P(EffectChainTest, settingsThatChangeNothingKeepEveryBit) {
+    const Image picture = makeColors(31, 17); // half transparent, too
+    for (const char* identity : {"film-grain:strength=0", "film-grain:strength=0,rgb-noise=true",
+                                 "film-grain:strength=0,blend-grain-in-target=true", "texture-copy"}) {
+        const ChainResult result = run(picture, identity, {});
+        ASSERT_TRUE(result) << result.error;
+        EXPECT_TRUE(std::ranges::equal(result.image->getBytes(), picture.getBytes())) << identity;
+    }
+    // A flat picture has no edges, whatever the settings find.
+    Image flat(31, 17, 4, COMPONENT_TYPE::FLOAT, COLOR_ENCODING::SRGB);
+    for (unsigned int i = 0; i < 31 * 17; ++i)
+        for (unsigned int channel = 0; channel < 4; ++channel)
+            flat.setComponent(i % 31, i / 31, channel, 0.3f + 0.17f * static_cast<float>(channel));
+    ChainOptions options;
+    options.input = PICTURE_CONTENT::SRGB_ENCODED;
+    const ChainResult result = run(flat, "fxaa:min-contrast=0,min-luminance=0,smoothing-strength=1", options);
+    ASSERT_TRUE(result) << result.error;
+    EXPECT_TRUE(std::ranges::equal(result.image->getBytes(), flat.getBytes()));
+}
+
+TEST_P(EffectChainTest, fxaaIsGivenWhatTheToneMappingMadeAndEncoded) {
+    // Light of two shades that meet in a step: the picture is encoded before its edges are smoothed.
+    Image picture(24, 9, 4, COMPONENT_TYPE::FLOAT, COLOR_ENCODING::LINEAR);
+    for (unsigned int y = 0; y < 9; ++y)
+        for (unsigned int x = 0; x < 24; ++x)
+            for (unsigned int channel = 0; channel < 4; ++channel)
+                picture.setComponent(x, y, channel, channel == 3 || y < (x < 12 ? 4u : 5u) ? 1.0f : 0.05f);
+    ChainOptions options;
+    options.output = PICTURE_CONTENT::SRGB_ENCODED;
+    const char* TONE = "tone-mapping:use-luminance=false,max-white=1,1,1";
+    const ChainResult mapped = run(picture, TONE, options);
+    ASSERT_TRUE(mapped) << mapped.error;
+    EXPECT_EQ(mapped.content, PICTURE_CONTENT::DISPLAY_LINEAR);
+    const ChainResult smoothed = run(picture, (std::string(TONE) + ";fxaa").c_str(), options);
+    ASSERT_TRUE(smoothed) << smoothed.error;
+    EXPECT_EQ(smoothed.content, PICTURE_CONTENT::SRGB_ENCODED);
+    ASSERT_EQ(smoothed.timings.size(), 3u);
+    EXPECT_EQ(smoothed.timings[1].effect, "display-linear to srgb-encoded");
+
+    ChainOptions encoded;
+    encoded.input = PICTURE_CONTENT::SRGB_ENCODED;
+    encoded.output = PICTURE_CONTENT::SRGB_ENCODED;
+    const Image shown =
+        ovImages::convertImage(mapped.image->view(), COMPONENT_TYPE::FLOAT, 4, COLOR_ENCODING::SRGB);
+    const ChainResult alone = run(shown, "fxaa", encoded);
+    ASSERT_TRUE(alone) << alone.error;
+    std::size_t between = 0;
+    for (unsigned int y = 0; y < 9; ++y)
+        for (unsigned int x = 0; x < 24; ++x) {
+            const float shade = smoothed.image->getComponent(x, y, 0);
+            EXPECT_NEAR(shade, alone.image->getComponent(x, y, 0), 1e-5f);
+            between += shade > 0.35f && shade < 0.95f ? 1 : 0;
+        }
+    EXPECT_GT(between, 5u);
 }
 
 TEST_P(EffectChainTest, encodedPicturesStayAsTheyAreUntilSomethingElseIsWanted) {

@@ -46,8 +46,9 @@ TEST(EffectPlanTest, whatIsWrongIsToldWithTheEffect) {
         const char* text;
         const char* error;
     } CASES[] = {
-        {"sharpen", "there is no effect 'sharpen'; the effects are fxaa, image-environment, texture-copy, "
-                    "tone-mapping."},
+        {"sharpen",
+         "there is no effect 'sharpen'; the effects are film-grain, fxaa, image-environment, texture-copy, "
+         "tone-mapping."},
         {"texture-copy:strength=1", "effect 'texture-copy': there is no setting 'strength'; it has none."},
         {"texture-copy:source-texture=x",
          "effect 'texture-copy': there is no setting 'source-texture'; it has none."},

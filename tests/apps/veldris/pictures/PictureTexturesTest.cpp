@@ -73,4 +73,27 @@ TEST_F(PictureTexturesTest, aShaderIsDrawnOverTheWholeTarget) {
     EXPECT_EQ(graphics.getPassTimings()[0].name, "copies");
 }
 
+TEST_F(PictureTexturesTest, passesAreDrawnOneOverAnother) {
+    ovGraphics::System& graphics = _session.getGraphics();
+    const auto texture =
+        veldris::uploadPicture(graphics, Image(2, 2, 4, COMPONENT_TYPE::FLOAT, COLOR_ENCODING::LINEAR));
+    Image light(1, 1, 4, COMPONENT_TYPE::FLOAT, COLOR_ENCODING::LINEAR);
+    light.setComponent(0, 0, 0, 1.5f);
+    const auto lightTexture = veldris::uploadPicture(graphics, light.view());
+    ovVeldris::TextureCopyEffect dark(&_session.getSystem());
+    ovVeldris::TextureCopyEffect bright(&_session.getSystem());
+    dark.setSourceTexture(texture.get());
+    bright.setSourceTexture(lightTexture.get());
+    ASSERT_TRUE(dark.load() && bright.load());
+    veldris::PicturePass added = {*bright.getShader(), "added"};
+    added.blending.setBlendEnabled(true, 0);
+    added.blending.setDestinationFactor(ovGraphics::BLEND::ONE, 0);
+    const veldris::PicturePass passes[] = {{*dark.getShader(), "below"}, added, added};
+    auto target = veldris::makeTarget(graphics, "sum", ovGraphics::FORMAT::R32G32B32A32_FLOAT, 2, 2);
+    ASSERT_TRUE(veldris::drawPasses(graphics, passes, *target));
+    EXPECT_EQ(veldris::downloadPicture(std::move(target))->getComponent(1, 1, 0), 3.0f);
+    ASSERT_EQ(graphics.getPassTimings().size(), 3u);
+    EXPECT_EQ(graphics.getPassTimings()[2].name, "added");
+}
+
 } // namespace
