@@ -13,8 +13,8 @@
 #include <ovVeldris/System.h>
 #include <ovVeldris/core/GraphicsEngine.h>
 #include <ovVeldris/core/LogManager.h>
-#include <ovVeldris/environment/detail/CubeFaces.h>
 #include <ovVeldris/core/OneShotFrame.h>
+#include <ovVeldris/environment/detail/CubeFaces.h>
 #include <ovVeldris/environment/detail/PbsFilterLobe.h>
 #include <ovVeldris/environment/detail/ToolTarget.h>
 #include <ovVeldris/shaders/ShaderText.h>

@@ -3,8 +3,8 @@
 #include <ovGraphics/compositor/RenderContext.h>
 #include <ovGraphics/resources/Camera.h>
 #include <ovGraphics/resources/Viewport.h>
-#include <ovVeldris/environment/EnvironmentFixture.h>
 #include <ovVeldris/core/OneShotFrame.h>
+#include <ovVeldris/environment/EnvironmentFixture.h>
 
 using namespace ovVeldris;
 

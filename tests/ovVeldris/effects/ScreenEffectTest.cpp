@@ -183,8 +183,7 @@ TEST_P(ScreenEffectTest, addsConstantSlotsAsNeeded) {
     ASSERT_NE(shader.getConstantBuffer(0, 0), nullptr);
     EXPECT_EQ(shader.getConstantBuffer(0, 0)->getPassMemorySlotCount(), 3u);
     EXPECT_EQ(&constantSlot(shader, 2), third);
-    EXPECT_EQ(&constantSlot(shader, 0),
-              shader.getConstantBuffer(0, 0)->getPassMemorySlot(0));
+    EXPECT_EQ(&constantSlot(shader, 0), shader.getConstantBuffer(0, 0)->getPassMemorySlot(0));
     EXPECT_EQ(shader.getConstantBuffer(0, 0)->getPassMemorySlotCount(), 3u);
 }
 
