@@ -358,6 +358,17 @@ TEST_P(AtmosphereEffectTest, dimsAPictureByItsDepth) {
         }
 }
 
+TEST_P(AtmosphereEffectTest, endsWhereTheAirEnds) {
+    look(1500.0f, {0.1f, 0.9f, 0.3f});
+    const auto depth = makeDepth([](unsigned int x, unsigned int) { return 100.0 + 400.0 * x; });
+    const auto effect = makeEffect();
+    effect->setSourceDepthTexture(depth.get());
+    effect->setDistanceFactor(1000.0f); // most of it lies in space
+    effect->setSunPosition(sunAt(35.0));
+    ASSERT_TRUE(effect->load());
+    expectMarch(*effect, {});
+}
+
 TEST_P(AtmosphereEffectTest, leavesTheSkyAloneWhenAsked) {
     look(1500.0f, {0.1f, 0.2f, 1.0f});
     const FloatPicture picture = makeColors();
@@ -377,6 +388,10 @@ TEST_P(AtmosphereEffectTest, leavesTheSkyAloneWhenAsked) {
         EXPECT_EQ(drawn.at(x, 3)[3], 1.0f);
         EXPECT_NE(drawn.at(x, 12)[2], picture.at(x, 12)[2]);
     }
+    // Nearly the far plane is an object still.
+    const auto nearlyFar = makeTexture(FloatPicture(WIDTH, HEIGHT, {0.99999994f, 0.0f, 0.0f, 0.0f}));
+    effect->setSourceDepthTexture(nearlyFar.get());
+    EXPECT_NE(drawEffect(*effect, WIDTH, HEIGHT).at(7, 3)[2], picture.at(7, 3)[2]);
     // Without a depth everything is sky.
     effect->setSourceDepthTexture(nullptr);
     ASSERT_TRUE(effect->load());
