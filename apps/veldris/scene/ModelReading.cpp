@@ -1,5 +1,6 @@
 #include <veldris/scene/ModelReading.h>
 
+#include <ovVeldris/core/settings/Setting.h>
 #include <veldris/Session.h>
 #include <veldris/console/Console.h>
 
