@@ -105,7 +105,7 @@ bool readFaces(const String& pattern, const EnvironmentReading& reading, Environ
 StringView cubeFormatOfFile(const String& path) {
     std::array<unsigned char, ovImages::CUBE_SIGNATURE_BYTES> begin = {};
     std::error_code ignored;
-    // What was looked at in a pipe could not be read again.
+    // Looking into a pipe would wait for somebody who writes.
     if (std::filesystem::is_regular_file(path, ignored))
         std::ifstream(path, std::ios::binary).read(reinterpret_cast<char*>(begin.data()), begin.size());
     const StringView format = ovImages::cubeFormatOfBytes(begin);

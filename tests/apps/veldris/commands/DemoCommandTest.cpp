@@ -73,6 +73,7 @@ TEST(DemoCommandTest, drawsOnePictureAlone) {
         EXPECT_EQ(outcome.output, folder.getPath("one/" + ovMemory::String(name) + ".png\n"));
     }
     EXPECT_FALSE(std::filesystem::exists(folder.getPath("one/spheres-metalness.png")));
+    EXPECT_FALSE(std::filesystem::exists(folder.getPath("one/aces-bright.png")));
     const Outcome none = runVeldris({"demo", "--only", "spheres", "--out", folder.getPath("one"), "--width",
                                      "32", "--height", "18", "--device", "software", "--no-cache"});
     EXPECT_EQ(none.status, 1);

@@ -1,8 +1,13 @@
 #include <veldris/console/Console.h>
 
+#include <chrono>
 #include <cstdio>
+#include <cstdlib>
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <rapidjson/document.h>
+#include <thread>
+#include <unistd.h>
 
 namespace {
 
@@ -66,6 +71,31 @@ TEST(ConsoleTest, machinesReadJson) {
     error.Parse(printed.error.substr(end + 1).c_str());
     ASSERT_TRUE(error.IsObject()) << printed.error;
     EXPECT_STREQ(error["error"].GetString(), "it 'broke'\n");
+}
+
+/// What a run shows on a terminal while a step lasts.
+String shownOnTerminal(bool isJson) {
+    const int terminal = posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK);
+    EXPECT_TRUE(terminal >= 0 && grantpt(terminal) == 0 && unlockpt(terminal) == 0);
+    const int end = open(ptsname(terminal), O_RDWR | O_NOCTTY);
+    const int before = dup(STDERR_FILENO);
+    dup2(end, STDERR_FILENO);
+    {
+        veldris::Console console(isJson);
+        console.step("thinking");
+        std::this_thread::sleep_for(std::chrono::milliseconds(1200));
+    }
+    dup2(before, STDERR_FILENO);
+    char shown[1024];
+    const ssize_t size = read(terminal, shown, sizeof(shown));
+    for (const int file : {before, end, terminal})
+        close(file);
+    return String(shown, size > 0 ? static_cast<std::size_t>(size) : 0);
+}
+
+TEST(ConsoleTest, aTerminalShowsProgressUnlessMachinesRead) {
+    EXPECT_NE(shownOnTerminal(false).find("thinking, 1 s"), String::npos);
+    EXPECT_EQ(shownOnTerminal(true), "");
 }
 
 TEST(ConsoleTest, dataOnStandardOutputIsNotMixedWithLines) {

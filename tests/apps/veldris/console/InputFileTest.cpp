@@ -19,10 +19,12 @@ String textOf(const String& path) {
 TEST(InputFileTest, aPathStaysAsItIs) {
     veldris::Console console(false);
     veldris::InputFile file;
-    String path = "picture-";
-    String error;
-    EXPECT_TRUE(file.open(path, console, error));
-    EXPECT_EQ(path, "picture-");
+    for (const char* name : {"picture-", "-picture", "./-"}) {
+        String path = name;
+        String error;
+        EXPECT_TRUE(file.open(path, console, error));
+        EXPECT_EQ(path, name);
+    }
 }
 
 TEST(InputFileTest, pipesCarryPicturesThroughChains) {
@@ -60,6 +62,18 @@ TEST(InputFileTest, cubesComeThroughPipes) {
         EXPECT_FALSE(expected.empty());
         EXPECT_EQ(textOf(folder.getPath("pipe.dds")), expected) << format;
     }
+}
+
+// Looking into it would wait for somebody who writes.
+TEST(InputFileTest, aNamedPipeIsRefusedAtOnce) {
+    const TemporaryFolder folder;
+    EXPECT_EQ(runShell("cd " + folder.getPath() +
+                       "; mkfifo pipe; timeout 20 $V bake cubemap pipe --size 8 x.dds 2>errors"),
+              1);
+    EXPECT_EQ(
+        textOf(folder.getPath("errors")),
+        "veldris: Reading file 'pipe' failed: it is a device, a pipe or a socket, not a regular file; name a "
+        "file\n");
 }
 
 TEST(InputFileTest, messagesNameStandardInput) {

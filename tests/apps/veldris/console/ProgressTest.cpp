@@ -79,6 +79,18 @@ TEST(ProgressTest, aTerminalShowsWhatLasts) {
     EXPECT_TRUE(shown.ends_with("\r\x1b[K")) << "the line is taken away";
 }
 
+TEST(ProgressTest, shortStepsAreNotShownHoweverMany) {
+    testing::internal::CaptureStderr();
+    {
+        veldris::Progress progress(true);
+        for (const char* name : {"first", "second", "third"}) {
+            progress.step(name);
+            std::this_thread::sleep_for(std::chrono::milliseconds(500));
+        }
+    }
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+}
+
 TEST(ProgressTest, aPipeSeesNothing) {
     testing::internal::CaptureStderr();
     {

@@ -54,6 +54,7 @@ TEST_F(ProgramListTest, materialsComeOneSettingAfterAnother) {
     for (const veldris::GeneratedProgram& program : programs.get()) {
         EXPECT_TRUE(program.text.name.starts_with("ORVANE_PBS_PROGRAM_")) << program.from;
         EXPECT_TRUE(program.from.starts_with("material ")) << program.from;
+        EXPECT_EQ(program.from.find("-channel"), String::npos) << program.from;
         texts.insert(getFullText(program.text, ovGraphics::shading::STAGE::VERTEX) +
                      getFullText(program.text, ovGraphics::shading::STAGE::PIXEL));
     }

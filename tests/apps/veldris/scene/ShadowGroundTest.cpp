@@ -54,6 +54,17 @@ TEST_F(ShadowGroundTest, liesWhereTheShadowFalls) {
     EXPECT_GE(reach, 4.0f * share);
 }
 
+TEST_F(ShadowGroundTest, liesBelowWhatFloats) {
+    const float share = std::sqrt(0.5f);
+    _ground->place(BoundingBox::newCube({5.0f, 1.0f, 0.0f}, 2.0f), {share, -share, 0.0f});
+    const Vector onTheGround = node().getPosition();
+    const Vector scale = node().getScale();
+    _ground->place(BoundingBox::newCube({5.0f, 11.0f, 0.0f}, 2.0f), {share, -share, 0.0f});
+    EXPECT_NEAR(node().getPosition().x, onTheGround.x, 1e-4f);
+    EXPECT_NEAR(node().getPosition().y, onTheGround.y + 10.0f, 1e-4f);
+    EXPECT_NEAR(node().getScale().x, scale.x, 1e-4f);
+}
+
 TEST_F(ShadowGroundTest, aLowLightThrowsNoEndlessShadow) {
     const Vector low = Vector(1.0f, -0.06f, 0.0f).getNormalizedVec3();
     const float radius = std::sqrt(3.0f);

@@ -31,6 +31,9 @@ TEST(UsageMistakesTest, theMistypedNameIsToldWithTheNearest) {
         {{"render", "--light", "-1,0,0", "--camera=-1,0", "--smaples", "4"},
          "veldris: veldris render has no option '--smaples'; 'veldris help render' lists them. Did you mean "
          "'--samples'?\n"},
+        // Behind two dashes nothing is an option.
+        {{"render", "--", "--smaples"},
+         "veldris: veldris render: --output is required; 'veldris help render' tells more.\n"},
         {{"apply"}, "veldris: veldris apply: IMAGE is required; 'veldris help apply' tells more.\n"},
         {{"info", "--language", "cg"},
          "veldris: veldris info: --language: cg not in {glsl,hlsl}; 'veldris help info' tells more.\n"},
