@@ -3,15 +3,14 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <cmath>
 #include <filesystem>
 #include <fmt/format.h>
 #include <ovGraphics/System.h>
 #include <ovImages/Panorama.h>
 #include <ovVeldris/core/NearestName.h>
 #include <veldris/ImageFiles.h>
-#include <veldris/JsonText.h>
 #include <veldris/bake/CubeBaking.h>
+#include <veldris/commands/PictureOutput.h>
 #include <veldris/console/Console.h>
 #include <veldris/console/InputFile.h>
 #include <veldris/console/OutputFile.h>
@@ -77,21 +76,8 @@ bool readVector(StringView option, const String& text, StringView example, Vecto
     return false;
 }
 
-bool readSize(const String& text, SceneSettings& scene, String& error) {
-    unsigned int width = 0;
-    unsigned int height = 0;
-    char rest = 0;
-    if (std::sscanf(text.c_str(), "%ux%u%c", &width, &height, &rest) == 2 && width > 0 && height > 0) {
-        scene.width = width;
-        scene.height = height;
-        return true;
-    }
-    error = fmt::format("the size '{}' is not WIDTHxHEIGHT in pixels, such as 1280x720.", text);
-    return false;
-}
-
 bool readScene(const RenderOptions& options, SceneSettings& scene, String& error) {
-    if (!readSize(options.size, scene, error))
+    if (!readPictureSize(options.size, scene.width, scene.height, error))
         return false;
     scene.shadows = options.shadows;
     const bool hasBuiltInSky = options.environment == BUILT_IN_SKY;
@@ -101,12 +87,8 @@ bool readScene(const RenderOptions& options, SceneSettings& scene, String& error
     scene.lightBesideEnvironment =
         options.shadows || options.ground > 0 || !options.light.empty() || hasBuiltInSky;
     scene.samples = options.samples;
-    const double side = std::sqrt(options.samples);
-    if (side != std::floor(side)) {
-        error =
-            fmt::format("--samples {} is no square of a whole number; 1, 4, 9 and 16 are.", options.samples);
+    if (!checkSamples(options.samples, error))
         return false;
-    }
     if (!options.lightColor.empty() &&
         !readVector("--light-color", options.lightColor, "3,2.8,2.5", scene.lightColor.emplace(), error))
         return false;
@@ -134,20 +116,12 @@ bool readBackground(const RenderOptions& options, RenderPlan& plan, String& erro
     return false;
 }
 
-/// The effects, and the conversions between them and the file. Files that hold scene light get it.
+/// The effects, and the conversions between them and the file.
 bool readEffects(const RenderOptions& options, ChainPlan& plan, String& error) {
-    ChainOptions chain;
-    if (!contentOfFormat(options.output, chain.output, error))
-        return false;
-    chain.outputName = "the file '" + options.output + "'";
-    chain.input = PICTURE_CONTENT::SCENE_LINEAR;
     Buffer<PlannedEffect> effects;
-    const bool holdsSceneLight = !chain.output;
-    const String list =
-        options.effects.empty() && !holdsSceneLight ? String(DEFAULT_TONE_MAPPING) : options.effects;
-    if (!list.empty() && !planEffects(list, effects, error))
-        return false;
-    return planChain(std::move(effects), chain, plan, error);
+    ChainOptions chain;
+    return planPictureEffects(options.effects, options.output, effects, chain, error) &&
+           planChain(std::move(effects), chain, plan, error);
 }
 
 bool makePlan(const RenderOptions& options, RenderPlan& plan, String& error) {
@@ -258,39 +232,10 @@ bool addModel(ScenePicture& picture, ovVeldris::Model& model) {
     return true;
 }
 
-/// What is told of a picture that was written.
-struct RenderReport {
-    unsigned int width = 0;
-    unsigned int height = 0;
-    String timingMethod;
-    /// Those of the scene, then the effects'.
-    Buffer<ovGraphics::PassTiming> passes;
-};
-
-void printReport(Console& console, const RenderOptions& options, const RenderReport& result) {
-    const Buffer<JsonObject> steps = options.drawing.timings ? console.reportSteps() : Buffer<JsonObject>();
-    Buffer<JsonObject> passes;
-    for (const ovGraphics::PassTiming& pass : result.passes) {
-        if (!options.drawing.json)
-            console.print(
-                fmt::format("{:10.3f} ms  {} ({})", pass.milliseconds, pass.name, result.timingMethod));
-        passes.push_back(JsonObject().text("pass", pass.name).number("milliseconds", pass.milliseconds));
-    }
-    if (!options.drawing.json) {
-        printPath(console, options.output);
-        return;
-    }
-    JsonObject report;
-    report.text("output", options.output).number("width", result.width).number("height", result.height);
-    if (options.drawing.timings)
-        report.array("steps", steps).text("timingMethod", result.timingMethod).array("passes", passes);
-    console.print(report.toText());
-}
-
 /// The model's picture before any effect.
 ovMemory::UniquePtr<ovGraphics::Texture> drawModel(Console& console, Session& session,
                                                    const RenderOptions& options, const RenderPlan& plan,
-                                                   RenderReport& report, String& error) {
+                                                   PictureReport& report, String& error) {
     const ovVeldris::ModelLoadResult loaded = readModel(console, session, options.model);
     error = loaded.error;
     if (!loaded)
@@ -326,7 +271,7 @@ ovMemory::UniquePtr<ovGraphics::Texture> drawModel(Console& console, Session& se
 }
 
 /// Everything that needs the device, which is closed again at the end.
-bool render(Console& console, const RenderOptions& options, const RenderPlan& plan, RenderReport& report,
+bool render(Console& console, const RenderOptions& options, const RenderPlan& plan, PictureReport& report,
             String& error) {
     console.step("device");
     Session session(&console.getProgress());
@@ -347,11 +292,7 @@ bool render(Console& console, const RenderOptions& options, const RenderPlan& pl
     if (!writePicture(options.output, result.image->view(), false, warning, error))
         return false;
     console.warn(warning);
-    report.width = result.image->getWidth();
-    report.height = result.image->getHeight();
-    report.timingMethod = session.getGraphics().getPassTimingMethod();
-    for (const EffectTiming& timing : result.timings)
-        report.passes.push_back({timing.effect, timing.milliseconds});
+    addToReport(result, session, report);
     console.step("closing");
     return true;
 }
@@ -366,10 +307,12 @@ int runRender(Console& console, RenderOptions options) {
         return console.fail(error);
     if (isStandardOutput(options.output))
         console.leaveOutputToData();
-    RenderReport report;
+    PictureReport report;
     if (!render(console, options, plan, report, error))
         return console.fail(error);
-    printReport(console, options, report);
+    JsonObject object;
+    object.text("output", options.output).number("width", report.width).number("height", report.height);
+    printPictureReport(console, options.drawing, report, {options.output}, std::move(object));
     return 0;
 }
 
