@@ -1,8 +1,10 @@
 // The benchmarks of ovVeldris.
 #include "ovVeldris/content/ContentLoaderBenchmark.h"
 #include "ovVeldris/content/ModelLoaderBenchmark.h"
+#include "ovVeldris/effects/AtmosphereBenchmark.h"
 #include "ovVeldris/effects/EffectBenchmark.h"
 #include "ovVeldris/effects/FxaaBenchmark.h"
+#include "ovVeldris/effects/SsaoBenchmark.h"
 #include "ovVeldris/environment/EnvironmentFilterBenchmark.h"
 #include "ovVeldris/environment/IrradianceBenchmark.h"
 #include "ovVeldris/environment/SkyErrorBenchmark.h"
@@ -13,6 +15,8 @@ int main(int argumentCount, char** arguments) {
     ovBenchmarks::registerModelLoader();
     ovBenchmarks::registerEffects();
     ovBenchmarks::registerFxaa();
+    ovBenchmarks::registerSsao();
+    ovBenchmarks::registerAtmosphere();
     ovBenchmarks::registerEnvironmentFilter();
     ovBenchmarks::registerIrradiance();
     ovBenchmarks::registerSkyErrors();

@@ -86,7 +86,7 @@ BareOpenGlPass::BareOpenGlPass(const std::string& pixelText, unsigned int format
     glCreateFramebuffers(1, &_framebuffer);
     glNamedFramebufferTexture(_framebuffer, GL_COLOR_ATTACHMENT0, _target, 0);
     glCreateSamplers(1, &_sampler);
-    glSamplerParameteri(_sampler, GL_TEXTURE_MIN_FILTER, GL_NEAREST_MIPMAP_NEAREST);
+    glSamplerParameteri(_sampler, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
     glSamplerParameteri(_sampler, GL_TEXTURE_MAG_FILTER, GL_NEAREST);
     glSamplerParameteri(_sampler, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE);
     glSamplerParameteri(_sampler, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE);
@@ -106,15 +106,35 @@ BareOpenGlPass::~BareOpenGlPass() {
     glDeleteFramebuffers(1, &_framebuffer);
     glDeleteSamplers(1, &_sampler);
     glDeleteBuffers(1, &_constants);
+    for (const UsedTexture& used : _more)
+        if (used.isOwned)
+            glDeleteTextures(1, &used.texture);
 }
 
 void BareOpenGlPass::setLinear() {
-    glSamplerParameteri(_sampler, GL_TEXTURE_MIN_FILTER, GL_LINEAR_MIPMAP_NEAREST);
+    glSamplerParameteri(_sampler, GL_TEXTURE_MIN_FILTER, GL_LINEAR);
     glSamplerParameteri(_sampler, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
 }
 
 void BareOpenGlPass::setSource(unsigned int componentType, const void* texels) {
     glTextureSubImage2D(_source, 0, 0, 0, _width, _height, GL_RGBA, componentType, texels);
+}
+
+void BareOpenGlPass::addTexture(unsigned int unit, unsigned int format, int width, int height,
+                                int componentCount, unsigned int componentType, const void* texels) {
+    constexpr GLenum LAYOUTS[] = {GL_RED, GL_RG, GL_RGB, GL_RGBA};
+    const GLuint texture = createTexture(format, width, height);
+    glTextureSubImage2D(texture, 0, 0, 0, width, height, LAYOUTS[componentCount - 1], componentType, texels);
+    _more.push_back({unit, texture, true});
+}
+
+void BareOpenGlPass::readTargetOf(const BareOpenGlPass& other, unsigned int unit) {
+    _more.push_back({unit, other._target, false});
+}
+
+void BareOpenGlPass::setZeroBorder() {
+    glSamplerParameteri(_sampler, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_BORDER);
+    glSamplerParameteri(_sampler, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_BORDER);
 }
 
 void BareOpenGlPass::bindSharedState() {
@@ -134,6 +154,10 @@ void BareOpenGlPass::draw() const {
     glUseProgram(_program);
     glBindTextureUnit(0, _source);
     glBindSampler(0, _sampler);
+    for (const UsedTexture& used : _more) {
+        glBindTextureUnit(used.unit, used.texture);
+        glBindSampler(used.unit, _sampler);
+    }
     if (_constants != 0)
         glBindBufferBase(GL_UNIFORM_BUFFER, 0, _constants);
     glDrawArrays(GL_TRIANGLE_STRIP, 0, 4);

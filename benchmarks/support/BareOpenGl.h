@@ -21,10 +21,18 @@ public:
     BareOpenGlPass(const BareOpenGlPass&) = delete;
     BareOpenGlPass& operator=(const BareOpenGlPass&) = delete;
 
-    /// Reads the source linear between texels; otherwise single texels.
+    /// Reads textures linear between texels; otherwise single texels. No mips: they cost time, though there
+    /// is one.
     void setLinear();
     /// Replaces the source texture's texels: tightly packed, four components a texel.
     void setSource(unsigned int componentType, const void* texels);
+    /// Gives the program one more texture. @param componentCount 1 to 4, @param componentType of the texels
+    void addTexture(unsigned int unit, unsigned int format, int width, int height, int componentCount,
+                    unsigned int componentType, const void* texels);
+    /// Gives the program what another pass drew. That pass lives as long as this one.
+    void readTargetOf(const BareOpenGlPass& other, unsigned int unit);
+    /// Reads zeros beside textures; otherwise their edges.
+    void setZeroBorder();
     /// The state that all passes share; call it once before a run of draw() calls.
     static void bindSharedState();
     void draw() const;
@@ -32,8 +40,15 @@ public:
     std::vector<float> read() const;
 
 private:
+    struct UsedTexture {
+        unsigned int unit;
+        unsigned int texture;
+        bool isOwned;
+    };
+
     unsigned int _program = 0;
     unsigned int _source = 0;
+    std::vector<UsedTexture> _more;
     unsigned int _target = 0;
     unsigned int _framebuffer = 0;
     unsigned int _sampler = 0;

@@ -1,34 +1,20 @@
 // One effect of the library beside a hand-written OpenGL program.
 #pragma once
 
+#include "ovVeldris/effects/LibraryEffect.h"
 #include "support/BareOpenGl.h"
 
 #include <benchmark/benchmark.h>
-#include <cstdint>
-#include <functional>
-#include <ovMemory/Memory.h>
-#include <ovVeldris/effects/Effect.h>
 #include <string>
 #include <vector>
-
-namespace ovVeldris {
-class System;
-}
 
 namespace ovBenchmarks {
 
 constexpr int EFFECT_WIDTH = 1920;
 constexpr int EFFECT_HEIGHT = 1080;
-constexpr float EFFECT_SECONDS = 1.5f; // the time at which effects that change with it are drawn
 
-/// An unloaded effect over a source.
-using MakeEffect =
-    std::function<ovMemory::UniquePtr<ovVeldris::Effect>(ovVeldris::System&, ovGraphics::Texture*)>;
 /// A hand-written pass; called when an OpenGL context is current.
 using MakeBarePass = std::function<ovMemory::UniquePtr<BareOpenGlPass>()>;
-
-/// Half floats, four a texel.
-using HalfTexels = std::vector<std::uint16_t>;
 
 /// The start of hand-written pixel texts.
 inline const std::string BARE_HEADER = R"glsl(#version 450 core
@@ -47,7 +33,11 @@ makeBarePass(const std::string& pixelText, const std::vector<float>& constants =
 void runEffectPair(benchmark::State& state, const MakeEffect& makeEffect, const MakeBarePass& makeBare,
                    const HalfTexels& texels, double ratioAim);
 
-/// Registers such a pair.
+/// The same of an effect and a pass that have their sources already. @param rounds measurements of each
+void measureEffect(benchmark::State& state, LibraryEffect& library, const BareOpenGlPass& bare, int rounds,
+                   double ratioAim);
+
+/// Registers a pair of which both read the same picture.
 void registerEffectPair(const char* name, const MakeEffect& makeEffect, const MakeBarePass& makeBare,
                         HalfTexels (*makeTexels)(), double ratioAim);
 
