@@ -99,6 +99,7 @@ void addCommands(CLI::App& program, Command& command) {
     addRenderCommand(program, command);
     addSamplesCommand(program, command);
     addShadersCommand(program, command);
+    addSkyCommand(program, command);
 }
 
 } // namespace

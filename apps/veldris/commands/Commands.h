@@ -31,6 +31,7 @@ void addMaterialsCommand(CLI::App& program, Command& command);
 void addRenderCommand(CLI::App& program, Command& command);
 void addSamplesCommand(CLI::App& program, Command& command);
 void addShadersCommand(CLI::App& program, Command& command);
+void addSkyCommand(CLI::App& program, Command& command);
 
 /// Adds --language, --device, --cache and --no-cache, of commands that start the library.
 void addDeviceOptions(CLI::App& command, DrawingOptions& options);

@@ -70,6 +70,7 @@ bool drawPasses(ovGraphics::System& graphics, ovMemory::BufferView<const Picture
         ovGraphics::PostProcessPass* pass = block->appendPostProcessPass();
         pass->setShader(&drawn.shader);
         pass->setName(drawn.name);
+        pass->setCamera(drawn.camera);
         pass->getBlendState() = drawn.blending;
     }
     const auto context = ovGraphics::RenderContext::create(&graphics);

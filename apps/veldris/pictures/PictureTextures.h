@@ -6,6 +6,7 @@
 #include <ovImages/Image.h>
 
 namespace ovGraphics {
+class Camera;
 class Shader;
 class Viewport;
 } // namespace ovGraphics
@@ -34,6 +35,7 @@ struct PicturePass {
     ovGraphics::Shader& shader;
     ovMemory::StringView name;
     ovGraphics::BlendState blending = {}; ///< none by default: the pass replaces what the target holds
+    ovGraphics::Camera* camera = nullptr; ///< of a shader that looks somewhere and names no camera
 };
 
 /// Draws passes one over another, in one frame; when passes are measured, a second time, so that what is
