@@ -117,16 +117,17 @@ bool readBackground(const RenderOptions& options, RenderPlan& plan, String& erro
 }
 
 /// The effects, and the conversions between them and the file.
-bool readEffects(const RenderOptions& options, ChainPlan& plan, String& error) {
+bool readEffects(const RenderOptions& options, RenderPlan& plan, String& error) {
     Buffer<PlannedEffect> effects;
     ChainOptions chain;
     return planPictureEffects(options.effects, options.output, effects, chain, error) &&
-           planChain(std::move(effects), chain, plan, error);
+           takeSceneEffects(effects, plan.scene.effects, error) &&
+           planChain(std::move(effects), chain, plan.chain, error);
 }
 
 bool makePlan(const RenderOptions& options, RenderPlan& plan, String& error) {
     if (!readScene(options, plan.scene, error) || !readBackground(options, plan, error) ||
-        !readEffects(options, plan.chain, error))
+        !readEffects(options, plan, error))
         return false;
     error = checkOutput(options.output).error;
     if (!error.empty())
@@ -225,7 +226,7 @@ bool addModel(ScenePicture& picture, ovVeldris::Model& model) {
         return false;
     model.addTo(picture.getSolid(), picture.getBlended());
     for (const ovVeldris::ModelMaterial& own : model.getMaterials()) {
-        if (!picture.castShadow(*own.material, own.alphaMode))
+        if (!picture.prepareSurface(*own.material, own.alphaMode))
             return false;
     }
     picture.fitShadow(model.getBoundingBox());
@@ -363,11 +364,11 @@ void addRenderCommand(CLI::App& program, Command& command) {
     render->add_option("--background", options->background,
                        "what is behind the model instead of the environment: R,G,B, linear, which no effect "
                        "changes, or transparent");
-    render->add_option(
-        "--effects", options->effects,
-        "effects over the picture, as of veldris apply (default: none for EXR and HDR, which hold scene "
-        "light, otherwise " +
-            String(DEFAULT_TONE_MAPPING) + ")");
+    render->add_option("--effects", options->effects,
+                       "effects over the picture, as of veldris apply, behind those that read the scene "
+                       "(default: none for EXR and HDR, which hold scene "
+                       "light, otherwise " +
+                           String(DEFAULT_TONE_MAPPING) + ")");
     addTimeOption(*render, options->drawing.time);
     addDrawingOptions(*render, options->drawing);
     render->footer("Example: veldris render helmet.glb --light 0.3,-1,-0.5 --shadows -o helmet.png");

@@ -49,7 +49,7 @@ void DemoSet::_add(ovGraphics::Mesh& mesh, const Vector& position, float scale, 
     // Nothing in the demo blends: alpha means holes.
     const auto alphaMode =
         material->getAlphaTexture() ? ovGraphics::GLTF_ALPHA_MODE::MASK : ovGraphics::GLTF_ALPHA_MODE::OPAQUE;
-    _loaded = _scene.castShadow(*material, alphaMode) && _loaded;
+    _loaded = _scene.prepareSurface(*material, alphaMode) && _loaded;
     _nodes.push_back(std::move(node));
     _materials.push_back(std::move(material));
 }

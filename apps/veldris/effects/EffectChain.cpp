@@ -37,7 +37,7 @@ public:
         auto loaded = std::make_unique<LoadedEffect>();
         loaded->_effect = makeEffect(session, planned);
         ovVeldris::Effect& effect = *loaded->_effect;
-        effect.setSetting(ovVeldris::EffectKind::PICTURE_SETTING, &picture);
+        effect.setSetting(planned.kind->pictureSetting, &picture);
         planned.view.apply(camera,
                            static_cast<float>(picture.getWidth()) / static_cast<float>(picture.getHeight()));
         for (const ovVeldris::Setting& setting : effect.getSettings())

@@ -14,13 +14,14 @@ String contentText(const std::optional<PICTURE_CONTENT>& content, StringView oth
     return content ? toText(*content) : String(otherwise);
 }
 
-String settingHelp(const ovVeldris::Setting& setting) {
+String settingHelp(const ovVeldris::EffectKind& kind, const ovVeldris::Setting& setting) {
     constexpr int NAME_WIDTH = 18;
     String text = fmt::format("      {:<{}} {}", setting.name, NAME_WIDTH, setting.help);
     const String range = rangeText(setting);
     if (!range.empty())
         text += ", " + range;
-    text += fmt::format(" (default {})\n", toText(setting, setting.defaultValue));
+    text += fmt::format(" (default {})\n",
+                        isOfScene(kind, setting) ? "the scene's" : toText(setting, setting.defaultValue));
     if (!setting.choices.empty())
         text += fmt::format("      {:<{}} one of {}\n", "", NAME_WIDTH, fmt::join(setting.choices, ", "));
     if (!setting.onlyWith.setting.empty())
@@ -37,8 +38,10 @@ String effectHelp() {
         text += fmt::format("\n  {}  {}\n", kind.getName(), kind.summary);
         text += fmt::format("      takes {}, gives {}\n", contentText(kind.takes, "any colours"),
                             contentText(kind.gives, "the same"));
+        if (kind.readsScene())
+            text += "      of veldris render alone, before effects over the picture: it reads the scene\n";
         for (const ovVeldris::Setting& setting : settingsInChain(kind))
-            text += settingHelp(setting);
+            text += settingHelp(kind, setting);
     }
     return text;
 }

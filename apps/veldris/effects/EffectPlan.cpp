@@ -1,6 +1,7 @@
 #include <veldris/effects/EffectPlan.h>
 
 #include <algorithm>
+#include <fmt/format.h>
 
 namespace veldris {
 
@@ -8,15 +9,60 @@ namespace {
 
 using ovMemory::Buffer;
 using ovMemory::String;
+using ovMemory::StringView;
 using ovVeldris::EffectKind;
+using ovVeldris::SceneReading;
 using ovVeldris::Setting;
 using ovVeldris::SettingAssignment;
 using ovVeldris::SettingTable;
 
-/// Hands each value to the view or to the effect's settings, by whose name it is.
+/// Chooses among the ways to read a scene.
+constexpr StringView READS = "reads";
+
+Setting readsSetting(const EffectKind& kind) {
+    Setting setting;
+    setting.name = READS;
+    setting.kind = ovVeldris::SETTING_KIND::ENUMERATION;
+    setting.defaultValue = String(kind.sceneReadings.front().name);
+    setting.help = "what it reads of the scene";
+    for (const SceneReading& reading : kind.sceneReadings)
+        setting.choices.emplace_back(reading.name);
+    setting.waitsForLoad = true;
+    return setting;
+}
+
+/// What the scene gives a setting, if it does in any way that it can be read.
+const ovVeldris::SceneBinding* findBinding(const EffectKind& kind, StringView setting) {
+    for (const SceneReading& reading : kind.sceneReadings)
+        for (const ovVeldris::SceneBinding& binding : reading.bindings)
+            if (binding.setting == setting)
+                return &binding;
+    return nullptr;
+}
+
+const SceneReading* findReading(const EffectKind& kind, StringView name) {
+    for (const SceneReading& reading : kind.sceneReadings)
+        if (reading.name == name)
+            return &reading;
+    return nullptr;
+}
+
+const SettingAssignment* findAssignment(const Buffer<SettingAssignment>& assignments, StringView name) {
+    const auto found = std::ranges::find(assignments, name, &SettingAssignment::name);
+    return found == assignments.end() ? nullptr : &*found;
+}
+
+/// Hands each value to the choice of reading, to the view or to the effect's settings, by whose name it is.
 void distribute(Buffer<SettingAssignment>& assignments, PlannedEffect& effect) {
+    const EffectKind& kind = *effect.kind;
+    effect.reading = kind.readsScene() ? &kind.sceneReadings.front() : nullptr;
+    for (const SettingAssignment& ofChain : kind.chainSettings)
+        if (!findAssignment(assignments, ofChain.name))
+            effect.settings.push_back(ofChain);
     for (SettingAssignment& assignment : assignments) {
-        if (const Setting* ofView = ChainView::settings().find(assignment.name))
+        if (assignment.name == READS)
+            effect.reading = findReading(kind, std::get<String>(assignment.value));
+        else if (const Setting* ofView = ChainView::settings().find(assignment.name))
             ofView->set(effect.view, assignment.value);
         else
             effect.settings.push_back(std::move(assignment));
@@ -45,14 +91,39 @@ bool planEffect(const EffectSpec& spec, PlannedEffect& effect, String& error) {
 SettingTable settingsInChain(const EffectKind& kind) {
     Buffer<Setting> settings;
     bool hasCamera = false;
+    if (kind.sceneReadings.size() > 1)
+        settings.push_back(readsSetting(kind));
     for (const Setting& setting : kind.settings()) {
-        if (!isResource(setting.kind))
-            settings.push_back(setting);
-        hasCamera = hasCamera || setting.kind == ovVeldris::SETTING_KIND::CAMERA;
+        const ovVeldris::SceneBinding* binding = findBinding(kind, setting.name);
+        hasCamera = hasCamera || (setting.kind == ovVeldris::SETTING_KIND::CAMERA && !binding);
+        if (isResource(setting.kind) || (binding && !binding->mayBeWritten))
+            continue;
+        settings.push_back(setting);
+        if (const SettingAssignment* ofChain = findAssignment(kind.chainSettings, setting.name))
+            settings.back().defaultValue = ofChain->value;
     }
     if (hasCamera)
         settings.insert(settings.end(), ChainView::settings().begin(), ChainView::settings().end());
     return SettingTable(std::move(settings));
+}
+
+bool isOfScene(const EffectKind& kind, const Setting& setting) {
+    return findBinding(kind, setting.name) != nullptr;
+}
+
+bool takeSceneEffects(Buffer<PlannedEffect>& effects, Buffer<PlannedEffect>& ofScene, String& error) {
+    const auto readsScene = [](const PlannedEffect& effect) { return effect.kind->readsScene(); };
+    const auto firstOver = std::ranges::find_if_not(effects, readsScene);
+    const auto late = std::find_if(firstOver, effects.end(), readsScene);
+    if (late != effects.end()) {
+        error = fmt::format("'{}' reads the scene and '{}', which stands before it, is drawn over the "
+                            "finished picture: write '{}' first.",
+                            late->kind->getName(), firstOver->kind->getName(), late->kind->getName());
+        return false;
+    }
+    ofScene.assign(effects.begin(), firstOver);
+    effects.erase(effects.begin(), firstOver);
+    return true;
 }
 
 String listOfExample(const EffectKind& kind, const ovVeldris::EffectExample& example) {
@@ -80,8 +151,15 @@ bool planEffects(ovMemory::StringView text, Buffer<PlannedEffect>& effects, Stri
 
 bool planChain(Buffer<PlannedEffect> effects, const ChainOptions& options, ChainPlan& plan, String& error) {
     Buffer<EffectContent> contents;
-    for (const PlannedEffect& effect : effects)
+    for (const PlannedEffect& effect : effects) {
+        if (effect.kind->readsScene()) {
+            error = fmt::format("'{}' reads a scene ({}) and there is a picture alone; veldris render draws "
+                                "scenes.",
+                                effect.kind->getName(), effect.reading->name);
+            return false;
+        }
         contents.push_back({effect.kind->getName(), effect.kind->takes, effect.kind->gives});
+    }
     plan.effects = std::move(effects);
     plan.conversions.clear();
     plan.content = plan.output = options.input;

@@ -15,6 +15,8 @@ struct PlannedEffect {
     ovMemory::String text; ///< as written, without needless spaces
     ovMemory::Buffer<ovVeldris::SettingAssignment> settings;
     ChainView view; ///< of an effect with a camera
+    /// How an effect reads the scene; null for one that does not. Of the kind.
+    const ovVeldris::SceneReading* reading = nullptr;
 };
 
 /// Reads a list of effects, see parseEffectList(), and checks names and values.
@@ -22,9 +24,18 @@ struct PlannedEffect {
 bool planEffects(ovMemory::StringView text, ovMemory::Buffer<PlannedEffect>& effects,
                  ovMemory::String& error);
 
-/// The settings that a list of effects may give a kind: all but those that hold resources, which the chain
-/// binds, and those of the chain's view for a kind with a camera.
+/// The settings that a list of effects may give a kind, with the defaults that they have there: all but
+/// those that hold resources or come with the scene, which are bound, and those of the chain's view for a
+/// kind whose camera is not the scene's. A kind with several ways to read a scene has `reads` in front.
 ovVeldris::SettingTable settingsInChain(const ovVeldris::EffectKind& kind);
+
+/// Whether a setting that may be written is the scene's own where it is not.
+bool isOfScene(const ovVeldris::EffectKind& kind, const ovVeldris::Setting& setting);
+
+/// Parts a list of effects where the picture of the scene is done: those that read the scene, and the rest.
+/// @return false with one line in error when one that reads the scene stands behind another
+bool takeSceneEffects(ovMemory::Buffer<PlannedEffect>& effects, ovMemory::Buffer<PlannedEffect>& ofScene,
+                      ovMemory::String& error);
 
 /// The tone mapping of whoever did not choose one.
 constexpr ovMemory::StringView DEFAULT_TONE_MAPPING = "tone-mapping:operator=reinhard,max-white=6,6,6";
@@ -50,7 +61,8 @@ struct ChainPlan {
     PICTURE_CONTENT output = PICTURE_CONTENT::SCENE_LINEAR;  ///< what it is written as
 };
 
-/// Finds the conversions that effects need. @return false with one line in error when no conversion will do
+/// Finds the conversions that effects need.
+/// @return false with one line in error when no conversion will do, or when one of them reads a scene
 bool planChain(ovMemory::Buffer<PlannedEffect> effects, const ChainOptions& options, ChainPlan& plan,
                ovMemory::String& error);
 

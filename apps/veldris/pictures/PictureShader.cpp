@@ -46,6 +46,10 @@ ovMemory::UniquePtr<PictureShader> PictureShader::countNotFinite(ovGraphics::Sys
                   {{"COUNT", ""}, {"BLOCK", std::to_string(block)}});
 }
 
+ovMemory::UniquePtr<PictureShader> PictureShader::divideByCoverage(ovGraphics::System& graphics) {
+    return create(graphics, "VELDRIS_DIVIDE_BY_COVERAGE", embedded::DivideByCoverage_pixel, {});
+}
+
 ovMemory::UniquePtr<PictureShader> PictureShader::encodeSrgb(ovGraphics::System& graphics) {
     return create(graphics, "VELDRIS_ENCODE_SRGB", embedded::ConvertColor_pixel, {{"ENCODE", ""}});
 }

@@ -36,6 +36,9 @@ public:
     /// Counts the components that are not finite among the samples of block x block pixels.
     static ovMemory::UniquePtr<PictureShader> countNotFinite(ovGraphics::System& graphics,
                                                              unsigned int block);
+    /// From colours multiplied by their coverage to colours beside it, as averageSamples() has them: alpha is
+    /// the share of the background that is seen. Source and target are of one size.
+    static ovMemory::UniquePtr<PictureShader> divideByCoverage(ovGraphics::System& graphics);
     /// From display light to its sRGB encoding, or back. Source and target are of one size.
     static ovMemory::UniquePtr<PictureShader> encodeSrgb(ovGraphics::System& graphics);
     static ovMemory::UniquePtr<PictureShader> decodeSrgb(ovGraphics::System& graphics);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <ovGraphics/System.h>
+#include <ovGraphics/resources/Camera.h>
 #include <ovGraphics/resources/ProgramLibrary.h>
 #include <ovGraphics/resources/Texture.h>
 #include <ovGraphics/scene/DepthShader.h>
@@ -15,6 +16,7 @@
 #include <ovVeldris/materials/PbsMaterial.h>
 #include <veldris/Session.h>
 #include <veldris/effects/EffectChain.h>
+#include <veldris/effects/SceneResources.h>
 #include <veldris/pictures/PictureShader.h>
 #include <veldris/scene/ModelLight.h>
 #include <veldris/scene/ScenePicture.h>
@@ -38,13 +40,20 @@ namespace {
 constexpr unsigned int SMALL_SIDE = 4; // texels
 
 /// Settings that select the text of a shader, as a list of effects has them.
-PlannedEffect plannedWith(const ovVeldris::EffectKind& kind, const Buffer<SettingAssignment>& settings) {
+PlannedEffect plannedWith(const ovVeldris::EffectKind& kind, const ovVeldris::SceneReading* reading,
+                          const Buffer<SettingAssignment>& settings) {
     PlannedEffect effect;
     effect.kind = &kind;
+    effect.reading = reading;
     effect.settings = settings;
     effect.text = kind.getName();
     // The spelling of --effects, so that a line of the list can be pasted into a command.
     char separator = ':';
+    if (reading) {
+        effect.text.append(":reads=").append(reading->name);
+        separator = ',';
+        effect.settings.insert(effect.settings.begin(), kind.chainSettings.begin(), kind.chainSettings.end());
+    }
     for (const SettingAssignment& assignment : settings) {
         const Setting& setting = *kind.settings().find(assignment.name);
         effect.text += separator;
@@ -52,6 +61,18 @@ PlannedEffect plannedWith(const ovVeldris::EffectKind& kind, const Buffer<Settin
         separator = ',';
     }
     return effect;
+}
+
+/// What may vary beside a way to read the scene: what may be written beside it.
+ovVeldris::SettingTable settingsBeside(const ovVeldris::EffectKind& kind,
+                                       const ovVeldris::SceneReading* reading) {
+    if (!reading)
+        return kind.settings();
+    Buffer<Setting> settings;
+    for (const Setting& setting : settingsInChain(kind))
+        if (kind.settings().find(setting.name))
+            settings.push_back(setting);
+    return ovVeldris::SettingTable(std::move(settings));
 }
 
 bool isSameText(const ProgramText& a, const ProgramText& b) {
@@ -113,12 +134,36 @@ bool ProgramList::addEffects(StringView only, String& error) {
     for (const ovVeldris::EffectKind& kind : ovVeldris::effectKinds()) {
         if (!only.empty() && kind.getName() != only)
             continue;
-        for (const auto& settings : finiteCombinations(kind.settings())) {
-            const PlannedEffect planned = plannedWith(kind, settings);
-            _from = planned.text;
-            if (!makeEffect(_session, planned)->load())
-                return _fail(error);
+        // Alone, as an application may use it, and in each way that it reads a scene.
+        if (!_addEffect(kind, nullptr, error))
+            return false;
+        for (const ovVeldris::SceneReading& reading : kind.sceneReadings)
+            if (!_addEffect(kind, &reading, error))
+                return false;
+    }
+    return true;
+}
+
+bool ProgramList::_addEffect(const ovVeldris::EffectKind& kind, const ovVeldris::SceneReading* reading,
+                             String& error) {
+    const UniquePtr<Texture> texture = makeTexture(_session, "scene", TEXTURE_TYPE::TEXTURE_2D);
+    const auto camera = ovGraphics::Camera::create(&_session.getGraphics());
+    const SceneResources scene = {.depth = texture.get(),
+                                  .positions = texture.get(),
+                                  .normals = texture.get(),
+                                  .shadowMap = texture.get(),
+                                  .camera = camera.get(),
+                                  .lightCamera = camera.get()};
+    for (const auto& settings : finiteCombinations(settingsBeside(kind, reading))) {
+        const PlannedEffect planned = plannedWith(kind, reading, settings);
+        _from = planned.text + (kind.readsScene() && !reading ? " without a scene" : "");
+        const auto effect = makeEffect(_session, planned);
+        if (reading) {
+            effect->setSetting(kind.pictureSetting, texture.get());
+            bindScene(planned, scene, *effect);
         }
+        if (!effect->load())
+            return _fail(error);
     }
     return true;
 }
@@ -195,6 +240,15 @@ bool ProgramList::addPasses(String& error) {
          [&] {
              return ovGraphics::DepthShader::create(&graphics, {.alphaTexture = texture.get()}) != nullptr;
          }},
+        {"pass of positions and normals",
+         [&] { return ovGraphics::DepthShader::create(&graphics, {.drawsGeometry = true}) != nullptr; }},
+        {"pass of positions and normals with holes",
+         [&] {
+             return ovGraphics::DepthShader::create(
+                        &graphics, {.alphaTexture = texture.get(), .drawsGeometry = true}) != nullptr;
+         }},
+        {"pass that divides by coverage",
+         [&] { return PictureShader::divideByCoverage(graphics) != nullptr; }},
         {"pass from display light to sRGB", [&] { return PictureShader::encodeSrgb(graphics) != nullptr; }},
         {"pass from sRGB to display light", [&] { return PictureShader::decodeSrgb(graphics) != nullptr; }},
     };

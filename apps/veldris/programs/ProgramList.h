@@ -3,7 +3,7 @@
 
 #include <ovGraphics/shading/CompiledProgram.h>
 #include <ovMemory/Memory.h>
-#include <ovVeldris/core/settings/SettingText.h>
+#include <ovVeldris/effects/EffectKind.h>
 
 namespace veldris {
 
@@ -26,7 +26,9 @@ public:
     ProgramList(const ProgramList&) = delete;
     ProgramList& operator=(const ProgramList&) = delete;
 
-    /// Every program of every kind of effect. @param only the name of one kind; empty: all
+    /// The programs of every kind of effect: by itself and in each way that it reads a scene, with every
+    /// combination of settings, or each by itself where those are many. @param only the name of one kind;
+    /// empty: all
     bool addEffects(ovMemory::StringView only, ovMemory::String& error);
     /// Those of physically based materials, one setting after another: without textures, with each alone,
     /// with all, and all of them with each switch and choice turned. Which channels a texture is read from
@@ -45,6 +47,8 @@ public:
 private:
     void _keep(const ovGraphics::shading::ProgramText& text);
     bool _fail(ovMemory::String& error) const;
+    bool _addEffect(const ovVeldris::EffectKind& kind, const ovVeldris::SceneReading* reading,
+                    ovMemory::String& error);
     bool _addMaterial(ovMemory::String from,
                       ovMemory::BufferView<const ovVeldris::SettingAssignment> settings);
 

@@ -8,7 +8,6 @@
 #include <ovGraphics/compositor/ScenePass.h>
 #include <ovGraphics/device/Device.h>
 #include <ovGraphics/resources/Camera.h>
-#include <ovGraphics/resources/Sampler.h>
 #include <ovGraphics/resources/Shader.h>
 #include <ovGraphics/resources/Texture.h>
 #include <ovVeldris/core/GraphicsEngine.h>
@@ -16,6 +15,8 @@
 #include <veldris/pictures/PictureShader.h>
 #include <veldris/pictures/PictureTextures.h>
 #include <veldris/scene/EnvironmentLight.h>
+#include <veldris/scene/SceneEffects.h>
+#include <veldris/scene/SceneGeometry.h>
 #include <veldris/scene/ShadowGround.h>
 
 namespace veldris {
@@ -23,12 +24,13 @@ namespace veldris {
 using namespace ovGraphics;
 using ovMaths::Vector;
 using ovMemory::String;
+using ovVeldris::SCENE_INPUT;
 
 namespace {
 
-constexpr unsigned int EVERY_STAGE = 0;
-constexpr unsigned int COLOR_VARIANT = 0;
-constexpr unsigned int DEPTH_VARIANT = 1;
+// Variants of the entities' shaders; the first has the colours.
+constexpr unsigned int SHADOW_VARIANT = 1;
+constexpr unsigned int GEOMETRY_VARIANT = 2;
 constexpr unsigned int SHADOW_SIDE = 2048; // texels
 // Pushes what casts shadows away from the light, so that surfaces do not shadow themselves.
 constexpr float SHADOW_BIAS = 4.0f;
@@ -44,17 +46,12 @@ unsigned int blocksIn(unsigned int pixels) {
 }
 
 unsigned int stripRowsOf(const SceneSettings& settings) {
+    // Effects look beyond the rows of a strip.
+    if (!settings.effects.empty())
+        return settings.height;
     const std::size_t rows = settings.stripSamples / (std::size_t{settings.width} * settings.samples);
     const std::size_t blocks = std::max<std::size_t>(rows / COUNT_BLOCK, 1);
     return static_cast<unsigned int>(std::min<std::size_t>(blocks * COUNT_BLOCK, settings.height));
-}
-
-/// The sampler that a shader reads a texture of the surface with, so that holes and their shadows agree.
-Sampler* samplerOf(const Shader& shader, const Texture* texture) {
-    for (unsigned int unit = 0; unit < ovVeldris::PbsMaterialParameters::PACKED_TEXTURE_COUNT; ++unit)
-        if (shader.getTexture(unit, EVERY_STAGE) == texture)
-            return shader.getSampler(unit, EVERY_STAGE);
-    return nullptr;
 }
 
 /// The alpha up to which a surface casts no shadow.
@@ -80,8 +77,13 @@ ovMemory::UniquePtr<ScenePicture> ScenePicture::create(Session& session, const S
             settings.height * scale, limit);
         return nullptr;
     }
-    if (!picture->_makeTextures(error) || !picture->_makeShaders(error))
+    if (!picture->_makeTextures(error) || !picture->_makeShaders(error)) {
+        if (!settings.effects.empty())
+            error +=
+                " Effects that read the scene need all of its samples at once: ask for a smaller size or "
+                "fewer samples.";
         return nullptr;
+    }
     picture->_makePasses();
     return picture;
 }
@@ -96,6 +98,7 @@ ScenePicture::ScenePicture(Session& session, const SceneSettings& settings)
     , _countViewport(Viewport::create(&session.getGraphics()))
     , _camera(Camera::create(&session.getGraphics()))
     , _shadowCamera(Camera::create(&session.getGraphics()))
+    , _shadowSurfaces(session.getGraphics(), SHADOW_VARIANT, false)
     , _groundQueue(RenderQueue::create(&session.getGraphics()))
     , _solid(RenderQueue::create(&session.getGraphics()))
     , _blended(RenderQueue::create(&session.getGraphics()))
@@ -118,7 +121,12 @@ bool ScenePicture::_makeTextures(String& error) {
         _shadowMap = makeTarget(graphics, "shadow map", FORMAT::D32_FLOAT, SHADOW_SIDE, SHADOW_SIDE);
     _notFinite = makeTarget(graphics, "numbers that are none", FORMAT::R32_FLOAT, blocksIn(_settings.width),
                             blocksIn(_settings.height));
-    const bool made = _color && _depth && _notFinite && (_shadowMap || !_usesShadowMap());
+    const bool usesNormals = readAny(_settings.effects, SCENE_INPUT::NORMALS);
+    const bool usesGeometry = usesNormals || readAny(_settings.effects, SCENE_INPUT::POSITIONS);
+    if (usesGeometry)
+        _geometry = SceneGeometry::create(graphics, width, height, usesNormals, GEOMETRY_VARIANT);
+    const bool made =
+        _color && _depth && _notFinite && (_shadowMap || !_usesShadowMap()) && (_geometry || !usesGeometry);
     if (!made)
         error = _session.getLogger().take();
     return made;
@@ -130,21 +138,44 @@ bool ScenePicture::_makeShaders(String& error) {
     _count = PictureShader::countNotFinite(graphics, COUNT_BLOCK);
     if (_settings.ground)
         _ground = ShadowGround::create(graphics, *_shadowMap, *_shadowCamera);
-    if (!_average || !_count || (_settings.ground && !_ground)) {
+    if (!_average || !_count || (_settings.ground && !_ground) || !_makeEffects()) {
         error = _session.getLogger().take();
         return false;
     }
-    _average->setSource(*_color);
-    _count->setSource(*_color);
+    Texture& samples = _effects ? _effects->getPicture() : *_color;
+    _average->setSource(samples);
+    _count->setSource(samples);
     if (_ground)
         _ground->addTo(*_groundQueue);
     return true;
 }
 
+bool ScenePicture::_usesShadowMap() const {
+    return _settings.shadows || _settings.ground || readAny(_settings.effects, SCENE_INPUT::SHADOW_MAP);
+}
+
+bool ScenePicture::_makeEffects() {
+    if (_settings.effects.empty())
+        return true;
+    const SceneResources scene = {.depth = _depth.get(),
+                                  .positions = _geometry ? _geometry->getPositions() : nullptr,
+                                  .normals = _geometry ? _geometry->getNormals() : nullptr,
+                                  .shadowMap = _shadowMap.get(),
+                                  .camera = _camera.get(),
+                                  .lightCamera = _shadowCamera.get()};
+    _effects = SceneEffects::create(_session, _settings.effects, {*_color, _settings.transparent, scene});
+    return _effects != nullptr;
+}
+
 void ScenePicture::_makePasses() {
     if (_shadowMap)
         _appendShadowPasses();
+    // Before the colours, which leave their depth for effects.
+    if (_geometry)
+        _geometry->appendPass(*_compositor->appendNode(), *_depth, *_solid, *_camera);
     _appendColorPasses();
+    if (_effects)
+        _effects->appendPasses(*_compositor->appendNode());
     _appendSamplePasses();
     _context->setName("scene");
     _context->setDescriptor({.texture = _color.get()});
@@ -161,7 +192,7 @@ void ScenePicture::_appendShadowPasses() {
         pass->setName("shadow");
         pass->setRenderQueue(queue);
         pass->setCamera(_shadowCamera.get());
-        pass->setShaderVariant(DEPTH_VARIANT);
+        pass->setShaderVariant(SHADOW_VARIANT);
         pass->getRasterState().setDepthBias(SHADOW_BIAS, SHADOW_SLOPE_BIAS);
     }
 }
@@ -262,40 +293,12 @@ void ScenePicture::light(ovVeldris::PbsMaterial& material) {
     _lightDirection = material.getLightDirection();
 }
 
-bool ScenePicture::castShadow(const ovVeldris::PbsMaterial& material, GLTF_ALPHA_MODE alphaMode) {
-    const bool hasHoles = alphaMode != GLTF_ALPHA_MODE::OPAQUE;
-    const float cutoff = shadowCutoffOf(material, alphaMode);
-    if (!_shadowMap || (hasHoles && !material.getAlphaTexture() && material.getAlpha() <= cutoff))
-        return true;
-    const bool isCut = hasHoles && material.getAlphaTexture();
-    const DepthShader* depthShader = isCut ? _makeHolesShader(material, cutoff) : _getSolidShader();
-    if (!depthShader)
+bool ScenePicture::prepareSurface(const ovVeldris::PbsMaterial& material, GLTF_ALPHA_MODE alphaMode) {
+    if (_geometry && !_geometry->add(*_solid, material, alphaMode))
         return false;
-    for (RenderQueue* queue : {_solid.get(), _blended.get()}) {
-        for (unsigned int i = 0; i < queue->getEntityCount(); ++i) {
-            Entity* entity = queue->getEntity(i);
-            if (entity->getShader(COLOR_VARIANT) == material.getShader())
-                entity->setShader(depthShader->getShader(), DEPTH_VARIANT);
-        }
-    }
-    return true;
-}
-
-DepthShader* ScenePicture::_makeHolesShader(const ovVeldris::PbsMaterial& material, float cutoff) {
-    DepthShaderSettings settings;
-    settings.alphaTexture = material.getAlphaTexture();
-    settings.sampler = samplerOf(*material.getShader(), settings.alphaTexture);
-    settings.alphaChannel = static_cast<unsigned int>(material.getAlphaTextureChannels());
-    settings.alpha = material.getMixAlphaFactorAndTexture() ? material.getAlpha() : 1.0f;
-    settings.alphaCutoff = cutoff;
-    return _depthShaders.emplace_back(DepthShader::create(&_session.getGraphics(), settings)).get();
-}
-
-// One for all materials without holes, so that equal meshes are drawn at once whatever they are made of.
-DepthShader* ScenePicture::_getSolidShader() {
-    if (!_solidDepthShader)
-        _solidDepthShader = DepthShader::create(&_session.getGraphics(), {});
-    return _solidDepthShader.get();
+    const float cutoff = shadowCutoffOf(material, alphaMode);
+    return !_shadowMap || (_shadowSurfaces.add(*_solid, material, alphaMode, cutoff) &&
+                           _shadowSurfaces.add(*_blended, material, alphaMode, cutoff));
 }
 
 void ScenePicture::fitShadow(const BoundingBox& box) {
@@ -313,6 +316,8 @@ ovMemory::UniquePtr<Texture> ScenePicture::draw(String& warning, String& error) 
                               _settings.height);
     _averageBlock->setTarget(0, picture.get());
     _timings.clear();
+    if (_effects)
+        _effects->light(-_lightDirection);
     bool drawn = picture != nullptr;
     for (unsigned int top = 0; drawn && top < _settings.height; top += _stripRows) {
         drawn = _drawStrip(top);

@@ -10,16 +10,19 @@
 #include <ovGraphics/gltf/GltfScene.h>
 #include <ovGraphics/resources/Viewport.h>
 #include <ovGraphics/scene/BoundingBox.h>
-#include <ovGraphics/scene/DepthShader.h>
 #include <ovGraphics/scene/RenderQueue.h>
 #include <ovImages/Image.h>
 #include <ovVeldris/effects/ImageEnvironmentEffect.h>
 #include <ovVeldris/materials/PbsMaterial.h>
+#include <veldris/effects/EffectPlan.h>
+#include <veldris/scene/SurfaceShaders.h>
 
 namespace veldris {
 
 class EnvironmentLight;
 class PictureShader;
+class SceneEffects;
+class SceneGeometry;
 class ShadowGround;
 class Session;
 
@@ -40,13 +43,16 @@ struct SceneSettings {
     /// strip.
     unsigned int stripSamples = 1u << 21;
     bool lightBesideEnvironment = true; ///< false: an environment is all the light there is
+    /// Effects that read the scene, in their order: they are drawn over every sample. With any the picture is
+    /// drawn as a whole, not in strips.
+    ovMemory::Buffer<PlannedEffect> effects = {};
 };
 
 /// Two queues of entities, a light with its shadow map, and the passes that draw them. What is added is
 /// borrowed.
 ///
 /// The samples of a large picture take several times its memory, so they are drawn and averaged strip by
-/// strip.
+/// strip, unless effects read them.
 class ScenePicture {
 public:
     /// @return null with one line in error when the device cannot draw the size
@@ -66,10 +72,11 @@ public:
 
     /// Lights a material. It must be loaded afterwards, and only then added to the queues.
     void light(ovVeldris::PbsMaterial& material);
-    /// Gives the entities of a loaded material a shadow: of opaque surfaces all of it, of masked ones what is
-    /// drawn of them, of blended ones what covers by more than a half.
+    /// Gives the entities of a loaded material their shaders of the passes that draw no colours. A shadow is
+    /// of opaque surfaces all, of masked ones what is drawn of them, of blended ones what covers by more than
+    /// a half. Effects that read the geometry see opaque and masked surfaces, as the depth buffer has them.
     /// @return false after one log line when that takes a program that cannot be loaded
-    bool castShadow(const ovVeldris::PbsMaterial& material, ovGraphics::GLTF_ALPHA_MODE alphaMode);
+    bool prepareSurface(const ovVeldris::PbsMaterial& material, ovGraphics::GLTF_ALPHA_MODE alphaMode);
     /// Turns the light's view so that everything in the box casts its shadow.
     void fitShadow(const ovGraphics::BoundingBox& box);
 
@@ -90,10 +97,9 @@ private:
     void _appendShadowPasses();
     void _appendColorPasses();
     ovGraphics::ScenePass* _appendBlendedPass(ovMemory::StringView name, ovGraphics::RenderQueue& queue);
-    ovGraphics::DepthShader* _makeHolesShader(const ovVeldris::PbsMaterial& material, float cutoff);
-    ovGraphics::DepthShader* _getSolidShader();
     void _appendSamplePasses();
-    bool _usesShadowMap() const { return _settings.shadows || _settings.ground; }
+    bool _usesShadowMap() const;
+    bool _makeEffects();
     bool _drawStrip(unsigned int top);
     void _addTimings();
     double _countNotFinite();
@@ -111,6 +117,7 @@ private:
     unsigned int _stripRows;                         ///< pixels
     ovMemory::UniquePtr<ovGraphics::Texture> _color; ///< the samples of a strip
     ovMemory::UniquePtr<ovGraphics::Texture> _depth;
+    ovMemory::UniquePtr<SceneEffects> _effects;          ///< null without any
     ovMemory::UniquePtr<ovGraphics::Texture> _notFinite; ///< components that are none, a texel for a block
     ovMemory::UniquePtr<PictureShader> _average;
     ovMemory::UniquePtr<PictureShader> _count;
@@ -124,8 +131,8 @@ private:
     ovMemory::UniquePtr<ovGraphics::Texture> _shadowMap;
     ovMemory::UniquePtr<ovGraphics::Camera> _camera;
     ovMemory::UniquePtr<ovGraphics::Camera> _shadowCamera;
-    ovMemory::Buffer<ovMemory::UniquePtr<ovGraphics::DepthShader>> _depthShaders; ///< of materials with holes
-    ovMemory::UniquePtr<ovGraphics::DepthShader> _solidDepthShader;
+    SurfaceShaders _shadowSurfaces;
+    ovMemory::UniquePtr<SceneGeometry> _geometry; ///< null where no effect reads it
     ovMemory::UniquePtr<ShadowGround> _ground;
     ovMemory::UniquePtr<ovGraphics::RenderQueue> _groundQueue;
     ovMemory::UniquePtr<ovGraphics::RenderQueue> _solid;

@@ -13,7 +13,9 @@ namespace ovGraphics {
 namespace {
 
 constexpr ovMemory::StringView NAME = "ORVANE_DEPTH";
+constexpr ovMemory::StringView GEOMETRY_NAME = "ORVANE_GEOMETRY";
 constexpr ovMemory::StringView ALPHA_DEFINE = "ALPHA_TEXTURE";
+constexpr ovMemory::StringView GEOMETRY_DEFINE = "GEOMETRY";
 constexpr unsigned int PASS_CONSTANTS = 0;
 constexpr unsigned int ALPHA_CONSTANTS = 1;
 constexpr unsigned int ALPHA_UNIT = 0;
@@ -35,10 +37,7 @@ ovMemory::UniquePtr<DepthShader> DepthShader::create(System* system, const Depth
 
 DepthShader::DepthShader(System* system)
     : _program(Program::create(system))
-    , _shader(Shader::create(system)) {
-    _program->setName(NAME);
-    _shader->setName(NAME);
-}
+    , _shader(Shader::create(system)) {}
 
 DepthShader::~DepthShader() = default;
 
@@ -46,10 +45,17 @@ bool DepthShader::_load(const DepthShaderSettings& settings) {
     ProgramSourcesHolder sources;
     sources.setVertexMemory(embedded::DepthShader_vertex);
     sources.setPixelMemory(embedded::DepthShader_pixel);
-    if (settings.alphaTexture) {
-        sources.addDefineMacroVertex(ALPHA_DEFINE, "");
-        sources.addDefineMacroPixel(ALPHA_DEFINE, "");
-    }
+    const auto defineIf = [&](bool isSet, ovMemory::StringView define) {
+        if (!isSet)
+            return;
+        sources.addDefineMacroVertex(define, "");
+        sources.addDefineMacroPixel(define, "");
+    };
+    defineIf(settings.alphaTexture != nullptr, ALPHA_DEFINE);
+    defineIf(settings.drawsGeometry, GEOMETRY_DEFINE);
+    const ovMemory::StringView name = settings.drawsGeometry ? GEOMETRY_NAME : NAME;
+    _program->setName(name);
+    _shader->setName(name);
     _program->setSources(sources);
     _program->setActivateCrossCompilerDefines(true);
     if (!_program->load())
@@ -60,6 +66,8 @@ bool DepthShader::_load(const DepthShaderSettings& settings) {
     pass->addPassMemorySlot()->setAsViewMatrix();
     pass->addPassMemorySlot()->setAsProjectionMatrix();
     _shader->addInstanceMemorySlot()->setAsWorldMatrix();
+    if (settings.drawsGeometry)
+        _shader->addInstanceMemorySlot()->setAsWorldMatrixInvTranspose();
     if (settings.alphaTexture) {
         ConstantBuffer* alpha = _shader->addConstantBuffer(ALPHA_CONSTANTS, EVERY_STAGE);
         alpha->addPassMemorySlot()->setFromVector(channelMask(settings.alphaChannel));

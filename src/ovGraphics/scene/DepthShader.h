@@ -19,10 +19,13 @@ struct DepthShaderSettings {
     unsigned int alphaChannel = 3;   ///< of the texture, 0 to 3 for R to A
     float alpha = 1.0f;              ///< multiplies what the texture holds
     float alphaCutoff = 0.0f;        ///< where the product is this or less, the surface has no depth
+    /// Also draws what is seen: to the first target its view-space position, to the second its view-space
+    /// normal of length 1, which reads "NORMAL"; alpha 1 in both. Maps of normals do not count.
+    bool drawsGeometry = false;
 };
 
-/// A loaded shader that draws "POSITION" at the place of the instance and writes no colour, to be an entity's
-/// shader of another variant:
+/// A loaded shader that draws "POSITION" at the place of the instance and writes no colour unless it is asked
+/// for geometry, to be an entity's shader of another variant:
 ///
 ///     depthShader = ovGraphics::DepthShader::create(system, {});
 ///     entity->setShader(depthShader->getShader(), 1);

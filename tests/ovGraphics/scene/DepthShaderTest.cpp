@@ -87,6 +87,59 @@ TEST_P(DepthShaderTest, leavesHolesWhereTheTextureHasThem) {
         EXPECT_NEAR(depths[i], expected[i], 1e-6f) << i;
 }
 
+TEST_P(DepthShaderTest, drawsPositionsAndNormalsOfTheView) {
+    const auto shader = DepthShader::create(&getGraphics(), {.drawsGeometry = true});
+    ASSERT_TRUE(shader) << getGraphicsLogger().getText();
+    EXPECT_EQ(shader->getShader()->getName(), "ORVANE_GEOMETRY");
+    const auto mesh = Mesh::create(&getGraphics());
+    mesh->setVertexComposition(positionsAndNormals());
+    const Vector slanted(0.6f, 0.0f, -0.8f);
+    ASSERT_TRUE(mesh->fillPackedFromUnpacked(ovMemory::Buffer<Vector>{{-0.1f, -0.5f, 0.0f},
+                                                                      slanted,
+                                                                      {-0.1f, 0.5f, 0.0f},
+                                                                      slanted,
+                                                                      {0.1f, 0.5f, 0.0f},
+                                                                      slanted,
+                                                                      {0.1f, -0.5f, 0.0f},
+                                                                      slanted}));
+    mesh->setNewIndexArray({0, 1, 2, 0, 2, 3});
+    ASSERT_TRUE(mesh->load());
+    const auto node = makeNode(getGraphics(), {0.0f, 0.0f, 5.0f});
+    node->setScale({2.0f, 1.0f, 1.0f});
+
+    const auto positions = makeTarget(4, 4);
+    const auto normals = makeTarget(4, 4);
+    Stage stage(getGraphics(), *positions, 1.0f);
+    stage.block->setTarget(1, normals.get());
+    stage.pass->setShaderVariant(1);
+    // Rolled: the view's x is -y of the world, its y is x.
+    stage.camera->lookAt({0.0f, 0.0f, 1.0f}, {1.0f, 0.0f, 0.0f});
+    stage.queue->addEntity(mesh.get(), nullptr, node.get())->setShader(shader->getShader(), 1);
+    ASSERT_TRUE(stage.canvas.frame()) << getGraphicsLogger().getText();
+    const FloatPicture positionsSeen = readFloats(*positions);
+    const FloatPicture normalsSeen = readFloats(*normals);
+    // Wider by two in x, the surface turns its normal away from x.
+    const double length = std::sqrt(0.3 * 0.3 + 0.8 * 0.8);
+    for (unsigned int y = 0; y < 4; ++y) {
+        for (unsigned int x = 0; x < 4; ++x) {
+            const FloatPixel& position = positionsSeen.at(x, y);
+            const FloatPixel& normal = normalsSeen.at(x, y);
+            if (y == 0 || y == 3) {
+                EXPECT_EQ(position, FloatPixel{}) << "beside the surface";
+                continue;
+            }
+            EXPECT_NEAR(position[0], (x + 0.5) / 4.0 - 0.5, 1e-6);
+            EXPECT_NEAR(position[1], 0.5 - (y + 0.5) / 4.0, 1e-6);
+            EXPECT_NEAR(position[2], 15.0, 1e-5);
+            EXPECT_EQ(position[3], 1.0f);
+            EXPECT_NEAR(normal[0], 0.0, 1e-6);
+            EXPECT_NEAR(normal[1], 0.3 / length, 1e-6);
+            EXPECT_NEAR(normal[2], -0.8 / length, 1e-6);
+            EXPECT_EQ(normal[3], 1.0f);
+        }
+    }
+}
+
 TEST(DepthShaderSystemTest, needsAnInitialisedSystem) {
     System closed;
     EXPECT_EQ(DepthShader::create(&closed, {}), nullptr);

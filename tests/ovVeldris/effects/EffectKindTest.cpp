@@ -77,9 +77,11 @@ TEST_P(EffectKindTest, onlySettingsThatWaitForLoadSelectTheText) {
 
 TEST_P(EffectKindTest, namesAreTheTypesInLowerCaseAndAreFound) {
     const std::pair<EFFECT_TYPE, const char*> NAMES[] = {
+        {EFFECT_TYPE::ATMOSPHERE, "atmosphere"},
         {EFFECT_TYPE::FILM_GRAIN, "film-grain"},
         {EFFECT_TYPE::FXAA, "fxaa"},
         {EFFECT_TYPE::IMAGE_ENVIRONMENT, "image-environment"},
+        {EFFECT_TYPE::SSAO, "ssao"},
         {EFFECT_TYPE::TEXTURE_COPY, "texture-copy"},
         {EFFECT_TYPE::TONE_MAPPING, "tone-mapping"},
     };
@@ -92,30 +94,112 @@ TEST_P(EffectKindTest, namesAreTheTypesInLowerCaseAndAreFound) {
     }
     String error;
     EXPECT_EQ(findEffectKind("tonemapping", error), nullptr);
-    EXPECT_EQ(error, "there is no effect 'tonemapping'; the effects are film-grain, fxaa, image-environment, "
-                     "texture-copy, tone-mapping. "
+    EXPECT_EQ(error, "there is no effect 'tonemapping'; the effects are atmosphere, film-grain, fxaa, "
+                     "image-environment, ssao, texture-copy, tone-mapping. "
                      "Did you mean 'tone-mapping'?");
     EXPECT_EQ(findEffectKind(EFFECT_TYPE::UNKNOWN), nullptr);
 }
 
-TEST_P(EffectKindTest, everyKindTakesAPicture) {
+TEST_P(EffectKindTest, everyKindTakesAPictureOrNone) {
     for (const EffectKind& kind : effectKinds()) {
-        const Setting* picture = kind.settings().find(EffectKind::PICTURE_SETTING);
-        ASSERT_NE(picture, nullptr) << kind.getName();
+        SCOPED_TRACE(kind.getName());
+        EXPECT_EQ(kind.pictureSetting.empty(), kind.type == EFFECT_TYPE::SSAO);
+        if (kind.pictureSetting.empty())
+            continue;
+        const Setting* picture = kind.settings().find(kind.pictureSetting);
+        ASSERT_NE(picture, nullptr);
         EXPECT_EQ(picture->kind, SETTING_KIND::TEXTURE);
         EXPECT_FALSE(picture->waitsForLoad);
     }
 }
 
-TEST_P(EffectKindTest, onlyGrainThatIsDrawnAloneIsBlended) {
+TEST_P(EffectKindTest, whatASceneGivesFitsTheSettings) {
+    const auto kindOf = [](SCENE_INPUT input) {
+        switch (input) {
+        case SCENE_INPUT::CAMERA:
+        case SCENE_INPUT::LIGHT_CAMERA:
+            return SETTING_KIND::CAMERA;
+        case SCENE_INPUT::LINEAR_DEPTH:
+            return SETTING_KIND::FLAG;
+        case SCENE_INPUT::TO_LIGHT:
+            return SETTING_KIND::VECTOR;
+        default:
+            return SETTING_KIND::TEXTURE;
+        }
+    };
+    for (const EffectKind& kind : effectKinds()) {
+        for (const SceneReading& reading : kind.sceneReadings) {
+            SCOPED_TRACE(kind.getName() + " " + String(reading.name));
+            for (const SceneBinding& binding : reading.bindings) {
+                const Setting* setting = kind.settings().find(binding.setting);
+                ASSERT_NE(setting, nullptr) << binding.setting;
+                EXPECT_EQ(setting->kind, kindOf(binding.input)) << binding.setting;
+                // A resource cannot be written in a list of effects.
+                EXPECT_FALSE(binding.mayBeWritten && isResource(setting->kind)) << binding.setting;
+                EXPECT_TRUE(reading.reads(binding.input));
+            }
+        }
+    }
+}
+
+TEST_P(EffectKindTest, scenesAreReadInTheseWays) {
+    const auto waysOf = [](EFFECT_TYPE type) {
+        String ways;
+        for (const SceneReading& reading : findEffectKind(type)->sceneReadings) {
+            ways += String(reading.name) + ":";
+            for (const SceneBinding& binding : reading.bindings)
+                ways += " " + String(binding.setting);
+            ways += "\n";
+        }
+        return ways;
+    };
+    EXPECT_EQ(waysOf(EFFECT_TYPE::SSAO), "depth: camera depth-buffer linear-depth\n"
+                                         "positions: camera g-buffer-position\n"
+                                         "positions-and-normals: camera g-buffer-position g-buffer-normal\n");
+    EXPECT_EQ(waysOf(EFFECT_TYPE::ATMOSPHERE),
+              "depth: source-depth-texture sun-position\n"
+              "depth-and-shadows: source-depth-texture sun-position shadow-texture shadow-camera\n");
     for (const EffectKind& kind : effectKinds())
-        EXPECT_EQ(kind.prepareBlending != nullptr, kind.type == EFFECT_TYPE::FILM_GRAIN) << kind.getName();
-    const EffectKind& kind = *findEffectKind(EFFECT_TYPE::FILM_GRAIN);
-    const auto effect = kind.create(getSystem());
-    ovGraphics::BlendState state;
-    EXPECT_FALSE(kind.prepareBlending(*effect, state));
-    EXPECT_EQ(state.getDesc(), ovGraphics::BlendState().getDesc());
-    EXPECT_EQ(effect->setSetting("blend-grain-in-target", true).error, "");
-    EXPECT_TRUE(kind.prepareBlending(*effect, state));
-    EXPECT_EQ(state.getDesc().targets[0].sourceFactor, ovGraphics::BLEND::DEST_COLOR);
+        EXPECT_EQ(kind.readsScene(), kind.type == EFFECT_TYPE::SSAO || kind.type == EFFECT_TYPE::ATMOSPHERE);
+}
+
+TEST_P(EffectKindTest, whatChainsSetIsNotTheDefault) {
+    for (const EffectKind& kind : effectKinds()) {
+        for (const SettingAssignment& assignment : kind.chainSettings) {
+            const Setting* setting = kind.settings().find(assignment.name);
+            ASSERT_NE(setting, nullptr) << assignment.name;
+            SettingValue value = assignment.value;
+            EXPECT_EQ(acceptSettingValue(*setting, value).error, "");
+            EXPECT_NE(value, setting->defaultValue) << assignment.name;
+        }
+    }
+}
+
+TEST_P(EffectKindTest, kindsBlendAsTheyAreSet) {
+    const struct {
+        EFFECT_TYPE type;
+        const char* setting;
+        ovGraphics::BLEND source;
+        ovGraphics::BLEND destination;
+    } BLENDING[] = {
+        {EFFECT_TYPE::FILM_GRAIN, "blend-grain-in-target", ovGraphics::BLEND::DEST_COLOR,
+         ovGraphics::BLEND::ONE},
+        {EFFECT_TYPE::SSAO, "occlusion-drives-alpha", ovGraphics::BLEND::ZERO, ovGraphics::BLEND::SRC_ALPHA},
+    };
+    std::size_t count = 0;
+    for (const EffectKind& kind : effectKinds())
+        count += kind.prepareBlending != nullptr ? 1 : 0;
+    EXPECT_EQ(count, std::size(BLENDING));
+    for (const auto& row : BLENDING) {
+        const EffectKind& kind = *findEffectKind(row.type);
+        SCOPED_TRACE(kind.getName());
+        const auto effect = kind.create(getSystem());
+        ovGraphics::BlendState state;
+        EXPECT_FALSE(kind.prepareBlending(*effect, state));
+        EXPECT_EQ(state.getDesc(), ovGraphics::BlendState().getDesc());
+        EXPECT_EQ(effect->setSetting(row.setting, true).error, "");
+        EXPECT_TRUE(kind.prepareBlending(*effect, state));
+        EXPECT_EQ(state.getDesc().targets[0].sourceFactor, row.source);
+        EXPECT_EQ(state.getDesc().targets[0].destinationFactor, row.destination);
+    }
 }

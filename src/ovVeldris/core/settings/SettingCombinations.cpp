@@ -30,6 +30,16 @@ bool isUsed(const SettingTable& settings, const Setting& setting, const Combinat
            setting.onlyWith.value;
 }
 
+/// The defaults, then each other value alone beside the defaults.
+Buffer<Combination> variations(const SettingTable& settings) {
+    Buffer<Combination> alone(1);
+    for (const Setting& setting : settings)
+        for (const SettingValue& value : finiteValues(setting))
+            if (value != setting.defaultValue && isUsed(settings, setting, {}))
+                alone.push_back({{setting.name, value}});
+    return alone;
+}
+
 } // namespace
 
 Buffer<Combination> finiteCombinations(const SettingTable& settings) {
@@ -51,6 +61,8 @@ Buffer<Combination> finiteCombinations(const SettingTable& settings) {
                 longer.back().push_back({setting.name, value});
             }
         }
+        if (longer.size() > MAX_COMBINATIONS)
+            return variations(settings);
         combinations = std::move(longer);
     }
     return combinations;

@@ -3,8 +3,13 @@
 
 #include <map>
 #include <set>
+#include <veldris/effects/EffectPlan.h>
 
 namespace {
+
+auto startsWith(ovMemory::StringView beginning) {
+    return [beginning](const ovMemory::String& text) { return text.starts_with(beginning); };
+}
 
 TEST(ShadersCommandTest, listsEveryProgramOnceWithoutWarnings) {
     for (const char* language : {"glsl", "hlsl"}) {
@@ -20,8 +25,14 @@ TEST(ShadersCommandTest, listsEveryProgramOnceWithoutWarnings) {
             const ovMemory::String kind = from.substr(0, from.find(' '));
             if (kind == "material" || kind == "pass" || kind == "tool")
                 ++others[kind];
-            else
+            else {
                 names.insert(program["program"].GetString());
+                ovMemory::Buffer<veldris::PlannedEffect> effects;
+                ovMemory::String error;
+                EXPECT_EQ(veldris::planEffects(from, effects, error),
+                          from.find(" without a scene") == from.npos)
+                    << "a line can be written as it is: " << error;
+            }
             EXPECT_STREQ(program["warnings"].GetString(), "") << from;
         }
         // Ids of image environments: 1 cube, 2 map by longitude and latitude, 4 flat.
@@ -43,16 +54,25 @@ TEST(ShadersCommandTest, listsEveryProgramOnceWithoutWarnings) {
         // id.
         for (unsigned int i = 0; i < 2 * 17; ++i)
             expected.insert("ORVANE_FXAA_PROGRAM_" + std::to_string(i / 2));
+        // Ids of the atmosphere are hashes. By itself, over depth, and with shadows: plain, with each of
+        // three switches, and where there are shadows with each of three other methods and their own switch.
+        EXPECT_EQ(std::erase_if(names, startsWith("ORVANE_ATMOSPHERE_PROGRAM_")), 4 + 4 + 8);
+        EXPECT_EQ(std::erase_if(names, startsWith("ORVANE_ATMOSPHERE_LUT_PROGRAM_")), 1);
+        // Ids of occlusion: bits, see SsaoIdGenerator. Of depth that is linear or not, of positions, and of
+        // positions with normals, whose text is another one under the same id on purpose; each with alpha or
+        // without.
+        EXPECT_EQ(std::erase_if(names, startsWith("ORVANE_SSAO_PROGRAM_")), 2 * (2 + 1 + 1));
         EXPECT_EQ(names, expected);
-        EXPECT_EQ(others["pass"], 8);
+        EXPECT_EQ(others["pass"], 11);
         EXPECT_EQ(others["tool"], 3);
         EXPECT_GT(others["material"], 25);
     }
 }
 
 TEST(ShadersCommandTest, printsAProgramAsTheCompilerSeesIt) {
-    const ovMemory::Buffer<ovMemory::String> base = {"shaders",    "--device", "software",
-                                                     "--no-cache", "--print",  "ORVANE_TONE_PROGRAM_9"};
+    const ovMemory::Buffer<ovMemory::String> base = {"shaders",    "--device",    "software",
+                                                     "--no-cache", "--print",     "ORVANE_TONE_PROGRAM_9",
+                                                     "--effect",   "tone-mapping"};
     const Outcome source = runVeldris(base);
     ASSERT_EQ(source.status, 0) << source.error;
     for (const char* part :

@@ -24,6 +24,13 @@ TEST(EffectHelpTest, tellsRangesDefaultsChoicesAndConditions) {
           "      shoulder-strength  extra white range, of at least 0 stops (default 0.1)\n"
           "                         with operator=hables only\n",
           "      field-of-view      vertical angle of the view, from 1 to 179 degrees (default 60)\n",
+          "  ssao  darkens corners of a scene\n"
+          "      takes scene-linear, gives scene-linear\n"
+          "      of veldris render alone, before effects over the picture: it reads the scene\n"
+          "      reads              what it reads of the scene (default depth)\n"
+          "                         one of depth, positions, positions-and-normals\n",
+          "      sun-position       direction towards the sun, y up (default the scene's)\n",
+          "      occlusion-drives-alpha write the open fraction to alpha too, for blending (default true)\n",
           "  texture-copy  draws the picture unchanged\n"
           "      takes any colours, gives the same\n"})
         EXPECT_NE(help.find(part), help.npos) << part << help;

@@ -41,14 +41,90 @@ TEST(EffectPlanTest, settingsOfTheViewGoToTheView) {
     EXPECT_EQ(effect.view.getDirection(), ovMaths::Vector(1.0f, 0.0f, 2.0f));
 }
 
+TEST(EffectPlanTest, scenesAreReadAsIsWritten) {
+    EXPECT_EQ(planOne("ssao").reading->name, "depth");
+    EXPECT_EQ(planOne("ssao:reads=positions").reading->name, "positions");
+    EXPECT_EQ(planOne("atmosphere:reads=depth-and-shadows").reading->name, "depth-and-shadows");
+    EXPECT_EQ(planOne("tone-mapping").reading, nullptr);
+}
+
+TEST(EffectPlanTest, whatChainsSetMayBeWrittenOtherwise) {
+    const auto settingsOf = [](const char* text) {
+        String settings;
+        for (const ovVeldris::SettingAssignment& assignment : planOne(text).settings)
+            settings.append(assignment.name).append(std::get<bool>(assignment.value) ? "=true," : "=false,");
+        return settings;
+    };
+    EXPECT_EQ(settingsOf("ssao"), "occlusion-drives-alpha=true,");
+    EXPECT_EQ(settingsOf("ssao:reads=depth,occlusion-drives-alpha=false"), "occlusion-drives-alpha=false,");
+    EXPECT_EQ(settingsOf("atmosphere:display-sun=false"), "only-scatter-on-objects=true,display-sun=false,");
+    EXPECT_EQ(settingsOf("texture-copy"), "");
+    const auto chain = veldris::settingsInChain(*ovVeldris::findEffectKind(ovVeldris::EFFECT_TYPE::SSAO));
+    EXPECT_EQ(chain.find("occlusion-drives-alpha")->defaultValue, SettingValue(true));
+}
+
+TEST(EffectPlanTest, effectsThatReadTheSceneStandFirst) {
+    const auto take = [](const char* list, std::size_t count) {
+        Buffer<PlannedEffect> effects;
+        Buffer<PlannedEffect> ofScene;
+        String error;
+        EXPECT_TRUE(veldris::planEffects(list, effects, error)) << error;
+        EXPECT_TRUE(veldris::takeSceneEffects(effects, ofScene, error)) << error;
+        EXPECT_EQ(ofScene.size(), count) << list;
+        String names;
+        for (const Buffer<PlannedEffect>& part : {ofScene, effects})
+            for (const PlannedEffect& effect : part)
+                names += effect.text + ";";
+        EXPECT_EQ(names, String(list) + ";");
+    };
+    take("ssao;atmosphere;ssao;tone-mapping;fxaa", 3);
+    take("ssao", 1);
+    take("tone-mapping", 0);
+
+    Buffer<PlannedEffect> effects;
+    Buffer<PlannedEffect> ofScene;
+    String error;
+    ASSERT_TRUE(veldris::planEffects("ssao;tone-mapping;fxaa;atmosphere", effects, error)) << error;
+    EXPECT_FALSE(veldris::takeSceneEffects(effects, ofScene, error));
+    EXPECT_EQ(error, "'atmosphere' reads the scene and 'tone-mapping', which stands before it, is drawn over "
+                     "the finished picture: write 'atmosphere' first.");
+}
+
+TEST(EffectPlanTest, aPictureAloneIsNoScene) {
+    Buffer<PlannedEffect> effects;
+    veldris::ChainPlan plan;
+    String error;
+    ASSERT_TRUE(veldris::planEffects("tone-mapping;ssao:reads=positions-and-normals", effects, error));
+    for (const bool raw : {false, true}) {
+        veldris::ChainOptions options;
+        options.raw = raw;
+        EXPECT_FALSE(veldris::planChain(effects, options, plan, error));
+        EXPECT_EQ(error, "'ssao' reads a scene (positions-and-normals) and there is a picture alone; veldris "
+                         "render draws scenes.");
+    }
+}
+
+TEST(EffectPlanTest, whatTheSceneKnowsIsNotWritten) {
+    for (const ovVeldris::EffectKind& kind : ovVeldris::effectKinds()) {
+        const auto settings = veldris::settingsInChain(kind);
+        EXPECT_EQ(settings.find("reads") != nullptr, kind.sceneReadings.size() > 1) << kind.getName();
+        for (const ovVeldris::SceneReading& reading : kind.sceneReadings)
+            for (const ovVeldris::SceneBinding& binding : reading.bindings)
+                EXPECT_EQ(settings.find(binding.setting) != nullptr, binding.mayBeWritten) << binding.setting;
+        EXPECT_EQ(settings.find("field-of-view") != nullptr,
+                  kind.type == ovVeldris::EFFECT_TYPE::IMAGE_ENVIRONMENT)
+            << "the view of a scene is the scene's";
+    }
+}
+
 TEST(EffectPlanTest, whatIsWrongIsToldWithTheEffect) {
     const struct {
         const char* text;
         const char* error;
     } CASES[] = {
-        {"sharpen",
-         "there is no effect 'sharpen'; the effects are film-grain, fxaa, image-environment, texture-copy, "
-         "tone-mapping."},
+        {"sharpen", "there is no effect 'sharpen'; the effects are atmosphere, film-grain, fxaa, "
+                    "image-environment, ssao, "
+                    "texture-copy, tone-mapping."},
         {"texture-copy:strength=1", "effect 'texture-copy': there is no setting 'strength'; it has none."},
         {"texture-copy:source-texture=x",
          "effect 'texture-copy': there is no setting 'source-texture'; it has none."},
@@ -70,6 +146,12 @@ TEST(EffectPlanTest, whatIsWrongIsToldWithTheEffect) {
         {"tone-mapping:operator=hables,toe-length=0",
          "effect 'tone-mapping': '0' is no value of the setting 'toe-length'; it takes a number above 0 to "
          "1."},
+        {"ssao:reads=normals",
+         "effect 'ssao': 'normals' is no value of the setting 'reads'; it takes one of "
+         "depth, positions, positions-and-normals. Did you mean 'positions-and-normals'?"},
+        {"ssao:linear-depth=true",
+         "effect 'ssao': there is no setting 'linear-depth'; it has reads, sampling-radius, "
+         "max-occlusion-distance, strength, depth-bias, kernel-sample-count, occlusion-drives-alpha."},
         {"image-environment:field-of-view=0",
          "effect 'image-environment': '0' is no value of the setting 'field-of-view'; it takes a number from "
          "1 to 179 degrees."},

@@ -98,8 +98,8 @@ protected:
         EXPECT_TRUE(slate.loadMaterials());
         picture->getSolid().addEntity(_ground.get(), white->getShader(), nullptr);
         slate.addTo(picture->getSolid(), picture->getBlended());
-        EXPECT_TRUE(picture->castShadow(*white, GLTF_ALPHA_MODE::OPAQUE));
-        EXPECT_TRUE(picture->castShadow(material, scene.materials[0].alphaMode));
+        EXPECT_TRUE(picture->prepareSurface(*white, GLTF_ALPHA_MODE::OPAQUE));
+        EXPECT_TRUE(picture->prepareSurface(material, scene.materials[0].alphaMode));
         picture->fitShadow(ovGraphics::BoundingBox::newBox({0.0f, 1.0f, 0.0f}, {2.0f, 2.0f, 2.0f}));
         picture->getCamera().setPosition({0.0f, 5.0f, -5.0f});
         picture->getCamera().lookAt({0.0f, -1.0f, 1.0f}, {});
@@ -126,7 +126,7 @@ TEST_P(ScenePictureTest, theGroundCatchesTheShadowAndNothingElse) {
     ASSERT_TRUE(picture);
     const auto material = makeDiffuse(*picture, {1.0f, 1.0f, 1.0f});
     picture->getSolid().addEntity(_sphere.get(), material->getShader(), _above.get());
-    ASSERT_TRUE(picture->castShadow(*material, GLTF_ALPHA_MODE::OPAQUE));
+    ASSERT_TRUE(picture->prepareSurface(*material, GLTF_ALPHA_MODE::OPAQUE));
     // The lower side of the box is the ground.
     picture->fitShadow(ovGraphics::BoundingBox::newBox({0.0f, 0.95f, 0.0f}, {0.8f, 1.9f, 0.8f}));
     const ovImages::Image image = draw(*picture);
@@ -237,7 +237,7 @@ TEST_P(ScenePictureTest, shadowsFallBelowWhatCastsThem) {
         const auto material = makeDiffuse(*picture, {0.5f, 0.5f, 0.5f});
         picture->getSolid().addEntity(_ground.get(), material->getShader(), nullptr);
         picture->getSolid().addEntity(_sphere.get(), material->getShader(), _above.get());
-        ASSERT_TRUE(picture->castShadow(*material, GLTF_ALPHA_MODE::OPAQUE));
+        ASSERT_TRUE(picture->prepareSurface(*material, GLTF_ALPHA_MODE::OPAQUE));
         picture->fitShadow(ovGraphics::BoundingBox::newBox({0.0f, 1.0f, 0.0f}, {2.0f, 2.0f, 2.0f}));
         // From the side, so that the camera sees the ground below the sphere.
         picture->getCamera().setPosition({0.0f, 5.0f, -5.0f});
@@ -257,8 +257,8 @@ TEST_P(ScenePictureTest, whatHardlyCoversCastsNoShadow) {
         const auto glass = makeDiffuse(*picture, {0.5f, 0.5f, 0.5f}, alpha);
         picture->getSolid().addEntity(_ground.get(), white->getShader(), nullptr);
         picture->getBlended().addEntity(_sphere.get(), glass->getShader(), _above.get());
-        ASSERT_TRUE(picture->castShadow(*white, GLTF_ALPHA_MODE::OPAQUE));
-        ASSERT_TRUE(picture->castShadow(*glass, GLTF_ALPHA_MODE::BLEND));
+        ASSERT_TRUE(picture->prepareSurface(*white, GLTF_ALPHA_MODE::OPAQUE));
+        ASSERT_TRUE(picture->prepareSurface(*glass, GLTF_ALPHA_MODE::BLEND));
         picture->fitShadow(ovGraphics::BoundingBox::newBox({0.0f, 1.0f, 0.0f}, {2.0f, 2.0f, 2.0f}));
         picture->getCamera().setPosition({0.0f, 5.0f, -5.0f});
         picture->getCamera().lookAt({0.0f, -1.0f, 1.0f}, {});
@@ -279,8 +279,8 @@ TEST_P(ScenePictureTest, whatIsMaskedWholeCastsItsWholeShadow) {
         masked->setAlphaCutoff(row.cutoff);
         picture->getSolid().addEntity(_ground.get(), white->getShader(), nullptr);
         picture->getSolid().addEntity(_sphere.get(), masked->getShader(), _above.get());
-        ASSERT_TRUE(picture->castShadow(*white, GLTF_ALPHA_MODE::OPAQUE));
-        ASSERT_TRUE(picture->castShadow(*masked, GLTF_ALPHA_MODE::MASK));
+        ASSERT_TRUE(picture->prepareSurface(*white, GLTF_ALPHA_MODE::OPAQUE));
+        ASSERT_TRUE(picture->prepareSurface(*masked, GLTF_ALPHA_MODE::MASK));
         picture->fitShadow(ovGraphics::BoundingBox::newBox({0.0f, 1.0f, 0.0f}, {2.0f, 2.0f, 2.0f}));
         picture->getCamera().setPosition({0.0f, 5.0f, -5.0f});
         picture->getCamera().lookAt({0.0f, -1.0f, 1.0f}, {});
@@ -374,7 +374,7 @@ TEST_P(ScenePictureTest, stripsMakeTheSamePictureAsAWholeDoes) {
         const auto material = makeDiffuse(*picture, {0.5f, 0.4f, 0.3f});
         picture->getSolid().addEntity(_ground.get(), material->getShader(), nullptr);
         picture->getSolid().addEntity(_sphere.get(), material->getShader(), _above.get());
-        ASSERT_TRUE(picture->castShadow(*material, GLTF_ALPHA_MODE::OPAQUE));
+        ASSERT_TRUE(picture->prepareSurface(*material, GLTF_ALPHA_MODE::OPAQUE));
         picture->fitShadow(ovGraphics::BoundingBox::newBox({0.0f, 1.0f, 0.0f}, {2.0f, 2.0f, 2.0f}));
         pictures.push_back(draw(*picture));
     }

@@ -52,3 +52,16 @@ TEST(SettingCombinationsTest, settingsVaryBesideTheirConditionOnly) {
     };
     EXPECT_EQ(texts(settings), (Buffer<String>{"a=false", "a=true,b=true", "a=true,b=false"}));
 }
+
+TEST(SettingCombinationsTest, ofLongTablesEachValueComesAlone) {
+    Buffer<Setting> flags;
+    for (const char* name : {"a", "b", "c", "d", "e", "f"})
+        flags.push_back(flag(name, name[0] == 'b').atLoad());
+    EXPECT_EQ(texts(SettingTable(flags)).size(), MAX_COMBINATIONS);
+    flags.push_back(flag("g", false).atLoad());
+    flags.push_back(flag("h", false).atLoad().with("a", "true"));
+    flags.push_back(flag("i", false).atLoad().with("a", "false"));
+    EXPECT_EQ(texts(SettingTable(flags)), (Buffer<String>{"", "a=true", "b=false", "c=true", "d=true",
+                                                          "e=true", "f=true", "g=true", "i=true"}))
+        << "h means nothing beside the default of a";
+}
