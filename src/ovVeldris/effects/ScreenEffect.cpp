@@ -12,15 +12,6 @@
 
 namespace ovVeldris {
 
-ovGraphics::ShaderPassMemorySlot& constantSlot(ovGraphics::Shader& shader, unsigned int index,
-                                               unsigned int buffer) {
-    ovGraphics::ConstantBuffer* constants = shader.addConstantBuffer(buffer, 0);
-    // Slots are made when first asked for, so that live setters and loading go through one function.
-    while (constants->getPassMemorySlotCount() <= index)
-        constants->addPassMemorySlot();
-    return *constants->getPassMemorySlot(index);
-}
-
 ScreenEffectBase::ScreenEffectBase(EFFECT_TYPE type, System* system, ovMemory::StringView kindName,
                                    ovMemory::StringView className, const SettingTable& settings)
     : Effect(type, settings)

@@ -5,6 +5,7 @@
 #include <optional>
 #include <ovGraphics/formats/Enums.h>
 #include <ovMemory/Borrowed.h>
+#include <ovVeldris/core/ConstantSlot.h>
 #include <ovVeldris/core/ProgramTrackersHolder.h>
 #include <ovVeldris/effects/Effect.h>
 
@@ -13,7 +14,6 @@ class Program;
 class ProgramSourcesHolder;
 class Sampler;
 class Shader;
-class ShaderPassMemorySlot;
 class System;
 class Texture;
 } // namespace ovGraphics
@@ -31,10 +31,6 @@ struct EffectSamplerSettings {
     bool firstMipOnly = true;
     bool hidden = true;
 };
-
-/// A slot of a constant buffer of a shader; the buffer and the slots up to it are added when missing.
-OV_API ovGraphics::ShaderPassMemorySlot& constantSlot(ovGraphics::Shader& shader, unsigned int index,
-                                                      unsigned int buffer = 0);
 
 /// The part of ScreenEffect that does not depend on the kind's types. Derive from ScreenEffect.
 class OV_API ScreenEffectBase : public Effect {

@@ -17,9 +17,9 @@ ovMemory::String assembleShaderText(std::initializer_list<ShaderPiece> pieces) {
     return text;
 }
 
-ovMemory::String toSixDecimals(float number) {
+ovMemory::String toSixDecimals(double number) {
     constexpr int DECIMALS = 6;
-    char digits[std::numeric_limits<float>::max_exponent10 + DECIMALS + 4];
+    char digits[std::numeric_limits<double>::max_exponent10 + DECIMALS + 4];
     return {digits, std::to_chars(digits, std::end(digits), number, std::chars_format::fixed, DECIMALS).ptr};
 }
 

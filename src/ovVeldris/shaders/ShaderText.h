@@ -20,6 +20,6 @@ OV_API ovMemory::String assembleShaderText(std::initializer_list<ShaderPiece> pi
 
 /// A number with six decimals ("%f"), in the "C" locale: numbers of programs that hosts know by their text.
 /// What is not finite becomes a text that no shader compiles.
-OV_API ovMemory::String toSixDecimals(float number);
+OV_API ovMemory::String toSixDecimals(double number);
 
 } // namespace ovVeldris

@@ -174,19 +174,6 @@ TEST_P(ScreenEffectTest, failsWithoutAShader) {
     EXPECT_EQ(effect._getLoadedShader(), effect.getShader());
 }
 
-TEST_P(ScreenEffectTest, addsConstantSlotsAsNeeded) {
-    BreakableEffect effect(getSystem());
-    ASSERT_TRUE(effect.load());
-    ovGraphics::Shader& shader = *effect.getShader();
-    EXPECT_EQ(shader.getConstantBuffer(0, 0), nullptr);
-    ovGraphics::ShaderPassMemorySlot* third = &constantSlot(shader, 2);
-    ASSERT_NE(shader.getConstantBuffer(0, 0), nullptr);
-    EXPECT_EQ(shader.getConstantBuffer(0, 0)->getPassMemorySlotCount(), 3u);
-    EXPECT_EQ(&constantSlot(shader, 2), third);
-    EXPECT_EQ(&constantSlot(shader, 0), shader.getConstantBuffer(0, 0)->getPassMemorySlot(0));
-    EXPECT_EQ(shader.getConstantBuffer(0, 0)->getPassMemorySlotCount(), 3u);
-}
-
 TEST_P(ScreenEffectTest, setsOnlyTheSamplerSettingsGiven) {
     const BreakableEffect effect(getSystem());
     ovGraphics::SamplerManager& samplers = *getGraphics().getSamplerManager();

@@ -36,12 +36,14 @@ TEST(ShaderTextTest, CompileErrorsNameThePieceAndItsLine) {
 }
 
 TEST(ShaderTextTest, NumbersHaveSixDecimals) {
-    const std::pair<float, const char*> cases[] = {
+    const std::pair<double, const char*> cases[] = {
         {0.0f, "0.000000"},  {0.00001f, "0.000010"}, {-1.5f, "-1.500000"}, {1e-8f, "0.000000"},
         {4e-7f, "0.000000"}, {6e-7f, "0.000001"},    {0.5f, "0.500000"},   {1e6f, "1000000.000000"},
     };
     for (const auto& [number, text] : cases)
         EXPECT_EQ(ovVeldris::toSixDecimals(number), text);
+    EXPECT_EQ(ovVeldris::toSixDecimals(2.0 / 7.0 + 5e-7), "0.285715") << "by its digits as a double";
     const ovMemory::String largest = ovVeldris::toSixDecimals(-std::numeric_limits<float>::max());
     EXPECT_EQ(largest, "-340282346638528859811704183484516925440.000000");
+    EXPECT_EQ(ovVeldris::toSixDecimals(-std::numeric_limits<double>::max()).size(), 317u);
 }
