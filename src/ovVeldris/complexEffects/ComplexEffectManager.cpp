@@ -1,33 +1,12 @@
 #include <ovVeldris/complexEffects/ComplexEffectManager.h>
 
-#include <array>
 #include <ovVeldris/System.h>
+#include <ovVeldris/complexEffects/ComplexEffectKind.h>
 #include <ovVeldris/core/LogManager.h>
 
 template class ovCommon::MaybeSingletonClass<ovVeldris::ComplexEffectManager>;
 
 namespace ovVeldris {
-
-namespace {
-
-struct Factory {
-    COMPLEX_EFFECT_TYPE type;
-    ovMemory::UniquePtr<ComplexEffect> (*create)(System* system);
-};
-
-// One row a kind that can be created.
-constexpr std::array<Factory, 0> FACTORIES = {};
-
-ovMemory::UniquePtr<ComplexEffect> create(System* system, COMPLEX_EFFECT_TYPE type) {
-    for (const Factory& factory : FACTORIES)
-        if (factory.type == type)
-            return factory.create(system);
-    logMessage(system, "Requested an unknown type of effect, allocation cannot happen. Returning nullptr.",
-               "EffectManager");
-    return nullptr;
-}
-
-} // namespace
 
 ComplexEffectManager::ComplexEffectManager(System* system)
     : _system(system) {}
@@ -47,9 +26,14 @@ ComplexEffect* ComplexEffectManager::createOrRetrieve(ovMemory::StringView name,
                    "EffectManager");
         return nullptr;
     }
-    ovMemory::UniquePtr<ComplexEffect> created = create(_system, type);
-    if (!created)
+    const ComplexEffectKind* kind = findComplexEffectKind(type);
+    if (!kind) {
+        logMessage(_system,
+                   "Requested an unknown type of effect, allocation cannot happen. Returning nullptr.",
+                   "EffectManager");
         return nullptr;
+    }
+    ovMemory::UniquePtr<ComplexEffect> created = kind->create(_system);
     created->setName(name);
     _effects.insert(name, std::move(created));
     return get(name);
