@@ -80,7 +80,7 @@ ovMemory::UniquePtr<ScenePicture> ScenePicture::create(Session& session, const S
     if (!picture->_makeTextures(error) || !picture->_makeShaders(error)) {
         if (!settings.effects.empty())
             error +=
-                " Effects that read the scene need all of its samples at once: ask for a smaller size or "
+                "; effects that read the scene need all of its samples at once: ask for a smaller size or "
                 "fewer samples.";
         return nullptr;
     }

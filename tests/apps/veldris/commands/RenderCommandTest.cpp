@@ -416,6 +416,9 @@ TEST_F(RenderCommandTest, wrongOptionsAreToldBeforeAnythingIsRead) {
         {"--camera", "up", "the camera 'up' is not"},
         {"--effects", "nothing", "nothing"},
         {"--effects", "tone-mapping:operator=loud", "loud"},
+        {"--effects", "tone-mapping;ssao", "'ssao' reads the scene"},
+        {"--effects", "ssao:reads=colours", "it takes one of depth, positions, positions-and-normals"},
+        {"--effects", "ssao", "tone-mapping"},
         {"--effects", "texture-copy", "tone-mapping"}, // scene light does not fit into a PNG as it is
     };
     for (const Case& current : cases) {
@@ -509,6 +512,23 @@ TEST_F(RenderCommandTest, reportsForMachines) {
         passes += ovMemory::String(pass["pass"].GetString()) + ";";
     EXPECT_EQ(passes, "clear;shadow;shadow;clear;scene;blended scene;average of samples;check of samples;"
                       "tone-mapping:operator=reinhard,max-white=6,6,6;");
+}
+
+TEST_F(RenderCommandTest, effectsOfTheSceneAreDrawnAndTold) {
+    const String model = writeQuad(_folder);
+    const String plain = _folder.getPath("plain.exr");
+    const String hazy = _folder.getPath("hazy.exr");
+    ASSERT_EQ(render(model, plain, {}).status, 0);
+    const auto timed = parseJson(
+        render(model, hazy,
+               {"--json", "--timings", "--effects", "ssao:reads=positions;atmosphere:distance-factor=5000"}));
+    String passes;
+    for (const auto& pass : timed["passes"].GetArray())
+        passes += String(pass["pass"].GetString()) + ";";
+    EXPECT_EQ(passes, "clear;positions and normals;clear;scene;blended scene;ssao:reads=positions;"
+                      "atmosphere:distance-factor=5000;average of samples;check of samples;");
+    EXPECT_LT(pixelOf(hazy, 30, 30)[2], pixelOf(plain, 30, 30)[2] - 0.5f) << "air dims what is bright";
+    EXPECT_GT(pixelOf(hazy, 1, 1)[2], pixelOf(plain, 1, 1)[2] + 0.1f) << "and lights what is dark";
 }
 
 } // namespace

@@ -66,6 +66,21 @@ TEST_P(PictureShaderTest, colorsAreConvertedByTheTransferFunction) {
     }
 }
 
+TEST_P(PictureShaderTest, colorsAreTakenOutOfTheirCoverage) {
+    Image source = floats(3, 1);
+    const float samples[3][4] = {
+        {0.3f, 0.15f, 3.0f, 0.25f}, {0.5f, 0.25f, 2.0f, 0.0f}, {0.5f, 0.0f, 0.1f, 1.0f}};
+    for (unsigned int x = 0; x < 3; ++x)
+        for (unsigned int channel = 0; channel < 4; ++channel)
+            source.setComponent(x, 0, channel, samples[x][channel]);
+    const Image divided = draw(PictureShader::divideByCoverage(_session.getGraphics()), source);
+    const float expected[3][4] = {
+        {0.4f, 0.2f, 4.0f, 0.25f}, {0.5f, 0.25f, 2.0f, 0.0f}, {0.0f, 0.0f, 0.0f, 1.0f}};
+    for (unsigned int x = 0; x < 3; ++x)
+        for (unsigned int channel = 0; channel < 4; ++channel)
+            EXPECT_NEAR(divided.getComponent(x, 0, channel), expected[x][channel], 1e-6f) << x;
+}
+
 /// Samples of 3 x 2 pixels, 2 x 2 each, with every kind of number and one that is none in each channel.
 Image makeSamples() {
     Image samples = floats(6, 4);
