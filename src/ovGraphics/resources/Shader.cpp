@@ -1,8 +1,10 @@
 #include <ovGraphics/resources/Shader.h>
 
 #include <algorithm>
+#include <fmt/format.h>
 #include <ovGraphics/System.h>
 #include <ovGraphics/device/Device.h>
+#include <ovGraphics/formats/TextureUtils.h>
 #include <ovGraphics/resources/Program.h>
 #include <ovGraphics/resources/ProgramLibrary.h>
 #include <ovGraphics/resources/Sampler.h>
@@ -78,6 +80,7 @@ ShaderInstanceMemorySlot* Shader::getInstanceMemorySlot(unsigned int index) cons
 // Looked up anew at every binding, so that a loaded shader takes another texture at once.
 void Shader::setTexture(Texture* texture, unsigned int unit, unsigned int stage) {
     noteBindingChange();
+    _hasToldOfIntegers = false;
     const auto binding = findBinding(_textures, unit, stage);
     if (binding != _textures.end())
         binding->texture = texture;
@@ -200,11 +203,32 @@ void Shader::_findTextures(const LoadedProgram& program) {
         const auto texture = findUnit(_textures, declared.textureSlot);
         const auto sampler = findUnit(_samplers, declared.samplerSlot);
         Texture* usedTexture = texture != _textures.end() ? ownOrNull(texture->texture) : nullptr;
+        if (usedTexture && !_canRead(*usedTexture, declared))
+            usedTexture = nullptr;
         Sampler* usedSampler = sampler != _samplers.end() ? ownOrNull(sampler->sampler) : nullptr;
         _bound.units.push_back({usedTexture ? usedTexture->getGpuTexture() : nullptr,
                                 usedSampler ? usedSampler->getGpuSampler() : nullptr, declared.type,
                                 declared.array});
     }
+}
+
+// OpenGL leaves it undefined to read whole numbers as fractions: drivers give bits, black or the last
+// texture.
+bool Shader::_canRead(const Texture& texture, const shading::TextureUnitInfo& declared) {
+    const FORMAT_COMPONENT component = TextureUtils::getFormatComponent(texture.getFormat());
+    const bool isInteger = component == FORMAT_COMPONENT::UINT || component == FORMAT_COMPONENT::SINT;
+    if (!isInteger || declared.integer)
+        return true;
+    if (!_hasToldOfIntegers)
+        getSystem()->log(
+            fmt::format("Shader '{}': the texture '{}' at unit {} holds whole numbers ({}), but the "
+                        "program reads fractions from '{}', so it reads black; give the texture a "
+                        "UNORM or FLOAT format.",
+                        getName(), texture.getName(), declared.textureSlot,
+                        TextureUtils::getFormatName(texture.getFormat()), declared.textureName),
+            "shader");
+    _hasToldOfIntegers = true;
+    return false;
 }
 
 } // namespace ovGraphics

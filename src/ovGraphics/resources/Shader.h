@@ -18,6 +18,10 @@ class GpuSampler;
 class GpuTexture;
 } // namespace device
 
+namespace shading {
+struct TextureUnitInfo;
+} // namespace shading
+
 /// Bindings: a program, its constants, and its textures and samplers by unit. A shader compiles nothing.
 ///
 /// Units and indices are those of the shader text's declarations. The stage argument is 0, visible to every
@@ -47,7 +51,8 @@ public:
     InstanceSlots getInstanceMemorySlots() const { return _instanceSlots; }
 
     /// Binds a texture of the same system; null, an unloaded one and one of another system read as opaque
-    /// black. add and set do the same: the unit is added when missing.
+    /// black. So does one of whole numbers (UINT, SINT) where the program reads fractions; a log line tells.
+    /// add and set do the same: the unit is added when missing.
     void addTexture(Texture* texture, unsigned int unit, unsigned int stage) {
         setTexture(texture, unit, stage);
     }
@@ -110,6 +115,7 @@ private:
     bool _findBound(const PassEnvironment& environment);
     void _findConstants(const LoadedProgram& program, const PassEnvironment& environment);
     void _findTextures(const LoadedProgram& program);
+    bool _canRead(const Texture& texture, const shading::TextureUnitInfo& declared);
 
     ovMemory::Borrowed<Program> _program;
     ovMemory::Buffer<ovMemory::UniquePtr<ConstantBuffer>> _constantBuffers;
@@ -117,6 +123,7 @@ private:
     ovMemory::Buffer<TextureBinding> _textures;
     ovMemory::Buffer<SamplerBinding> _samplers;
     Bound _bound;
+    bool _hasToldOfIntegers = false; ///< once for a texture: frames come by the thousand
 };
 
 } // namespace ovGraphics

@@ -79,6 +79,7 @@ struct TextureUnitInfo {
     bool array = false;
     bool comparison = false; ///< the sampler compares with a reference
     unsigned int stages = 0; ///< mask of STAGE
+    bool integer = false;    ///< reads whole numbers, as textures of UINT and SINT formats hold
     bool operator==(const TextureUnitInfo&) const = default;
 };
 

@@ -133,6 +133,36 @@ TEST_P(ShaderTest, texturesOfOtherSystemsAreNotBound) {
     EXPECT_EQ(logger.getText(), "");
 }
 
+TEST_P(ShaderTest, wholeNumbersDoNotReadAsFractions) {
+    TestShader shader(getGraphics(), SAMPLE_TEXT);
+    ASSERT_TRUE(shader.loaded) << takeLog();
+    const auto texture = Texture::create(&getGraphics());
+    texture->setName("ids");
+    texture->setCpuData(0, 0, ovMemory::Buffer<unsigned char>(4, 200));
+    shader->addTexture(texture.get(), 0, 0);
+    const auto expectBlack = [&](FORMAT format, const char* name) {
+        texture->unload();
+        texture->setFormat(format);
+        ASSERT_TRUE(texture->load()) << takeLog();
+        shader->setTexture(texture.get(), 0, 0);
+        EXPECT_EQ(draw(*shader, 1, 1).at(0, 0), OPAQUE_BLACK);
+        EXPECT_EQ(draw(*shader, 1, 1).at(0, 0), OPAQUE_BLACK); // told once
+        EXPECT_EQ(takeLog(),
+                  ovMemory::String(
+                      "[shader] Shader 'TEST_SHADER': the texture 'ids' at unit 0 holds whole numbers (") +
+                      name +
+                      "), but the program reads fractions from 'image', so it reads black; give the texture "
+                      "a UNORM or FLOAT format.\n");
+    };
+    expectBlack(FORMAT::R8G8B8A8_UINT, "R8G8B8A8_UINT");
+    expectBlack(FORMAT::R8G8B8A8_SINT, "R8G8B8A8_SINT");
+    texture->unload();
+    texture->setFormat(FORMAT::R8G8B8A8_UNORM);
+    ASSERT_TRUE(texture->load());
+    EXPECT_NEAR(draw(*shader, 1, 1).at(0, 0)[0], 200.0 / 255.0, 1e-6);
+    EXPECT_EQ(takeLog(), "");
+}
+
 TEST_P(ShaderTest, resetDropsEverything) {
     TestShader shader(getGraphics(), SAMPLE_TEXT);
     const auto texture = makeTexture(FloatPicture(1, 1));

@@ -1,6 +1,8 @@
 #include <ovVeldris/effects/EffectKind.h>
 
+#include <ovGraphics/Managers.h>
 #include <ovGraphics/resources/BlendState.h>
+#include <ovGraphics/resources/Camera.h>
 #include <ovGraphics/resources/Program.h>
 #include <ovGraphics/shading/CrossCompiler.h>
 #include <ovVeldris/core/settings/SettingCombinations.h>
@@ -56,6 +58,41 @@ TEST_P(EffectKindTest, everyCombinationOfSettingsLoads) {
             EXPECT_TRUE(effect->load()) << kind.getName();
         }
     }
+}
+
+// An effect that read garbage, or another device's object, would differ from one that has no picture.
+TEST_P(EffectKindTest, picturesThatCannotBeReadAreBlack) {
+    using ovGraphics::Texture;
+    System other;
+    ASSERT_TRUE(initializeOwn(other));
+    ovGraphics::System* const foreign = other.getGraphicsEngine()->getGraphicsSystem();
+    const auto makeSource = [](ovGraphics::System* graphics, ovGraphics::FORMAT format) {
+        auto texture = Texture::create(graphics);
+        texture->setFormat(format);
+        texture->setCpuData(0, 0, Buffer<unsigned char>(4, 200));
+        EXPECT_TRUE(texture->load());
+        return texture;
+    };
+    const auto camera = ovGraphics::Camera::create(&getGraphics());
+    getGraphics().getCameraManager()->setActiveRenderCamera(camera.get());
+    const auto black = makeTexture(FloatPicture(1, 1, {0.0f, 0.0f, 0.0f, 1.0f}));
+    const auto integers = makeSource(&getGraphics(), ovGraphics::FORMAT::R8G8B8A8_UINT);
+    const auto ofAnother = makeSource(foreign, ovGraphics::FORMAT::R8G8B8A8_UNORM);
+    const auto unloaded = Texture::create(&getGraphics());
+    for (const EffectKind& kind : effectKinds()) {
+        if (kind.pictureSetting.empty())
+            continue;
+        const auto drawWith = [&](Texture* source) {
+            const auto effect = kind.create(getSystem());
+            effect->setSetting(kind.pictureSetting, source);
+            EXPECT_TRUE(effect->load());
+            return draw(*effect->getShader(), 8, 8);
+        };
+        const FloatPicture expected = drawWith(black.get());
+        for (Texture* source : {integers.get(), ofAnother.get(), unloaded.get()})
+            EXPECT_EQ(drawWith(source).pixels, expected.pixels) << kind.getName();
+    }
+    EXPECT_NE(getGraphicsLogger().getText().find("holds whole numbers"), String::npos);
 }
 
 TEST_P(EffectKindTest, onlySettingsThatWaitForLoadSelectTheText) {

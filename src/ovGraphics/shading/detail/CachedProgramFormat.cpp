@@ -15,7 +15,7 @@ using ovMemory::UniquePtr;
 namespace {
 
 constexpr std::array<char, 4> MAGIC = {'O', 'V', 'S', 'P'};
-constexpr std::uint32_t FORMAT_VERSION = 1; // raise it with every change of what is written
+constexpr std::uint32_t FORMAT_VERSION = 2; // raise it with every change of what is written
 constexpr std::size_t HEADER_BYTES = 24;
 
 /// Writes fields one after the other. Reader has the same methods, so one description of the fields serves
@@ -160,6 +160,7 @@ void describe(auto& archive, auto& value) requires
     archive.flag(value.array);
     archive.flag(value.comparison);
     archive.number(value.stages);
+    archive.flag(value.integer);
 }
 
 void describe(auto& archive, auto& value) requires

@@ -380,6 +380,9 @@ bool StageTranslator::Implementation::reflectTextureType(spvc_variable_id id, Te
             }
             info.type = dimension == SpvDimCube ? TEXTURE_TYPE::CUBE : TEXTURE_TYPE::TEXTURE_2D;
             info.array = spvc_type_get_image_arrayed(type) != SPVC_FALSE;
+            const spvc_type numbers =
+                spvc_compiler_get_type_handle(compiler, spvc_type_get_image_sampled_type(type));
+            info.integer = spvc_type_get_basetype(numbers) != SPVC_BASETYPE_FP32;
             return true;
         }
     }

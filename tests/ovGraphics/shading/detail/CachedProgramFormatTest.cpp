@@ -36,7 +36,7 @@ TEST(CachedProgramFormat, HashIsFnv1a) {
 TEST(CachedProgramFormat, HeaderIsAsDescribed) {
     const Buffer<char> bytes = packCachedProgram("key", makeSmall());
     ASSERT_GT(bytes.size(), 24u);
-    EXPECT_EQ(std::memcmp(bytes.data(), "OVSP\1\0\0\0", 8), 0);
+    EXPECT_EQ(std::memcmp(bytes.data(), "OVSP\2\0\0\0", 8), 0);
     EXPECT_EQ(static_cast<unsigned char>(bytes[8]) + 256u * static_cast<unsigned char>(bytes[9]),
               bytes.size() - 24);
 }
