@@ -296,6 +296,9 @@ void AtmosphereEffect::_makeSamplers() {
         return sampler;
     };
     _depthSampler = make("OV_ATMOSPHERE_DEPTH_SAMPLER", TEXTURE_ADDRESS::CLAMP);
+    // A mix of an object's depth and the sky's is a place far away. Between texels of equal size the last bit
+    // of a coordinate was enough to draw a black rim around objects.
+    _depthSampler->setFilter(ovGraphics::FILTER::MIN_MAG_MIP_POINT);
     _depthSampler->load();
     _lutSampler = make("OV_ATMOSPHERE_LUT_SAMPLER", TEXTURE_ADDRESS::CLAMP);
     _lutSampler->setFilter(ovGraphics::FILTER::MIN_MAG_MIP_LINEAR);

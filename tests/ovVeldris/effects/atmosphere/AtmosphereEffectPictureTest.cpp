@@ -141,6 +141,31 @@ TEST_P(AtmosphereEffectPictureTest, followsItsFormula) {
     }
 }
 
+// Between an object and the sky beside it there is no depth: a mixed one would be a place far away, with the
+// sky's colour behind the air.
+TEST_P(AtmosphereEffectPictureTest, depthsOfTwoSurfacesAreNotMixed) {
+    look(300.0f, {0.2f, 0.3f, 1.0f});
+    const auto object = makeDepth([](unsigned int, unsigned int) { return 200.0; });
+    const auto nothing = makeDepth([](unsigned int, unsigned int) { return std::nullopt; });
+    const auto edge = makeDepth(
+        [](unsigned int x, unsigned int) { return x < WIDTH / 2 ? std::optional(200.0) : std::nullopt; });
+    const auto color = makeTexture(FloatPicture(1, 1, {0.3f, 0.2f, 0.1f, 1.0f}));
+    const auto effect = makeEffect();
+    effect->setSunPosition(sunAt(30.0));
+    effect->setSourceColorTexture(color.get());
+    effect->setSourceDepthTexture(object.get());
+    ASSERT_TRUE(effect->load());
+    // Three pixels of the target to a texel of the depth.
+    const FloatPicture near = drawEffect(*effect, 3 * WIDTH, 3 * HEIGHT);
+    effect->setSourceDepthTexture(nothing.get());
+    const FloatPicture far = drawEffect(*effect, 3 * WIDTH, 3 * HEIGHT);
+    effect->setSourceDepthTexture(edge.get());
+    const FloatPicture both = drawEffect(*effect, 3 * WIDTH, 3 * HEIGHT);
+    for (unsigned int y = 0; y < 3 * HEIGHT; ++y)
+        for (unsigned int x = 0; x < 3 * WIDTH; ++x)
+            EXPECT_EQ(both.at(x, y), (x < 3 * WIDTH / 2 ? near : far).at(x, y)) << x << " " << y;
+}
+
 TEST_P(AtmosphereEffectPictureTest, dimsAPictureByItsDepth) {
     look(1500.0f, {0.1f, -0.1f, 1.0f});
     const auto colors = makeTexture(makeColors());

@@ -174,6 +174,7 @@ TEST_P(AtmosphereEffectTest, bindsItsTexturesSamplersAndConstants) {
     EXPECT_EQ(int(lut.addressU), 3);
     EXPECT_EQ(int(lut.addressV), 3);
     EXPECT_EQ(sampler(1)->getName(), "OV_ATMOSPHERE_DEPTH_SAMPLER");
+    EXPECT_EQ(int(sampler(1)->getDesc().filter), 0);
     EXPECT_EQ(int(sampler(1)->getDesc().addressU), 3);
     EXPECT_EQ(int(sampler(1)->getDesc().addressV), 3);
     const auto& comparing = sampler(4)->getDesc();
