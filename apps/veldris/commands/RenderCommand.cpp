@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <fmt/format.h>
 #include <ovGraphics/System.h>
+#include <ovGraphics/resources/Camera.h>
 #include <ovImages/Panorama.h>
 #include <ovVeldris/core/NearestName.h>
 #include <veldris/ImageFiles.h>
@@ -23,6 +24,7 @@
 #include <veldris/scene/ModelReading.h>
 #include <veldris/scene/SceneCamera.h>
 #include <veldris/scene/ScenePicture.h>
+#include <veldris/sky/SkyEnvironment.h>
 
 namespace veldris {
 
@@ -63,6 +65,7 @@ struct RenderPlan {
     CameraChoice camera;
     ChainPlan chain;
     std::optional<Vector> background; ///< to be laid behind the picture
+    std::optional<SkyChoice> sky;     ///< the environment, where it is the atmosphere
 };
 
 /// @param example of the numbers, and of what else the option takes
@@ -80,12 +83,12 @@ bool readScene(const RenderOptions& options, SceneSettings& scene, String& error
     if (!readPictureSize(options.size, scene.width, scene.height, error))
         return false;
     scene.shadows = options.shadows;
-    const bool hasBuiltInSky = options.environment == BUILT_IN_SKY;
-    scene.ground = options.ground > 0 || (options.ground == 0 && hasBuiltInSky && options.background.empty());
-    // A photographed environment has its own sun, unless a light is asked for; the built-in sky is made for
-    // one.
+    const bool hasOwnSky = options.environment == BUILT_IN_SKY || isSkyChoice(options.environment);
+    scene.ground = options.ground > 0 || (options.ground == 0 && hasOwnSky && options.background.empty());
+    // A photographed environment has its own sun, unless a light is asked for; the program's skies are made
+    // for one.
     scene.lightBesideEnvironment =
-        options.shadows || options.ground > 0 || !options.light.empty() || hasBuiltInSky;
+        options.shadows || options.ground > 0 || !options.light.empty() || hasOwnSky;
     scene.samples = options.samples;
     if (!checkSamples(options.samples, error))
         return false;
@@ -125,9 +128,26 @@ bool readEffects(const RenderOptions& options, RenderPlan& plan, String& error) 
            planChain(std::move(effects), chain, plan.chain, error);
 }
 
+/// The atmosphere, where it is the environment. Its air is laid over everything else that reads the scene.
+bool readSky(const RenderOptions& options, RenderPlan& plan, String& error) {
+    if (!isSkyChoice(options.environment))
+        return true;
+    if (!readSkyChoice(options.environment, plan.sky.emplace(), error))
+        return false;
+    plan.sky->sun.azimuth += static_cast<double>(options.environmentRotation);
+    PlannedEffect air = planAirOverScene(*plan.sky);
+    if (std::ranges::find(plan.scene.effects, air.kind, &PlannedEffect::kind) != plan.scene.effects.end()) {
+        error =
+            "the environment atmosphere lays its own air over the scene; take the effect 'atmosphere' away.";
+        return false;
+    }
+    plan.scene.effects.push_back(std::move(air));
+    return true;
+}
+
 bool makePlan(const RenderOptions& options, RenderPlan& plan, String& error) {
     if (!readScene(options, plan.scene, error) || !readBackground(options, plan, error) ||
-        !readEffects(options, plan, error))
+        !readEffects(options, plan, error) || !readSky(options, plan, error))
         return false;
     error = checkOutput(options.output).error;
     if (!error.empty())
@@ -183,6 +203,46 @@ ovMemory::UniquePtr<EnvironmentLight> makeEnvironment(Console& console, Session&
     auto light = EnvironmentLight::create(session, panorama.view(), warning, error, console.getShare());
     console.warn(warning);
     return light;
+}
+
+/// What lights a scene from all around and stands behind it.
+struct Surroundings {
+    ovMemory::UniquePtr<EnvironmentLight> image; ///< null for none, and for the atmosphere
+    ovMemory::UniquePtr<SkyEnvironment> sky;
+
+    const EnvironmentLight* getLight() const { return sky ? &sky->getLight() : image.get(); }
+    ovGraphics::Texture* getBehind() const { return sky ? sky->getBehind() : nullptr; }
+};
+
+/// Draws the atmosphere as the camera's height shows it; its sun is the light that nobody chose otherwise.
+bool makeSky(Console& console, Session& session, const RenderPlan& plan, const ovVeldris::Model& model,
+             SceneSettings& scene, Surroundings& surroundings, String& error) {
+    const auto camera = ovGraphics::Camera::create(&session.getGraphics());
+    const float aspect = static_cast<float>(scene.width) / static_cast<float>(scene.height);
+    if (!placeCamera(plan.camera, model.getBoundingBox(), &model, aspect, *camera, error))
+        return false;
+    console.step("filtering");
+    String warning;
+    surroundings.sky = SkyEnvironment::create(session, *plan.sky, camera->getPosition().y, warning, error,
+                                              console.getShare());
+    console.warn(warning);
+    if (!surroundings.sky)
+        return false;
+    scene.lightDirection = scene.lightDirection.value_or(surroundings.sky->getSunDirection());
+    scene.lightColor = scene.lightColor.value_or(surroundings.sky->getSunColor());
+    return true;
+}
+
+/// @param scene gets the sun of an atmosphere
+bool makeSurroundings(Console& console, Session& session, const RenderOptions& options,
+                      const RenderPlan& plan, const ovVeldris::Model& model, SceneSettings& scene,
+                      Surroundings& surroundings, String& error) {
+    if (plan.sky)
+        return makeSky(console, session, plan, model, scene, surroundings, error);
+    const Vector lightDirection =
+        scene.lightDirection.value_or(model.getMaterials().front().material->getLightDirection());
+    surroundings.image = makeEnvironment(console, session, options, lightDirection, error);
+    return error.empty();
 }
 
 /// Takes over what the user's file says of the model's materials.
@@ -249,14 +309,14 @@ ovMemory::UniquePtr<ovGraphics::Texture> drawModel(Console& console, Session& se
     giveModelLight(model);
     if (!readMaterials(console, session, options, model, error))
         return nullptr;
-    const Vector lightDirection =
-        plan.scene.lightDirection.value_or(model.getMaterials().front().material->getLightDirection());
-    const auto environment = makeEnvironment(console, session, options, lightDirection, error);
-    if (!error.empty())
+    SceneSettings scene = plan.scene;
+    Surroundings surroundings;
+    if (!makeSurroundings(console, session, options, plan, model, scene, surroundings, error))
         return nullptr;
     console.step("programs");
-    const auto picture = ScenePicture::create(session, plan.scene, error);
-    if (!picture || !picture->setEnvironment(environment.get()) || !addModel(*picture, model) ||
+    const auto picture = ScenePicture::create(session, scene, error);
+    if (!picture || !picture->setEnvironment(surroundings.getLight(), surroundings.getBehind()) ||
+        !addModel(*picture, model) ||
         !placeCamera(plan.camera, model.getBoundingBox(), &model, picture->getAspect(), picture->getCamera(),
                      error)) {
         error += session.getLogger().take();
@@ -343,7 +403,9 @@ void addRenderCommand(CLI::App& program, Command& command) {
         ->add_option("--environment", options->environment,
                      "panorama, cross or strip (EXR, HDR, PNG, JPEG), a name with {face} for six faces, a "
                      "cube (.dds, .ktx2) "
-                     "such as bake writes, sky for the built-in one, or none")
+                     "such as bake writes, sky for the built-in one, "
+                     "atmosphere:sun=ELEVATION,AZIMUTH[,SETTING=VALUE...] for "
+                     "a clear day with settings of --air of veldris sky, or none")
         ->capture_default_str();
     addEnvironmentOptions(*render, options->reading);
     render

@@ -259,7 +259,7 @@ void ScenePicture::_appendSamplePasses() {
     count->setShader(_count->getShader());
 }
 
-bool ScenePicture::setEnvironment(const EnvironmentLight* environment) {
+bool ScenePicture::setEnvironment(const EnvironmentLight* environment, Texture* behind) {
     constexpr unsigned int AFTER_CLEARING = 1;
     _environment = environment;
     _colorBlock->removePass(_surroundingsPass);
@@ -269,7 +269,7 @@ bool ScenePicture::setEnvironment(const EnvironmentLight* environment) {
         return true;
     _surroundings = ovVeldris::ImageEnvironmentEffect::create(&_session.getSystem());
     _surroundings->setName("surroundings");
-    _surroundings->setSourceTexture(environment->getPanorama());
+    _surroundings->setSourceTexture(behind ? behind : environment->getPanorama());
     _surroundings->setSourceCamera(_camera.get());
     if (!_surroundings->load())
         return false;

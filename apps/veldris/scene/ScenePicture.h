@@ -67,8 +67,9 @@ public:
 
     /// Light from all around for the materials that are lit from now on, also drawn behind the scene; null
     /// (the default): the materials' own environment colour, and the background of the settings. Borrowed.
+    /// @param behind a panorama to draw behind the scene in its place, borrowed; null: the environment's own
     /// @return false after one log line when it cannot be drawn
-    bool setEnvironment(const EnvironmentLight* environment);
+    bool setEnvironment(const EnvironmentLight* environment, ovGraphics::Texture* behind = nullptr);
 
     /// Lights a material. It must be loaded afterwards, and only then added to the queues.
     void light(ovVeldris::PbsMaterial& material);

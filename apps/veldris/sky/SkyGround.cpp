@@ -19,10 +19,14 @@ constexpr double LOWEST_HEIGHT = 1.0;    // metres, likewise
 
 ovImages::Image drawGroundPanorama(const Vector& radiance, double eyeHeight) {
     ovImages::Image panorama(1, ROWS, 4, ovImages::COMPONENT_TYPE::FLOAT, ovImages::COLOR_ENCODING::LINEAR);
-    const double dip = std::acos(PLANET_RADIUS / (PLANET_RADIUS + std::max(LOWEST_HEIGHT, eyeHeight)));
+    // A little above the horizon: the atmosphere finds it in floats, and where it sees ground sooner, black
+    // would show. What is seen of the ground beyond is next to nothing, behind all of the air.
+    constexpr double EXTRA = 1.5 * std::numbers::pi / ROWS;
+    const double horizon =
+        EXTRA - std::acos(PLANET_RADIUS / (PLANET_RADIUS + std::max(LOWEST_HEIGHT, eyeHeight)));
     for (unsigned int row = 0; row < ROWS; ++row) {
         const double latitude = std::numbers::pi * (0.5 - (row + 0.5) / ROWS);
-        const Vector color = latitude < -dip ? radiance : Vector();
+        const Vector color = latitude < horizon ? radiance : Vector();
         panorama.setComponent(0, row, 0, color.x);
         panorama.setComponent(0, row, 1, color.y);
         panorama.setComponent(0, row, 2, color.z);

@@ -6,7 +6,6 @@
 #include <iterator>
 #include <numbers>
 #include <ovGraphics/device/Device.h>
-#include <ovGraphics/resources/Sampler.h>
 #include <ovGraphics/resources/Viewport.h>
 #include <ovVeldris/environment/light/EnvironmentDrawing.h>
 #include <veldris/Session.h>
@@ -76,7 +75,6 @@ SkyPicture::SkyPicture(Session& session, float eyeHeight)
     , _eyeHeight(besideTop(eyeHeight))
     , _air(ovVeldris::AtmosphereEffect::create(&session.getSystem()))
     , _skylight(ovVeldris::AtmosphereEffect::create(&session.getSystem()))
-    , _nearest(ovGraphics::Sampler::create(&session.getGraphics()))
     , _groundEffect(ovVeldris::ImageEnvironmentEffect::create(&session.getSystem()))
     , _camera(ovGraphics::Camera::create(&session.getGraphics())) {}
 
@@ -91,14 +89,12 @@ bool SkyPicture::_load(ovMemory::BufferView<const ovVeldris::SettingAssignment> 
             effect->getSettings().find(assignment.name)->set(*effect, assignment.value);
     }
     _skylight->setDisplaySun(false);
-    _nearest->setFilter(ovGraphics::FILTER::MIN_MAG_MIP_POINT);
     _groundEffect->setName("ground");
-    _groundEffect->setSourceSampler(_nearest.get());
     _groundEffect->setSourceProjection(ovVeldris::IMAGE_ENVIRONMENT_PROJECTION::EQUIRECTANGULAR);
     constexpr bool WITH_ALPHA = true;
     _average = PictureShader::averageSamples(_session.getGraphics(), !WITH_ALPHA);
-    return _average && _setGround({}, _eyeHeight) && _nearest->load() && _groundEffect->load() &&
-           _loadAir(*_air) && _loadAir(*_skylight);
+    return _average && _setGround({}, _eyeHeight) && _groundEffect->load() && _loadAir(*_air) &&
+           _loadAir(*_skylight);
 }
 
 bool SkyPicture::_loadAir(ovVeldris::AtmosphereEffect& effect) {

@@ -73,7 +73,6 @@ private:
     float _eyeHeight;
     ovMemory::UniquePtr<ovVeldris::AtmosphereEffect> _air;
     ovMemory::UniquePtr<ovVeldris::AtmosphereEffect> _skylight; ///< the same without the disc
-    ovMemory::UniquePtr<ovGraphics::Sampler> _nearest;
     ovMemory::UniquePtr<ovVeldris::ImageEnvironmentEffect> _groundEffect;
     ovMemory::UniquePtr<PictureShader> _average;
     ovMemory::UniquePtr<ovGraphics::Camera> _camera;

@@ -15,9 +15,6 @@ using ovMemory::String;
 using skyReference::Three;
 using veldris::SkyPlace;
 
-// Of the size that a slow reference can follow.
-constexpr const char* SMALL_TABLES = "multi-scattering-lut-width=16,multi-scattering-lut-height=16";
-
 class SkyCommandTest : public testing::Test {
 protected:
     Outcome sky(const Buffer<String>& options) {
@@ -59,7 +56,7 @@ SkyPlace brightestOf(const Image& panorama) {
 TEST_F(SkyCommandTest, aViewHoldsTheLightOfTheSlowMarch) {
     const Image picture = draw("view.exr", {"--sun", "12,30", "--camera-height", "500", "--size", "16x12",
                                             "--samples", "1", "--view", "5,35", "--field-of-view", "65",
-                                            "--air", String("mie-g=0.7,") + SMALL_TABLES});
+                                            "--air", String("mie-g=0.7,") + skyReference::SMALL_TABLES});
     ovVeldris::AtmosphereEffectInfo info;
     info.mieG = 0.7f;
     info.sunIlluminanceFactor = 10.0f;

@@ -14,8 +14,6 @@ using namespace veldris;
 using ovMemory::String;
 using skyReference::Three;
 
-constexpr const char* SMALL_TABLES = "multi-scattering-lut-width=16,multi-scattering-lut-height=16";
-
 class SkyPictureTest : public testing::TestWithParam<const char*> {
 protected:
     void SetUp() override {
@@ -73,7 +71,7 @@ TEST_P(SkyPictureTest, viewsAreTheSlowMarch) {
         {"display-sun=false", 20000.0f, {-3.0, 0.0}, {-10.0, 170.0}},
     };
     for (const Case& current : cases) {
-        makeSky(String(SMALL_TABLES) + "," + current.settings, current.eyeHeight, current.sun);
+        makeSky(String(skyReference::SMALL_TABLES) + "," + current.settings, current.eyeHeight, current.sun);
         const FloatPicture picture = draw(current.middle, 16, 12);
         auto info = infoOf(_sky->getAir());
         info.multiScatteringLutWidth = info.multiScatteringLutHeight = 16;
@@ -120,7 +118,7 @@ Three lookUp(const ovImages::Image& panorama, const Three& direction) {
 // A percent: texels of 1.4 degrees are means, and the sky between them is taken to be straight. Near the
 // horizon and the sun it is not.
 TEST_P(SkyPictureTest, panoramasShowWhatViewsShow) {
-    makeSky(String(SMALL_TABLES) + ",display-sun=false", 200.0f, {25.0, 70.0});
+    makeSky(String(skyReference::SMALL_TABLES) + ",display-sun=false", 200.0f, {25.0, 70.0});
     String error;
     const ovImages::Image panorama = _sky->drawPanorama(128, 4, SkyPicture::SUN::AS_SET, error);
     ASSERT_EQ(panorama.getWidth(), 256u) << error;
@@ -147,7 +145,7 @@ TEST_P(SkyPictureTest, panoramasShowWhatViewsShow) {
 }
 
 TEST_P(SkyPictureTest, thePanoramaOfLightHasNoDisc) {
-    makeSky(String(SMALL_TABLES) + ",sun-angular-radius=5", 200.0f, {25.0, 70.0});
+    makeSky(String(skyReference::SMALL_TABLES) + ",sun-angular-radius=5", 200.0f, {25.0, 70.0});
     String error;
     const ovImages::Image light = _sky->drawPanorama(32, 4, SkyPicture::SUN::WITHOUT_DISC, error);
     const ovImages::Image seen = _sky->drawPanorama(32, 4, SkyPicture::SUN::AS_SET, error);
@@ -177,18 +175,18 @@ TEST_P(SkyPictureTest, samplesAreAveraged) {
 }
 
 TEST_P(SkyPictureTest, aSecondSunIsAsDrawnAlone) {
-    makeSky(SMALL_TABLES, 200.0f, {60.0, 0.0});
+    makeSky(skyReference::SMALL_TABLES, 200.0f, {60.0, 0.0});
     String error;
     ASSERT_TRUE(_sky->setSun(directionOf({5.0, 90.0}), error)) << error;
     const FloatPicture moved = draw({0.0, 80.0}, 12, 9);
-    makeSky(SMALL_TABLES, 200.0f, {5.0, 90.0});
+    makeSky(skyReference::SMALL_TABLES, 200.0f, {5.0, 90.0});
     EXPECT_EQ(moved.pixels, draw({0.0, 80.0}, 12, 9).pixels);
 }
 
 TEST_P(SkyPictureTest, everythingIsANumberAtTheEnds) {
     String error;
     for (const float height : {-1e9f, 0.0f, 99998.0f, 99999.9f, 100000.0f, 100000.1f, 1e9f}) {
-        makeSky(SMALL_TABLES, height, {90.0, 0.0});
+        makeSky(skyReference::SMALL_TABLES, height, {90.0, 0.0});
         for (const double elevation : {90.0, 0.0, -90.0}) {
             ASSERT_TRUE(_sky->setSun(directionOf({elevation, 0.0}), error)) << error;
             for (const SkyPlace& middle : {SkyPlace{90.0, 0.0}, SkyPlace{-90.0, 0.0}, SkyPlace{0.0, 0.0}})
@@ -201,7 +199,7 @@ TEST_P(SkyPictureTest, everythingIsANumberAtTheEnds) {
 }
 
 TEST_P(SkyPictureTest, whatIsTooLargeIsTold) {
-    makeSky(SMALL_TABLES, 200.0f, {60.0, 0.0});
+    makeSky(skyReference::SMALL_TABLES, 200.0f, {60.0, 0.0});
     const unsigned int limit = _session.getGraphics().getDeviceInfo()->maxTextureSize;
     const String most = std::to_string(limit);
     String error;

@@ -9,6 +9,9 @@ namespace skyReference {
 
 using namespace atmosphereReference;
 
+/// Settings of tables of a size that a slow reference can follow.
+inline constexpr const char* SMALL_TABLES = "multi-scattering-lut-width=16,multi-scattering-lut-height=16";
+
 /// A table by the cosine of the sun's zenith angle and by height.
 inline FloatPicture drawTable(unsigned int width, unsigned int height,
                               const std::function<Three(const Three& origin, const Three& toSun)>& texel) {
@@ -87,7 +90,7 @@ struct Sky {
     /// Whether a direction passes the horizon so closely that floats may take either side.
     bool isNearHorizon(const Three& direction) const {
         const Ray ray = startRay(air, eyeHeight, direction, {});
-        return std::abs(clearanceOf(ray.origin, direction)) < 0.05;
+        return std::abs(clearanceOf(ray.origin, direction)) < 0.1;
     }
 };
 
