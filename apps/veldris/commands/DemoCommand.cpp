@@ -18,6 +18,7 @@
 #include <veldris/demo/EnvironmentScenes.h>
 #include <veldris/demo/GalleryPage.h>
 #include <veldris/demo/MaterialScenes.h>
+#include <veldris/demo/SceneEffectScenes.h>
 #include <veldris/effects/EffectChain.h>
 
 namespace veldris {
@@ -54,7 +55,8 @@ bool planScene(ovMemory::StringView text, ChainPlan& plan, String& error) {
 /// The names of all pictures.
 Buffer<ovMemory::StringView> pictureNames() {
     Buffer<ovMemory::StringView> names;
-    for (const auto& some : {effectPictureNames(), materialPictureNames(), environmentPictureNames()})
+    for (const auto& some :
+         {effectPictureNames(), materialPictureNames(), environmentPictureNames(), sceneEffectPictureNames()})
         names.insert(names.end(), some.begin(), some.end());
     for (const ovVeldris::EffectKind& kind : ovVeldris::effectKinds())
         for (const ovVeldris::EffectExample& example : kind.examples)
@@ -154,7 +156,9 @@ bool drawScenes(Session& session, const DemoOptions& options, Buffer<GalleryEntr
     return (!isAnyWanted(materialPictureNames()) ||
             drawMaterialPictures(session, options.width, options.height, options.only, write, error)) &&
            (!isAnyWanted(environmentPictureNames()) ||
-            drawEnvironmentPictures(session, options.width, options.height, options.only, write, error));
+            drawEnvironmentPictures(session, options.width, options.height, options.only, write, error)) &&
+           (!isAnyWanted(sceneEffectPictureNames()) ||
+            drawSceneEffectPictures(session, options.width, options.height, options.only, write, error));
 }
 
 bool drawGallery(Session& session, const DemoOptions& options, Buffer<GalleryEntry>& entries, String& error) {

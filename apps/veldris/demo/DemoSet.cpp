@@ -22,19 +22,25 @@ DemoSet::~DemoSet() = default;
 
 void DemoSet::addSphere(ovGraphics::Mesh& mesh, const Vector& position, float radius,
                         const Configure& configure) {
-    _box.add(ovGraphics::BoundingBox::newCube(position, 2.0f * radius));
-    _add(mesh, position, radius, configure);
+    addShape(mesh, position, {radius, radius, radius}, configure);
+}
+
+void DemoSet::addShape(ovGraphics::Mesh& mesh, const Vector& position, const Vector& half,
+                       const Configure& configure) {
+    _box.add(ovGraphics::BoundingBox::newBox(position, half * 2.0f));
+    _add(mesh, position, half, configure);
 }
 
 void DemoSet::addGround(ovGraphics::Mesh& mesh, float height, float halfSide, const Configure& configure) {
-    _add(mesh, {0.0f, height, 0.0f}, halfSide, configure);
+    _add(mesh, {0.0f, height, 0.0f}, {halfSide, halfSide, halfSide}, configure);
 }
 
 ovGraphics::Texture* DemoSet::keep(ovMemory::UniquePtr<ovGraphics::Texture> texture) {
     return _textures.emplace_back(std::move(texture)).get();
 }
 
-void DemoSet::_add(ovGraphics::Mesh& mesh, const Vector& position, float scale, const Configure& configure) {
+void DemoSet::_add(ovGraphics::Mesh& mesh, const Vector& position, const Vector& scale,
+                   const Configure& configure) {
     auto material = PbsMaterial::create(&_session.getSystem());
     material->setName("demo material " + std::to_string(_materials.size()));
     material->setReconstructBinormals(false);
@@ -44,7 +50,7 @@ void DemoSet::_add(ovGraphics::Mesh& mesh, const Vector& position, float scale, 
     _loaded = material->load() && _loaded;
     auto node = ovGraphics::Node::create(&_graphics);
     node->setPosition(position);
-    node->setScale({scale, scale, scale});
+    node->setScale(scale);
     _scene.getSolid().addEntity(&mesh, material->getShader(), node.get());
     // Nothing in the demo blends: alpha means holes.
     const auto alphaMode =

@@ -38,6 +38,9 @@ public:
     /// Adds an object that is to be seen whole, with its shadow. @param mesh of radius 1 around the origin
     void addSphere(ovGraphics::Mesh& mesh, const ovMaths::Vector& position, float radius,
                    const Configure& configure);
+    /// The same of any shape. @param mesh within a cube of side 2 around the origin @param half its size
+    void addShape(ovGraphics::Mesh& mesh, const ovMaths::Vector& position, const ovMaths::Vector& half,
+                  const Configure& configure);
     /// Adds an object that the picture need not show whole.
     void addGround(ovGraphics::Mesh& mesh, float height, float halfSide, const Configure& configure);
     /// A texture that lives as long as the set.
@@ -47,7 +50,7 @@ public:
     bool draw(const CameraChoice& camera, MaterialPicture& picture, ovMemory::String& error);
 
 private:
-    void _add(ovGraphics::Mesh& mesh, const ovMaths::Vector& position, float scale,
+    void _add(ovGraphics::Mesh& mesh, const ovMaths::Vector& position, const ovMaths::Vector& scale,
               const Configure& configure);
 
     Session& _session;

@@ -7,6 +7,7 @@
 #include <ovGraphics/scene/Mesh.h>
 #include <ovGraphics/scene/Shapes.h>
 #include <veldris/Session.h>
+#include <veldris/demo/PaintedTexture.h>
 #include <veldris/scene/BuiltInSky.h>
 #include <veldris/scene/EnvironmentLight.h>
 
@@ -32,29 +33,6 @@ struct Stock {
     ovMemory::UniquePtr<Mesh> sphere;
     ovMemory::UniquePtr<Mesh> ground;
 };
-
-/// A texture of side x side texels, each computed from its place.
-ovMemory::UniquePtr<Texture> paint(ovGraphics::System& graphics, unsigned int side, bool isColor,
-                                   const std::function<Vector(float u, float v)>& color) {
-    ovImages::Image image(side, side, 4, ovImages::COMPONENT_TYPE::UINT8,
-                          isColor ? ovImages::COLOR_ENCODING::SRGB : ovImages::COLOR_ENCODING::LINEAR);
-    for (unsigned int y = 0; y < side; ++y) {
-        for (unsigned int x = 0; x < side; ++x) {
-            const Vector value = color((static_cast<float>(x) + 0.5f) / static_cast<float>(side),
-                                       (static_cast<float>(y) + 0.5f) / static_cast<float>(side));
-            const float components[] = {value.x, value.y, value.z, value.w};
-            for (unsigned int channel = 0; channel < 4; ++channel)
-                image.setComponent(x, y, channel, components[channel]);
-        }
-    }
-    auto texture = Texture::create(&graphics);
-    texture->setFromImage(image.view());
-    texture->setMipCount(0);
-    texture->setMightManuallyGenerateMip(true);
-    if (texture->load())
-        texture->generateMips();
-    return texture;
-}
 
 CameraChoice orbit(float azimuth, float elevation) {
     CameraChoice choice;
@@ -134,8 +112,8 @@ Vector brickNormal(float u, float v) {
 
 void buildGround(DemoSet& set, const Stock& stock, CameraChoice& camera) {
     constexpr unsigned int SIDE = 512;
-    Texture* color = set.keep(paint(set.getGraphics(), SIDE, true, brickColor));
-    Texture* normals = set.keep(paint(set.getGraphics(), SIDE, false, brickNormal));
+    Texture* color = set.keep(paintTexture(set.getGraphics(), SIDE, true, brickColor));
+    Texture* normals = set.keep(paintTexture(set.getGraphics(), SIDE, false, brickNormal));
     set.addGround(*stock.ground, -1.0f, 14.0f, [&](PbsMaterial& material) {
         material.setAlbedoTexture(color, THREE_CHANNEL_PACK::RGB);
         material.setNormalMapTexture(normals, THREE_CHANNEL_PACK::RGB);
@@ -169,7 +147,7 @@ Vector packedProperties(float u, float v) {
 
 void buildPacking(DemoSet& set, const Stock& stock, CameraChoice& camera) {
     constexpr unsigned int SIDE = 512;
-    Texture* packed = set.keep(paint(set.getGraphics(), SIDE, false, packedProperties));
+    Texture* packed = set.keep(paintTexture(set.getGraphics(), SIDE, false, packedProperties));
     using Configure = void (*)(PbsMaterial&, Texture*);
     const Configure single[] = {[](PbsMaterial& material, Texture* texture) {
                                     material.setMetalnessTexture(texture, ONE_CHANNEL_PACK::R);

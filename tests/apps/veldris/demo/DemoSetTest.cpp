@@ -48,6 +48,22 @@ TEST_F(DemoSetTest, framesItsSpheres) {
     EXPECT_NE(kept, nullptr);
 }
 
+TEST_F(DemoSetTest, shapesAreStretched) {
+    veldris::DemoSet set(_session, *_scene);
+    set.addShape(*_sphere, {0.0f, 0.0f, 0.0f}, {4.0f, 1.0f, 1.0f}, [](ovVeldris::PbsMaterial& material) {
+        material.setAlbedoColor({0.5f, 0.5f, 0.5f});
+    });
+    veldris::CameraChoice front;
+    front.azimuth = front.elevation = 0.0f;
+    veldris::MaterialPicture picture;
+    ovMemory::String error;
+    ASSERT_TRUE(set.draw(front, picture, error)) << error;
+    const auto image = picture.texture->convertToImage();
+    const auto isSeen = [&](unsigned int x, unsigned int y) { return image->getComponent(x, y, 0) > 0.0f; };
+    EXPECT_TRUE(isSeen(16, 16) && isSeen(5, 16) && isSeen(27, 16)) << "wide";
+    EXPECT_FALSE(isSeen(16, 9) || isSeen(16, 23) || isSeen(0, 16)) << "low, and whole";
+}
+
 TEST_F(DemoSetTest, aMaterialThatCannotBeLoadedFailsThePicture) {
     veldris::DemoSet set(_session, *_scene);
     set.addGround(*_sphere, 0.0f, 1.0f, [](ovVeldris::PbsMaterial& material) {

@@ -1,0 +1,104 @@
+#include <veldris/demo/Terrain.h>
+
+#include <algorithm>
+#include <cmath>
+#include <ovGraphics/scene/Mesh.h>
+
+namespace veldris {
+
+using ovMaths::Vector;
+
+namespace {
+
+constexpr unsigned int OCTAVES = 7;
+constexpr float FIRST_FREQUENCY = 2.6f; // ridges along a side, about
+constexpr float LACUNARITY = 2.03f;
+constexpr float GAIN = 0.48f;
+constexpr float VALLEY_HALF_WIDTH = 0.16f;
+
+/// 0 to 1 for a corner of the lattice (the finaliser of MurmurHash3).
+float cornerNoise(int x, int z) {
+    uint32_t h = static_cast<uint32_t>(x) * 0x9E3779B1u + static_cast<uint32_t>(z) * 0x85EBCA77u;
+    h = (h ^ (h >> 16)) * 0x85EBCA6Bu;
+    h = (h ^ (h >> 13)) * 0xC2B2AE35u;
+    return static_cast<float>((h ^ (h >> 16)) >> 8) / 16777216.0f;
+}
+
+float smoothNoise(float x, float z) {
+    const float left = std::floor(x);
+    const float near = std::floor(z);
+    const auto fade = [](float t) { return t * t * t * (t * (t * 6.0f - 15.0f) + 10.0f); };
+    const float u = fade(x - left);
+    const float v = fade(z - near);
+    const auto corner = [&](int i, int j) {
+        return cornerNoise(static_cast<int>(left) + i, static_cast<int>(near) + j);
+    };
+    return std::lerp(std::lerp(corner(0, 0), corner(1, 0), u), std::lerp(corner(0, 1), corner(1, 1), u), v);
+}
+
+} // namespace
+
+float terrainHeight(float x, float z) {
+    float sum = 0.0f;
+    float most = 0.0f;
+    float amplitude = 1.0f;
+    float weight = 1.0f;
+    float frequency = FIRST_FREQUENCY;
+    for (unsigned int octave = 0; octave < OCTAVES; ++octave) {
+        const float offset = 17.3f * static_cast<float>(octave);
+        const float noise = smoothNoise(x * frequency + offset, z * frequency - offset);
+        const float ridge = 1.0f - std::abs(2.0f * noise - 1.0f);
+        // What lies high gets the finer ridges; valleys stay smooth.
+        sum += ridge * ridge * weight * amplitude;
+        most += amplitude;
+        weight = std::clamp(ridge * 1.6f, 0.0f, 1.0f);
+        amplitude *= GAIN;
+        frequency *= LACUNARITY;
+    }
+    const float bend = 0.12f * std::sin(4.0f * z);
+    const float beside =
+        std::clamp((std::abs(x - bend) - 0.3f * VALLEY_HALF_WIDTH) / VALLEY_HALF_WIDTH, 0.0f, 3.0f);
+    const float valley = 1.0f - std::exp(-0.9f * beside * beside);
+    return std::clamp(sum / most * (0.12f + 0.88f * valley), 0.0f, 1.0f);
+}
+
+Vector terrainNormal(float x, float z, float heightScale) {
+    constexpr float STEP = 1.0f / 1024.0f;
+    const float slopeX = (terrainHeight(x + STEP, z) - terrainHeight(x - STEP, z)) / (2.0f * STEP);
+    const float slopeZ = (terrainHeight(x, z + STEP) - terrainHeight(x, z - STEP)) / (2.0f * STEP);
+    return Vector(-heightScale * slopeX, 1.0f, -heightScale * slopeZ).getNormalizedVec3();
+}
+
+ovMemory::UniquePtr<ovGraphics::Mesh> makeTerrain(ovGraphics::System& graphics, unsigned int columns,
+                                                  unsigned int rows) {
+    ovMemory::Buffer<Vector> vertices;
+    ovMemory::Buffer<uint32_t> indices;
+    for (unsigned int row = 0; row < rows; ++row) {
+        for (unsigned int column = 0; column < columns; ++column) {
+            const float u = static_cast<float>(column) / static_cast<float>(columns - 1);
+            const float v = static_cast<float>(row) / static_cast<float>(rows - 1);
+            const float x = 2.0f * u - 1.0f;
+            const float z = 1.0f - 2.0f * v;
+            vertices.insert(vertices.end(),
+                            {Vector(x, terrainHeight(x, z), z), terrainNormal(x, z, 1.0f), Vector(u, v)});
+            if (column + 1 == columns || row + 1 == rows)
+                continue;
+            const uint32_t topLeft = row * columns + column;
+            const uint32_t bottomLeft = topLeft + columns;
+            indices.insert(indices.end(), {topLeft, topLeft + 1, bottomLeft + 1, // clockwise
+                                           topLeft, bottomLeft + 1, bottomLeft});
+        }
+    }
+    ovGraphics::VertexComposition composition;
+    composition.addAttribute("POSITION", ovGraphics::FORMAT::R32G32B32_FLOAT);
+    composition.addAttribute("NORMAL", ovGraphics::FORMAT::R32G32B32_FLOAT);
+    composition.addAttribute("TEXCOORD", ovGraphics::FORMAT::R32G32_FLOAT);
+    auto mesh = ovGraphics::Mesh::create(&graphics);
+    mesh->setName("terrain");
+    mesh->setVertexComposition(composition);
+    mesh->fillPackedFromUnpacked(vertices);
+    mesh->setNewIndexArray(std::move(indices));
+    return mesh->load() ? std::move(mesh) : nullptr;
+}
+
+} // namespace veldris
