@@ -19,6 +19,7 @@
 #include <veldris/demo/GalleryPage.h>
 #include <veldris/demo/MaterialScenes.h>
 #include <veldris/demo/SceneEffectScenes.h>
+#include <veldris/demo/SkyScenes.h>
 #include <veldris/effects/EffectChain.h>
 
 namespace veldris {
@@ -52,12 +53,26 @@ bool planScene(ovMemory::StringView text, ChainPlan& plan, String& error) {
     return planEffects(text, effects, error) && planChain(std::move(effects), {}, plan, error);
 }
 
+/// Pictures of scenes that share what they are made of.
+struct SceneSet {
+    Buffer<ovMemory::StringView> (*names)();
+    bool (*draw)(Session& session, unsigned int width, unsigned int height, ovMemory::StringView only,
+                 const TakePicture& take, String& error);
+};
+constexpr SceneSet SCENE_SETS[] = {{materialPictureNames, drawMaterialPictures},
+                                   {environmentPictureNames, drawEnvironmentPictures},
+                                   {sceneEffectPictureNames, drawSceneEffectPictures},
+                                   {skyPictureNames, drawSkyPictures}};
+
 /// The names of all pictures.
 Buffer<ovMemory::StringView> pictureNames() {
     Buffer<ovMemory::StringView> names;
-    for (const auto& some :
-         {effectPictureNames(), materialPictureNames(), environmentPictureNames(), sceneEffectPictureNames()})
+    const auto add = [&](const Buffer<ovMemory::StringView>& some) {
         names.insert(names.end(), some.begin(), some.end());
+    };
+    add(effectPictureNames());
+    for (const SceneSet& set : SCENE_SETS)
+        add(set.names());
     for (const ovVeldris::EffectKind& kind : ovVeldris::effectKinds())
         for (const ovVeldris::EffectExample& example : kind.examples)
             names.push_back(example.name);
@@ -153,12 +168,10 @@ bool drawScenes(Session& session, const DemoOptions& options, Buffer<GalleryEntr
     const auto isAnyWanted = [&](const Buffer<ovMemory::StringView>& names) {
         return std::ranges::any_of(names, [&](ovMemory::StringView name) { return isWanted(options, name); });
     };
-    return (!isAnyWanted(materialPictureNames()) ||
-            drawMaterialPictures(session, options.width, options.height, options.only, write, error)) &&
-           (!isAnyWanted(environmentPictureNames()) ||
-            drawEnvironmentPictures(session, options.width, options.height, options.only, write, error)) &&
-           (!isAnyWanted(sceneEffectPictureNames()) ||
-            drawSceneEffectPictures(session, options.width, options.height, options.only, write, error));
+    return std::ranges::all_of(SCENE_SETS, [&](const SceneSet& set) {
+        return !isAnyWanted(set.names()) ||
+               set.draw(session, options.width, options.height, options.only, write, error);
+    });
 }
 
 bool drawGallery(Session& session, const DemoOptions& options, Buffer<GalleryEntry>& entries, String& error) {
