@@ -1,6 +1,7 @@
 #include <veldris/effects/SceneResources.h>
 
 #include <algorithm>
+#include <fmt/format.h>
 
 namespace veldris {
 
@@ -41,6 +42,23 @@ bool readAny(const ovMemory::Buffer<PlannedEffect>& effects, SCENE_INPUT input) 
     return std::ranges::any_of(effects, [input](const PlannedEffect& effect) {
         return effect.reading && effect.reading->reads(input);
     });
+}
+
+ovMemory::String checkView(const ovMemory::Buffer<PlannedEffect>& effects, bool isOrthographic) {
+    for (const PlannedEffect& effect : effects) {
+        if (!isOrthographic || !effect.reading->reads(SCENE_INPUT::DEPTH))
+            continue;
+        const auto other =
+            std::ranges::find_if(effect.kind->sceneReadings, [](const ovVeldris::SceneReading& reading) {
+                return !reading.reads(SCENE_INPUT::DEPTH);
+            });
+        return fmt::format(
+            "'{}' reads the depth of a perspective view, and the camera's is orthographic; take "
+            "another camera{}.",
+            effect.kind->getName(),
+            other == effect.kind->sceneReadings.end() ? "" : fmt::format(", or reads={}", other->name));
+    }
+    return {};
 }
 
 void bindScene(const PlannedEffect& planned, const SceneResources& scene, ovVeldris::Effect& effect) {

@@ -19,6 +19,11 @@ struct SceneResources {
 /// Whether any of some effects reads something.
 bool readAny(const ovMemory::Buffer<PlannedEffect>& effects, ovVeldris::SCENE_INPUT input);
 
+/// What keeps effects from reading a scene as a camera sees it: a depth buffer is read as of a perspective
+/// view.
+/// @return one line, or nothing
+ovMemory::String checkView(const ovMemory::Buffer<PlannedEffect>& effects, bool isOrthographic);
+
 /// Gives an effect what it reads of a scene, but for what its author has written.
 void bindScene(const PlannedEffect& planned, const SceneResources& scene, ovVeldris::Effect& effect);
 

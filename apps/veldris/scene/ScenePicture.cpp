@@ -312,6 +312,9 @@ void ScenePicture::fitShadow(const BoundingBox& box) {
 }
 
 ovMemory::UniquePtr<Texture> ScenePicture::draw(String& warning, String& error) {
+    error = checkView(_settings.effects, _camera->isOrthographic());
+    if (!error.empty())
+        return nullptr;
     auto picture = makeTarget(_session.getGraphics(), "picture", FORMAT::R32G32B32A32_FLOAT, _settings.width,
                               _settings.height);
     _averageBlock->setTarget(0, picture.get());

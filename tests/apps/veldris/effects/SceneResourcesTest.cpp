@@ -93,4 +93,21 @@ TEST(SceneResourcesOfEffectsTest, whatIsReadIsWhatAnyReads) {
     EXPECT_FALSE(veldris::readAny({}, SCENE_INPUT::DEPTH));
 }
 
+TEST(SceneResourcesOfEffectsTest, depthIsReadOfPerspectiveViews) {
+    const auto check = [](const char* list, bool isOrthographic) {
+        Buffer<PlannedEffect> effects;
+        String error;
+        EXPECT_TRUE(veldris::planEffects(list, effects, error)) << error;
+        return veldris::checkView(effects, isOrthographic);
+    };
+    EXPECT_EQ(check("ssao;atmosphere", false), "");
+    EXPECT_EQ(check("ssao:reads=positions-and-normals", true), "");
+    EXPECT_EQ(check("ssao:reads=positions;ssao", true),
+              "'ssao' reads the depth of a perspective view, and the camera's is orthographic; take another "
+              "camera, or reads=positions.");
+    EXPECT_EQ(check("atmosphere", true),
+              "'atmosphere' reads the depth of a perspective view, and the camera's "
+              "is orthographic; take another camera.");
+}
+
 } // namespace

@@ -332,3 +332,17 @@ TEST_P(SceneEffectsTest, whatIsNoNumberBehindTheEffectsIsCounted) {
     EXPECT_NE(_warning.find(" components of the picture are not numbers and were made black."), _warning.npos)
         << _warning;
 }
+
+TEST_P(SceneEffectsTest, viewsWithoutPerspectiveHaveOcclusionOfPositionsAlone) {
+    const auto picture = makePicture("ssao");
+    picture->getCamera().setOrthographic(6.0f, 6.0f, NEAR_PLANE, FAR_PLANE);
+    String error;
+    EXPECT_EQ(picture->draw(_warning, error), nullptr);
+    EXPECT_NE(error.find("'ssao' reads the depth of a perspective view"), error.npos) << error;
+    const auto ofPositions = makePicture("ssao:reads=positions,sampling-radius=0.6,"
+                                         "occlusion-drives-alpha=false");
+    ofPositions->getCamera().setOrthographic(6.0f, 6.0f, NEAR_PLANE, FAR_PLANE);
+    // The ground is a line: the wall is open but beside it.
+    const FloatPicture open = draw(*ofPositions);
+    EXPECT_EQ(open.at(16, 6)[0], 1.0f);
+}
