@@ -25,9 +25,8 @@ using ovMemory::UniquePtr;
 namespace {
 
 constexpr auto PICTURE_FORMAT = ovGraphics::FORMAT::R32G32B32A32_FLOAT;
-constexpr unsigned int STRIP_SAMPLES = 1u << 21; // 32 MB
-constexpr unsigned int MAX_FACE_SIDE = 4096;     // pictures have 2 GiB at most, and so have six faces
-constexpr float RIGHT_ANGLE = 90.0f;             // degrees
+constexpr unsigned int MAX_FACE_SIDE = 4096; // pictures have 2 GiB at most, and so have six faces
+constexpr float RIGHT_ANGLE = 90.0f;         // degrees
 
 /// What a face of a cube sees, in Direct3D's order and layout.
 struct Face {
@@ -230,7 +229,7 @@ bool SkyPicture::_drawSamples(const ovVeldris::AtmosphereEffect& air, const SkyV
     ovGraphics::System& graphics = _session.getGraphics();
     const unsigned int scale = scaleOf(view.samples);
     const unsigned int rows =
-        std::clamp(STRIP_SAMPLES / (view.width * view.samples), 1u, view.height); // pixels
+        std::clamp(view.stripSamples / (view.width * view.samples), 1u, view.height); // pixels
     const auto samples = makeTarget(graphics, "samples", PICTURE_FORMAT, view.width * scale, rows * scale);
     if (!samples)
         return false;

@@ -21,6 +21,8 @@ struct SkyView {
     unsigned int width = 1280;                   ///< pixels
     unsigned int height = 720;                   ///< pixels
     unsigned int samples = 1;                    ///< of a pixel, the square of a whole number
+    /// Samples that are drawn at once, in whole rows: 16 bytes each.
+    unsigned int stripSamples = 1u << 21;
 };
 
 /// The air of a planet over a dull ground in the colour of its albedo, which the sun and the sky light. The

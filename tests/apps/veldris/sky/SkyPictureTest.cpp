@@ -174,6 +174,24 @@ TEST_P(SkyPictureTest, samplesAreAveraged) {
             }
 }
 
+TEST_P(SkyPictureTest, stripsMakeTheSamePictureAsAWholeDoes) {
+    makeSky(skyReference::SMALL_TABLES, 500.0f, {20.0, 0.0});
+    SkyView view = {.direction = directionOf({5.0, 20.0}), .width = 13, .height = 11, .samples = 4};
+    String error;
+    const auto whole = _sky->drawView(view, error);
+    view.stripSamples = 13 * 4 * 3 + 5; // three rows, and two at the end
+    const auto inStrips = _sky->drawView(view, error);
+    ASSERT_TRUE(whole && inStrips) << error;
+    const FloatPicture expected = toFloats(*whole->convertToImage());
+    const FloatPicture drawn = toFloats(*inStrips->convertToImage());
+    for (std::size_t i = 0; i < drawn.pixels.size(); ++i)
+        for (unsigned int channel = 0; channel < 3;
+             ++channel) // the last bits of a place hang on its viewport
+            EXPECT_NEAR(drawn.pixels[i][channel], expected.pixels[i][channel],
+                        1e-4 * expected.pixels[i][channel])
+                << i;
+}
+
 TEST_P(SkyPictureTest, aSecondSunIsAsDrawnAlone) {
     makeSky(skyReference::SMALL_TABLES, 200.0f, {60.0, 0.0});
     String error;
