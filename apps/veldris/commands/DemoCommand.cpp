@@ -20,6 +20,7 @@
 #include <veldris/demo/MaterialScenes.h>
 #include <veldris/demo/SceneEffectScenes.h>
 #include <veldris/demo/SkyScenes.h>
+#include <veldris/demo/poster/PosterScene.h>
 #include <veldris/effects/EffectChain.h>
 
 namespace veldris {
@@ -62,7 +63,8 @@ struct SceneSet {
 constexpr SceneSet SCENE_SETS[] = {{materialPictureNames, drawMaterialPictures},
                                    {environmentPictureNames, drawEnvironmentPictures},
                                    {sceneEffectPictureNames, drawSceneEffectPictures},
-                                   {skyPictureNames, drawSkyPictures}};
+                                   {skyPictureNames, drawSkyPictures},
+                                   {posterNames, drawPoster}};
 
 /// The names of all pictures.
 Buffer<ovMemory::StringView> pictureNames() {
@@ -151,10 +153,10 @@ bool drawComparisons(Session& session, const ovImages::ImageView& scene, const D
 }
 
 bool drawScenes(Session& session, const DemoOptions& options, Buffer<GalleryEntry>& entries, String& error) {
-    ChainPlan plan;
-    if (!planScene(DEFAULT_TONE_MAPPING, plan, error))
-        return false;
     const auto write = [&](MaterialPicture& picture, String& reason) {
+        ChainPlan plan;
+        if (!planScene(picture.effects, plan, reason))
+            return false;
         const ChainResult mapped = runChain(session, std::move(picture.texture), plan);
         reason = mapped.error;
         entries.push_back(demoEntry(picture.name, picture.caption));

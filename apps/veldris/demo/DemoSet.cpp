@@ -28,19 +28,21 @@ void DemoSet::addSphere(ovGraphics::Mesh& mesh, const Vector& position, float ra
 void DemoSet::addShape(ovGraphics::Mesh& mesh, const Vector& position, const Vector& half,
                        const Configure& configure) {
     _box.add(ovGraphics::BoundingBox::newBox(position, half * 2.0f));
-    _add(mesh, position, half, configure);
+    const Placement placement = {position, half};
+    addCopies(mesh, {&placement, 1}, configure);
 }
 
 void DemoSet::addGround(ovGraphics::Mesh& mesh, float height, float halfSide, const Configure& configure) {
-    _add(mesh, {0.0f, height, 0.0f}, {halfSide, halfSide, halfSide}, configure);
+    const Placement placement = {{0.0f, height, 0.0f}, {halfSide, halfSide, halfSide}};
+    addCopies(mesh, {&placement, 1}, configure);
 }
 
 ovGraphics::Texture* DemoSet::keep(ovMemory::UniquePtr<ovGraphics::Texture> texture) {
     return _textures.emplace_back(std::move(texture)).get();
 }
 
-void DemoSet::_add(ovGraphics::Mesh& mesh, const Vector& position, const Vector& scale,
-                   const Configure& configure) {
+void DemoSet::addCopies(ovGraphics::Mesh& mesh, ovMemory::BufferView<const Placement> placements,
+                        const Configure& configure) {
     auto material = PbsMaterial::create(&_session.getSystem());
     material->setName("demo material " + std::to_string(_materials.size()));
     material->setReconstructBinormals(false);
@@ -48,26 +50,36 @@ void DemoSet::_add(ovGraphics::Mesh& mesh, const Vector& position, const Vector&
     configure(*material);
     // Noted and told when drawing: adding objects has no error to return.
     _loaded = material->load() && _loaded;
-    auto node = ovGraphics::Node::create(&_graphics);
-    node->setPosition(position);
-    node->setScale(scale);
-    _scene.getSolid().addEntity(&mesh, material->getShader(), node.get());
+    for (const Placement& placement : placements) {
+        auto node = ovGraphics::Node::create(&_graphics);
+        node->setPosition(placement.position);
+        node->setScale(placement.half);
+        ovMaths::Quaternion turn;
+        ovMaths::Quaternion lean;
+        turn.setFromAxisAngle({0.0f, 1.0f, 0.0f}, placement.turn);
+        lean.setFromAxisAngle({1.0f, 0.0f, 0.0f}, placement.lean);
+        node->setOrientation(turn * lean);
+        _scene.getSolid().addEntity(&mesh, material->getShader(), node.get());
+        _nodes.push_back(std::move(node));
+    }
     // Nothing in the demo blends: alpha means holes.
     const auto alphaMode =
         material->getAlphaTexture() ? ovGraphics::GLTF_ALPHA_MODE::MASK : ovGraphics::GLTF_ALPHA_MODE::OPAQUE;
     _loaded = _scene.prepareSurface(*material, alphaMode) && _loaded;
-    _nodes.push_back(std::move(node));
     _materials.push_back(std::move(material));
 }
 
 bool DemoSet::draw(const CameraChoice& camera, MaterialPicture& picture, String& error) {
     _scene.fitShadow(_box);
+    return placeCamera(camera, _box, nullptr, _scene.getAspect(), _scene.getCamera(), error) &&
+           drawAsPlaced(picture, error);
+}
+
+bool DemoSet::drawAsPlaced(MaterialPicture& picture, String& error) {
     if (!_loaded) {
         error = _session.getLogger().take();
         return false;
     }
-    if (!placeCamera(camera, _box, nullptr, _scene.getAspect(), _scene.getCamera(), error))
-        return false;
     String warning;
     picture.texture = _scene.draw(warning, error);
     picture.passes = _scene.getTimings();

@@ -3,6 +3,7 @@
 
 #include <functional>
 #include <ovGraphics/resources/Texture.h>
+#include <veldris/effects/EffectPlan.h>
 #include <veldris/scene/SceneCamera.h>
 #include <veldris/scene/ScenePicture.h>
 
@@ -20,6 +21,15 @@ struct MaterialPicture {
     ovMemory::UniquePtr<ovGraphics::Texture> texture; ///< of four floats
     /// Those that drew it; none of a picture that was put together.
     ovMemory::Buffer<ovGraphics::PassTiming> passes = {};
+    ovMemory::StringView effects = DEFAULT_TONE_MAPPING; ///< those that show it
+};
+
+/// Where a copy of an object stands.
+struct Placement {
+    ovMaths::Vector position;
+    ovMaths::Vector half{1.0f, 1.0f, 1.0f}; ///< half its size
+    float turn = 0.0f;                      ///< about +y, radians
+    float lean = 0.0f;                      ///< then about +x, radians
 };
 
 /// Receives a picture and may take its texture. @return false, with one line in error, to draw no more
@@ -43,16 +53,18 @@ public:
                   const Configure& configure);
     /// Adds an object that the picture need not show whole.
     void addGround(ovGraphics::Mesh& mesh, float height, float halfSide, const Configure& configure);
+    /// Adds copies of an object with one material, which the picture need not show whole either.
+    void addCopies(ovGraphics::Mesh& mesh, ovMemory::BufferView<const Placement> placements,
+                   const Configure& configure);
     /// A texture that lives as long as the set.
     ovGraphics::Texture* keep(ovMemory::UniquePtr<ovGraphics::Texture> texture);
 
     /// Points camera and light at the spheres and draws. @return false with one line in error
     bool draw(const CameraChoice& camera, MaterialPicture& picture, ovMemory::String& error);
+    /// Draws with camera and light as they are. @return false with one line in error
+    bool drawAsPlaced(MaterialPicture& picture, ovMemory::String& error);
 
 private:
-    void _add(ovGraphics::Mesh& mesh, const ovMaths::Vector& position, const ovMaths::Vector& scale,
-              const Configure& configure);
-
     Session& _session;
     ovGraphics::System& _graphics;
     ScenePicture& _scene;

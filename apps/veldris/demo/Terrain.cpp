@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <ovGraphics/scene/Mesh.h>
+#include <veldris/demo/SurfaceMesh.h>
 
 namespace veldris {
 
@@ -71,34 +72,13 @@ Vector terrainNormal(float x, float z, float heightScale) {
 
 ovMemory::UniquePtr<ovGraphics::Mesh> makeTerrain(ovGraphics::System& graphics, unsigned int columns,
                                                   unsigned int rows) {
-    ovMemory::Buffer<Vector> vertices;
-    ovMemory::Buffer<uint32_t> indices;
-    for (unsigned int row = 0; row < rows; ++row) {
-        for (unsigned int column = 0; column < columns; ++column) {
-            const float u = static_cast<float>(column) / static_cast<float>(columns - 1);
-            const float v = static_cast<float>(row) / static_cast<float>(rows - 1);
-            const float x = 2.0f * u - 1.0f;
-            const float z = 1.0f - 2.0f * v;
-            vertices.insert(vertices.end(),
-                            {Vector(x, terrainHeight(x, z), z), terrainNormal(x, z, 1.0f), Vector(u, v)});
-            if (column + 1 == columns || row + 1 == rows)
-                continue;
-            const uint32_t topLeft = row * columns + column;
-            const uint32_t bottomLeft = topLeft + columns;
-            indices.insert(indices.end(), {topLeft, topLeft + 1, bottomLeft + 1, // clockwise
-                                           topLeft, bottomLeft + 1, bottomLeft});
-        }
-    }
-    ovGraphics::VertexComposition composition;
-    composition.addAttribute("POSITION", ovGraphics::FORMAT::R32G32B32_FLOAT);
-    composition.addAttribute("NORMAL", ovGraphics::FORMAT::R32G32B32_FLOAT);
-    composition.addAttribute("TEXCOORD", ovGraphics::FORMAT::R32G32_FLOAT);
-    auto mesh = ovGraphics::Mesh::create(&graphics);
-    mesh->setName("terrain");
-    mesh->setVertexComposition(composition);
-    mesh->fillPackedFromUnpacked(vertices);
-    mesh->setNewIndexArray(std::move(indices));
-    return mesh->load() ? std::move(mesh) : nullptr;
+    SurfaceMesh mesh;
+    mesh.addGrid(columns, rows, [](float u, float v) {
+        const float x = 2.0f * u - 1.0f;
+        const float z = 1.0f - 2.0f * v;
+        return Vector(x, terrainHeight(x, z), z);
+    });
+    return mesh.make(graphics, "terrain");
 }
 
 } // namespace veldris
