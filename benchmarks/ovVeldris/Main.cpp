@@ -1,4 +1,5 @@
 // The benchmarks of ovVeldris.
+#include "ovVeldris/complexEffects/ComplexEffectBenchmark.h"
 #include "ovVeldris/content/ContentLoaderBenchmark.h"
 #include "ovVeldris/content/ModelLoaderBenchmark.h"
 #include "ovVeldris/effects/AtmosphereBenchmark.h"
@@ -17,6 +18,7 @@ int main(int argumentCount, char** arguments) {
     ovBenchmarks::registerFxaa();
     ovBenchmarks::registerSsao();
     ovBenchmarks::registerAtmosphere();
+    ovBenchmarks::registerComplexEffects();
     ovBenchmarks::registerEnvironmentFilter();
     ovBenchmarks::registerIrradiance();
     ovBenchmarks::registerSkyErrors();

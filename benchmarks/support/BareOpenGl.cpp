@@ -80,11 +80,10 @@ BareOpenGlPass::BareOpenGlPass(const std::string& pixelText, unsigned int format
                                const std::vector<float>& constants)
     : _program(linkProgram(pixelText.c_str()))
     , _source(createTexture(format, width, height))
-    , _target(createTexture(format, width, height))
     , _width(width)
     , _height(height) {
     glCreateFramebuffers(1, &_framebuffer);
-    glNamedFramebufferTexture(_framebuffer, GL_COLOR_ATTACHMENT0, _target, 0);
+    addTarget(format);
     glCreateSamplers(1, &_sampler);
     glSamplerParameteri(_sampler, GL_TEXTURE_MIN_FILTER, GL_NEAREST);
     glSamplerParameteri(_sampler, GL_TEXTURE_MAG_FILTER, GL_NEAREST);
@@ -102,7 +101,7 @@ BareOpenGlPass::BareOpenGlPass(const std::string& pixelText, unsigned int format
 BareOpenGlPass::~BareOpenGlPass() {
     glDeleteProgram(_program);
     glDeleteTextures(1, &_source);
-    glDeleteTextures(1, &_target);
+    glDeleteTextures(static_cast<GLsizei>(_targets.size()), _targets.data());
     glDeleteFramebuffers(1, &_framebuffer);
     glDeleteSamplers(1, &_sampler);
     glDeleteBuffers(1, &_constants);
@@ -128,8 +127,17 @@ void BareOpenGlPass::addTexture(unsigned int unit, unsigned int format, int widt
     _more.push_back({unit, texture, true});
 }
 
-void BareOpenGlPass::readTargetOf(const BareOpenGlPass& other, unsigned int unit) {
-    _more.push_back({unit, other._target, false});
+void BareOpenGlPass::addTarget(unsigned int format) {
+    std::vector<GLenum> attachments;
+    _targets.push_back(createTexture(format, _width, _height));
+    for (GLenum i = 0; i < _targets.size(); ++i)
+        attachments.push_back(GL_COLOR_ATTACHMENT0 + i);
+    glNamedFramebufferTexture(_framebuffer, attachments.back(), _targets.back(), 0);
+    glNamedFramebufferDrawBuffers(_framebuffer, static_cast<GLsizei>(attachments.size()), attachments.data());
+}
+
+void BareOpenGlPass::readTargetOf(const BareOpenGlPass& other, unsigned int unit, std::size_t target) {
+    _more.push_back({unit, other._targets[target], false});
 }
 
 void BareOpenGlPass::setZeroBorder() {
@@ -165,8 +173,8 @@ void BareOpenGlPass::draw() const {
 
 std::vector<float> BareOpenGlPass::read() const {
     std::vector<float> texels(4 * static_cast<std::size_t>(_width) * static_cast<std::size_t>(_height));
-    glGetTextureImage(_target, 0, GL_RGBA, GL_FLOAT, static_cast<GLsizei>(texels.size() * sizeof(float)),
-                      texels.data());
+    glGetTextureImage(_targets.front(), 0, GL_RGBA, GL_FLOAT,
+                      static_cast<GLsizei>(texels.size() * sizeof(float)), texels.data());
     return texels;
 }
 

@@ -13,7 +13,7 @@ class BareOpenGlPass {
 public:
     /// @param pixelText GLSL 4.50 that reads `sourceTexture` (binding 0), the block of binding 0 when there
     /// are
-    ///        constants, and `uvs` (location 2), and writes `colour`
+    ///        constants, and `uvs` (location 2), and writes `colour` (location 0)
     /// @param format the target's and source's sized OpenGL format
     BareOpenGlPass(const std::string& pixelText, unsigned int format, int width, int height,
                    const std::vector<float>& constants);
@@ -29,8 +29,11 @@ public:
     /// Gives the program one more texture. @param componentCount 1 to 4, @param componentType of the texels
     void addTexture(unsigned int unit, unsigned int format, int width, int height, int componentCount,
                     unsigned int componentType, const void* texels);
-    /// Gives the program what another pass drew. That pass lives as long as this one.
-    void readTargetOf(const BareOpenGlPass& other, unsigned int unit);
+    /// Draws into one more target of the same size: the program's outputs at locations 1, 2 ... in the order
+    /// of the calls.
+    void addTarget(unsigned int format);
+    /// Gives the program what another pass drew into one of its targets. That pass lives as long as this one.
+    void readTargetOf(const BareOpenGlPass& other, unsigned int unit, std::size_t target = 0);
     /// Reads zeros beside textures; otherwise their edges.
     void setZeroBorder();
     /// The state that all passes share; call it once before a run of draw() calls.
@@ -49,7 +52,7 @@ private:
     unsigned int _program = 0;
     unsigned int _source = 0;
     std::vector<UsedTexture> _more;
-    unsigned int _target = 0;
+    std::vector<unsigned int> _targets;
     unsigned int _framebuffer = 0;
     unsigned int _sampler = 0;
     unsigned int _constants = 0;
