@@ -123,9 +123,15 @@ bool readBackground(const RenderOptions& options, RenderPlan& plan, String& erro
 bool readEffects(const RenderOptions& options, RenderPlan& plan, String& error) {
     Buffer<PlannedEffect> effects;
     ChainOptions chain;
-    return planPictureEffects(options.effects, options.output, effects, chain, error) &&
-           takeSceneEffects(effects, plan.scene.effects, error) &&
-           planChain(std::move(effects), chain, plan.chain, error);
+    if (!planPictureEffects(options.effects, options.output, effects, chain, error) ||
+        !takeSceneEffects(effects, plan.scene.effects, error))
+        return false;
+    chain.hasDepth = true;
+    chain.keepsAlpha = plan.scene.transparent;
+    plan.scene.keepsDepth = std::ranges::any_of(effects, [](const PlannedEffect& effect) {
+        return effect.complexKind && effect.complexKind->readsDepth();
+    });
+    return planChain(std::move(effects), chain, plan.chain, error);
 }
 
 /// The atmosphere, where it is the environment. Its air is laid over everything else that reads the scene.
@@ -293,26 +299,35 @@ bool addModel(ScenePicture& picture, ovVeldris::Model& model) {
     return true;
 }
 
-/// The model's picture before any effect.
-ovMemory::UniquePtr<ovGraphics::Texture> drawModel(Console& console, Session& session,
-                                                   const RenderOptions& options, const RenderPlan& plan,
-                                                   PictureReport& report, String& error) {
+/// A model's picture before the effects over it, and what they may read beside it.
+struct DrawnModel {
+    ovMemory::UniquePtr<ovGraphics::Texture> picture; ///< null on failure
+    ovMemory::UniquePtr<ovGraphics::Texture> depth;   ///< null where no effect reads it
+    ovMemory::UniquePtr<ovGraphics::Camera> camera;
+    float middle = 0.0f; ///< distance of the middle of the model along the view
+
+    PictureScene getScene() const { return {depth.get(), camera.get(), middle}; }
+};
+
+/// @return no picture with one line in error when it cannot be drawn
+DrawnModel drawModel(Console& console, Session& session, const RenderOptions& options, const RenderPlan& plan,
+                     PictureReport& report, String& error) {
     const ovVeldris::ModelLoadResult loaded = readModel(console, session, options.model);
     error = loaded.error;
     if (!loaded)
-        return nullptr;
+        return {};
     ovVeldris::Model& model = *loaded.model;
     if (model.getParts().empty()) {
         error = "the model '" + options.model + "' has nothing to draw.";
-        return nullptr;
+        return {};
     }
     giveModelLight(model);
     if (!readMaterials(console, session, options, model, error))
-        return nullptr;
+        return {};
     SceneSettings scene = plan.scene;
     Surroundings surroundings;
     if (!makeSurroundings(console, session, options, plan, model, scene, surroundings, error))
-        return nullptr;
+        return {};
     console.step("programs");
     const auto picture = ScenePicture::create(session, scene, error);
     if (!picture || !picture->setEnvironment(surroundings.getLight(), surroundings.getBehind()) ||
@@ -320,14 +335,20 @@ ovMemory::UniquePtr<ovGraphics::Texture> drawModel(Console& console, Session& se
         !placeCamera(plan.camera, model.getBoundingBox(), &model, picture->getAspect(), picture->getCamera(),
                      error)) {
         error += session.getLogger().take();
-        return nullptr;
+        return {};
     }
     console.step("drawing");
     picture->setProgress(console.getShare());
     String warning;
-    auto drawn = picture->draw(warning, error);
+    DrawnModel drawn;
+    drawn.picture = picture->draw(warning, error);
     console.warn(warning);
     report.passes = picture->getTimings();
+    drawn.depth = picture->takeDepth();
+    const ovGraphics::Camera& camera = picture->getCamera();
+    drawn.middle =
+        (model.getBoundingBox().getCenter() - camera.getPosition()).dotProductVec3(camera.getDirection());
+    drawn.camera = picture->takeCamera();
     return drawn;
 }
 
@@ -338,10 +359,10 @@ bool render(Console& console, const RenderOptions& options, const RenderPlan& pl
     Session session(&console.getProgress());
     if (!session.open(options.drawing, error))
         return false;
-    auto picture = drawModel(console, session, options, plan, report, error);
-    if (!picture)
+    DrawnModel model = drawModel(console, session, options, plan, report, error);
+    if (!model.picture)
         return false;
-    const ChainResult result = runChain(session, std::move(picture), plan.chain);
+    const ChainResult result = runChain(session, std::move(model.picture), plan.chain, model.getScene());
     error = result.error;
     if (!result)
         return false;

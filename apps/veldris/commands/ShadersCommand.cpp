@@ -5,9 +5,9 @@
 #include <fmt/format.h>
 #include <ovGraphics/shading/CrossCompiler.h>
 #include <ovVeldris/core/NearestName.h>
-#include <ovVeldris/effects/EffectKind.h>
 #include <veldris/JsonText.h>
 #include <veldris/console/Console.h>
+#include <veldris/effects/ChainKinds.h>
 #include <veldris/programs/ProgramList.h>
 
 namespace veldris {
@@ -98,7 +98,7 @@ void listPrograms(Console& console, const Buffer<GeneratedProgram>& programs, co
 
 int runShaders(Console& console, const ShadersOptions& options) {
     String error;
-    if (!options.effect.empty() && !ovVeldris::findEffectKind(options.effect, error))
+    if (!options.effect.empty() && !findChainKind(options.effect, error))
         return console.fail(error);
     console.step("device");
     Session session;

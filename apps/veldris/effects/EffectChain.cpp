@@ -8,6 +8,7 @@
 #include <ovVeldris/System.h>
 #include <ovVeldris/effects/TextureCopyEffect.h>
 #include <veldris/Session.h>
+#include <veldris/effects/LoadedComplexEffect.h>
 #include <veldris/pictures/PictureShader.h>
 #include <veldris/pictures/PictureTextures.h>
 
@@ -70,16 +71,27 @@ private:
     ovMemory::Buffer<PicturePass> _passes;
 };
 
+/// A step that changes nothing.
+PlannedEffect copyOfPicture() {
+    PlannedEffect copy;
+    copy.kind = ovVeldris::findEffectKind(ovVeldris::EFFECT_TYPE::TEXTURE_COPY);
+    copy.text = copy.getName();
+    return copy;
+}
+
 /// Draws single steps of a chain from texture to texture. A step's source goes when the step is done.
 class ChainRunner {
 public:
-    ChainRunner(Session& session, UniquePtr<Texture> picture)
+    ChainRunner(Session& session, UniquePtr<Texture> picture, const PictureScene& scene)
         : _session(session)
         , _graphics(session.getGraphics())
+        , _scene(scene)
         , _camera(ovGraphics::Camera::create(&_graphics))
         , _picture(std::move(picture)) {}
 
     bool drawEffect(const PlannedEffect& planned) {
+        if (planned.complexKind)
+            return _drawComplexEffect(planned);
         const auto effect = LoadedEffect::load(_session, planned, *_picture, *_camera);
         return effect && _draw(effect->getPasses());
     }
@@ -141,9 +153,38 @@ private:
                                                               : PictureShader::decodeSrgb(_graphics);
     }
 
+    /// The effect's result goes with it, so that it is copied behind its passes.
+    bool _drawComplexEffect(const PlannedEffect& planned) {
+        // Its textures have the format of its source: bytes would be rounded after each pass.
+        if (_picture->getFormat() != PICTURE_FORMAT && !drawEffect(copyOfPicture()))
+            return false;
+        const auto effect = LoadedComplexEffect::load(_session, planned, *_picture, _scene);
+        UniquePtr<Texture> target = _makeTarget();
+        const auto copy = ovVeldris::TextureCopyEffect::create(&_session.getSystem());
+        if (!effect || !target)
+            return false;
+        copy->setSourceTexture(&effect->getOutput());
+        if (!copy->load())
+            return false;
+        auto* block = effect->getCompositor().appendNode()->appendOperationsBlock();
+        block->setTarget(0, target.get());
+        block->appendPostProcessPass()->setShader(copy->getShader());
+        if (!drawCompositor(_graphics, effect->getCompositor(), *target))
+            return false;
+        if (_graphics.getPassTimingEnabled())
+            _timings.push_back({planned.text, 0.0});
+        for (const ovGraphics::PassTiming& timing : _graphics.getPassTimings())
+            _timings.back().milliseconds += timing.milliseconds;
+        _picture = std::move(target);
+        return true;
+    }
+
+    UniquePtr<Texture> _makeTarget() {
+        return makeTarget(_graphics, "picture", PICTURE_FORMAT, _picture->getWidth(), _picture->getHeight());
+    }
+
     bool _draw(ovMemory::BufferView<const PicturePass> passes) {
-        UniquePtr<Texture> target =
-            makeTarget(_graphics, "picture", PICTURE_FORMAT, _picture->getWidth(), _picture->getHeight());
+        UniquePtr<Texture> target = _makeTarget();
         if (!target || !drawPasses(_graphics, passes, *target))
             return false;
         for (const ovGraphics::PassTiming& timing : _graphics.getPassTimings())
@@ -154,6 +195,7 @@ private:
 
     Session& _session;
     ovGraphics::System& _graphics;
+    PictureScene _scene;
     UniquePtr<ovGraphics::Camera> _camera;
     UniquePtr<Texture> _picture;
     ovMemory::Buffer<EffectTiming> _timings;
@@ -194,10 +236,11 @@ UniquePtr<ovVeldris::Effect> makeEffect(Session& session, const PlannedEffect& p
     return effect;
 }
 
-ChainResult runChain(Session& session, UniquePtr<Texture> picture, const ChainPlan& plan) {
+ChainResult runChain(Session& session, UniquePtr<Texture> picture, const ChainPlan& plan,
+                     const PictureScene& scene) {
     ChainResult result;
     result.content = plan.content;
-    ChainRunner runner(session, std::move(picture));
+    ChainRunner runner(session, std::move(picture), scene);
     if (drawFirst(runner, plan, plan.effects.size()))
         result.image = downloadPicture(runner.takePicture());
     if (!result.image) {
@@ -223,14 +266,17 @@ ChainResult runChainForFile(Session& session, ovImages::Image picture, const Cha
         return uploaded ? runChain(session, std::move(uploaded), plan) : failure(session);
     ChainResult result;
     result.content = plan.content;
-    ChainRunner runner(session, std::move(uploaded));
-    if (!drawFirst(runner, plan, plan.effects.size() - 1))
+    ChainRunner runner(session, std::move(uploaded), {});
+    // An effect of several passes looks beyond the rows of a strip: what it drew is copied in strips.
+    const bool copies = plan.effects.back().complexKind != nullptr;
+    const PlannedEffect last = copies ? copyOfPicture() : plan.effects.back();
+    if (!drawFirst(runner, plan, plan.effects.size() - (copies ? 0 : 1)))
         return failure(session);
     result.image = std::make_unique<ovImages::Image>(
         runner.getPicture().getWidth(), runner.getPicture().getHeight(), 4, form.components, form.encoding);
     ovImages::ConversionLosses losses;
-    if (!runner.drawEffectInStrips(plan.effects.back(), raw ? form.encoding : encodingOf(plan.content),
-                                   *result.image, losses)) {
+    if (!runner.drawEffectInStrips(last, raw ? form.encoding : encodingOf(plan.content), *result.image,
+                                   losses)) {
         result = failure(session);
         if (result.error.empty())
             result.error = "the picture at the end of the effects needs more memory than there is.";

@@ -1,6 +1,7 @@
 // Runs a chain of effects over a picture.
 #pragma once
 
+#include <ovGraphics/resources/Camera.h>
 #include <ovGraphics/resources/Texture.h>
 #include <ovImages/Image.h>
 #include <veldris/ImageFiles.h>
@@ -9,6 +10,13 @@
 namespace veldris {
 
 class Session;
+
+/// The scene that a picture shows, for effects that read its depth. Borrowed.
+struct PictureScene {
+    ovGraphics::Texture* depth = nullptr; ///< of each pixel, as the camera writes it
+    ovGraphics::Camera* camera = nullptr;
+    float middle = 0.0f; ///< how far away the middle of the scene is, along the view
+};
 
 /// One measured pass: the effect as written, or the conversion, and its milliseconds.
 struct EffectTiming {
@@ -32,8 +40,9 @@ struct ChainResult {
 /// Draws the effects one after another, in float targets, with the conversions between them that they need.
 /// The picture stays on the device from the first effect to the last, and is read back once.
 /// @param picture of four floats; it goes when the first effect has read it
+/// @param scene that it shows, of a plan with effects that read one
 ChainResult runChain(Session& session, ovMemory::UniquePtr<ovGraphics::Texture> picture,
-                     const ChainPlan& plan);
+                     const ChainPlan& plan, const PictureScene& scene = {});
 /// The same of a picture that is uploaded first.
 ChainResult runChain(Session& session, const ovImages::ImageView& picture, const ChainPlan& plan);
 
@@ -44,7 +53,7 @@ ChainResult runChain(Session& session, const ovImages::ImageView& picture, const
 ChainResult runChainForFile(Session& session, ovImages::Image picture, const ChainPlan& plan,
                             const FileForm& form, bool raw);
 
-/// An unloaded effect with the settings of a plan, named like its kind.
+/// An unloaded effect of a single pass with the settings of a plan, named like its kind.
 ovMemory::UniquePtr<ovVeldris::Effect> makeEffect(Session& session, const PlannedEffect& planned);
 
 } // namespace veldris

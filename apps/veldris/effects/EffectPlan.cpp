@@ -18,6 +18,8 @@ using ovVeldris::SettingTable;
 
 /// Chooses among the ways to read a scene.
 constexpr StringView READS = "reads";
+/// What a depth buffer holds never is.
+constexpr StringView LINEAR_DEPTH = "linear-depth";
 
 Setting readsSetting(const EffectKind& kind) {
     Setting setting;
@@ -69,21 +71,63 @@ void distribute(Buffer<SettingAssignment>& assignments, PlannedEffect& effect) {
     }
 }
 
-bool planEffect(const EffectSpec& spec, PlannedEffect& effect, String& error) {
-    effect.kind = ovVeldris::findEffectKind(spec.name, error);
-    if (!effect.kind)
-        return false;
-    effect.text = toText(spec);
+/// Takes out what is known only when the scene is drawn.
+bool takeAutomaticFocus(Buffer<SettingText>& settings) {
+    return std::erase_if(settings, [](const SettingText& setting) {
+               return setting.name == "focus" && setting.value == "auto";
+           }) > 0;
+}
+
+void parseEffect(const EffectSpec& spec, PlannedEffect& effect, String& error) {
+    Buffer<SettingText> texts = spec.settings;
+    if (effect.complexKind) {
+        effect.focusesOnScene = effect.complexKind->readsDepth() && takeAutomaticFocus(texts);
+        error = parseSettings(settingsInChain(*effect.complexKind), texts, nullptr, effect.settings).error;
+        return;
+    }
     Buffer<SettingAssignment> assignments;
-    error = parseSettings(settingsInChain(*effect.kind), spec.settings, nullptr, assignments).error;
+    error = parseSettings(settingsInChain(*effect.kind), texts, nullptr, assignments).error;
     if (error.empty()) {
         distribute(assignments, effect);
         error = effect.view.check();
     }
+}
+
+bool planEffect(const EffectSpec& spec, PlannedEffect& effect, String& error) {
+    const std::optional<ChainKind> kind = findChainKind(spec.name, error);
+    if (!kind)
+        return false;
+    effect.kind = kind->single;
+    effect.complexKind = kind->complex;
+    effect.text = toText(spec);
+    parseEffect(spec, effect, error);
     if (error.empty())
         return true;
     error = "effect '" + spec.name + "': " + error;
     return false;
+}
+
+/// What an effect needs and the picture of a chain has not, in one line; empty where it has all.
+String whyNotInChain(const PlannedEffect& effect, const ChainOptions& options) {
+    if (effect.kind && effect.kind->readsScene())
+        return fmt::format(
+            "'{}' reads a scene ({}) and there is a picture alone; veldris render draws scenes.",
+            effect.getName(), effect.reading->name);
+    if (!effect.complexKind)
+        return {};
+    const bool readsDepth = effect.complexKind->readsDepth();
+    if (readsDepth && !options.hasDepth)
+        return fmt::format(
+            "'{}' reads a scene (depth) and there is a picture alone; veldris render draws scenes.",
+            effect.getName());
+    const bool preserves = std::ranges::any_of(effect.settings, [](const SettingAssignment& assignment) {
+        return assignment.name == "preserve-alpha" && assignment.value == ovVeldris::SettingValue(true);
+    });
+    if (options.keepsAlpha && !preserves)
+        return fmt::format("'{}' makes pictures opaque, and --background lies behind what is not; {}.",
+                           effect.getName(),
+                           readsDepth ? "leave one of them out" : "add preserve-alpha=true to it");
+    return {};
 }
 
 } // namespace
@@ -107,18 +151,28 @@ SettingTable settingsInChain(const EffectKind& kind) {
     return SettingTable(std::move(settings));
 }
 
+SettingTable settingsInChain(const ovVeldris::ComplexEffectKind& kind) {
+    Buffer<Setting> settings;
+    for (const Setting& setting : kind.settings())
+        if (!isResource(setting.kind) && setting.name != LINEAR_DEPTH)
+            settings.push_back(setting);
+    return SettingTable(std::move(settings));
+}
+
 bool isOfScene(const EffectKind& kind, const Setting& setting) {
     return findBinding(kind, setting.name) != nullptr;
 }
 
 bool takeSceneEffects(Buffer<PlannedEffect>& effects, Buffer<PlannedEffect>& ofScene, String& error) {
-    const auto readsScene = [](const PlannedEffect& effect) { return effect.kind->readsScene(); };
+    const auto readsScene = [](const PlannedEffect& effect) {
+        return effect.kind && effect.kind->readsScene();
+    };
     const auto firstOver = std::ranges::find_if_not(effects, readsScene);
     const auto late = std::find_if(firstOver, effects.end(), readsScene);
     if (late != effects.end()) {
         error = fmt::format("'{}' reads the scene and '{}', which stands before it, is drawn over the "
                             "finished picture: write '{}' first.",
-                            late->kind->getName(), firstOver->kind->getName(), late->kind->getName());
+                            late->getName(), firstOver->getName(), late->getName());
         return false;
     }
     ofScene.assign(effects.begin(), firstOver);
@@ -152,13 +206,11 @@ bool planEffects(ovMemory::StringView text, Buffer<PlannedEffect>& effects, Stri
 bool planChain(Buffer<PlannedEffect> effects, const ChainOptions& options, ChainPlan& plan, String& error) {
     Buffer<EffectContent> contents;
     for (const PlannedEffect& effect : effects) {
-        if (effect.kind->readsScene()) {
-            error = fmt::format("'{}' reads a scene ({}) and there is a picture alone; veldris render draws "
-                                "scenes.",
-                                effect.kind->getName(), effect.reading->name);
+        error = whyNotInChain(effect, options);
+        if (!error.empty())
             return false;
-        }
-        contents.push_back({effect.kind->getName(), effect.kind->takes, effect.kind->gives});
+        const ChainKind kind = {effect.kind, effect.complexKind};
+        contents.push_back({kind.getName(), kind.takes(), kind.gives()});
     }
     plan.effects = std::move(effects);
     plan.conversions.clear();

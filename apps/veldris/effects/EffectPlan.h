@@ -2,7 +2,7 @@
 // device.
 #pragma once
 
-#include <ovVeldris/effects/EffectKind.h>
+#include <veldris/effects/ChainKinds.h>
 #include <veldris/effects/ChainView.h>
 #include <veldris/effects/ContentConversions.h>
 #include <veldris/effects/EffectSpec.h>
@@ -11,12 +11,17 @@ namespace veldris {
 
 /// One effect with values for its settings.
 struct PlannedEffect {
-    const ovVeldris::EffectKind* kind = nullptr;
-    ovMemory::String text; ///< as written, without needless spaces
+    const ovVeldris::EffectKind* kind = nullptr;               ///< null for one of several passes
+    const ovVeldris::ComplexEffectKind* complexKind = nullptr; ///< null for one of a single pass
+    ovMemory::String text;                                     ///< as written, without needless spaces
     ovMemory::Buffer<ovVeldris::SettingAssignment> settings;
     ChainView view; ///< of an effect with a camera
     /// How an effect reads the scene; null for one that does not. Of the kind.
     const ovVeldris::SceneReading* reading = nullptr;
+    bool focusesOnScene =
+        false; ///< `focus=auto`: on the middle of the scene, which is known when it is drawn
+
+    ovMemory::String getName() const { return kind ? kind->getName() : complexKind->getName(); }
 };
 
 /// Reads a list of effects, see parseEffectList(), and checks names and values.
@@ -28,6 +33,8 @@ bool planEffects(ovMemory::StringView text, ovMemory::Buffer<PlannedEffect>& eff
 /// those that hold resources or come with the scene, which are bound, and those of the chain's view for a
 /// kind whose camera is not the scene's. A kind with several ways to read a scene has `reads` in front.
 ovVeldris::SettingTable settingsInChain(const ovVeldris::EffectKind& kind);
+/// The same of a kind of several passes: all but what is bound and how a scene writes its depth.
+ovVeldris::SettingTable settingsInChain(const ovVeldris::ComplexEffectKind& kind);
 
 /// Whether a setting that may be written is the scene's own where it is not.
 bool isOfScene(const ovVeldris::EffectKind& kind, const ovVeldris::Setting& setting);
@@ -49,7 +56,9 @@ struct ChainOptions {
     PICTURE_CONTENT input = PICTURE_CONTENT::SCENE_LINEAR; ///< what the picture's numbers mean
     std::optional<PICTURE_CONTENT> output;                 ///< what the result's numbers must mean
     ovMemory::String outputName = "the output";            ///< what messages call the taker of the result
-    bool raw = false; ///< numbers in, numbers out: no conversions, no checks
+    bool raw = false;        ///< numbers in, numbers out: no conversions, no checks
+    bool hasDepth = false;   ///< the picture is of a scene whose depth is known
+    bool keepsAlpha = false; ///< something is laid behind the result: alpha must go through all effects
 };
 
 /// Effects with the conversions between them. A conversion at the end is not among them: whoever writes the

@@ -46,6 +46,10 @@ ovMemory::UniquePtr<PictureShader> PictureShader::countNotFinite(ovGraphics::Sys
                   {{"COUNT", ""}, {"BLOCK", std::to_string(block)}});
 }
 
+ovMemory::UniquePtr<PictureShader> PictureShader::pickDepth(ovGraphics::System& graphics) {
+    return create(graphics, "VELDRIS_PICK_DEPTH", embedded::PickDepth_pixel, {});
+}
+
 ovMemory::UniquePtr<PictureShader> PictureShader::divideByCoverage(ovGraphics::System& graphics) {
     return create(graphics, "VELDRIS_DIVIDE_BY_COVERAGE", embedded::DivideByCoverage_pixel, {});
 }

@@ -28,14 +28,16 @@ public:
 
     // The shaders there are, each null after one log line when it cannot be loaded.
 
-    /// Averages scale x scale samples of each pixel. Constants of this and the next: samples along a side of
-    /// a pixel, the first row of the target that is drawn, and width and height of the source in samples.
+    /// Averages scale x scale samples of each pixel. Constants of this and the next two: samples along a side
+    /// of a pixel, the first row of the target that is drawn, and width and height of the source in samples.
     /// @param withAlpha whether alpha of the samples is the share of the background that is seen; the average
     /// then has colours beside their alpha. Otherwise alpha is 1
     static ovMemory::UniquePtr<PictureShader> averageSamples(ovGraphics::System& graphics, bool withAlpha);
     /// Counts the components that are not finite among the samples of block x block pixels.
     static ovMemory::UniquePtr<PictureShader> countNotFinite(ovGraphics::System& graphics,
                                                              unsigned int block);
+    /// Takes the depth of each pixel from one of its samples. Constants as of averageSamples().
+    static ovMemory::UniquePtr<PictureShader> pickDepth(ovGraphics::System& graphics);
     /// From colours multiplied by their coverage to colours beside it, as averageSamples() has them: alpha is
     /// the share of the background that is seen. Source and target are of one size.
     static ovMemory::UniquePtr<PictureShader> divideByCoverage(ovGraphics::System& graphics);

@@ -59,6 +59,15 @@ UniquePtr<ovImages::Image> downloadPicture(UniquePtr<Texture> picture) {
                                              ovImages::COLOR_ENCODING::LINEAR, std::move(*bytes));
 }
 
+bool drawCompositor(ovGraphics::System& graphics, ovGraphics::Compositor& compositor, Texture& backBuffer) {
+    const auto context = ovGraphics::RenderContext::create(&graphics);
+    context->setDescriptor({.texture = &backBuffer});
+    context->setCompositor(&compositor);
+    if (graphics.getPassTimingEnabled())
+        graphics.frame(context.get()); // the first draw compiles: not what a user wants measured
+    return graphics.frame(context.get());
+}
+
 bool drawPasses(ovGraphics::System& graphics, ovMemory::BufferView<const PicturePass> passes, Texture& target,
                 ovGraphics::Viewport* viewport) {
     const auto compositor = ovGraphics::Compositor::create(&graphics);
@@ -73,12 +82,7 @@ bool drawPasses(ovGraphics::System& graphics, ovMemory::BufferView<const Picture
         pass->setCamera(drawn.camera);
         pass->getBlendState() = drawn.blending;
     }
-    const auto context = ovGraphics::RenderContext::create(&graphics);
-    context->setDescriptor({.texture = &target});
-    context->setCompositor(compositor.get());
-    if (graphics.getPassTimingEnabled())
-        graphics.frame(context.get()); // the first draw compiles: not what a user wants measured
-    return graphics.frame(context.get());
+    return drawCompositor(graphics, *compositor, target);
 }
 
 bool drawPicture(ovGraphics::System& graphics, ovGraphics::Shader& shader, Texture& target,

@@ -7,6 +7,7 @@
 
 namespace ovGraphics {
 class Camera;
+class Compositor;
 class Shader;
 class Viewport;
 } // namespace ovGraphics
@@ -30,6 +31,12 @@ ovMemory::UniquePtr<ovGraphics::Texture> uploadPicture(ovGraphics::System& graph
 /// in memory twice at most. @return null after one log line when it cannot be read
 ovMemory::UniquePtr<ovImages::Image> downloadPicture(ovMemory::UniquePtr<ovGraphics::Texture> picture);
 
+/// Draws a compositor in one frame; when passes are measured, a second time, so that what is measured
+/// compiles nothing. @param backBuffer what blocks without a target draw into
+/// @return false after one log line when that fails
+bool drawCompositor(ovGraphics::System& graphics, ovGraphics::Compositor& compositor,
+                    ovGraphics::Texture& backBuffer);
+
 /// What is drawn over a whole target.
 struct PicturePass {
     ovGraphics::Shader& shader;
@@ -38,9 +45,8 @@ struct PicturePass {
     ovGraphics::Camera* camera = nullptr; ///< of a shader that looks somewhere and names no camera
 };
 
-/// Draws passes one over another, in one frame; when passes are measured, a second time, so that what is
-/// measured compiles nothing. @param viewport of a picture of which the target shows a part; null: the whole
-/// target @return false after one log line when that fails
+/// Draws passes one over another, as drawCompositor() does. @param viewport of a picture of which the target
+/// shows a part; null: the whole target @return false after one log line when that fails
 bool drawPasses(ovGraphics::System& graphics, ovMemory::BufferView<const PicturePass> passes,
                 ovGraphics::Texture& target, ovGraphics::Viewport* viewport = nullptr);
 /// One pass alone.

@@ -16,6 +16,7 @@
 #include <ovVeldris/materials/PbsMaterial.h>
 #include <veldris/Session.h>
 #include <veldris/effects/EffectChain.h>
+#include <veldris/effects/LoadedComplexEffect.h>
 #include <veldris/effects/SceneResources.h>
 #include <veldris/pictures/PictureShader.h>
 #include <veldris/scene/ModelLight.h>
@@ -39,6 +40,18 @@ namespace {
 
 constexpr unsigned int SMALL_SIDE = 4; // texels
 
+/// Adds settings to the text of an effect, spelled as --effects takes them, so that a line of the list can be
+/// pasted into a command. @param separator before the first
+void appendSettings(String& text, char separator, const ovVeldris::SettingTable& table,
+                    const Buffer<SettingAssignment>& settings) {
+    for (const SettingAssignment& assignment : settings) {
+        const Setting& setting = *table.find(assignment.name);
+        text += separator;
+        text.append(setting.name).append("=").append(toText(setting, assignment.value));
+        separator = ',';
+    }
+}
+
 /// Settings that select the text of a shader, as a list of effects has them.
 PlannedEffect plannedWith(const ovVeldris::EffectKind& kind, const ovVeldris::SceneReading* reading,
                           const Buffer<SettingAssignment>& settings) {
@@ -47,19 +60,13 @@ PlannedEffect plannedWith(const ovVeldris::EffectKind& kind, const ovVeldris::Sc
     effect.reading = reading;
     effect.settings = settings;
     effect.text = kind.getName();
-    // The spelling of --effects, so that a line of the list can be pasted into a command.
     char separator = ':';
     if (reading) {
         effect.text.append(":reads=").append(reading->name);
         separator = ',';
         effect.settings.insert(effect.settings.begin(), kind.chainSettings.begin(), kind.chainSettings.end());
     }
-    for (const SettingAssignment& assignment : settings) {
-        const Setting& setting = *kind.settings().find(assignment.name);
-        effect.text += separator;
-        effect.text.append(setting.name).append("=").append(toText(setting, assignment.value));
-        separator = ',';
-    }
+    appendSettings(effect.text, separator, kind.settings(), settings);
     return effect;
 }
 
@@ -141,7 +148,31 @@ bool ProgramList::addEffects(StringView only, String& error) {
             if (!_addEffect(kind, &reading, error))
                 return false;
     }
+    for (const ovVeldris::ComplexEffectKind& kind : ovVeldris::complexEffectKinds())
+        if ((only.empty() || kind.getName() == only) && !_addComplexEffect(kind, error))
+            return false;
     return true;
+}
+
+bool ProgramList::_addComplexEffect(const ovVeldris::ComplexEffectKind& kind, String& error) {
+    const UniquePtr<Texture> texture = makeTexture(_session, "picture", TEXTURE_TYPE::TEXTURE_2D);
+    const auto addWith = [&](const ovVeldris::SettingTable& table, StringView suffix) {
+        for (const auto& settings : finiteCombinations(table)) {
+            PlannedEffect planned;
+            planned.complexKind = &kind;
+            planned.settings = settings;
+            planned.text = kind.getName();
+            appendSettings(planned.text, ':', table, settings);
+            _from = planned.text.append(suffix);
+            if (!LoadedComplexEffect::load(_session, planned, *texture, {}))
+                return false;
+        }
+        return true;
+    };
+    // As an application may use it, and as the program does.
+    const bool isLoaded = (!kind.readsDepth() || addWith(kind.settings(), " without a scene")) &&
+                          addWith(settingsInChain(kind), "");
+    return isLoaded || _fail(error);
 }
 
 bool ProgramList::_addEffect(const ovVeldris::EffectKind& kind, const ovVeldris::SceneReading* reading,
@@ -247,6 +278,7 @@ bool ProgramList::addPasses(String& error) {
              return ovGraphics::DepthShader::create(
                         &graphics, {.alphaTexture = texture.get(), .drawsGeometry = true}) != nullptr;
          }},
+        {"pass of the depth of pixels", [&] { return PictureShader::pickDepth(graphics) != nullptr; }},
         {"pass that divides by coverage",
          [&] { return PictureShader::divideByCoverage(graphics) != nullptr; }},
         {"pass from display light to sRGB", [&] { return PictureShader::encodeSrgb(graphics) != nullptr; }},

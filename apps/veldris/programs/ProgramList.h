@@ -3,6 +3,7 @@
 
 #include <ovGraphics/shading/CompiledProgram.h>
 #include <ovMemory/Memory.h>
+#include <ovVeldris/complexEffects/ComplexEffectKind.h>
 #include <ovVeldris/effects/EffectKind.h>
 
 namespace veldris {
@@ -49,6 +50,7 @@ private:
     bool _fail(ovMemory::String& error) const;
     bool _addEffect(const ovVeldris::EffectKind& kind, const ovVeldris::SceneReading* reading,
                     ovMemory::String& error);
+    bool _addComplexEffect(const ovVeldris::ComplexEffectKind& kind, ovMemory::String& error);
     bool _addMaterial(ovMemory::String from,
                       ovMemory::BufferView<const ovVeldris::SettingAssignment> settings);
 

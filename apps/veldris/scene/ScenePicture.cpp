@@ -138,13 +138,18 @@ bool ScenePicture::_makeShaders(String& error) {
     _count = PictureShader::countNotFinite(graphics, COUNT_BLOCK);
     if (_settings.ground)
         _ground = ShadowGround::create(graphics, *_shadowMap, *_shadowCamera);
-    if (!_average || !_count || (_settings.ground && !_ground) || !_makeEffects()) {
+    if (_settings.keepsDepth)
+        _pickDepth = PictureShader::pickDepth(graphics);
+    if (!_average || !_count || (_settings.keepsDepth && !_pickDepth) || (_settings.ground && !_ground) ||
+        !_makeEffects()) {
         error = _session.getLogger().take();
         return false;
     }
     Texture& samples = _effects ? _effects->getPicture() : *_color;
     _average->setSource(samples);
     _count->setSource(samples);
+    if (_pickDepth)
+        _pickDepth->setSource(*_depth);
     if (_ground)
         _ground->addTo(*_groundQueue);
     return true;
@@ -251,12 +256,23 @@ void ScenePicture::_appendSamplePasses() {
     average->setName("average of samples");
     average->setShader(_average->getShader());
 
+    if (_pickDepth)
+        _appendDepthPass(*node);
+
     CompositorOperationsBlock* block = node->appendOperationsBlock();
     block->setTarget(0, _notFinite.get());
     block->setViewport(_countViewport.get());
     PostProcessPass* count = block->appendPostProcessPass();
     count->setName("check of samples");
     count->setShader(_count->getShader());
+}
+
+void ScenePicture::_appendDepthPass(CompositorNode& node) {
+    _pickBlock = node.appendOperationsBlock();
+    _pickBlock->setViewport(_averageViewport.get());
+    PostProcessPass* pass = _pickBlock->appendPostProcessPass();
+    pass->setName("depth of pixels");
+    pass->setShader(_pickDepth->getShader());
 }
 
 bool ScenePicture::setEnvironment(const EnvironmentLight* environment, Texture* behind) {
@@ -321,7 +337,12 @@ ovMemory::UniquePtr<Texture> ScenePicture::draw(String& warning, String& error) 
     _timings.clear();
     if (_effects)
         _effects->light(-_lightDirection);
-    bool drawn = picture != nullptr;
+    if (_pickDepth) {
+        _pixelDepth =
+            makeTarget(_session.getGraphics(), "depth", FORMAT::R32_FLOAT, _settings.width, _settings.height);
+        _pickBlock->setTarget(0, _pixelDepth.get());
+    }
+    bool drawn = picture && (_pixelDepth || !_pickDepth);
     for (unsigned int top = 0; drawn && top < _settings.height; top += _stripRows) {
         drawn = _drawStrip(top);
         _progress(static_cast<double>(std::min(top + _stripRows, _settings.height)) / _settings.height);
@@ -353,6 +374,8 @@ bool ScenePicture::_drawStrip(unsigned int top) {
     const auto height = static_cast<float>(rows * _scale);
     _average->setConstants({scale, static_cast<float>(firstRow), width, height});
     _count->setConstants({scale, static_cast<float>(firstBlock), width, height});
+    if (_pickDepth)
+        _pickDepth->setConstants({scale, static_cast<float>(firstRow), width, height});
     if (_shadowNode)
         _shadowNode->setActive(top == 0); // it serves all strips
     if (!_session.getGraphics().frame(_context.get()))

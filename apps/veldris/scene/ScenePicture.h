@@ -46,6 +46,7 @@ struct SceneSettings {
     /// Effects that read the scene, in their order: they are drawn over every sample. With any the picture is
     /// drawn as a whole, not in strips.
     ovMemory::Buffer<PlannedEffect> effects = {};
+    bool keepsDepth = false; ///< the depth of each pixel is wanted beside the picture
 };
 
 /// Two queues of entities, a light with its shadow map, and the passes that draw them. What is added is
@@ -85,6 +86,11 @@ public:
     /// with one line in error when it cannot be drawn. Samples that are not numbers become black and are
     /// counted in warning.
     ovMemory::UniquePtr<ovGraphics::Texture> draw(ovMemory::String& warning, ovMemory::String& error);
+    /// The depth of each pixel of the last picture, as the camera writes it, in red; null unless the settings
+    /// keep it. The caller owns it.
+    ovMemory::UniquePtr<ovGraphics::Texture> takeDepth() { return std::move(_pixelDepth); }
+    /// The camera, for effects over the picture that outlive this object, which draws nothing afterwards.
+    ovMemory::UniquePtr<ovGraphics::Camera> takeCamera() { return std::move(_camera); }
     /// Is told the share of a picture that is drawn, 0 to 1, after each strip.
     void setProgress(std::function<void(double share)> progress) { _progress = std::move(progress); }
     /// The passes of the last draw(), when the session measures: each once, whatever the number of strips.
@@ -99,6 +105,7 @@ private:
     void _appendColorPasses();
     ovGraphics::ScenePass* _appendBlendedPass(ovMemory::StringView name, ovGraphics::RenderQueue& queue);
     void _appendSamplePasses();
+    void _appendDepthPass(ovGraphics::CompositorNode& node);
     bool _usesShadowMap() const;
     bool _makeEffects();
     bool _drawStrip(unsigned int top);
@@ -113,14 +120,17 @@ private:
     ovGraphics::CompositorNode* _shadowNode = nullptr;
     ovGraphics::CompositorOperationsBlock* _colorBlock = nullptr;
     ovGraphics::CompositorOperationsBlock* _averageBlock = nullptr;
+    ovGraphics::CompositorOperationsBlock* _pickBlock = nullptr;
     const ovGraphics::CompositorPass* _surroundingsPass = nullptr;
     unsigned int _scale;                             ///< samples along a side of a pixel
     unsigned int _stripRows;                         ///< pixels
     ovMemory::UniquePtr<ovGraphics::Texture> _color; ///< the samples of a strip
     ovMemory::UniquePtr<ovGraphics::Texture> _depth;
-    ovMemory::UniquePtr<SceneEffects> _effects;          ///< null without any
-    ovMemory::UniquePtr<ovGraphics::Texture> _notFinite; ///< components that are none, a texel for a block
+    ovMemory::UniquePtr<SceneEffects> _effects;           ///< null without any
+    ovMemory::UniquePtr<ovGraphics::Texture> _notFinite;  ///< components that are none, a texel for a block
+    ovMemory::UniquePtr<ovGraphics::Texture> _pixelDepth; ///< of the whole picture
     ovMemory::UniquePtr<PictureShader> _average;
+    ovMemory::UniquePtr<PictureShader> _pickDepth;
     ovMemory::UniquePtr<PictureShader> _count;
     // The whole picture, moved up until its strip lies in the target.
     ovMemory::UniquePtr<ovGraphics::Viewport> _sampleViewport;

@@ -11,6 +11,8 @@ class System;
 struct OV_API ComplexEffectKind {
     /// The setting through which a chain of effects hands on its picture.
     static constexpr ovMemory::StringView PICTURE_SETTING = "source-texture";
+    /// The setting of the picture's depth, of kinds that read it.
+    static constexpr ovMemory::StringView DEPTH_SETTING = "source-depth";
 
     COMPLEX_EFFECT_TYPE type;
     ovMemory::StringView summary; ///< what it does, without a full stop
@@ -20,6 +22,8 @@ struct OV_API ComplexEffectKind {
     /// What an effect of the kind draws into, or null; the effect owns it.
     ovGraphics::Texture* (*getOutput)(const ComplexEffect& effect);
 
+    /// Whether the kind reads the depth of its picture, by the camera that saw it.
+    bool readsDepth() const { return settings().find(DEPTH_SETTING) != nullptr; }
     /// The kind's text in lower case: "blur".
     ovMemory::String getName() const;
 };

@@ -17,6 +17,8 @@ TEST_P(ComplexEffectKindTest, NamesAreTheTypesInLowerCase) {
     EXPECT_EQ(findComplexEffectKind(COMPLEX_EFFECT_TYPE::BLUR)->getName(), "blur");
     EXPECT_EQ(findComplexEffectKind(COMPLEX_EFFECT_TYPE::DOF)->getName(), "dof");
     EXPECT_EQ(findComplexEffectKind(COMPLEX_EFFECT_TYPE::UNKNOWN), nullptr);
+    EXPECT_FALSE(findComplexEffectKind(COMPLEX_EFFECT_TYPE::BLUR)->readsDepth());
+    EXPECT_TRUE(findComplexEffectKind(COMPLEX_EFFECT_TYPE::DOF)->readsDepth());
 }
 
 TEST_P(ComplexEffectKindTest, EveryTableHoldsForNewAndLoadedEffects) {

@@ -166,7 +166,9 @@ TEST_F(ApplyCommandTest, everyFailureIsOneLineAndLeavesTheOutputAlone) {
         {_folder.getPath(), "tone-mapping", output, _folder.getPath()},
         {broken, "tone-mapping", output, "broken.exr"},
         {light, "sharpen", output,
-         "the effects are atmosphere, film-grain, fxaa, image-environment, ssao, texture-copy, tone-mapping"},
+         "the effects are atmosphere, blur, dof, film-grain, fxaa, image-environment, ssao, texture-copy, "
+         "tone-mapping"},
+        {light, "dof:focus=2", output, "'dof' reads a scene (depth) and there is a picture alone"},
         {light, "ssao", output, "'ssao' reads a scene (depth) and there is a picture alone"},
         {light, "tone-mapping:operator=filmic", output, "it takes one of reinhard, hables, aces"},
         {light, "tone-mapping:white=2", output, "there is no setting 'white'; it has operator"},

@@ -74,6 +74,33 @@ TEST_F(RenderCommandTest, drawsTheModelUprightInBothLanguages) {
     EXPECT_EQ(contentOf(_folder.getPath("glsl.png")), contentOf(_folder.getPath("hlsl.png")));
 }
 
+TEST_F(RenderCommandTest, depthOfFieldFocusesOnTheModel) {
+    const String model = writeQuad(_folder);
+    const auto draw = [&](const char* name, const char* effects) {
+        const String output = _folder.getPath(String(name) + ".exr");
+        const Outcome outcome = render(model, output, {"--light", "0,0,-1", "--effects", effects});
+        EXPECT_EQ(outcome.status, 0) << outcome.error;
+        ovImages::DecodeResult read = ovImages::CompositeEncoder().decodeFile(output);
+        EXPECT_TRUE(read) << read.error;
+        return read ? std::move(*read.image) : Image();
+    };
+    // How much neighbours differ in the middle, where the four colours of the quad meet.
+    const auto sharpness = [](const Image& image) {
+        float largest = 0.0f;
+        for (unsigned int y = 15; y < 25; ++y)
+            for (unsigned int x = 15; x < 25; ++x)
+                largest = std::max(largest,
+                                   std::abs(image.getComponent(x, y, 0) - image.getComponent(x + 1, y, 0)));
+        return largest;
+    };
+    const Image plain = draw("plain", "texture-copy");
+    const Image inFocus = draw("focus", "dof:near=0,focus=auto,thickness=0.5,far=1000,strength=4");
+    const Image before = draw("before", "dof:near=0,focus=0.01,far=0.02,strength=4");
+    EXPECT_GT(sharpness(plain), 0.0f);
+    EXPECT_FLOAT_EQ(sharpness(inFocus), sharpness(plain)) << "the quad is in the sharp zone";
+    EXPECT_LT(sharpness(before), 0.5f * sharpness(plain));
+}
+
 TEST_F(RenderCommandTest, lightComesFromWhereItIsToldTo) {
     const String model = writeQuad(_folder);
     const String front = _folder.getPath("front.png");

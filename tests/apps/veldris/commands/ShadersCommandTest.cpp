@@ -47,6 +47,15 @@ TEST(ShadersCommandTest, listsEveryProgramOnceWithoutWarnings) {
                                                     "ORVANE_TONE_PROGRAM_9",
                                                     "ORVANE_TONE_PROGRAM_10",
                                                     "ORVANE_TONE_PROGRAM_12"};
+        // Ids of the blur: the radius, which is 5, and two bits. Of depth of field: the strength and a bit.
+        for (const uint64_t bits : {0u, 1u, 2u, 3u})
+            for (const char* pass : {"_H", "_V"})
+                expected.insert("ORVANE_BLUR_PROGRAM_" + std::to_string((uint64_t{5} << 32) + bits) + pass);
+        for (const uint64_t bits : {0u, 1u})
+            for (const char* pass : {"_DOWN", "_BLEND"})
+                expected.insert("ORVANE_DOF_PROGRAM_" + std::to_string((uint64_t{3} << 32) + bits) + pass);
+        for (const char* pass : {"_H", "_V"})
+            expected.insert("ORVANE_BLUR_PROGRAM_" + std::to_string((uint64_t{3} << 32) + 2) + pass);
         // Ids of film grain: 2 for either switch or both, which have three texts on purpose.
         for (const char* id : {"0", "2", "2", "2"})
             expected.insert(ovMemory::String("ORVANE_FILM_GRAIN_PROGRAM_") + id);
@@ -63,7 +72,7 @@ TEST(ShadersCommandTest, listsEveryProgramOnceWithoutWarnings) {
         // without.
         EXPECT_EQ(std::erase_if(names, startsWith("ORVANE_SSAO_PROGRAM_")), 2 * (2 + 1 + 1));
         EXPECT_EQ(names, expected);
-        EXPECT_EQ(others["pass"], 11);
+        EXPECT_EQ(others["pass"], 12);
         EXPECT_EQ(others["tool"], 3);
         EXPECT_GT(others["material"], 25);
     }

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 #include <ovGraphics/System.h>
 #include <ovImages/Conversion.h>
+#include <ovVeldris/complexEffects/BlurReference.h>
 #include <veldris/SessionTesting.h>
 
 namespace {
@@ -60,6 +61,48 @@ TEST_P(EffectChainTest, effectsFollowEachOther) {
             << channel;
     }
     EXPECT_EQ(result.image->getComponent(0, 0, 3), 0.25f);
+}
+
+TEST_P(EffectChainTest, blursBetweenOtherEffects) {
+    FloatPicture source(13, 10);
+    Image picture(13, 10, 4, COMPONENT_TYPE::FLOAT, COLOR_ENCODING::LINEAR);
+    for (unsigned int y = 0; y < 10; ++y)
+        for (unsigned int x = 0; x < 13; ++x)
+            for (unsigned int channel = 0; channel < 4; ++channel) {
+                source.at(x, y)[channel] = float((x * 7 + y * 5 + channel * 3) % 11) / 10.0f;
+                picture.setComponent(x, y, channel, source.at(x, y)[channel]);
+            }
+    const ChainResult result =
+        run(picture, "texture-copy;blur:radius=4,preserve-alpha=true;texture-copy", {});
+    ASSERT_TRUE(result) << result.error;
+    ASSERT_EQ(result.timings.size(), 3u) << "a blur is one step";
+    EXPECT_EQ(result.timings[1].effect, "blur:radius=4,preserve-alpha=true");
+    const FloatPicture expected = blurReference::blur(source, {.radius = 4, .preservesAlpha = true});
+    for (unsigned int y = 0; y < 10; ++y)
+        for (unsigned int x = 0; x < 13; ++x)
+            for (unsigned int channel = 0; channel < 4; ++channel)
+                EXPECT_NEAR(result.image->getComponent(x, y, channel), expected.at(x, y)[channel], 2e-5);
+}
+
+TEST_P(EffectChainTest, blursBytesWithoutRoundingBetween) {
+    // A step of one in 255: rounded after the first pass it would stay a step.
+    Image bytes(32, 32, 3, COMPONENT_TYPE::UINT8, COLOR_ENCODING::SRGB);
+    for (unsigned int y = 0; y < 32; ++y)
+        for (unsigned int x = 0; x < 32; ++x)
+            for (unsigned int channel = 0; channel < 3; ++channel)
+                bytes.setComponent(x, y, channel, ((x + y) % 2 == 0 ? 100.0f : 101.0f) / 255.0f);
+    ChainOptions options;
+    options.raw = true;
+    ovMemory::Buffer<veldris::PlannedEffect> effects;
+    veldris::ChainPlan plan;
+    ovMemory::String error;
+    ASSERT_TRUE(veldris::planEffects("blur:radius=6", effects, error) &&
+                veldris::planChain(effects, options, plan, error))
+        << error;
+    const ChainResult result = veldris::runChainForFile(
+        _session, std::move(bytes), plan, {COMPONENT_TYPE::FLOAT, COLOR_ENCODING::LINEAR}, true);
+    ASSERT_TRUE(result) << result.error;
+    EXPECT_NEAR(result.image->getComponent(16, 16, 1) * 255.0f, 100.5, 0.01);
 }
 
 TEST_P(EffectChainTest, stripsMakeTheSamePicture) {

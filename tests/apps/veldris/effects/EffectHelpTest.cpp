@@ -10,7 +10,13 @@ TEST(EffectHelpTest, namesEverySettingThatMayBeWritten) {
         for (const ovVeldris::Setting& setting : veldris::settingsInChain(kind))
             EXPECT_NE(help.find("\n      " + ovMemory::String(setting.name)), help.npos) << setting.name;
     }
+    for (const ovVeldris::ComplexEffectKind& kind : ovVeldris::complexEffectKinds()) {
+        EXPECT_NE(help.find("\n  " + kind.getName() + "  "), help.npos);
+        for (const ovVeldris::Setting& setting : veldris::settingsInChain(kind))
+            EXPECT_NE(help.find("\n      " + ovMemory::String(setting.name)), help.npos) << setting.name;
+    }
     EXPECT_EQ(help.find("source-texture"), help.npos);
+    EXPECT_EQ(help.find("source-depth"), help.npos);
 }
 
 TEST(EffectHelpTest, tellsRangesDefaultsChoicesAndConditions) {
@@ -31,6 +37,9 @@ TEST(EffectHelpTest, tellsRangesDefaultsChoicesAndConditions) {
           "                         one of depth, positions, positions-and-normals\n",
           "      sun-position       direction towards the sun, y up (default the scene's)\n",
           "      occlusion-drives-alpha write the open fraction to alpha too, for blending (default true)\n",
+          "  dof  blurs what is out of focus\n"
+          "      takes any colours, gives the same\n"
+          "      of veldris render alone: it reads the scene's depth; focus=auto is the model's middle\n",
           "  texture-copy  draws the picture unchanged\n"
           "      takes any colours, gives the same\n"})
         EXPECT_NE(help.find(part), help.npos) << part << help;

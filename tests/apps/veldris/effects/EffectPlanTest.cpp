@@ -122,7 +122,7 @@ TEST(EffectPlanTest, whatIsWrongIsToldWithTheEffect) {
         const char* text;
         const char* error;
     } CASES[] = {
-        {"sharpen", "there is no effect 'sharpen'; the effects are atmosphere, film-grain, fxaa, "
+        {"sharpen", "there is no effect 'sharpen'; the effects are atmosphere, blur, dof, film-grain, fxaa, "
                     "image-environment, ssao, "
                     "texture-copy, tone-mapping."},
         {"texture-copy:strength=1", "effect 'texture-copy': there is no setting 'strength'; it has none."},
@@ -222,6 +222,73 @@ TEST(EffectPlanTest, fxaaIsGivenEncodedColors) {
     EXPECT_EQ(error,
               "'tone-mapping' takes scene-linear colours and 'fxaa' gives srgb-encoded ones: take that "
               "step away, say with --input-content what the file holds, or use --raw.");
+}
+
+TEST(EffectPlanTest, effectsOfSeveralPassesStandInChains) {
+    Buffer<PlannedEffect> effects;
+    String error;
+    ASSERT_TRUE(
+        veldris::planEffects("blur:radius=12,alpha-planes=true;dof:near=1,focus=auto,far=9", effects, error))
+        << error;
+    ASSERT_EQ(effects.size(), 2u);
+    EXPECT_EQ(effects[0].kind, nullptr);
+    EXPECT_EQ(effects[0].getName(), "blur");
+    ASSERT_EQ(effects[0].settings.size(), 2u);
+    EXPECT_EQ(effects[0].settings[0].value, ovVeldris::SettingValue(12));
+    EXPECT_EQ(effects[0].settings[1].value, ovVeldris::SettingValue(true));
+    EXPECT_FALSE(effects[0].focusesOnScene);
+    EXPECT_EQ(effects[1].getName(), "dof");
+    EXPECT_TRUE(effects[1].focusesOnScene);
+    EXPECT_EQ(effects[1].settings.size(), 2u) << "the focus comes with the scene";
+    EXPECT_EQ(effects[1].text, "dof:near=1,focus=auto,far=9");
+
+    const std::pair<const char*, const char*> REFUSED[] = {
+        {"blur:radius=511",
+         "effect 'blur': '511' is no value of the setting 'radius'; it takes a whole number "
+         "from 0 to 510 pixels."},
+        {"dof:focus=far",
+         "effect 'dof': 'far' is no value of the setting 'focus'; it takes a number of at least 0 "
+         "units of the view."},
+        {"dof:linear-depth=true", "effect 'dof': there is no setting 'linear-depth'; it has near, focus, "
+                                  "thickness, far, strength. Did you mean 'near'?"},
+        {"blur:focus=auto", "effect 'blur': there is no setting 'focus'; it has radius, alpha-planes, "
+                            "preserve-alpha."},
+    };
+    for (const auto& [text, message] : REFUSED) {
+        EXPECT_FALSE(veldris::planEffects(text, effects, error));
+        EXPECT_EQ(error, message);
+    }
+}
+
+TEST(EffectPlanTest, effectsOfSeveralPassesNeedDepthAndMakeOpaque) {
+    const struct {
+        const char* list;
+        bool hasDepth;
+        bool keepsAlpha;
+        const char* error;
+    } CASES[] = {
+        {"blur", false, false, ""},
+        {"dof", true, false, ""},
+        {"dof", false, false,
+         "'dof' reads a scene (depth) and there is a picture alone; veldris render draws scenes."},
+        {"blur:preserve-alpha=true", true, true, ""},
+        {"blur", true, true,
+         "'blur' makes pictures opaque, and --background lies behind what is not; add preserve-alpha=true to "
+         "it."},
+        {"texture-copy;dof", true, true,
+         "'dof' makes pictures opaque, and --background lies behind what is not; leave one of them out."},
+    };
+    for (const auto& row : CASES) {
+        Buffer<PlannedEffect> effects;
+        veldris::ChainPlan plan;
+        veldris::ChainOptions options;
+        options.hasDepth = row.hasDepth;
+        options.keepsAlpha = row.keepsAlpha;
+        String error;
+        ASSERT_TRUE(veldris::planEffects(row.list, effects, error)) << error;
+        EXPECT_EQ(veldris::planChain(effects, options, plan, error), *row.error == '\0');
+        EXPECT_EQ(error, row.error);
+    }
 }
 
 TEST(EffectPlanTest, everyDefaultMayBeWritten) {

@@ -81,6 +81,23 @@ TEST_P(PictureShaderTest, colorsAreTakenOutOfTheirCoverage) {
             EXPECT_NEAR(divided.getComponent(x, 0, channel), expected[x][channel], 1e-6f) << x;
 }
 
+TEST_P(PictureShaderTest, depthIsThatOfOneSample) {
+    Image samples = floats(9, 6);
+    for (unsigned int y = 0; y < 6; ++y)
+        for (unsigned int x = 0; x < 9; ++x)
+            samples.setComponent(x, y, 0, 0.1f * float(x) + 0.013f * float(y));
+    const auto shader = PictureShader::pickDepth(_session.getGraphics());
+    ASSERT_NE(shader, nullptr) << _session.getLogger().take();
+    shader->setConstants({3.0f, 0.0f, 9.0f, 6.0f});
+    const Image depth = draw(*shader, samples, 3, 2);
+    for (unsigned int y = 0; y < 2; ++y)
+        for (unsigned int x = 0; x < 3; ++x)
+            EXPECT_EQ(depth.getComponent(x, y, 0), samples.getComponent(3 * x + 1, 3 * y + 1, 0));
+    // The second strip of a picture, whose first row is 1.
+    shader->setConstants({3.0f, 1.0f, 9.0f, 6.0f});
+    EXPECT_EQ(draw(*shader, samples, 3, 2).getComponent(2, 1, 0), samples.getComponent(7, 1, 0));
+}
+
 /// Samples of 3 x 2 pixels, 2 x 2 each, with every kind of number and one that is none in each channel.
 Image makeSamples() {
     Image samples = floats(6, 4);
