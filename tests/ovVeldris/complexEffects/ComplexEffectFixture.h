@@ -35,6 +35,14 @@ protected:
         return readFloats(result);
     }
 
+    /// Targets without a source hold whole numbers, which the passes behind them read as black: the log says
+    /// so and nothing else.
+    void expectNothingButWholeNumbers() {
+        for (const RecordingLogger::Message& message : getGraphicsLogger().messages)
+            EXPECT_NE(message.message.find("holds whole numbers (R8G8B8A8_UINT)"), ovMemory::String::npos)
+                << message.message;
+    }
+
     /// The first pass of a block of the node.
     ovGraphics::PostProcessPass* passOf(unsigned int block) {
         ovGraphics::CompositorOperationsBlock* found = _node->getOperationsBlock(block);
