@@ -88,11 +88,13 @@ Vector colorOf(unsigned int kind, unsigned int face, float u, float v) {
 ovMemory::UniquePtr<ovGraphics::Mesh> makeStone(ovGraphics::System& graphics, unsigned int kind) {
     SurfaceMesh mesh;
     for (unsigned int face = 0; face < FACES; ++face) {
+        const unsigned int column = face % CELLS_ACROSS;
+        const unsigned int row = face / CELLS_ACROSS;
         mesh.addGrid(
             GRID, GRID, [&](float u, float v) { return placeOn(kind, face, u, v); },
-            [&](float u, float v) {
-                return Vector((static_cast<float>(face % CELLS_ACROSS) + u) / CELLS_ACROSS,
-                              (static_cast<float>(face / CELLS_ACROSS) + v) / CELLS_DOWN);
+            [=](float u, float v) {
+                return Vector((static_cast<float>(column) + u) / CELLS_ACROSS,
+                              (static_cast<float>(row) + v) / CELLS_DOWN);
             });
     }
     return mesh.make(graphics, "stone");
