@@ -29,8 +29,8 @@ void GlSampler::_apply(const SamplerDesc& desc) {
         glSamplerParameteri(_name, name, static_cast<GLint>(value));
     };
     // Where level 0 is all that may be read, nothing is ever minified (OpenGL 4.6, 8.14.3: a level of 0 or
-    // less takes the magnification filter). Telling so saves the software rasteriser the choice at each fetch,
-    // a quarter of the time of a blur.
+    // less takes the magnification filter). Telling so saves the software rasteriser the choice at each
+    // fetch, a quarter of the time of a blur.
     const bool readsLevelZeroAlone = desc.minLod == 0.0f && desc.maxLod == 0.0f && !filter.anisotropic;
     glCreateSamplers(1, &_name);
     setInt(GL_TEXTURE_MIN_FILTER, readsLevelZeroAlone ? filter.magnification : filter.minification);
