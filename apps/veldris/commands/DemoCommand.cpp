@@ -16,6 +16,7 @@
 #include <veldris/demo/DemoScene.h>
 #include <veldris/demo/EffectPictures.h>
 #include <veldris/demo/EnvironmentScenes.h>
+#include <veldris/demo/FocusScenes.h>
 #include <veldris/demo/GalleryPage.h>
 #include <veldris/demo/MaterialScenes.h>
 #include <veldris/demo/SceneEffectScenes.h>
@@ -63,6 +64,7 @@ struct SceneSet {
 constexpr SceneSet SCENE_SETS[] = {{materialPictureNames, drawMaterialPictures},
                                    {environmentPictureNames, drawEnvironmentPictures},
                                    {sceneEffectPictureNames, drawSceneEffectPictures},
+                                   {focusPictureNames, drawFocusPictures},
                                    {skyPictureNames, drawSkyPictures},
                                    {posterNames, drawPoster}};
 

@@ -8,6 +8,7 @@
 #include <ovImages/Conversion.h>
 #include <ovVeldris/effects/FxaaEffect.h>
 #include <veldris/Session.h>
+#include <veldris/demo/PictureSheet.h>
 
 namespace veldris {
 
@@ -47,16 +48,6 @@ Image drawEdgeChart(unsigned int width, unsigned int height) {
     return chart;
 }
 
-/// Copies a picture into another one, each texel enlarged to a square. What does not fit is left out.
-void copyEnlarged(const Image& from, unsigned int scale, Image& to, unsigned int left, unsigned int top) {
-    const unsigned int width = std::min(scale * from.getWidth(), to.getWidth() - left);
-    const unsigned int height = std::min(scale * from.getHeight(), to.getHeight() - top);
-    for (unsigned int y = 0; y < height; ++y)
-        for (unsigned int x = 0; x < width; ++x)
-            for (unsigned int channel = 0; channel < 4; ++channel)
-                to.setComponent(left + x, top + y, channel, from.getComponent(x / scale, y / scale, channel));
-}
-
 bool runEffects(Session& session, const ImageView& picture, const String& list, PICTURE_CONTENT content,
                 ChainResult& result, String& error) {
     ovMemory::Buffer<PlannedEffect> effects;
@@ -73,14 +64,11 @@ bool runEffects(Session& session, const ImageView& picture, const String& list, 
 
 /// Three rows of six: a chart without FXAA, and with each of the presets.
 bool drawFxaaPresets(Session& session, const ImageView& scene, EffectPicture& picture, String& error) {
-    constexpr unsigned int COLUMNS = 6;
-    constexpr unsigned int ROWS = 3;
     constexpr unsigned int SCALE = 3;
-    picture.image = makePicture(scene.width, scene.height);
-    const unsigned int cellWidth = scene.width / COLUMNS;
-    const unsigned int cellHeight = scene.height / ROWS;
-    const Image chart = drawEdgeChart(std::max(cellWidth / SCALE, 1u), std::max(cellHeight / SCALE, 1u));
-    copyEnlarged(chart, SCALE, picture.image, 0, 0);
+    PictureSheet sheet(scene.width, scene.height, 6, 3, DISPLAY);
+    const Image chart = drawEdgeChart(std::max(sheet.getCellWidth() / SCALE, 1u),
+                                      std::max(sheet.getCellHeight() / SCALE, 1u));
+    sheet.draw(chart, 0, SCALE);
     unsigned int cell = 1;
     for (const auto& preset : ovVeldris::FXAA_PRESET_ENTRIES) {
         ChainResult smoothed;
@@ -88,11 +76,63 @@ bool drawFxaaPresets(Session& session, const ImageView& scene, EffectPicture& pi
                         PICTURE_CONTENT::SRGB_ENCODED, smoothed, error))
             return false;
         std::ranges::move(smoothed.timings, std::back_inserter(picture.timings));
-        copyEnlarged(*smoothed.image, SCALE, picture.image, cell % COLUMNS * cellWidth,
-                     cell / COLUMNS * cellHeight);
-        ++cell;
+        sheet.draw(*smoothed.image, cell++, SCALE);
     }
+    picture.image = sheet.take();
     return true;
+}
+
+/// A chart with each of several lists of effects, in the cells of a sheet.
+bool drawEach(Session& session, const Image& chart, ovMemory::BufferView<const String> lists,
+              PictureSheet& sheet, EffectPicture& picture, String& error) {
+    for (unsigned int cell = 0; cell < lists.size(); ++cell) {
+        ChainResult drawn;
+        if (!runEffects(session, chart.view(), lists[cell], PICTURE_CONTENT::SRGB_ENCODED, drawn, error))
+            return false;
+        std::ranges::move(drawn.timings, std::back_inserter(picture.timings));
+        sheet.draw(*drawn.image, cell);
+    }
+    picture.image = sheet.take();
+    return true;
+}
+
+/// Two rows of three: a chart with a blur of each radius.
+bool drawBlurRadii(Session& session, const ImageView& scene, EffectPicture& picture, String& error) {
+    const String blurs[] = {"blur:radius=0", "blur:radius=2",  "blur:radius=4",
+                            "blur:radius=8", "blur:radius=16", "blur:radius=32"};
+    PictureSheet sheet(scene.width, scene.height, 3, 2, DISPLAY);
+    const Image chart = drawEdgeChart(sheet.getCellWidth(), sheet.getCellHeight());
+    return drawEach(session, chart, blurs, sheet, picture, error);
+}
+
+/// Three planes, each of one alpha and one primary colour in light and dark tiles: a blue ground, a green
+/// ring on it, and red bars in the ring.
+Image drawPlanesChart(unsigned int width, unsigned int height) {
+    constexpr float ALPHAS[] = {0.2f, 0.5f, 1.0f}; // red, green, blue
+    Image chart = makePicture(width, height);
+    for (unsigned int y = 0; y < height; ++y) {
+        for (unsigned int x = 0; x < width; ++x) {
+            const double right = (x + 0.5 - 0.5 * width) / width;
+            const double down = (y + 0.5 - 0.5 * height) / width;
+            const double radius = std::hypot(right, down);
+            const bool isBar = radius < 0.22 && std::fmod(right + down + 1.0, 0.11) < 0.055;
+            const bool isRing = radius > 0.26 && radius < 0.38;
+            const unsigned int plane = isBar ? 0 : isRing ? 1 : 2;
+            const bool isLight = (x / 6 + y / 6) % 2 == 0;
+            for (unsigned int channel = 0; channel < 3; ++channel)
+                chart.setComponent(x, y, channel, channel != plane ? 0.0f : isLight ? 1.0f : 0.4f);
+            chart.setComponent(x, y, 3, ALPHAS[plane]);
+        }
+    }
+    return chart;
+}
+
+/// A chart as it is, blurred as a whole, and blurred plane by plane.
+bool drawBlurPlanes(Session& session, const ImageView& scene, EffectPicture& picture, String& error) {
+    const String blurs[] = {"blur:radius=0", "blur:radius=12", "blur:radius=12,alpha-planes=true"};
+    PictureSheet sheet(scene.width, scene.height, 3, 1, DISPLAY);
+    const Image chart = drawPlanesChart(sheet.getCellWidth(), sheet.getCellHeight());
+    return drawEach(session, chart, blurs, sheet, picture, error);
 }
 
 /// The middle of a picture.
@@ -121,12 +161,10 @@ bool drawGrainModes(Session& session, const ImageView& scene, EffectPicture& pic
     if (!runEffects(session, scene, String(DEFAULT_TONE_MAPPING), PICTURE_CONTENT::SCENE_LINEAR, shown,
                     error))
         return false;
-    const unsigned int cellWidth = scene.width / FRAMES;
-    const unsigned int cellHeight = scene.height / std::size(MODES);
+    PictureSheet sheet(scene.width, scene.height, FRAMES, std::size(MODES), DISPLAY);
     const Image still =
         cropMiddle(ovImages::convertImage(shown.image->view(), shown.image->getComponentType(), 4, DISPLAY),
-                   cellWidth, cellHeight);
-    picture.image = makePicture(scene.width, scene.height);
+                   sheet.getCellWidth(), sheet.getCellHeight());
     for (unsigned int frame = 0; frame < FRAMES; ++frame) {
         session.getGraphics().setFixedTime(frame * FRAME_SECONDS, FRAME_SECONDS);
         for (unsigned int mode = 0; mode < std::size(MODES); ++mode) {
@@ -134,10 +172,11 @@ bool drawGrainModes(Session& session, const ImageView& scene, EffectPicture& pic
             if (!runEffects(session, still.view(), MODES[mode], PICTURE_CONTENT::SRGB_ENCODED, grainy, error))
                 return false;
             std::ranges::move(grainy.timings, std::back_inserter(picture.timings));
-            copyEnlarged(*grainy.image, 1, picture.image, frame * cellWidth, mode * cellHeight);
+            sheet.draw(*grainy.image, mode * FRAMES + frame);
         }
     }
     session.getGraphics().setFixedTime(0.0, 0.0);
+    picture.image = sheet.take();
     return true;
 }
 
@@ -153,6 +192,12 @@ constexpr Comparison COMPARISONS[] = {
      "edges three times enlarged: as they are, then row by row FXAA with the presets 10 to 15, 20 to 29 and "
      "39",
      drawFxaaPresets},
+    {"blur-radii", "a chart blurred with the radii 0, 2, 4, 8, 16 and 32", drawBlurRadii},
+    {"blur-alpha-planes",
+     "planes of one colour and one alpha each: as they are, blurred as a whole, and blurred with alpha "
+     "planes, "
+     "where no colour bleeds into another's plane",
+     drawBlurPlanes},
     {"film-grain-modes",
      "six frames of a film, row by row: grey grain, grain of each colour, and both blended with the target",
      drawGrainModes},

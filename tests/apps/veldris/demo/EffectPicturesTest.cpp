@@ -1,5 +1,6 @@
 #include <veldris/demo/EffectPictures.h>
 
+#include <algorithm>
 #include <cmath>
 #include <gtest/gtest.h>
 #include <map>
@@ -93,6 +94,67 @@ TEST_F(EffectPicturesTest, grainChangesFromFrameToFrameAndBlendsToTheSame) {
     }
     EXPECT_GT(changed, 900u);
     EXPECT_GT(tinted, 700u);
+}
+
+/// The mean of one channel in a rectangle.
+double meanIn(const Image& picture, unsigned int left, unsigned int top, unsigned int width,
+              unsigned int height, unsigned int channel) {
+    double sum = 0.0;
+    for (unsigned int y = top; y < top + height; ++y)
+        for (unsigned int x = left; x < left + width; ++x)
+            sum += double(picture.getComponent(x, y, channel));
+    return sum / (width * height);
+}
+
+TEST_F(EffectPicturesTest, blurSoftensEdgesByItsRadiusAndKeepsTheLight) {
+    const Pictures pictures = drawAll(384, 256, "blur-radii");
+    ASSERT_EQ(pictures.size(), 1u);
+    const Image& picture = pictures.at("blur-radii");
+    constexpr unsigned int SIDE = 128; // of a cell
+    constexpr double STEP = 0.84;      // from black to white
+    // A falling row of weights makes no slope steeper than the step times its largest weight, which is
+    // C(2 r + 2, r + 1) / (2^(2 r + 2) - 2) for the radii 0, 2, 4, 8, 16 and 32.
+    constexpr double LARGEST_WEIGHTS[] = {1.0, 0.32258, 0.24658, 0.18547, 0.13583, 0.09784};
+    const double mean = meanIn(picture, 0, 0, SIDE, SIDE, 1);
+    for (unsigned int cell = 0; cell < 6; ++cell) {
+        const unsigned int left = cell % 3 * SIDE;
+        const unsigned int top = cell / 3 * SIDE;
+        EXPECT_NEAR(meanIn(picture, left, top, SIDE, SIDE, 1), mean, 0.01) << cell;
+        double slope = 0.0;
+        for (unsigned int y = 1; y < SIDE; ++y) // through the rim of the wheel, where it is level
+            slope = std::max(slope, double(std::abs(picture.getComponent(left + SIDE / 2, top + y, 1) -
+                                                    picture.getComponent(left + SIDE / 2, top + y - 1, 1))));
+        EXPECT_LT(slope, STEP * LARGEST_WEIGHTS[cell] + 1e-4) << cell;
+        EXPECT_GT(slope, 0.7 * STEP * LARGEST_WEIGHTS[cell]) << cell;
+    }
+}
+
+TEST_F(EffectPicturesTest, coloursStayInTheirAlphaPlane) {
+    const Pictures pictures = drawAll(192, 64, "blur-alpha-planes");
+    ASSERT_EQ(pictures.size(), 1u);
+    const Image& picture = pictures.at("blur-alpha-planes");
+    constexpr unsigned int SIDE = 64; // of a cell
+    std::size_t mixedAsWhole = 0, smoothed = 0;
+    for (unsigned int y = 0; y < SIDE; ++y) {
+        for (unsigned int x = 0; x < SIDE; ++x) {
+            for (unsigned int channel = 0; channel < 3; ++channel) {
+                const float sharp = picture.getComponent(x, y, channel);
+                const float whole = picture.getComponent(SIDE + x, y, channel);
+                const float byPlane = picture.getComponent(2 * SIDE + x, y, channel);
+                if (sharp == 0.0f) {
+                    ASSERT_EQ(byPlane, 0.0f) << x << " " << y << ": the colour of another plane";
+                    mixedAsWhole += whole > 0.05f ? 1 : 0;
+                } else {
+                    // A mean of the two tiles of the plane.
+                    ASSERT_GE(byPlane, 0.3999f) << x << " " << y;
+                    ASSERT_LE(byPlane, 1.0001f) << x << " " << y;
+                    smoothed += byPlane > 0.45f && byPlane < 0.95f ? 1 : 0;
+                }
+            }
+        }
+    }
+    EXPECT_GT(mixedAsWhole, 500u) << "without planes they bleed";
+    EXPECT_GT(smoothed, 3000u);
 }
 
 TEST_F(EffectPicturesTest, areDrawnInAnySizeAndHandedOnUntilSomebodyStops) {
