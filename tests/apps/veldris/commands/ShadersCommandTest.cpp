@@ -114,19 +114,22 @@ TEST(ShadersCommandTest, listsTheProgramsOfAModelsMaterials) {
     ASSERT_EQ(report["programs"].Size(), 2u);
     EXPECT_STREQ(report["programs"][1]["from"].GetString(), "material 'paint'");
     EXPECT_STREQ(report["programs"][1]["warnings"].GetString(), "");
-    EXPECT_EQ(runVeldris({"shaders", "nowhere.glb", "--device", "software", "--no-cache"}).status, 1);
+    EXPECT_EQ(runVeldris({"shaders", "nowhere.glb", "--device", "software", "--no-cache", "--effect",
+                          "texture-copy"})
+                  .status,
+              1);
 }
 
 TEST(ShadersCommandTest, unknownNamesFail) {
     const Outcome effect = runVeldris({"shaders", "--effect", "sharpen"});
     EXPECT_EQ(effect.status, 1);
     EXPECT_NE(effect.error.find("the effects are"), ovMemory::String::npos);
-    const Outcome program =
-        runVeldris({"shaders", "--device", "software", "--no-cache", "--print", "VELDRIS_SHADOWGROUND"});
+    const Outcome program = runVeldris({"shaders", "--device", "software", "--no-cache", "--effect",
+                                        "tone-mapping", "--print", "ORVANE_TONEPROGRAM_9"});
     EXPECT_EQ(program.status, 1);
     EXPECT_EQ(program.error,
-              "veldris: nothing here generates a program 'VELDRIS_SHADOWGROUND'; 'veldris shaders' "
-              "lists them. Did you mean 'VELDRIS_SHADOW_GROUND'?\n");
+              "veldris: nothing here generates a program 'ORVANE_TONEPROGRAM_9'; 'veldris shaders' "
+              "lists them. Did you mean 'ORVANE_TONE_PROGRAM_9'?\n");
 }
 
 } // namespace
