@@ -33,6 +33,8 @@ done < <(list 'src/*.cpp' 'apps/*.cpp' | grep -v '/main\.cpp$')
 while read -r header; do
     ! grep -qE '#include <(epoxy|EGL|GL|GLFW|glslang|spirv_cross|glm|spng|jpeglib|turbojpeg|Imf|Imath|stb|fmt|spdlog|rapidjson|meshoptimizer|tiny_gltf)' \
         "$header" || complain "$header includes a third-party header; include it in the source, or name it *Internal.h"
+    [[ $header == */detail/* ]] || ! grep -q '^#include <[^>]*/detail/' "$header" ||
+        complain "$header includes a header that is not installed; move that one up"
     grep -q '^#pragma once' "$header" || complain "$header has no #pragma once"
 done < <(list 'src/*.h' | grep -v 'Internal\.h$')
 

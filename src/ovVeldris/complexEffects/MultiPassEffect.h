@@ -2,8 +2,8 @@
 #pragma once
 
 #include <ovVeldris/complexEffects/ComplexEffect.h>
+#include <ovVeldris/complexEffects/NodeBlocks.h>
 #include <ovVeldris/complexEffects/ProgramPairTracker.h>
-#include <ovVeldris/complexEffects/detail/NodeBlocks.h>
 
 namespace ovGraphics {
 class Shader;

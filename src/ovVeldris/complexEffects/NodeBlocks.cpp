@@ -1,4 +1,4 @@
-#include <ovVeldris/complexEffects/detail/NodeBlocks.h>
+#include <ovVeldris/complexEffects/NodeBlocks.h>
 
 #include <ovGraphics/compositor/Compositor.h>
 
