@@ -69,26 +69,11 @@ void buildCorner(DemoSet& set, const Shapes& shapes, CameraChoice& camera) {
 
 constexpr Vector TERRAIN_HALF(9000.0f, 2200.0f, 18000.0f); // metres
 
-/// Grass below, rock where it is steep, snow above.
-Vector terrainColor(float u, float v) {
-    const float x = 2.0f * u - 1.0f;
-    const float z = 1.0f - 2.0f * v;
-    const float height = terrainHeight(x, z);
-    const float level = terrainNormal(x, z, TERRAIN_HALF.y / TERRAIN_HALF.x).y;
-    const auto blend = [](const Vector& a, const Vector& b, float t) {
-        const float share = std::clamp(t, 0.0f, 1.0f);
-        return a * (1.0f - share) + b * share;
-    };
-    const Vector grass(0.36f, 0.42f, 0.24f, 1.0f);
-    const Vector rock(0.44f, 0.40f, 0.37f, 1.0f);
-    const Vector snow(0.93f, 0.94f, 0.96f, 1.0f);
-    const Vector ground = blend(rock, grass, (level - 0.82f) * 8.0f);
-    return blend(ground, snow, (height - 0.42f) * 9.0f + (level - 0.8f) * 3.0f);
-}
-
 void buildValley(DemoSet& set, const Shapes& shapes, CameraChoice& camera) {
     constexpr unsigned int SIDE = 512;
-    ovGraphics::Texture* color = set.keep(paintTexture(set.getGraphics(), SIDE, true, terrainColor));
+    ovGraphics::Texture* color = set.keep(paintTexture(set.getGraphics(), SIDE, true, [](float u, float v) {
+        return terrainColor(u, v, TERRAIN_HALF.y / TERRAIN_HALF.x);
+    }));
     set.addShape(*shapes.terrain, {0.0f, 0.0f, 0.0f}, TERRAIN_HALF, [&](PbsMaterial& material) {
         matt({1.0f, 1.0f, 1.0f}, 0.3f)(material);
         material.setAlbedoTexture(color, ovVeldris::THREE_CHANNEL_PACK::RGB);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <ovGraphics/scene/Mesh.h>
+#include <veldris/demo/Noise.h>
 #include <veldris/demo/SurfaceMesh.h>
 
 namespace veldris {
@@ -17,26 +18,6 @@ constexpr float LACUNARITY = 2.03f;
 constexpr float GAIN = 0.48f;
 constexpr float VALLEY_HALF_WIDTH = 0.16f;
 
-/// 0 to 1 for a corner of the lattice (the finaliser of MurmurHash3).
-float cornerNoise(int x, int z) {
-    uint32_t h = static_cast<uint32_t>(x) * 0x9E3779B1u + static_cast<uint32_t>(z) * 0x85EBCA77u;
-    h = (h ^ (h >> 16)) * 0x85EBCA6Bu;
-    h = (h ^ (h >> 13)) * 0xC2B2AE35u;
-    return static_cast<float>((h ^ (h >> 16)) >> 8) / 16777216.0f;
-}
-
-float smoothNoise(float x, float z) {
-    const float left = std::floor(x);
-    const float near = std::floor(z);
-    const auto fade = [](float t) { return t * t * t * (t * (t * 6.0f - 15.0f) + 10.0f); };
-    const float u = fade(x - left);
-    const float v = fade(z - near);
-    const auto corner = [&](int i, int j) {
-        return cornerNoise(static_cast<int>(left) + i, static_cast<int>(near) + j);
-    };
-    return std::lerp(std::lerp(corner(0, 0), corner(1, 0), u), std::lerp(corner(0, 1), corner(1, 1), u), v);
-}
-
 } // namespace
 
 float terrainHeight(float x, float z) {
@@ -47,7 +28,7 @@ float terrainHeight(float x, float z) {
     float frequency = FIRST_FREQUENCY;
     for (unsigned int octave = 0; octave < OCTAVES; ++octave) {
         const float offset = 17.3f * static_cast<float>(octave);
-        const float noise = smoothNoise(x * frequency + offset, z * frequency - offset);
+        const float noise = smoothNoise({x * frequency + offset, 0.0f, z * frequency - offset});
         const float ridge = 1.0f - std::abs(2.0f * noise - 1.0f);
         // What lies high gets the finer ridges; valleys stay smooth.
         sum += ridge * ridge * weight * amplitude;
@@ -68,6 +49,18 @@ Vector terrainNormal(float x, float z, float heightScale) {
     const float slopeX = (terrainHeight(x + STEP, z) - terrainHeight(x - STEP, z)) / (2.0f * STEP);
     const float slopeZ = (terrainHeight(x, z + STEP) - terrainHeight(x, z - STEP)) / (2.0f * STEP);
     return Vector(-heightScale * slopeX, 1.0f, -heightScale * slopeZ).getNormalizedVec3();
+}
+
+Vector terrainColor(float u, float v, float heightScale) {
+    const float x = 2.0f * u - 1.0f;
+    const float z = 1.0f - 2.0f * v;
+    const float height = terrainHeight(x, z);
+    const float level = terrainNormal(x, z, heightScale).y;
+    const Vector grass(0.36f, 0.42f, 0.24f, 1.0f);
+    const Vector rock(0.44f, 0.40f, 0.37f, 1.0f);
+    const Vector snow(0.93f, 0.94f, 0.96f, 1.0f);
+    const Vector ground = mixColors(rock, grass, (level - 0.82f) * 8.0f);
+    return mixColors(ground, snow, (height - 0.42f) * 9.0f + (level - 0.8f) * 3.0f);
 }
 
 ovMemory::UniquePtr<ovGraphics::Mesh> makeTerrain(ovGraphics::System& graphics, unsigned int columns,

@@ -19,6 +19,10 @@ float terrainHeight(float x, float z);
 /// How steep that is: the normal where heights are scaled and sides are 1.
 ovMaths::Vector terrainNormal(float x, float z, float heightScale);
 
+/// What grows there: grass below, rock where it is steep, snow above. @param u, v texture coordinates of the
+/// mesh
+ovMaths::Vector terrainColor(float u, float v, float heightScale);
+
 /// A mesh of these heights over a square of side 2, with texture coordinates from (0, 0) at (-1, 1).
 /// @param columns, rows of vertices @return null after one log line when the device refuses
 ovMemory::UniquePtr<ovGraphics::Mesh> makeTerrain(ovGraphics::System& graphics, unsigned int columns,

@@ -8,11 +8,11 @@
 #include <ovGraphics/resources/Camera.h>
 #include <ovGraphics/scene/Mesh.h>
 #include <veldris/Session.h>
+#include <veldris/demo/Noise.h>
 #include <veldris/demo/PaintedTexture.h>
 #include <veldris/demo/SurfaceMesh.h>
 #include <veldris/demo/Terrain.h>
 #include <veldris/demo/poster/Meadow.h>
-#include <veldris/demo/poster/Noise.h>
 #include <veldris/demo/poster/StoneShape.h>
 #include <veldris/sky/SkyEnvironment.h>
 
@@ -153,18 +153,6 @@ Vector mountainAt(float u, float v) {
     return {x, terrainHeight(x, z) * rise * rise * (3.0f - 2.0f * rise), z};
 }
 
-Vector mountainColor(float u, float v) {
-    const float x = 2.0f * u - 1.0f;
-    const float z = 1.0f - 2.0f * v;
-    const float height = terrainHeight(x, z);
-    const float level = terrainNormal(x, z, MOUNTAINS_HALF.y / MOUNTAINS_HALF.x).y;
-    const Vector forest(0.20f, 0.23f, 0.14f, 1.0f);
-    const Vector rock(0.42f, 0.39f, 0.36f, 1.0f);
-    const Vector snow(0.92f, 0.93f, 0.95f, 1.0f);
-    return mixColors(mixColors(rock, forest, (level - 0.8f) * 7.0f), snow,
-                     (height - 0.44f) * 9.0f + (level - 0.8f) * 3.0f);
-}
-
 /// The hill under the meadow, and mountains beyond the valley.
 void addLand(DemoSet& set, Meshes& meshes, const Detail& detail) {
     ovGraphics::System& graphics = set.getGraphics();
@@ -183,7 +171,9 @@ void addLand(DemoSet& set, Meshes& meshes, const Detail& detail) {
     mountains.addGrid(detail.landRows, detail.landRows, mountainAt);
     add(mountains.make(graphics, "mountains"),
         {{2500.0f, -VALLEY_DEPTH, MOUNTAINS_HALF.z + 1500.0f}, MOUNTAINS_HALF},
-        paintTexture(graphics, detail.textureSide / 2, true, mountainColor));
+        paintTexture(graphics, detail.textureSide / 2, true, [](float u, float v) {
+            return terrainColor(u, v, MOUNTAINS_HALF.y / MOUNTAINS_HALF.x);
+        }));
 }
 
 /// Eye and light: shadows as far as the stones throw them.

@@ -4,9 +4,9 @@
 #include <array>
 #include <cmath>
 #include <ovGraphics/scene/Mesh.h>
+#include <veldris/demo/Noise.h>
 #include <veldris/demo/PaintedTexture.h>
 #include <veldris/demo/SurfaceMesh.h>
-#include <veldris/demo/poster/Noise.h>
 
 namespace veldris {
 

@@ -7,6 +7,7 @@
 #include <support/TemporaryFolder.h>
 #include <veldris/Session.h>
 #include <veldris/demo/DemoScene.h>
+#include <veldris/demo/PictureMeans.h>
 
 namespace {
 
@@ -94,16 +95,6 @@ TEST_F(EffectPicturesTest, grainChangesFromFrameToFrameAndBlendsToTheSame) {
     }
     EXPECT_GT(changed, 900u);
     EXPECT_GT(tinted, 700u);
-}
-
-/// The mean of one channel in a rectangle.
-double meanIn(const Image& picture, unsigned int left, unsigned int top, unsigned int width,
-              unsigned int height, unsigned int channel) {
-    double sum = 0.0;
-    for (unsigned int y = top; y < top + height; ++y)
-        for (unsigned int x = left; x < left + width; ++x)
-            sum += double(picture.getComponent(x, y, channel));
-    return sum / (width * height);
 }
 
 TEST_F(EffectPicturesTest, blurSoftensEdgesByItsRadiusAndKeepsTheLight) {

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <map>
 #include <veldris/SessionTesting.h>
+#include <veldris/demo/PictureMeans.h>
 
 namespace {
 
@@ -18,16 +19,6 @@ protected:
 
     veldris::Session _session;
 };
-
-/// The mean of a rectangle's channel.
-double meanOf(const ovImages::Image& image, unsigned int left, unsigned int top, unsigned int width,
-              unsigned int height, unsigned int channel) {
-    double sum = 0.0;
-    for (unsigned int y = top; y < top + height; ++y)
-        for (unsigned int x = left; x < left + width; ++x)
-            sum += double(image.getComponent(x, y, channel));
-    return sum / (width * height);
-}
 
 TEST_F(SceneEffectScenesTest, everyPictureShowsItsEffect) {
     std::map<String, ovImages::Image> pictures;
@@ -58,16 +49,16 @@ TEST_F(SceneEffectScenesTest, everyPictureShowsItsEffect) {
         EXPECT_LT(dark, WIDTH * HEIGHT / 8) << name;
     }
     EXPECT_NE(pictures["occlusion-positions"].getComponent(34, 15, 0) +
-                  meanOf(pictures["occlusion-positions"], 0, 0, 48, HEIGHT, 0),
+                  meanIn(pictures["occlusion-positions"], 0, 0, 48, HEIGHT, 0),
               pictures["occlusion-normals"].getComponent(34, 15, 0) +
-                  meanOf(pictures["occlusion-normals"], 0, 0, 48, HEIGHT, 0))
+                  meanIn(pictures["occlusion-normals"], 0, 0, 48, HEIGHT, 0))
         << "normals make a difference";
 
     // The sky is blue, and so is what lies far away: farther than the grass at the camera's feet.
     const ovImages::Image& valley = pictures["aerial-perspective"];
-    EXPECT_GT(meanOf(valley, 40, 2, 16, 4, 2), 1.3 * meanOf(valley, 40, 2, 16, 4, 0));
+    EXPECT_GT(meanIn(valley, 40, 2, 16, 4, 2), 1.3 * meanIn(valley, 40, 2, 16, 4, 0));
     const auto blueness = [&](unsigned int left, unsigned int top) {
-        return meanOf(valley, left, top, 6, 4, 2) / meanOf(valley, left, top, 6, 4, 0);
+        return meanIn(valley, left, top, 6, 4, 2) / meanIn(valley, left, top, 6, 4, 0);
     };
     EXPECT_GT(blueness(29, 27), 1.2 * blueness(40, 48)) << "a far slope, and the near ground";
 

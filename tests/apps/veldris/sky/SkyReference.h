@@ -3,6 +3,8 @@
 
 #include "ovVeldris/effects/atmosphere/AtmosphereReference.h"
 
+#include <gtest/gtest.h>
+#include <ovImages/Image.h>
 #include <veldris/sky/SkyPlace.h>
 
 namespace skyReference {
@@ -105,6 +107,34 @@ inline Three directionOfPixel(const veldris::SkyPlace& middle, double fieldOfVie
     const double a = (2.0 * (x + 0.5) / width - 1.0) * reach * width / height;
     const double b = (1.0 - 2.0 * (y + 0.5) / height) * reach;
     return normalized(forward + right * a + up * b);
+}
+
+/// Compares the pixels of a perspective view with what is seen, but those at the horizon.
+/// @param colorAt the three numbers of a pixel @return how many look at the ground
+inline unsigned int expectSeen(const Sky& sky, const veldris::SkyPlace& middle, double fieldOfView,
+                               unsigned int width, unsigned int height,
+                               const std::function<Three(unsigned int x, unsigned int y)>& colorAt) {
+    unsigned int grounds = 0;
+    for (unsigned int y = 0; y < height; ++y)
+        for (unsigned int x = 0; x < width; ++x) {
+            const Three direction = directionOfPixel(middle, fieldOfView, x, y, width, height);
+            if (sky.isNearHorizon(direction))
+                continue;
+            grounds += direction[1] < -0.1 ? 1 : 0;
+            const Three expected = sky.seen(direction);
+            const Three color = colorAt(x, y);
+            for (unsigned int i = 0; i < 3; ++i) // half a percent: the march is of 32-bit floats
+                EXPECT_NEAR(color[i], expected[i], 5e-3 * expected[i] + 2e-5) << x << " " << y << " " << i;
+        }
+    return grounds;
+}
+inline unsigned int expectSeen(const Sky& sky, const veldris::SkyPlace& middle, double fieldOfView,
+                               const ovImages::Image& picture) {
+    return expectSeen(sky, middle, fieldOfView, picture.getWidth(), picture.getHeight(),
+                      [&](unsigned int x, unsigned int y) {
+                          return Three{picture.getComponent(x, y, 0), picture.getComponent(x, y, 1),
+                                       picture.getComponent(x, y, 2)};
+                      });
 }
 
 } // namespace skyReference

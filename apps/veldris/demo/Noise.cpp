@@ -1,4 +1,4 @@
-#include <veldris/demo/poster/Noise.h>
+#include <veldris/demo/Noise.h>
 
 #include <algorithm>
 #include <cmath>
