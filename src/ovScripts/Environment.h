@@ -87,27 +87,34 @@ public:
     ScriptObjectReference referToGlobal(ovMemory::StringView name);
     /// Sets a global of scripts.
     void setGlobal(ovMemory::StringView name, const FunctionParameter& value);
-    /// Takes an object from the scripts that own it, for a call that is running: the caller destroys it from
-    /// now on, and scripts that still hold it get an error when they use it. Of a value type the caller gets
-    /// a copy. @return null when scripts do not own it
-    void* takeOwnership(const FunctionParameter& argument);
+    /// Takes the object of an argument of a call that is running out of this environment, for another one. Of
+    /// a value type that is a copy.
+    /// @param forwardOwnership whether this environment lets go of an object that its scripts own: they then
+    /// get
+    ///        an error when they use it
+    /// @return empty for anything but user data, and for an object that only passes through a worker
+    SharedUserData share(const FunctionParameter& argument, bool forwardOwnership);
 
     /// Collects everything that scripts let go.
     void collectGarbage();
     /// Bytes that the interpreter and the objects owned by scripts hold.
     std::size_t getUsedMemory() const;
     /// Whether scripts may take so many bytes more. For whoever makes large objects for them.
-    bool canAllocate(std::size_t bytes) const;
+    bool canAllocate(std::size_t bytes);
 
-    /// Names that continue a text that a person types ("ovGraphics.Tex"), whole, sorted.
+    /// What a person who typed a text may mean, sorted: for "x = ovGraphics.Tex" everything of that namespace
+    /// that begins with Tex, as "ovGraphics.Texture". Behind a colon the methods of a global's object.
     ovMemory::Buffer<ovMemory::String> getCompletions(ovMemory::StringView text);
+
+    /// The interpreter, for the library's own sources; null without one.
+    detail::LuaState* getState() const { return _lua.get(); }
 
 private:
     friend class detail::LuaState;
-    friend class Namespace;
-    friend class UserType;
-    friend class ScriptObjectReference;
-    friend class UserDataAccess;
+
+    template <typename Push>
+    bool _run(Push&& push, ovMemory::BufferView<const FunctionParameter> arguments,
+              ovMemory::BufferView<FunctionParameter> results);
 
     EnvironmentOptions _options;
     ExecutionResult _result;

@@ -1,6 +1,7 @@
 // How the execution of a script or of a script's function ended.
 #pragma once
 
+#include <ovMemory/Memory.h>
 #include <ovMemory/Result.h>
 
 namespace ovScripts {

@@ -40,6 +40,12 @@ public:
     Function& setResult(FUNCTION_PARAMETER_TYPE type, ovMemory::StringView typeName = {});
     /// One sentence for the reference.
     Function& setHelp(ovMemory::StringView help);
+    /// Refuses every call in the environment of a worker.
+    Function& setRenderThreadOnly() {
+        _isRenderThreadOnly = true;
+        return *this;
+    }
+    bool isRenderThreadOnly() const { return _isRenderThreadOnly; }
     /// The body. It may throw: what is thrown becomes an error of the script.
     Function& setFunction(Callable callable);
 
@@ -60,6 +66,7 @@ private:
     ovMemory::String _help;
     Callable _callable;
     unsigned int _requiredCount = 0;
+    bool _isRenderThreadOnly = false;
 };
 
 } // namespace ovScripts

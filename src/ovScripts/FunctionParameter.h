@@ -4,9 +4,14 @@
 #include <cstdint>
 #include <ovScripts/FunctionParameterType.h>
 #include <ovScripts/ScriptObjectReference.h>
+#include <ovScripts/SharedUserData.h>
 #include <type_traits>
 
 namespace ovScripts {
+
+namespace detail {
+class ParameterAccess;
+}
 
 /// A value on its way between a script and C++: an argument or a result of a callable, or a value of a
 /// member.
@@ -45,6 +50,9 @@ public:
         : FunctionParameter(ovMemory::String(text)) {}
     /// Any object of a script: a function, a table. An empty reference is nil.
     FunctionParameter(ScriptObjectReference object);
+    /// An object that came out of another environment; not copied, lives until the script has it.
+    FunctionParameter(const SharedUserData& object);
+    FunctionParameter(SharedUserData&& object) = delete;
     /// An object of C++.
     /// @param object null is nil
     /// @param typeName full name of its user type, as "ovMaths.Vector". Not copied: a literal or a global
@@ -59,12 +67,6 @@ public:
     }
     // The name would be gone before it is read.
     FunctionParameter(void* object, ovMemory::String&& typeName, bool forwardOwnership) = delete;
-
-    FunctionParameter(const FunctionParameter& other);
-    FunctionParameter(FunctionParameter&&) noexcept = default;
-    FunctionParameter& operator=(const FunctionParameter& other);
-    FunctionParameter& operator=(FunctionParameter&&) noexcept = default;
-    ~FunctionParameter() = default;
 
     /// A result that raises an error in the script: what is wrong and what to do, without the function's
     /// name, which is put before it.
@@ -108,7 +110,7 @@ public:
     int getStackPosition() const { return _stackPosition; }
 
 private:
-    friend class ParameterAccess;
+    friend class detail::ParameterAccess;
 
     FUNCTION_PARAMETER_TYPE _type = FUNCTION_PARAMETER_TYPE::VOID;
     bool _isOwnershipForwarded = false;
@@ -126,6 +128,7 @@ private:
     ovMemory::StringView _text;
     ovMemory::String _ownText;
     ScriptObjectReference _reference;
+    const SharedUserData* _shared = nullptr;
 };
 
 } // namespace ovScripts

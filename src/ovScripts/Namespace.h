@@ -17,9 +17,7 @@ public:
         FunctionParameter value;
     };
 
-    Namespace(Environment* environment, ovMemory::StringView fullName)
-        : _environment(environment)
-        , _fullName(fullName) {}
+    Namespace(Environment* environment, ovMemory::StringView fullName);
     Namespace(const Namespace&) = delete;
     Namespace& operator=(const Namespace&) = delete;
 
@@ -43,8 +41,11 @@ public:
     const ovMemory::Buffer<ovMemory::UniquePtr<Function>>& getFunctions() const { return _functions; }
 
 private:
+    void _setMember(ovMemory::StringView name, const FunctionParameter& value);
+
     Environment* _environment;
     ovMemory::String _fullName;
+    int _table = 0; ///< the interpreter's number of its table
     ovMemory::Buffer<Constant> _constants;
     ovMemory::Buffer<ovMemory::UniquePtr<Function>> _functions;
 };

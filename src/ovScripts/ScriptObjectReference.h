@@ -10,7 +10,8 @@ class Environment;
 
 namespace detail {
 struct ObjectSlot;
-}
+class ReferenceAccess;
+} // namespace detail
 
 /// Holds an object of a script's environment (a function, a table, user data), which is not collected while
 /// it is held. Becomes empty when the environment is destroyed.
@@ -36,8 +37,7 @@ public:
     void reset();
 
 private:
-    friend class Environment;
-    friend class ReferenceAccess;
+    friend class detail::ReferenceAccess;
 
     ovMemory::UniquePtr<detail::ObjectSlot> _slot;
 };

@@ -10,6 +10,10 @@ namespace ovScripts {
 
 class Environment;
 
+namespace detail {
+class UserDataAccess;
+}
+
 /// A class of C++ as scripts see it. Belongs to its environment.
 ///
 /// In scripts a type is a table that holds its static functions; calling it makes an object where the type
@@ -75,31 +79,34 @@ public:
     /// @param name of an object, asked for when it is handed to a script
     template <typename T>
     void setBorrowable(std::function<ovMemory::String(const T&)> name = {}) {
-        _toBorrowable = [](void* object) -> ovMemory::Borrowable* { return static_cast<T*>(object); };
+        std::function<ovMemory::String(const void*)> nameOf;
         if (name)
-            _nameOf = [name](const void* object) { return name(*static_cast<const T*>(object)); };
+            nameOf = [name](const void* object) { return name(*static_cast<const T*>(object)); };
+        _setBorrowable([](void* object) -> ovMemory::Borrowable* { return static_cast<T*>(object); },
+                       std::move(nameOf));
     }
     /// Objects of T are values of a few plain numbers: scripts hold copies, which need no destructor. T is
     /// trivially copyable. Several times as fast as objects with a destructor.
     template <typename T>
     void setValueType() {
         static_assert(std::is_trivially_copyable_v<T> && alignof(T) <= alignof(std::max_align_t));
-        _valueSize = sizeof(T);
-        _newCopy = [](const void* object) -> void* { return new T(*static_cast<const T*>(object)); };
+        _setValueType(
+            sizeof(T), [](const void* object) -> void* { return new T(*static_cast<const T*>(object)); },
+            [](void* object) { delete static_cast<T*>(object); });
     }
     /// Bytes that an object owned by a script holds besides itself, for the environment's collector and
     /// limit.
     void setSizeOf(std::function<std::size_t(const void*)> sizeOf) { _sizeOf = std::move(sizeOf); }
     /// Objects of this type belong to the thread that renders: in the environment of a worker every use is an
-    /// error.
+    /// error. Concerns the functions that are added afterwards.
     void setRenderThreadOnly() { _isRenderThreadOnly = true; }
 
     // What was declared, in order, for the reference, for completion and for the interpreter.
     const Function* getConstructor() const { return _constructor.get(); }
     const Destructor& getDestructor() const { return _destructor; }
-    const ovMemory::Buffer<ovMemory::UniquePtr<Function>>& getMethods() const { return _methods; }
+    const ovMemory::Buffer<ovMemory::UniquePtr<Function>>& getMethods() const { return _methodList; }
     const ovMemory::Buffer<ovMemory::UniquePtr<Function>>& getStaticFunctions() const { return _statics; }
-    const ovMemory::Buffer<ovMemory::UniquePtr<Member>>& getMembers() const { return _members; }
+    const ovMemory::Buffer<ovMemory::UniquePtr<Member>>& getMembers() const { return _memberList; }
     const std::map<USER_TYPE_OPERATOR, ovMemory::UniquePtr<Function>>& getOperators() const {
         return _operators;
     }
@@ -108,15 +115,22 @@ public:
     bool isRenderThreadOnly() const { return _isRenderThreadOnly; }
 
 private:
-    friend class UserDataAccess;
+    friend class detail::UserDataAccess;
+
+    ovMemory::UniquePtr<Function> _newFunction(ovMemory::StringView name) const;
+    void _declareSelf(Function& function) const;
+    void _lookMembersUp();
+    void _setValueType(std::size_t size, void* (*newCopy)(const void*), Destructor destructor);
+    void _setBorrowable(ovMemory::Borrowable* (*toBorrowable)(void*),
+                        std::function<ovMemory::String(const void*)> nameOf);
 
     Environment* _environment;
     ovMemory::String _fullName;
     ovMemory::UniquePtr<Function> _constructor;
     Destructor _destructor;
-    ovMemory::Buffer<ovMemory::UniquePtr<Function>> _methods;
+    ovMemory::Buffer<ovMemory::UniquePtr<Function>> _methodList;
     ovMemory::Buffer<ovMemory::UniquePtr<Function>> _statics;
-    ovMemory::Buffer<ovMemory::UniquePtr<Member>> _members;
+    ovMemory::Buffer<ovMemory::UniquePtr<Member>> _memberList;
     std::map<USER_TYPE_OPERATOR, ovMemory::UniquePtr<Function>> _operators;
     NamedGetter _namedGetter;
     NamedSetter _namedSetter;
@@ -128,6 +142,12 @@ private:
     void* (*_newCopy)(const void*) = nullptr;
     std::function<std::size_t(const void*)> _sizeOf;
     bool _isRenderThreadOnly = false;
+
+    // The interpreter's numbers of its tables.
+    int _table = 0;     ///< of the static functions: the type as scripts see it
+    int _metatable = 0; ///< of each object
+    int _methods = 0;
+    int _members = 0;
 };
 
 } // namespace ovScripts

@@ -1,0 +1,214 @@
+#include <ovScripts/Environment.h>
+#include <ovScripts/UserType.h>
+#include <ovScripts/detail/CallsInternal.h>
+#include <ovScripts/detail/TablesInternal.h>
+#include <ovScripts/detail/UserDataInternal.h>
+
+namespace ovScripts {
+
+namespace {
+
+const char* fieldOf(USER_TYPE_OPERATOR kind) {
+    switch (kind) {
+    case USER_TYPE_OPERATOR::TO_STRING:
+        return "__tostring";
+    case USER_TYPE_OPERATOR::CALL:
+        return "__call";
+    case USER_TYPE_OPERATOR::ADDITION:
+        return "__add";
+    case USER_TYPE_OPERATOR::SUBTRACTION:
+        return "__sub";
+    case USER_TYPE_OPERATOR::MULTIPLICATION:
+        return "__mul";
+    case USER_TYPE_OPERATOR::DIVISION:
+        return "__div";
+    case USER_TYPE_OPERATOR::MODULO:
+        return "__mod";
+    case USER_TYPE_OPERATOR::POWER:
+        return "__pow";
+    case USER_TYPE_OPERATOR::UNARY_MINUS:
+        return "__unm";
+    case USER_TYPE_OPERATOR::EQUAL:
+        return "__eq";
+    case USER_TYPE_OPERATOR::LESS:
+        return "__lt";
+    case USER_TYPE_OPERATOR::LESS_OR_EQUAL:
+        return "__le";
+    case USER_TYPE_OPERATOR::CONCATENATION:
+        return "__concat";
+    case USER_TYPE_OPERATOR::LENGTH:
+        return "__len";
+    }
+    return "";
+}
+
+void setTextField(lua_State* lua, const char* field, const ovMemory::String& text) {
+    lua_pushlstring(lua, text.data(), text.size());
+    lua_setfield(lua, -2, field);
+}
+
+// A closure over the type and its two tables.
+void setMemberField(lua_State* lua, const char* field, lua_CFunction function, UserType* type, int methods,
+                    int members) {
+    lua_pushlightuserdata(lua, type);
+    lua_rawgeti(lua, LUA_REGISTRYINDEX, methods);
+    lua_rawgeti(lua, LUA_REGISTRYINDEX, members);
+    lua_pushcclosure(lua, function, 3);
+    lua_setfield(lua, -2, field);
+}
+
+// A table that raises an error for names that it lacks. @return the interpreter's number of the hold on it
+int createMethodTable(lua_State* lua, UserType* type) {
+    lua_newtable(lua);
+    lua_newtable(lua);
+    detail::setFunctionField(lua, "__index", &detail::refuseMethod, type);
+    lua_setmetatable(lua, -2);
+    return luaL_ref(lua, LUA_REGISTRYINDEX);
+}
+
+} // namespace
+
+UserType::UserType(Environment* environment, ovMemory::StringView fullName)
+    : _environment(environment)
+    , _fullName(fullName) {
+    _environment->getState()->protect([&](lua_State* lua) {
+        _table = detail::createNamedTable(lua, _fullName);
+        _methods = createMethodTable(lua, this);
+        lua_newtable(lua);
+        _members = luaL_ref(lua, LUA_REGISTRYINDEX);
+        lua_newtable(lua);
+        lua_pushvalue(lua, -1);
+        _metatable = luaL_ref(lua, LUA_REGISTRYINDEX);
+        setTextField(lua, "__name", _fullName);
+        setTextField(lua, "__metatable", _fullName); // what getmetatable() gives; the table itself stays ours
+        // As long as there are no members this is quicker than a function.
+        lua_rawgeti(lua, LUA_REGISTRYINDEX, _methods);
+        lua_setfield(lua, -2, "__index");
+        setMemberField(lua, "__newindex", &detail::writeMember, this, _methods, _members);
+        detail::setFunctionField(lua, "__eq", &detail::isSameObject, this);
+        detail::setFunctionField(lua, "__tostring", &detail::printObject, this);
+        detail::setFunctionField(lua, "__gc", &detail::UserDataAccess::collect, this);
+    });
+}
+
+UserType::~UserType() = default;
+
+ovMemory::UniquePtr<Function> UserType::_newFunction(ovMemory::StringView name) const {
+    auto function = std::make_unique<Function>(_fullName + '.' + ovMemory::String(name));
+    if (_isRenderThreadOnly)
+        function->setRenderThreadOnly();
+    return function;
+}
+
+void UserType::_declareSelf(Function& function) const {
+    function.addParameter(FUNCTION_PARAMETER_TYPE::USER_DATA_PTR, _fullName, "self");
+}
+
+Function*
+UserType::setConstructor(std::function<void*(ovMemory::BufferView<FunctionParameter>)> constructor) {
+    // Named as it is called: ovMaths.Vector().
+    _constructor = std::make_unique<Function>(_fullName);
+    if (_isRenderThreadOnly)
+        _constructor->setRenderThreadOnly();
+    _constructor->setResult(FUNCTION_PARAMETER_TYPE::USER_DATA, _fullName);
+    _constructor->setFunction(
+        [this, constructor = std::move(constructor)](ovMemory::BufferView<FunctionParameter> arguments) {
+            return FunctionParameter(constructor(arguments), _fullName, true);
+        });
+    _environment->getState()->protect([&](lua_State* lua) {
+        lua_rawgeti(lua, LUA_REGISTRYINDEX, _table);
+        lua_newtable(lua);
+        detail::setFunctionField(lua, "__call", &detail::callConstructor, _constructor.get());
+        setTextField(lua, "__metatable", _fullName);
+        lua_setmetatable(lua, -2);
+    });
+    return _constructor.get();
+}
+
+void UserType::setDestructor(Destructor destructor) {
+    _destructor = std::move(destructor);
+}
+
+Function* UserType::addMethod(ovMemory::StringView name) {
+    Function* function = _methodList.emplace_back(_newFunction(name)).get();
+    _declareSelf(*function);
+    _environment->getState()->protect([&](lua_State* lua) {
+        lua_rawgeti(lua, LUA_REGISTRYINDEX, _methods);
+        detail::setFunctionField(lua, name, &detail::callFunction, function);
+    });
+    return function;
+}
+
+Function* UserType::addStaticFunction(ovMemory::StringView name) {
+    Function* function = _statics.emplace_back(_newFunction(name)).get();
+    _environment->getState()->protect([&](lua_State* lua) {
+        lua_rawgeti(lua, LUA_REGISTRYINDEX, _table);
+        detail::setFunctionField(lua, name, &detail::callFunction, function);
+    });
+    return function;
+}
+
+UserType::Member* UserType::addMemberVariable(ovMemory::StringView name, FUNCTION_PARAMETER_TYPE type,
+                                              ovMemory::StringView typeName, Getter getter, Setter setter) {
+    Member* member = _memberList.emplace_back(std::make_unique<Member>()).get();
+    member->name = name;
+    member->value = {type, ovMemory::String(typeName), ovMemory::String(name), false};
+    member->getter = std::move(getter);
+    member->setter = std::move(setter);
+    _environment->getState()->protect([&](lua_State* lua) {
+        lua_rawgeti(lua, LUA_REGISTRYINDEX, _members);
+        lua_pushlstring(lua, name.data(), name.size());
+        lua_pushlightuserdata(lua, member);
+        lua_rawset(lua, -3);
+    });
+    _lookMembersUp();
+    return member;
+}
+
+void UserType::_lookMembersUp() {
+    _environment->getState()->protect([&](lua_State* lua) {
+        lua_rawgeti(lua, LUA_REGISTRYINDEX, _metatable);
+        setMemberField(lua, "__index", &detail::readMember, this, _methods, _members);
+    });
+}
+
+Function* UserType::addOperator(USER_TYPE_OPERATOR kind) {
+    ovMemory::UniquePtr<Function>& function = _operators[kind];
+    function = _newFunction(fieldOf(kind) + 2);
+    _environment->getState()->protect([&](lua_State* lua) {
+        lua_rawgeti(lua, LUA_REGISTRYINDEX, _metatable);
+        detail::setFunctionField(lua, fieldOf(kind), &detail::callFunction, function.get());
+    });
+    return function.get();
+}
+
+void UserType::setNamedMembers(NamedGetter getter, NamedSetter setter) {
+    _namedGetter = std::move(getter);
+    _namedSetter = std::move(setter);
+    _lookMembersUp();
+}
+
+void UserType::_setValueType(std::size_t size, void* (*newCopy)(const void*), Destructor destructor) {
+    _valueSize = size;
+    _newCopy = newCopy;
+    if (!_destructor)
+        _destructor = std::move(destructor);
+    // Without a finaliser the interpreter frees them as cheaply as its own numbers.
+    _environment->getState()->protect([&](lua_State* lua) {
+        lua_rawgeti(lua, LUA_REGISTRYINDEX, _metatable);
+        lua_pushnil(lua);
+        lua_setfield(lua, -2, "__gc");
+    });
+}
+
+void UserType::_setBorrowable(ovMemory::Borrowable* (*toBorrowable)(void*),
+                              std::function<ovMemory::String(const void*)> nameOf) {
+    _toBorrowable = toBorrowable;
+    _nameOf = std::move(nameOf);
+}
+
+ovMemory::Buffer<ovMemory::String> UserType::getNamedMembers() const {
+    return _namedMemberList ? _namedMemberList() : ovMemory::Buffer<ovMemory::String>();
+}
+
+} // namespace ovScripts

@@ -1,0 +1,168 @@
+#include <cstdlib>
+#include <ovScripts/detail/LuaStateInternal.h>
+#include <ovScripts/detail/StandardLibrariesInternal.h>
+
+namespace ovScripts::detail {
+
+namespace {
+
+// Instructions between two looks at the limits: a few microseconds.
+constexpr int STEPS_BETWEEN_LOOKS = 1000;
+
+bool hasTimeOrStepLimit(const EnvironmentOptions& options) {
+    return options.stepLimit > 0 || options.timeLimit > 0;
+}
+
+} // namespace
+
+ovMemory::UniquePtr<LuaState> LuaState::create(Environment& environment) {
+    auto state = std::make_unique<LuaState>(environment);
+    if (!state->_lua || state->protect(&openStandardLibraries) != LUA_OK)
+        return nullptr;
+    state->restartLimits();
+    return state;
+}
+
+LuaState::LuaState(Environment& environment)
+    : _environment(environment)
+    , _lua(lua_newstate(&_allocate, this))
+    , _running(_lua) {
+    if (!_lua)
+        return;
+    *static_cast<LuaState**>(lua_getextraspace(_lua)) = this;
+    lua_setwarnf(_lua, &_warn, this);
+}
+
+LuaState::~LuaState() {
+    if (!_lua)
+        return;
+    lua_sethook(_lua, nullptr, 0, 0);
+    lua_close(_lua);
+}
+
+void* LuaState::_allocate(void* self, void* block, std::size_t oldSize, std::size_t newSize) {
+    auto& state = *static_cast<LuaState*>(self);
+    const std::size_t freed = block ? oldSize : 0; // of a new block it is the kind of the object
+    if (newSize == 0) {
+        std::free(block);
+        state._insideBytes -= freed;
+        return nullptr;
+    }
+    if (newSize > freed && !state.canAllocate(newSize - freed))
+        return nullptr;
+    void* const moved = std::realloc(block, newSize);
+    if (moved)
+        state._insideBytes += newSize - freed;
+    return moved;
+}
+
+bool LuaState::canAllocate(std::size_t bytes) const {
+    const std::size_t limit = _environment.getOptions().memoryLimit;
+    return limit == 0 || (bytes <= limit && getUsedMemory() <= limit - bytes);
+}
+
+void LuaState::restartLimits() {
+    const EnvironmentOptions& options = _environment.getOptions();
+    _isLimitReached = false;
+    _steps = 0;
+    _deadline =
+        std::chrono::steady_clock::now() + std::chrono::duration_cast<std::chrono::steady_clock::duration>(
+                                               std::chrono::duration<double>(options.timeLimit));
+    if (hasTimeOrStepLimit(options))
+        lua_sethook(_lua, &_lookAtLimits, LUA_MASKCOUNT, STEPS_BETWEEN_LOOKS);
+}
+
+// A script may catch the error; it then gets it again at its next instruction, so that it ends after all.
+void LuaState::_lookAtLimits(lua_State* lua, lua_Debug*) {
+    LuaState& state = of(lua);
+    const EnvironmentOptions& options = state._environment.getOptions();
+    state._steps += STEPS_BETWEEN_LOOKS;
+    const bool areStepsUsed = options.stepLimit > 0 && state._steps >= options.stepLimit;
+    const bool isTimeUsed = options.timeLimit > 0 && std::chrono::steady_clock::now() >= state._deadline;
+    if (!areStepsUsed && !isTimeUsed && !state._isLimitReached)
+        return;
+    state._isLimitReached = true;
+    lua_sethook(lua, &_lookAtLimits, LUA_MASKCOUNT, 1);
+    if (areStepsUsed)
+        luaL_error(lua, "the limit of %I steps is reached", static_cast<LUAI_UACINT>(options.stepLimit));
+    luaL_error(lua, "the time limit of %f s is reached", static_cast<LUAI_UACNUMBER>(options.timeLimit));
+}
+
+// Turns what was raised into a text, and keeps where it was raised.
+int LuaState::_explainError(lua_State* lua) {
+    LuaState& state = of(lua);
+    if (lua_type(lua, 1) != LUA_TSTRING) {
+        if (luaL_callmeta(lua, 1, "__tostring") && lua_type(lua, -1) == LUA_TSTRING)
+            lua_replace(lua, 1);
+        else {
+            lua_pushfstring(lua, "the error is not a text but a value of type %s", luaL_typename(lua, 1));
+            lua_replace(lua, 1);
+        }
+        lua_settop(lua, 1);
+    }
+    state._place.clear();
+    lua_Debug activation;
+    for (int level = 1; lua_getstack(lua, level, &activation); ++level) {
+        lua_getinfo(lua, "Sl", &activation);
+        if (activation.currentline <= 0)
+            continue;
+        state._place = ovMemory::String(activation.short_src) + ':' + std::to_string(activation.currentline);
+        break;
+    }
+    luaL_traceback(lua, lua, nullptr, 1);
+    state._traceback = lua_tostring(lua, -1);
+    lua_settop(lua, 1);
+    return 1;
+}
+
+// Scripts warn in pieces. A piece of its own that begins with @ is a command, of which there are none here.
+void LuaState::_warn(void* self, const char* text, int isContinued) {
+    auto& state = *static_cast<LuaState*>(self);
+    if (state._warning.empty() && !isContinued && *text == '@')
+        return;
+    state._warning += text;
+    if (isContinued)
+        return;
+    if (state._environment._warningReceiver)
+        state._environment._warningReceiver(state._warning);
+    state._warning.clear();
+}
+
+bool LuaState::call(int argumentCount, int resultCount, ExecutionResult& result) {
+    lua_State* lua = _running;
+    const int handler = lua_gettop(lua) - argumentCount;
+    lua_pushcfunction(lua, &_explainError);
+    lua_insert(lua, handler);
+    result = {};
+    _place.clear();
+    _traceback.clear();
+    const int status = lua_pcall(lua, argumentCount, resultCount, handler);
+    lua_remove(lua, handler);
+    if (status == LUA_OK)
+        return true;
+    const char* message = lua_tostring(lua, -1);
+    result.error = message ? message : "unknown error";
+    result.place = _place;
+    result.traceback = _traceback;
+    result.failureType = EXECUTION_FAILURE_TYPE::RUNTIME;
+    if (status == LUA_ERRMEM)
+        result.failureType = EXECUTION_FAILURE_TYPE::MEMORY_ALLOCATION;
+    else if (_isLimitReached)
+        result.failureType = EXECUTION_FAILURE_TYPE::LIMIT_REACHED;
+    lua_pop(lua, 1);
+    return false;
+}
+
+UserType* LuaState::findType(ovMemory::StringView fullName) {
+    const auto address = reinterpret_cast<std::uintptr_t>(fullName.data());
+    RememberedType& remembered = _remembered[(address >> 4) % REMEMBERED_TYPES];
+    // By the text too: another name may lie at that address by now.
+    if (remembered.type && remembered.name.data() == fullName.data() &&
+        remembered.type->getFullName() == fullName)
+        return remembered.type;
+    remembered.type = _environment.getUserType(fullName);
+    remembered.name = fullName;
+    return remembered.type;
+}
+
+} // namespace ovScripts::detail
