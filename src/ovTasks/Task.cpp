@@ -1,0 +1,7 @@
+#include <ovTasks/Task.h>
+
+namespace ovTasks {
+
+Task::~Task() = default;
+
+} // namespace ovTasks
