@@ -14,8 +14,9 @@ public:
     Workers& operator=(const Workers&) = delete;
     /// As end().
     ~Workers();
-    /// Stops for good, and destroys what waits and what is kept. In a task of its own it waits for nobody: that
-    /// thread ends by itself. Owners call it in their destructors, so that tasks that still run find them whole.
+    /// Stops for good, and destroys what waits and what is kept. In a task of its own it waits for nobody:
+    /// that thread ends by itself. Owners call it in their destructors, so that tasks that still run find
+    /// them whole.
     void end();
 
     /// Null is reported and refused.
