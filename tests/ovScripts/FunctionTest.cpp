@@ -1,4 +1,4 @@
-#include "support/Lua.h"
+#include <support/Lua.h>
 
 namespace {
 

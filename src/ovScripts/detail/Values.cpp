@@ -183,7 +183,8 @@ void ParameterAccess::_pushUserData(lua_State* lua, const FunctionParameter& val
         UserDataAccess::push(lua, *type, *value._shared->getShared());
     else
         UserDataAccess::push(lua, *type, value._value.object, value._isOwnershipForwarded);
-    if (value._keptArgument < 0 || lua_type(lua, -1) != LUA_TUSERDATA)
+    if (value._keptArgument < 0 ||
+        value._keptArgument + 1 >= lua_gettop(lua)) // of a function without arguments
         return;
     lua_pushvalue(lua, value._keptArgument + 1);
     lua_setiuservalue(lua, -2, 1);

@@ -26,7 +26,7 @@ luaEnvironment(const ovScripts::EnvironmentOptions& options = {}) {
 /// What a text returns as a text, "tostring" of Lua; "error: " and the message when it fails.
 inline ovMemory::String evaluate(ovScripts::Environment& environment, ovMemory::StringView text) {
     const ovScripts::Script script =
-        scriptOf("return tostring((function() " + ovMemory::String(text) + " end)())");
+        scriptOf("local result = (function() " + ovMemory::String(text) + " end)() return tostring(result)");
     if (!script.isLoaded())
         return "syntax: " + script.getLastCompilationResult()._failureMessage;
     ovScripts::FunctionParameter result;

@@ -1,0 +1,21 @@
+// The log in scripts.
+#pragma once
+
+namespace ovScripts {
+class Environment;
+}
+
+namespace ovVeldris {
+class LogManager;
+}
+
+namespace ovVeldrisWrap {
+
+/// Binds the log: the global function "ovLogLine", and "print" through it.
+class LogWrapper {
+public:
+    /// @param logManager not owned, outlives the environment; null: both functions do nothing
+    static void updateEnvironment(ovScripts::Environment* environment, ovVeldris::LogManager* logManager);
+};
+
+} // namespace ovVeldrisWrap
