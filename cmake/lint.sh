@@ -1,9 +1,11 @@
 #!/usr/bin/env bash
-# Mechanical checks of the tree: `./dev lint`. BUILD holds compile_commands.json; --fix formats instead of complaining.
-# usage: cmake/lint.sh BUILD [--fix]
+# Mechanical checks of the tree: `./dev lint`. SINGLE and FOLDERS hold compile_commands.json of builds that compile every
+# source by itself and a folder at a time; --fix formats instead of complaining.
+# usage: cmake/lint.sh SINGLE FOLDERS [--fix]
 set -uo pipefail
 cd "$(dirname "$(readlink -f "$0")")/.."
-build=$1
+single=$1
+folders=$2
 
 failures=0
 complain() {
@@ -17,7 +19,7 @@ list() { git ls-files --cached --others --exclude-standard -- "$@" | sort -u | w
 done; }
 
 mapfile -t sources < <(list '*.cpp' '*.h')
-if [ "${2:-}" = --fix ]; then
+if [ "${3:-}" = --fix ]; then
     clang-format -i "${sources[@]}"
 else
     clang-format --dry-run --Werror "${sources[@]}" || complain "run './dev lint --fix' to format"
@@ -56,9 +58,23 @@ while read -r document; do
     done < <(grep -oE '\]\([^)#:]+[)#]' "$document" | sed -E 's/^\]\(//; s/[)#]$//')
 done < <(list '*.md')
 
-# clang-tidy over the sources of the product, on all cores. What it counts on stderr is of other people's headers.
-list 'src/*.cpp' 'apps/*.cpp' 'examples/*.cpp' | xargs -P "$(nproc)" -n 2 clang-tidy --quiet -p "$build" \
-    2> >(grep -vE '[0-9]+ warnings? (generated|treated as errors?)' >&2) || complain "clang-tidy found the problems above"
+# run_clang_tidy BUILD CHECKS: over the files that stdin lists, on all cores. What it counts on stderr is of other people's
+# headers.
+run_clang_tidy() {
+    xargs -P "$(nproc)" -n 1 clang-tidy --quiet -p "$1" --checks="$2" \
+        2> >(grep -vE '[0-9]+ warnings? (generated|treated as errors?)' >&2) || complain "clang-tidy found the problems above"
+}
+
+# clang-tidy over the sources of the product as the presets compile them, a folder at a time: most of the work are the
+# headers, which all of a folder shares. Clang takes the sources that are included for headers, though, of which its own
+# warnings and some checks say less: those go over every source by itself, which has to compile alone, too.
+mapfile -t compiled < <(sed -nE "s|^ *\"file\": \"$PWD/(($folders/)?(src\|apps\|examples)/.*)\",?|\1|p" \
+    "$folders/compile_commands.json")
+mapfile -t included < <(list 'src/*.cpp' 'apps/*.cpp' 'examples/*.cpp' | grep -vxFf <(printf '%s\n' "${compiled[@]}"))
+[ ${#compiled[@]} -gt 0 ] || complain "$folders/compile_commands.json lists no source of the product"
+run_clang_tidy "$folders" -bugprone-suspicious-include < <(printf '%s\n' "${compiled[@]}")
+run_clang_tidy "$single" '-*,clang-diagnostic-*,bugprone-suspicious-include,misc-unused-alias-decls,misc-unused-using-decls' \
+    < <(printf '%s\n' "${included[@]}")
 
 [ "$failures" -eq 0 ] || exit 1
 echo "lint: ${#sources[@]} files are clean"
