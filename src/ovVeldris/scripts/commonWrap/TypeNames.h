@@ -29,7 +29,7 @@ class Viewport;
 
 namespace ovImages {
 class Image;
-class ImageView;
+struct ImageView;
 class JpgEncoder;
 class CompositeEncoder;
 } // namespace ovImages
@@ -55,6 +55,14 @@ namespace ovCommonWrap {
 /// address of its name first.
 template <typename T>
 extern const ovMemory::String TYPE_NAME;
+
+template <>
+inline const ovMemory::String TYPE_NAME<ovImages::Image> = "ovImages.Image";
+template <>
+inline const ovMemory::String TYPE_NAME<ovImages::ImageView> = "ovImages.ImageView";
+
+template <>
+inline const ovMemory::String TYPE_NAME<ovMemory::Buffer<unsigned char>> = "ovMemory.Buffer";
 
 template <>
 inline const ovMemory::String TYPE_NAME<ovMaths::Vector> = "ovMaths.Vector";
