@@ -1,7 +1,7 @@
 // The managers of a graphics system, one per kind of resource.
 #pragma once
 
-#include <ovGraphics/ResourceManager.h>
+#include <ovGraphics/NamedResources.h>
 #include <ovMemory/Borrowed.h>
 
 namespace ovGraphics {
@@ -21,51 +21,51 @@ struct RenderContextDescriptor;
 
 // Each getInstance() is the manager of the System singleton, which is created (not initialised) when missing.
 
-class OV_API TextureManager : public ResourceManager<Texture> {
+class OV_API TextureManager : public NamedResources<Texture> {
 public:
-    using ResourceManager::ResourceManager;
+    using NamedResources::NamedResources;
     static TextureManager* getInstance();
 };
 
-class OV_API SamplerManager : public ResourceManager<Sampler> {
+class OV_API SamplerManager : public NamedResources<Sampler> {
 public:
-    using ResourceManager::ResourceManager;
+    using NamedResources::NamedResources;
     static SamplerManager* getInstance();
 };
 
-class OV_API ProgramManager : public ResourceManager<Program> {
+class OV_API ProgramManager : public NamedResources<Program> {
 public:
-    using ResourceManager::ResourceManager;
+    using NamedResources::NamedResources;
     static ProgramManager* getInstance();
 };
 
-class OV_API ShaderManager : public ResourceManager<Shader> {
+class OV_API ShaderManager : public NamedResources<Shader> {
 public:
-    using ResourceManager::ResourceManager;
+    using NamedResources::NamedResources;
     static ShaderManager* getInstance();
 };
 
-class OV_API MeshManager : public ResourceManager<Mesh> {
+class OV_API MeshManager : public NamedResources<Mesh> {
 public:
-    using ResourceManager::ResourceManager;
+    using NamedResources::NamedResources;
     static MeshManager* getInstance();
 };
 
-class OV_API NodeManager : public ResourceManager<Node> {
+class OV_API NodeManager : public NamedResources<Node> {
 public:
-    using ResourceManager::ResourceManager;
+    using NamedResources::NamedResources;
     static NodeManager* getInstance();
 };
 
-class OV_API RenderQueueManager : public ResourceManager<RenderQueue> {
+class OV_API RenderQueueManager : public NamedResources<RenderQueue> {
 public:
-    using ResourceManager::ResourceManager;
+    using NamedResources::NamedResources;
     static RenderQueueManager* getInstance();
 };
 
-class OV_API CameraManager : public ResourceManager<Camera> {
+class OV_API CameraManager : public NamedResources<Camera> {
 public:
-    using ResourceManager::ResourceManager;
+    using NamedResources::NamedResources;
     static CameraManager* getInstance();
 
     /// The camera that a pass without one of its own renders with; null when none was set.
@@ -76,9 +76,9 @@ private:
     ovMemory::Borrowed<Camera> _activeRenderCamera;
 };
 
-class OV_API ViewportManager : public ResourceManager<Viewport> {
+class OV_API ViewportManager : public NamedResources<Viewport> {
 public:
-    using ResourceManager::ResourceManager;
+    using NamedResources::NamedResources;
     static ViewportManager* getInstance();
 
     /// The viewport of the operations block that was drawn last; null when it had none.
@@ -89,18 +89,18 @@ private:
     ovMemory::Borrowed<Viewport> _activeViewport;
 };
 
-class OV_API CompositorManager : public ResourceManager<Compositor> {
+class OV_API CompositorManager : public NamedResources<Compositor> {
 public:
-    using ResourceManager::ResourceManager;
+    using NamedResources::NamedResources;
     static CompositorManager* getInstance();
 };
 
-class OV_API RenderContextManager : public ResourceManager<RenderContext> {
+class OV_API RenderContextManager : public NamedResources<RenderContext> {
 public:
-    using ResourceManager::ResourceManager;
+    using NamedResources::NamedResources;
     static RenderContextManager* getInstance();
 
-    using ResourceManager::createOrRetrieve;
+    using NamedResources::createOrRetrieve;
     /// The context of that name, created when missing, set up to draw into what the descriptor names.
     RenderContext* createOrRetrieve(ovMemory::StringView name, const RenderContextDescriptor& descriptor);
 

@@ -5,6 +5,7 @@
 #include <ovGraphics/compositor/Compositor.h>
 #include <ovGraphics/compositor/RenderContext.h>
 #include <ovGraphics/device/Device.h>
+#include <ovGraphics/resourceSets/ResourceManager.h>
 #include <ovGraphics/resources/Camera.h>
 #include <ovGraphics/resources/ConstantPool.h>
 #include <ovGraphics/resources/Program.h>
@@ -59,7 +60,8 @@ System::System(bool)
     , _renderContexts(std::make_unique<RenderContextManager>(this))
     , _meshes(std::make_unique<MeshManager>(this))
     , _nodes(std::make_unique<NodeManager>(this))
-    , _renderQueues(std::make_unique<RenderQueueManager>(this)) {}
+    , _renderQueues(std::make_unique<RenderQueueManager>(this))
+    , _resourceManager(std::make_unique<ResourceManager>(this)) {}
 
 System::~System() {
     shutdown();

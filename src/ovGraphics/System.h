@@ -27,6 +27,7 @@ class RenderContext;
 class RenderContextManager;
 class RenderQueueManager;
 class Resource;
+class ResourceManager;
 class SamplerManager;
 class ShaderManager;
 class TextureManager;
@@ -95,6 +96,8 @@ public:
     ViewportManager* getViewportManager() const { return _viewports.get(); }
     CompositorManager* getCompositorManager() const { return _compositors.get(); }
     RenderContextManager* getRenderContextManager() const { return _renderContexts.get(); }
+    /// Writes and reads sets of what the managers hold.
+    ResourceManager* getResourceManager() const { return _resourceManager.get(); }
 
     /// Fixes the time that time slots see, so that renders repeat exactly; may be called before initialize().
     void setFixedTime(double seconds, double deltaSeconds);
@@ -177,6 +180,7 @@ private:
     ovMemory::UniquePtr<MeshManager> _meshes;
     ovMemory::UniquePtr<NodeManager> _nodes;
     ovMemory::UniquePtr<RenderQueueManager> _renderQueues;
+    ovMemory::UniquePtr<ResourceManager> _resourceManager;
 };
 
 } // namespace ovGraphics

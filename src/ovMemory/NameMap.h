@@ -3,8 +3,8 @@
 
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <ovMemory/Memory.h>
-#include <unordered_map>
 
 namespace ovMemory {
 
@@ -18,17 +18,14 @@ constexpr uint64_t hashFnv1a64(StringView bytes) {
     return hash;
 }
 
-/// Hash of names for the maps below; takes views, so that looking a name up copies nothing.
-struct NameHash {
-    using is_transparent = void;
-    std::size_t operator()(StringView name) const { return hashFnv1a64(name); }
-};
-
-/// A map from names, compared byte for byte, to values. Its iteration order is stable between changes.
+/// A map from names to values, in the order of the names, compared byte for byte. Views look names up, so that
+/// nothing is copied.
+// A hash map finds faster, but its order depends on what was put in before: files that list what a map holds
+// would change from one save to the next.
 template <typename Value>
-using NameMap = std::unordered_map<String, Value, NameHash, std::equal_to<>>;
+using NameMap = std::map<String, Value, std::less<>>;
 
-/// The value at a position of the iteration order, or null when index is not below the size.
+/// The value at a position of the order, or null when index is not below the size.
 template <typename T>
 T* getByIndex(const NameMap<UniquePtr<T>>& map, unsigned int index) {
     return index < map.size() ? std::next(map.begin(), index)->second.get() : nullptr;

@@ -24,6 +24,18 @@ TEST(NameMapTest, findsByNameAndByIndexWhatIsThere) {
     EXPECT_EQ(find(map, StringView("b\0", 2)), nullptr) << "a zero byte is a character as any other";
 }
 
+// Files list what managers hold, and must not change because of what was put in and taken out before.
+TEST(NameMapTest, isInTheOrderOfNamesWhateverWasPutInBefore) {
+    NameMap<UniquePtr<int>> map;
+    for (const char* const name : {"m", "b", "\xC3\xA9", "a", "B"})
+        map.emplace(name, std::make_unique<int>(0));
+    map.erase(map.find("m"));
+    Buffer<String> names;
+    for (const auto& entry : map)
+        names.push_back(entry.first);
+    EXPECT_EQ(names, (Buffer<String>{"B", "a", "b", "\xC3\xA9"}));
+}
+
 // The values of the hash's authors; names of files and of programs depend on them.
 TEST(NameMapTest, hashesAsTheReferenceDoes) {
     EXPECT_EQ(hashFnv1a64(""), 0xcbf29ce484222325u);

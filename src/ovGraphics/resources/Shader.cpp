@@ -107,6 +107,12 @@ Sampler* Shader::getSampler(unsigned int unit, unsigned int stage) const {
     return binding != _samplers.end() ? binding->sampler.get() : nullptr;
 }
 
+void Shader::useSamplersOfTextures() {
+    for (const TextureBinding& binding : _textures)
+        if (Sampler* const sampler = binding.texture ? binding.texture->getSampler() : nullptr)
+            setSampler(sampler, binding.unit, binding.stage);
+}
+
 void Shader::reset() {
     _program = nullptr;
     _textures.clear();

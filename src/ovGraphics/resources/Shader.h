@@ -69,6 +69,9 @@ public:
     /// The sampler of a unit, or null.
     Sampler* getSampler(unsigned int unit, unsigned int stage) const;
 
+    /// Binds the sampler of each bound texture that has one (Texture::setSampler) at the texture's unit.
+    void useSamplersOfTextures();
+
     /// Drops the program and every binding.
     void reset() override;
 

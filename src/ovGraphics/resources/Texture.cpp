@@ -4,8 +4,12 @@
 #include <ovGraphics/System.h>
 #include <ovGraphics/device/Device.h>
 #include <ovGraphics/formats/TextureUtils.h>
+#include <ovGraphics/resources/Sampler.h>
 #include <ovGraphics/resources/TextureImages.h>
-#include <ovImages/cubes/CubeMap.h>
+#include <ovImages/CompositeEncoder.h>
+#include <ovImages/Conversion.h>
+#include <ovImages/cubes/CubeFile.h>
+#include <ovResources/ResourceManager.h>
 
 namespace ovGraphics {
 
@@ -98,8 +102,10 @@ void Texture::_addCpuData(CpuData added) {
         return data.slice == added.slice && data.mip == added.mip;
     };
     _cpuData.erase(std::remove_if(_cpuData.begin(), _cpuData.end(), samePlace), _cpuData.end());
+    _hasOwnMips = _hasOwnMips || added.mip > 0;
     _cpuData.push_back(std::move(added));
     _copiesAreDropped = false;
+    _sourceFile.clear();
     _settingChanged();
 }
 
@@ -125,8 +131,7 @@ bool Texture::dropCpuCopies() {
 }
 
 void Texture::clearCpuData() {
-    _cpuData.clear();
-    _copiesAreDropped = false;
+    _forgetData();
     _settingChanged();
 }
 
@@ -170,7 +175,59 @@ void Texture::_setSettingsOf(const TextureContent& content, TEXTURE_TYPE type, u
     setHeight(height);
     setFormat(content.format);
     setGammaCorrected(content.gammaCorrected);
+    _forgetData();
+}
+
+void Texture::_forgetData() {
     _cpuData.clear();
+    _copiesAreDropped = false;
+    _hasOwnMips = false;
+    _sourceFile.clear();
+}
+
+ovMemory::Result Texture::setFromFile(ovMemory::StringView path, TEXTURE_READING reading) {
+    ovMemory::String absolute = ovResources::ResourceManager::getInstance()->getAbsoluteFromRelative(path);
+    ovMemory::Result read =
+        ovImages::cubeFormatOf(path).empty() ? _takePicture(absolute, reading) : _takeCubeFile(absolute);
+    if (!read)
+        return read;
+    _sourceFile = std::move(absolute);
+    _sourceReading = reading;
+    return read;
+}
+
+ovMemory::Result Texture::_takePicture(const ovMemory::String& path, TEXTURE_READING reading) {
+    constexpr unsigned int RGBA = 4;
+    ovImages::DecodeResult decoded = ovImages::CompositeEncoder().decodeFile(path);
+    if (!decoded)
+        return decoded;
+    ovImages::Image image = std::move(*decoded.image);
+    if (image.getComponentType() == ovImages::COMPONENT_TYPE::UINT8 && reading != TEXTURE_READING::AS_STORED)
+        image.setEncoding(reading == TEXTURE_READING::COLORS ? ovImages::COLOR_ENCODING::SRGB
+                                                             : ovImages::COLOR_ENCODING::LINEAR);
+    if (image.getChannels() != RGBA)
+        image = convertImage(image.view(), image.getComponentType(), RGBA, image.getEncoding());
+    if (image.isEmpty())
+        return ovMemory::failed("The picture '" + path + "' does not fit into memory; make it smaller.",
+                                path);
+    takeImage(std::move(image));
+    return decoded;
+}
+
+ovMemory::Result Texture::_takeCubeFile(const ovMemory::String& path) {
+    auto read = ovImages::readCubeFile(path);
+    if (read)
+        setFromCube(read.cube);
+    return read;
+}
+
+void Texture::setSampler(Sampler* sampler) {
+    _sampler = sampler;
+    noteBindingChange();
+}
+
+Sampler* Texture::getSampler() const {
+    return _sampler.get();
 }
 
 void Texture::generateMips() {
@@ -215,8 +272,8 @@ ovMemory::UniquePtr<ovImages::Image> Texture::convertToImage(unsigned int slice,
 
 void Texture::reset() {
     Resource::reset();
-    _cpuData.clear();
-    _copiesAreDropped = false;
+    _forgetData();
+    _sampler = nullptr;
     _type = TEXTURE_TYPE::TEXTURE_2D;
     _format = FORMAT::R8G8B8A8_UNORM;
     _width = _height = _sliceCount = _mipCount = 1;
@@ -315,9 +372,7 @@ void Texture::_upload() {
         device.uploadTexture(*_gpuTexture, data.slice, data.mip, data.bytes, data.rowPitch);
     // Data for any other mip means that the caller made them all, which averages would overwrite. Compressed
     // blocks cannot be averaged.
-    const bool onlyFirstMips =
-        std::all_of(_cpuData.begin(), _cpuData.end(), [](const CpuData& data) { return data.mip == 0; });
-    if (!_cpuData.empty() && onlyFirstMips && getMipCount() > 1 && !TextureUtils::isFormatCompressed(_format))
+    if (!_cpuData.empty() && !_hasOwnMips && getMipCount() > 1 && !TextureUtils::isFormatCompressed(_format))
         device.generateMips(*_gpuTexture);
     _setLoadState(RESOURCE_LOAD_STATE::LOADED);
 }

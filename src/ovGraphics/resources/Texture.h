@@ -5,6 +5,7 @@
 #include <ovGraphics/formats/Format.h>
 #include <ovGraphics/resources/Resource.h>
 #include <ovImages/Image.h>
+#include <ovMemory/Result.h>
 
 namespace ovImages {
 struct CubeMap;
@@ -12,7 +13,24 @@ struct CubeMap;
 
 namespace ovGraphics {
 
+class Sampler;
 struct TextureContent;
+
+/// How a texture takes the 8-bit numbers of a file. Numbers of other types are what the file says.
+enum class TEXTURE_READING : unsigned int {
+    AS_STORED = 0, ///< as the file says
+    COLORS = 1,    ///< as sRGB-encoded colours
+    NUMBERS = 2    ///< as they are: normals, roughness, masks
+};
+
+inline constexpr ovMemory::EnumEntry<TEXTURE_READING> TEXTURE_READING_ENTRIES[] = {
+    {TEXTURE_READING::AS_STORED, "AS_STORED"},
+    {TEXTURE_READING::COLORS, "COLORS"},
+    {TEXTURE_READING::NUMBERS, "NUMBERS"},
+};
+constexpr ovMemory::EnumTable<TEXTURE_READING> enumTable(TEXTURE_READING) {
+    return {"TEXTURE_READING", TEXTURE_READING_ENTRIES};
+}
 
 namespace device {
 class Device;
@@ -27,6 +45,14 @@ struct TextureDesc;
 /// size is zero or beyond its limits.
 class OV_API Texture : public Resource {
 public:
+    /// Texels of one mip of one slice.
+    struct CpuData {
+        unsigned int slice;
+        unsigned int mip;
+        unsigned int rowPitch; ///< bytes; 0 when tight
+        ovMemory::Buffer<unsigned char> bytes;
+    };
+
     /// A new, unloaded 1 x 1 texture of R8G8B8A8_UNORM; a null system means the singleton.
     static ovMemory::UniquePtr<Texture> create(System* system);
     explicit Texture(System* system);
@@ -41,6 +67,8 @@ public:
     unsigned int getSliceCount() const;
     /// Mips that load() makes: those asked for, at most a full chain.
     unsigned int getMipCount() const;
+    /// What setMipCount() was given; 0 is the full chain.
+    unsigned int getRequestedMipCount() const { return _mipCount; }
     bool getUsableAsRenderTarget() const { return _usableAsRenderTarget; }
     unsigned int getMultisampleQuality() const { return _multisampleQuality; }
     bool getMightManuallyGenerateMip() const { return _mightManuallyGenerateMip; }
@@ -63,6 +91,11 @@ public:
     /// Default false.
     void setMightManuallyGenerateMip(bool might);
 
+    /// The sampler that surfaces read this texture with, when they leave the choice to it
+    /// (Shader::useSamplersOfTextures). Borrowed; null, the default: they choose.
+    void setSampler(Sampler* sampler);
+    Sampler* getSampler() const;
+
     /// Mips of a full chain down to 1 x 1 for the present width and height.
     unsigned int getNeededMipsForSize() const;
 
@@ -74,6 +107,12 @@ public:
     void addCpuDataSliceForward(ovMemory::BufferView<const unsigned char> bytes, unsigned int rowPitch,
                                 unsigned int slicePitch);
     void clearCpuData();
+    /// The data that the next load() uploads, in the order given; empty when it was dropped.
+    const ovMemory::Buffer<CpuData>& getCpuData() const { return _cpuData; }
+    /// Whether dropCpuCopies() freed data that load() would need again.
+    bool areCpuCopiesDropped() const { return _copiesAreDropped; }
+    /// Whether data was given for other mips than the first, so that load() computes none.
+    bool hasOwnMips() const { return _hasOwnMips; }
     /// Frees the data of a loaded texture, whose texels then are on the device alone. Loading again needs the
     /// data again, or clearCpuData(). @return false after one log line, changing nothing, when the texture is
     /// not loaded
@@ -92,6 +131,16 @@ public:
     /// cubes those of 8 bits make gamma-corrected textures. A cube without mips makes a texture that does not
     /// load.
     void setFromCube(const ovImages::CubeMap& cube);
+
+    /// Takes everything from a file: a picture (PNG, JPEG, HDR, EXR), of which grey becomes colour, as
+    /// surfaces read the channels that they name; or a cube (.dds, .ktx2). The texture remembers the file
+    /// until it is given other data. @param path absolute, or relative to the launched path
+    /// @return a failure that names the file, changing nothing, when it cannot be read
+    ovMemory::Result setFromFile(ovMemory::StringView path,
+                                 TEXTURE_READING reading = TEXTURE_READING::AS_STORED);
+    /// The file of setFromFile(), absolute; empty when the texels are from elsewhere.
+    const ovMemory::String& getSourceFile() const { return _sourceFile; }
+    TEXTURE_READING getSourceReading() const { return _sourceReading; }
 
     /// Fills all mips below the first from the first. An unloaded texture is left alone after one log line.
     void generateMips();
@@ -112,16 +161,12 @@ public:
     unsigned int getLoadCount() const { return _loadCount; }
 
 private:
-    struct CpuData {
-        unsigned int slice;
-        unsigned int mip;
-        unsigned int rowPitch;
-        ovMemory::Buffer<unsigned char> bytes;
-    };
-
     void _setSettingsOf(const TextureContent& content, TEXTURE_TYPE type, unsigned int width,
                         unsigned int height);
     void _addCpuData(CpuData data);
+    void _forgetData();
+    ovMemory::Result _takePicture(const ovMemory::String& path, TEXTURE_READING reading);
+    ovMemory::Result _takeCubeFile(const ovMemory::String& path);
     bool _load(ovMemory::String& error) override;
     void _unload() override;
     bool _checkSettings(const device::Device& device, ovMemory::String& error) const;
@@ -145,6 +190,10 @@ private:
     unsigned int _loadCount = 0;
     ovMemory::Buffer<CpuData> _cpuData;
     bool _copiesAreDropped = false;
+    bool _hasOwnMips = false;
+    ovMemory::String _sourceFile;
+    TEXTURE_READING _sourceReading = TEXTURE_READING::AS_STORED;
+    ovMemory::Borrowed<Sampler> _sampler;
     ovMemory::UniquePtr<device::GpuTexture> _gpuTexture;
 };
 

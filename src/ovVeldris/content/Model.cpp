@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <ovGraphics/Managers.h>
 #include <ovGraphics/resources/Sampler.h>
-#include <ovGraphics/resources/Shader.h>
 #include <ovGraphics/resources/Texture.h>
 #include <ovGraphics/scene/Mesh.h>
 #include <ovGraphics/scene/Node.h>
@@ -17,8 +16,6 @@
 namespace ovVeldris {
 
 namespace {
-
-constexpr unsigned int EVERY_STAGE = 0;
 
 /// Destroys an object if it still belongs to the manager, under its present name.
 template <typename Manager, typename Object>
@@ -81,15 +78,6 @@ bool Model::loadMaterials() {
         loaded = own.material && own.material->load() && loaded;
     }
     return loaded;
-}
-
-// A load binds the default sampler to every texture of the surface.
-void Model::onMaterialLoaded(Material& material) {
-    ovGraphics::Shader& shader = *material.getShader();
-    for (unsigned int unit = 0; unit < PbsMaterialParameters::PACKED_TEXTURE_COUNT; ++unit) {
-        if (ovGraphics::Sampler* sampler = getSampler(shader.getTexture(unit, EVERY_STAGE)))
-            shader.setSampler(sampler, unit, EVERY_STAGE);
-    }
 }
 
 void Model::addTo(ovGraphics::RenderQueue& solid, ovGraphics::RenderQueue& blended) const {

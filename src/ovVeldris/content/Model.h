@@ -5,7 +5,6 @@
 #include <ovGraphics/gltf/GltfScene.h>
 #include <ovMemory/Borrowed.h>
 #include <ovMemory/Memory.h>
-#include <ovVeldris/materials/MaterialListener.h>
 
 namespace ovGraphics {
 class Mesh;
@@ -40,7 +39,7 @@ struct ModelMaterial {
 ///
 /// Its nodes hang as those of the file: parents, names, and one root above all, which moves the whole model.
 /// Materials read textures with the samplers of the file, whoever loads them.
-class OV_API Model final : public MaterialListener {
+class OV_API Model final : public ovMemory::Borrowable {
 public:
     explicit Model(System* system);
     ~Model();
@@ -70,10 +69,6 @@ public:
     /// Loads every material with its present settings. @return false after log lines when one cannot be
     /// loaded or was destroyed; the others are
     bool loadMaterials();
-
-    /// Gives the units of a material's shader the samplers of the file; loaded materials of the model ask for
-    /// it.
-    void onMaterialLoaded(Material& material) override;
 
     /// Adds an entity for every part to the queue for its material: blended ones to `blended`, all others to
     /// `solid`. Materials must be loaded; parts whose material was destroyed are left out.

@@ -115,7 +115,6 @@ private:
         const String name = _freeName(source.name);
         auto* material = static_cast<PbsMaterial*>(_materials.createOrRetrieve(name, MATERIAL_TYPE::PBS));
         detail::applyMaterial(source, _textures, *material);
-        material->addListener(_model.get());
         const auto place = static_cast<unsigned int>(_model->_materials.size());
         _model->_materials.push_back({name, material, source.alphaMode});
         return _places[index] = place;

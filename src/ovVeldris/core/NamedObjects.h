@@ -14,8 +14,9 @@ public:
     /// The object of a name, or null.
     T* get(ovMemory::StringView name) const { return ovMemory::find(_objects, name); }
 
-    /// The object at a position of the iteration order, which stays the same between changes; null at or
-    /// beyond the number of objects.
+    unsigned int getCount() const { return static_cast<unsigned int>(_objects.size()); }
+
+    /// The object at a position of the order of names; null at or beyond the number of objects.
     T* getByIndex(unsigned int index) const { return ovMemory::getByIndex(_objects, index); }
 
     /// Puts an object under a free name; its own name is left alone. Under a taken name the object is
@@ -45,7 +46,7 @@ public:
     }
 
 private:
-    ovMemory::NameMap<ovMemory::UniquePtr<T>> _objects{8};
+    ovMemory::NameMap<ovMemory::UniquePtr<T>> _objects;
 };
 
 /// The message about a name that is wanted for one type and taken by another. Kind is "effect" or "material";

@@ -10,14 +10,12 @@ namespace ovVeldris {
 
 namespace {
 
-constexpr std::size_t INITIAL_BUCKETS = 8;
 constexpr ovMemory::StringView SENDER = "EffectManager";
 
 } // namespace
 
 EffectManager::EffectManager(System* system)
-    : _system(system)
-    , _effects(INITIAL_BUCKETS) {}
+    : _system(system) {}
 
 EffectManager::EffectManager(bool)
     : EffectManager(System::getInstance()) {}

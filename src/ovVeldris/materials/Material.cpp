@@ -28,17 +28,6 @@ void Material::setName(ovMemory::StringView name) {
         _shader->setName(_name);
 }
 
-void Material::addListener(MaterialListener* listener) {
-    std::erase_if(_listeners, [](const auto& known) { return !known; });
-    _listeners.emplace_back(listener);
-}
-
-void Material::_tellLoaded() {
-    for (std::size_t i = 0; i < _listeners.size(); ++i) // by place: a listener may add another
-        if (_listeners[i])
-            _listeners[i]->onMaterialLoaded(*this);
-}
-
 void Material::_setShader(ovMemory::UniquePtr<ovGraphics::Shader> shader) {
     _shader = std::move(shader);
     if (_shader)

@@ -3,7 +3,6 @@
 
 #include <ovExport/Exportable.h>
 #include <ovVeldris/core/settings/Configurable.h>
-#include <ovVeldris/materials/MaterialListener.h>
 #include <ovVeldris/materials/MaterialTypeUtils.h>
 
 namespace ovGraphics {
@@ -41,12 +40,7 @@ public:
     /// Null until the material is loaded; owned by the material.
     ovGraphics::Shader* getShader() const { return _shader.get(); }
 
-    /// Tells a listener of every load() from now on. @param listener not owned, not null
-    void addListener(MaterialListener* listener);
-
 protected:
-    /// Tells the listeners. For the end of a load() that succeeded.
-    void _tellLoaded();
     /// Takes the shader over and gives it the material's name.
     void _setShader(ovMemory::UniquePtr<ovGraphics::Shader> shader);
 
@@ -54,7 +48,6 @@ private:
     ovMemory::String _name;
     ovMemory::UniquePtr<ovGraphics::Shader> _shader;
     MATERIAL_TYPE _type;
-    ovMemory::Buffer<ovMemory::Borrowed<MaterialListener>> _listeners;
 };
 
 } // namespace ovVeldris

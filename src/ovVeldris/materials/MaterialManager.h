@@ -34,7 +34,8 @@ public:
 
     /// The material of a name, or null.
     Material* get(ovMemory::StringView name) const { return _materials.get(name); }
-    /// The material at a position of an order that stays the same between changes; null when out of range.
+    unsigned int getCount() const { return _materials.getCount(); }
+    /// The material at a position of the order of names; null when out of range.
     Material* getByIndex(unsigned int index) const { return _materials.getByIndex(index); }
     /// Moves a material to another name, its own name too. When newName is taken by another material, that
     /// one stays and the moved one is destroyed. An unknown oldName is ignored.

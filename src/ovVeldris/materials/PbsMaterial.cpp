@@ -77,7 +77,6 @@ bool PbsMaterial::load() {
     for (const PbsProperty& property : pbsProperties())
         _parameters.units[getPbsRow(property)] = findUnit(_parameters, property);
     _loadedParameters = _parameters;
-    _tellLoaded();
     return true;
 }
 

@@ -116,6 +116,7 @@ void bindPbsShader(ovGraphics::Shader& shader, PbsMaterialParameters& parameters
     shader.addInstanceMemorySlot()->setAsWorldMatrix();
     shader.addInstanceMemorySlot()->setAsWorldMatrixInvTranspose();
     bindTextures(shader, parameters, *graphicsSystem.getSamplerManager());
+    shader.useSamplersOfTextures();
 }
 
 } // namespace ovVeldris

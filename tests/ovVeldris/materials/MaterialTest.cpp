@@ -70,35 +70,3 @@ TEST(MaterialTest, ReadsItsNameAloneAndLeavesItsShaderAlone) {
     EXPECT_EQ(material.getShader()->getName(), "before");
     EXPECT_EQ(material.getType(), MATERIAL_TYPE::UNKNOWN);
 }
-
-namespace {
-
-struct CountingListener final : ovVeldris::MaterialListener {
-    void onMaterialLoaded(ovVeldris::Material& material) override {
-        ++calls;
-        last = &material;
-    }
-    int calls = 0;
-    const ovVeldris::Material* last = nullptr;
-};
-
-} // namespace
-
-TEST(MaterialTest, TellsListenersThatAreThere) {
-    TestMaterial material(MATERIAL_TYPE::PBS);
-    CountingListener listener;
-    auto gone = std::make_unique<CountingListener>();
-    material.addListener(&listener);
-    material.addListener(gone.get());
-    material.tellLoaded();
-    EXPECT_EQ(listener.calls, 1);
-    EXPECT_EQ(listener.last, &material);
-    EXPECT_EQ(gone->calls, 1);
-    gone.reset();
-    material.tellLoaded();
-    CountingListener third;
-    material.addListener(&third);
-    material.tellLoaded();
-    EXPECT_EQ(listener.calls, 3);
-    EXPECT_EQ(third.calls, 1);
-}

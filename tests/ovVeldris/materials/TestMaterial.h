@@ -20,7 +20,6 @@ public:
         return true;
     }
     void unload() override { ++calls; }
-    void tellLoaded() { _tellLoaded(); }
     void giveShader(ovMemory::UniquePtr<ovGraphics::Shader> shader) { _setShader(std::move(shader)); }
 
     int calls = 0; ///< of load() and unload()

@@ -100,7 +100,8 @@ ovGraphics::Texture* ModelTextures::add(StringView name, Image image, int like) 
         texture->dropCpuCopies();
     else
         _warnings.push_back("The texture '" + String(name) + "' could not be loaded and reads as black.");
-    _made.push_back({texture, _makeSampler(texture->getName(), like)});
+    texture->setSampler(_makeSampler(texture->getName(), like));
+    _made.push_back({texture, texture->getSampler()});
     return texture;
 }
 

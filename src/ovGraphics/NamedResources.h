@@ -12,17 +12,23 @@ class System;
 /// Owns the resources of one kind of one system by name. T has `static UniquePtr<T> create(System*)`.
 /// The resources are destroyed with the manager; the system unloads them at shutdown().
 template <typename T>
-class ResourceManager : public ovMemory::Borrowable {
+class NamedResources : public ovMemory::Borrowable {
 public:
-    explicit ResourceManager(System* system)
+    explicit NamedResources(System* system)
         : _system(system) {}
 
     /// The resource of that name, created unloaded when there is none. Never null.
     T* createOrRetrieve(ovMemory::StringView name);
     /// The resource of that name, or null.
     T* get(ovMemory::StringView name) const { return ovMemory::find(_resources, name); }
-    /// The resource at a position of an order that is stable between changes; null when out of range.
+    /// The resource at a position of the order of names; null when out of range.
     T* getByIndex(unsigned int index) const { return ovMemory::getByIndex(_resources, index); }
+    /// Calls visit(T&) for every resource in the order of names. It must neither add, rename nor erase any.
+    template <typename Visit>
+    void forEach(Visit visit) const {
+        for (const auto& entry : _resources)
+            visit(*entry.second);
+    }
     unsigned int getCount() const { return static_cast<unsigned int>(_resources.size()); }
     /// Renames a resource. @return false, nothing changed, when oldName is unknown or newName is taken.
     bool rename(ovMemory::StringView oldName, ovMemory::StringView newName);
@@ -35,7 +41,7 @@ private:
 };
 
 template <typename T>
-T* ResourceManager<T>::createOrRetrieve(ovMemory::StringView name) {
+T* NamedResources<T>::createOrRetrieve(ovMemory::StringView name) {
     if (T* existing = get(name))
         return existing;
     ovMemory::UniquePtr<T> created = T::create(_system);
@@ -44,7 +50,7 @@ T* ResourceManager<T>::createOrRetrieve(ovMemory::StringView name) {
 }
 
 template <typename T>
-bool ResourceManager<T>::rename(ovMemory::StringView oldName, ovMemory::StringView newName) {
+bool NamedResources<T>::rename(ovMemory::StringView oldName, ovMemory::StringView newName) {
     const auto entry = _resources.find(oldName);
     if (entry == _resources.end() || get(newName))
         return false;
@@ -56,7 +62,7 @@ bool ResourceManager<T>::rename(ovMemory::StringView oldName, ovMemory::StringVi
 }
 
 template <typename T>
-void ResourceManager<T>::erase(ovMemory::StringView name) {
+void NamedResources<T>::erase(ovMemory::StringView name) {
     const auto entry = _resources.find(name);
     if (entry != _resources.end())
         _resources.erase(entry);

@@ -1,0 +1,17 @@
+// Paths of the files of a set.
+#pragma once
+
+#include <ovCommon/Api.h>
+#include <ovMemory/Memory.h>
+
+namespace ovGraphics::detail {
+
+/// A path as a set has it, from the set's folder to a file inside it.
+/// @return the file's path; empty when the path is empty, absolute, or leads out of the folder
+// By the text alone: a link inside the folder was put there by whoever owns the folder.
+OV_API ovMemory::String pathInside(ovMemory::StringView folder, ovMemory::StringView path);
+
+/// The other way. @param file absolute @return empty when the file is not inside the folder
+OV_API ovMemory::String pathFromFolder(ovMemory::StringView folder, ovMemory::StringView file);
+
+} // namespace ovGraphics::detail
