@@ -2,9 +2,9 @@
 
 #include <fmt/format.h>
 #include <ovExport/Node.h>
-#include <ovGraphics/resourceSets/detail/SetPaths.h>
 #include <ovMemory/NameMap.h>
 #include <ovResources/Files.h>
+#include <ovResources/FolderPaths.h>
 
 namespace ovGraphics::detail {
 
@@ -45,7 +45,7 @@ String SetDataReader::open(const Tree& description, StringView folder) {
     const Tree* const file = description.getMemberValue("file");
     const Tree* const hash = description.getMemberValue("hash");
     const String path =
-        file && file->isString() ? pathInside(folder, file->getValueAsStringView()) : String();
+        file && file->isString() ? ovResources::pathInside(folder, file->getValueAsStringView()) : String();
     if (path.empty())
         return "\"data\" names no file inside the folder of the set; save the set anew.";
     ovMemory::Buffer<char> bytes;

@@ -10,13 +10,13 @@
 #include <ovGraphics/System.h>
 #include <ovGraphics/formats/TextureUtils.h>
 #include <ovGraphics/resourceSets/detail/SetMembers.h>
-#include <ovGraphics/resourceSets/detail/SetPaths.h>
 #include <ovGraphics/resources/Sampler.h>
 #include <ovGraphics/resources/Shader.h>
 #include <ovGraphics/resources/Texture.h>
 #include <ovGraphics/scene/Mesh.h>
 #include <ovGraphics/scene/Node.h>
 #include <ovGraphics/scene/RenderQueue.h>
+#include <ovResources/FolderPaths.h>
 
 namespace ovGraphics::detail {
 
@@ -206,7 +206,7 @@ void SetReader::_readTexture(StringView name, const Tree& entry) {
 
 bool SetReader::_readTextureFile(Texture& texture, const Tree& entry) {
     const Tree& file = *entry.getMemberValue("file");
-    const String path = pathInside(_folder, file.getValueAsStringView());
+    const String path = ovResources::pathInside(_folder, file.getValueAsStringView());
     if (path.empty())
         return _refuse(file,
                        fmt::format("the file '{}' does not lie inside the folder of the set; copy it there.",

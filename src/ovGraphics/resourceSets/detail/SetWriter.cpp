@@ -5,13 +5,13 @@
 #include <ovGraphics/Managers.h>
 #include <ovGraphics/System.h>
 #include <ovGraphics/resourceSets/detail/SetMembers.h>
-#include <ovGraphics/resourceSets/detail/SetPaths.h>
 #include <ovGraphics/resources/Sampler.h>
 #include <ovGraphics/resources/Shader.h>
 #include <ovGraphics/resources/Texture.h>
 #include <ovGraphics/scene/Mesh.h>
 #include <ovGraphics/scene/Node.h>
 #include <ovGraphics/scene/RenderQueue.h>
+#include <ovResources/FolderPaths.h>
 
 namespace ovGraphics::detail {
 
@@ -116,7 +116,7 @@ void SetWriter::write(Tree& root, StringView dataName) {
 
 void SetWriter::_writeTexture(Texture& texture, Tree& entry) {
     const String& source = texture.getSourceFile();
-    const String file = source.empty() ? String() : pathFromFolder(_folder, source);
+    const String file = source.empty() ? String() : ovResources::pathFromFolder(_folder, source);
     if (!file.empty()) {
         entry.addMember("file")->setAsString(file);
         entry.addMember("reading")->setAsString(ovMemory::enumToText(texture.getSourceReading()));

@@ -1,8 +1,8 @@
-#include <ovGraphics/resourceSets/detail/SetPaths.h>
+#include <ovResources/FolderPaths.h>
 
 #include <filesystem>
 
-namespace ovGraphics::detail {
+namespace ovResources {
 
 namespace {
 
@@ -25,4 +25,4 @@ ovMemory::String pathFromFolder(ovMemory::StringView folder, ovMemory::StringVie
     return staysInside(path) ? path.native() : ovMemory::String();
 }
 
-} // namespace ovGraphics::detail
+} // namespace ovResources

@@ -1,11 +1,11 @@
-#include <ovGraphics/resourceSets/detail/SetPaths.h>
+#include <ovResources/FolderPaths.h>
 
 #include <gtest/gtest.h>
 
-using namespace ovGraphics::detail;
+using namespace ovResources;
 using namespace std::string_view_literals;
 
-TEST(SetPathsTest, staysInsideTheFolder) {
+TEST(FolderPathsTest, staysInsideTheFolder) {
     const std::pair<std::string_view, std::string_view> CASES[] = {
         {"a.png", "/p/a.png"},
         {"sub/a.png", "/p/sub/a.png"},
@@ -26,7 +26,7 @@ TEST(SetPathsTest, staysInsideTheFolder) {
         EXPECT_EQ(pathInside("/p", path), expected) << path;
 }
 
-TEST(SetPathsTest, findsTheWayBack) {
+TEST(FolderPathsTest, findsTheWayBack) {
     EXPECT_EQ(pathFromFolder("/p", "/p/a.png"), "a.png");
     EXPECT_EQ(pathFromFolder("/p/", "/p/./sub//a.png"), "sub/a.png");
     EXPECT_EQ(pathFromFolder("/", "/a.png"), "a.png");
