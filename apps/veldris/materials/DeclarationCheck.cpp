@@ -5,12 +5,12 @@
 #include <fmt/format.h>
 #include <ovExport/JsonExporter.h>
 #include <ovResources/Files.h>
+#include <ovVeldris/content/MaterialMembers.h>
 #include <ovVeldris/core/NearestName.h>
 #include <ovVeldris/materials/MaterialTypeUtils.h>
 #include <unordered_map>
 #include <unordered_set>
 #include <utility>
-#include <veldris/materials/MaterialMembers.h>
 
 namespace veldris {
 
@@ -20,6 +20,7 @@ using ovExport::Node;
 using ovMemory::Buffer;
 using ovMemory::String;
 using ovMemory::StringView;
+using ovVeldris::MaterialMember;
 using ovVeldris::SETTING_KIND;
 
 constexpr StringView IGNORED = "it is ignored";
@@ -167,7 +168,7 @@ private:
     void _checkIdentifier() const {
         if (!_value.isString())
             _addWrongNature("a string");
-        else if (!isIdentifier(_value.getValueAsStringView()))
+        else if (!ovVeldris::isIdentifier(_value.getValueAsStringView()))
             _add("is {}, which is no identifier (letters, digits and _, no digit first); {}.", _text(),
                  IGNORED);
     }
@@ -176,7 +177,7 @@ private:
         const auto& choices = _member.setting->choices;
         if (!_value.isString())
             _addWrongNature("a string");
-        else if (!isChoice(*_member.setting, _value.getValueAsStringView()))
+        else if (!ovVeldris::isChoice(*_member.setting, _value.getValueAsStringView()))
             _add("is {}, not \"{}\"; {}.", _text(), fmt::join(choices, "\" or \""), IGNORED);
     }
 
@@ -237,7 +238,7 @@ private:
     }
 
     void _checkReplacement() const {
-        if (_member.property && isReplaced(_entry, *_member.property))
+        if (_member.property && ovVeldris::isReplaced(_entry, *_member.property))
             _add("is not used: \"{}\" replaces it; remove one, or multiply both with \"{}\": true.",
                  _member.property->texture.name.member, _member.property->mix.name.member);
     }
@@ -246,7 +247,7 @@ private:
                        const String& subject) const {
         const StringView text = packing.getValueAsStringView();
         // Asked of the library's own reading, so that the message says what really happens.
-        const StringView readAs = readPacking(texture, text);
+        const StringView readAs = ovVeldris::readPacking(texture, text);
         const StringView expected =
             texture.vectorChannels ? "three different letters of r, g, b and a" : "r, g, b or a";
         if (readAs != text)
@@ -267,7 +268,7 @@ public:
     FileChecker(StringView text, DeclarationFile& file)
         : _lines(text)
         , _file(file) {
-        for (const MaterialMember& member : materialMembers())
+        for (const MaterialMember& member : ovVeldris::materialMembers())
             _memberNames.push_back(member.name);
     }
 
@@ -317,7 +318,7 @@ private:
             _addMissing(entry, "name", name, subject);
         _checkType(entry, subject);
         checkMembers(entry, _memberNames, subject, problems, [&](StringView member, const Node& value) {
-            ValueChecker(entry, *findMaterialMember(member), value, subject, problems).check();
+            ValueChecker(entry, *ovVeldris::findMaterialMember(member), value, subject, problems).check();
         });
     }
 

@@ -1,4 +1,4 @@
-#include <veldris/materials/MaterialMembers.h>
+#include <ovVeldris/content/MaterialMembers.h>
 
 #include <gtest/gtest.h>
 #include <ovExport/JsonExporter.h>
@@ -6,9 +6,7 @@
 #include <ovVeldris/System.h>
 #include <set>
 
-using namespace veldris;
-using ovVeldris::ONE_CHANNEL_PACK;
-using ovVeldris::THREE_CHANNEL_PACK;
+using namespace ovVeldris;
 
 namespace {
 

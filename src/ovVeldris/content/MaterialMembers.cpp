@@ -1,39 +1,36 @@
-#include <veldris/materials/MaterialMembers.h>
+#include <ovVeldris/content/MaterialMembers.h>
 
 #include <algorithm>
 #include <ovExport/Node.h>
 
-namespace veldris {
+namespace ovVeldris {
 
 namespace {
 
 using ovExport::Node;
 using ovMemory::StringView;
-using ovVeldris::PbsMaterial;
-using ovVeldris::PbsProperty;
 
-const ovVeldris::Setting* settingOf(const ovVeldris::PbsName& name) {
+const Setting* settingOf(const PbsName& name) {
     return PbsMaterial::settings().find(name.setting);
 }
 
-MaterialMember memberOf(const ovVeldris::PbsName& name, bool isInTree = false) {
+MaterialMember memberOf(const PbsName& name, bool isInTree = false) {
     return {name.member, settingOf(name), nullptr, isInTree};
 }
 
 // Made of the library's own table: a second list in the program would soon lack what the library has learnt.
 ovMemory::Buffer<MaterialMember> listMembers() {
     ovMemory::Buffer<MaterialMember> members = {{.name = "name"}, {.name = "type"}};
-    members.push_back(memberOf(ovVeldris::PBS_MODEL_NAME));
-    for (const PbsProperty& property : ovVeldris::pbsProperties()) {
-        const ovVeldris::PbsName& name = property.texture.name;
+    members.push_back(memberOf(PBS_MODEL_NAME));
+    for (const PbsProperty& property : pbsProperties()) {
+        const PbsName& name = property.texture.name;
         if (!name.member.empty())
             members.push_back({name.member, settingOf(name), &property, property.texture.isInTree});
     }
-    ovVeldris::forEachPbsSwitch(
-        [&](const ovVeldris::PbsSwitch& row) { members.push_back(memberOf(row.name, row.isInTree)); });
-    for (const ovVeldris::PbsAttribute& row : ovVeldris::pbsAttributes())
+    forEachPbsSwitch([&](const PbsSwitch& row) { members.push_back(memberOf(row.name, row.isInTree)); });
+    for (const PbsAttribute& row : pbsAttributes())
         members.push_back(memberOf(row.name));
-    for (const PbsProperty& property : ovVeldris::pbsProperties()) {
+    for (const PbsProperty& property : pbsProperties()) {
         if (property.value)
             members.push_back({property.value.name.member, settingOf(property.value.name), &property});
         if (property.second)
@@ -42,7 +39,7 @@ ovMemory::Buffer<MaterialMember> listMembers() {
     return members;
 }
 
-bool hasObject(const Node& entry, const ovVeldris::PbsTextureRow& texture) {
+bool hasObject(const Node& entry, const PbsTextureRow& texture) {
     const Node* const member = texture ? entry.getMemberValue(texture.name.member) : nullptr;
     return member && member->isObject();
 }
@@ -74,17 +71,16 @@ bool isReplaced(const Node& entry, const PbsProperty& property) {
     const Node* const mix = entry.getMemberValue(property.mix.name.member);
     if (mix && mix->isBool() && mix->getValueAsBool())
         return false;
-    return !property.substitute || hasObject(entry, ovVeldris::getPbsProperty(property.substitute).texture);
+    return !property.substitute || hasObject(entry, getPbsProperty(property.substitute).texture);
 }
 
-StringView readPacking(const ovVeldris::PbsTextureRow& texture, StringView text) {
-    using namespace ovVeldris;
+StringView readPacking(const PbsTextureRow& texture, StringView text) {
     return texture.vectorChannels
                ? ThreeChannelPackUtils::enumToStringLower(ThreeChannelPackUtils::stringLowerToEnum(text))
                : OneChannelPackUtils::enumToStringLower(OneChannelPackUtils::stringLowerToEnum(text));
 }
 
-bool isChoice(const ovVeldris::Setting& enumeration, StringView text) {
+bool isChoice(const Setting& enumeration, StringView text) {
     const auto& choices = enumeration.choices;
     return std::find(choices.begin(), choices.end(), text) != choices.end();
 }
@@ -96,4 +92,4 @@ bool isIdentifier(StringView text) {
     return !text.empty() && isLetter(text.front()) && std::all_of(text.begin(), text.end(), isNext);
 }
 
-} // namespace veldris
+} // namespace ovVeldris
