@@ -72,10 +72,10 @@ private:
     static void _warn(void* self, const char* text, int isContinued);
 
     Environment& _environment;
+    std::size_t _insideBytes = 0; // before the interpreter, which allocates as soon as it is made
+    std::size_t _outsideBytes = 0;
     lua_State* _lua = nullptr;
     lua_State* _running = nullptr;
-    std::size_t _insideBytes = 0;
-    std::size_t _outsideBytes = 0;
     uint64_t _steps = 0;
     std::chrono::steady_clock::time_point _deadline;
     bool _isLimitReached = false;

@@ -1,7 +1,15 @@
+#include <ovMaths/Vector.h>
 #include <ovScripts/Environment.h>
 #include <ovVeldris/System.h>
 #include <ovVeldris/scripts/DeclaredNames.h>
 #include <ovVeldris/scripts/ScriptsEngine.h>
+#include <ovVeldris/scripts/mathsWrap/MathConstantsWrapper.h>
+#include <ovVeldris/scripts/mathsWrap/MatrixWrapper.h>
+#include <ovVeldris/scripts/mathsWrap/QuaternionWrapper.h>
+#include <ovVeldris/scripts/mathsWrap/VectorWrapper.h>
+#include <ovVeldris/scripts/memoryWrap/BufferViewWrapper.h>
+#include <ovVeldris/scripts/memoryWrap/BufferWrapper.h>
+#include <ovVeldris/scripts/stdWrap/ArrayWrapper.h>
 #include <ovVeldris/scripts/veldrisWrap/LogWrapper.h>
 
 namespace ovVeldris {
@@ -15,6 +23,34 @@ void declareNames(ovScripts::Environment& environment) {
         else
             environment.setUserType(declared.name);
     }
+}
+
+void bindMaths(ovScripts::Environment* environment) {
+    ovMathsWrap::MatrixWrapper::updateEnvironment(environment);
+    ovMathsWrap::QuaternionWrapper::updateEnvironment(environment);
+    ovMathsWrap::VectorWrapper::updateEnvironment(environment);
+    ovMathsWrap::MathConstantsWrapper::updateEnvironment(environment);
+    ovMemoryWrap::BufferCastWrapper<ovMaths::Vector>::updateEnvironment(environment,
+                                                                        "ovMaths.BufferCastVector");
+    ovMemoryWrap::BufferViewWrapper<ovMaths::Vector>::updateEnvironment(environment,
+                                                                        "ovMaths.BufferViewVector");
+}
+
+void bindMemory(ovScripts::Environment* environment) {
+    using namespace ovMemoryWrap;
+    BufferWrapper::updateEnvironment(environment);
+    BufferCastWrapper<int>::updateEnvironment(environment, "ovMemory.BufferCastInt");
+    BufferCastWrapper<float>::updateEnvironment(environment, "ovMemory.BufferCastFloat");
+    BufferCastWrapper<double>::updateEnvironment(environment, "ovMemory.BufferCastDouble");
+    BufferViewWrapper<unsigned char>::updateEnvironment(environment, "ovMemory.BufferView");
+    BufferViewWrapper<int>::updateEnvironment(environment, "ovMemory.BufferViewInt");
+    BufferViewWrapper<float>::updateEnvironment(environment, "ovMemory.BufferViewFloat");
+    BufferViewWrapper<double>::updateEnvironment(environment, "ovMemory.BufferViewDouble");
+}
+
+void bindArrays(ovScripts::Environment* environment) {
+    stdWrap::ArrayWrapper<float, 4>::updateEnvironment(environment);
+    stdWrap::ArrayWrapper<std::array<float, 4>, 4>::updateEnvironment(environment);
 }
 
 } // namespace
@@ -46,6 +82,9 @@ void ScriptsEngine::setupScriptsEnvironment(ovScripts::Environment* environment,
         return;
     declareNames(*environment);
     ovVeldrisWrap::LogWrapper::updateEnvironment(environment, logManager);
+    bindMaths(environment);
+    bindMemory(environment);
+    bindArrays(environment);
 }
 
 } // namespace ovVeldris

@@ -51,29 +51,46 @@ class Script;
 
 namespace ovCommonWrap {
 
-/// Full name of a class in scripts: namespace, dot, type. One string each, since functions find a type by the
-/// address of its name first.
+/// Full name of a class in scripts: namespace, dot, type. One view each, since functions find a type by the
+/// address of its name first. A literal, since a string would have a destructor: GCC 12 runs that of an
+/// inline specialisation once for each library and program that includes it, on one object.
 template <typename T>
-extern const ovMemory::String TYPE_NAME;
+extern const ovMemory::StringView TYPE_NAME;
 
 template <>
-inline const ovMemory::String TYPE_NAME<ovImages::Image> = "ovImages.Image";
+inline constexpr ovMemory::StringView TYPE_NAME<ovExport::ExportError> = "ovExport.ExportError";
 template <>
-inline const ovMemory::String TYPE_NAME<ovImages::ImageView> = "ovImages.ImageView";
+inline constexpr ovMemory::StringView TYPE_NAME<ovExport::ExporterLoadResult> = "ovExport.ExporterLoadResult";
+template <>
+inline constexpr ovMemory::StringView TYPE_NAME<ovExport::JsonExporter> = "ovExport.JsonExporter";
+template <>
+inline constexpr ovMemory::StringView TYPE_NAME<ovExport::Node> = "ovExport.Node";
 
 template <>
-inline const ovMemory::String TYPE_NAME<ovMemory::Buffer<unsigned char>> = "ovMemory.Buffer";
+inline constexpr ovMemory::StringView TYPE_NAME<ovImages::JpgEncoder> = "ovImages.JpgEncoder";
+template <>
+inline constexpr ovMemory::StringView TYPE_NAME<ovImages::CompositeEncoder> = "ovImages.CompositeEncoder";
+template <>
+inline constexpr ovMemory::StringView TYPE_NAME<ovImages::Image> = "ovImages.Image";
+template <>
+inline constexpr ovMemory::StringView TYPE_NAME<ovImages::ImageView> = "ovImages.ImageView";
 
 template <>
-inline const ovMemory::String TYPE_NAME<ovMaths::Vector> = "ovMaths.Vector";
-template <>
-inline const ovMemory::String TYPE_NAME<ovMaths::Matrix> = "ovMaths.Matrix";
-template <>
-inline const ovMemory::String TYPE_NAME<ovMaths::Quaternion> = "ovMaths.Quaternion";
+inline constexpr ovMemory::StringView TYPE_NAME<ovMemory::Buffer<unsigned char>> = "ovMemory.Buffer";
 
 template <>
-inline const ovMemory::String TYPE_NAME<ovScripts::CompilationResult> = "ovScripts.CompilationResult";
+inline constexpr ovMemory::StringView TYPE_NAME<ovMaths::Vector> = "ovMaths.Vector";
 template <>
-inline const ovMemory::String TYPE_NAME<ovScripts::Script> = "ovScripts.Script";
+inline constexpr ovMemory::StringView TYPE_NAME<ovMaths::Matrix> = "ovMaths.Matrix";
+template <>
+inline constexpr ovMemory::StringView TYPE_NAME<ovMaths::Quaternion> = "ovMaths.Quaternion";
+
+template <>
+inline constexpr ovMemory::StringView TYPE_NAME<ovResources::ResourceManager> = "ovResources.ResourceManager";
+
+template <>
+inline constexpr ovMemory::StringView TYPE_NAME<ovScripts::CompilationResult> = "ovScripts.CompilationResult";
+template <>
+inline constexpr ovMemory::StringView TYPE_NAME<ovScripts::Script> = "ovScripts.Script";
 
 } // namespace ovCommonWrap
