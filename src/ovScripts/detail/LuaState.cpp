@@ -9,6 +9,10 @@ namespace {
 // Instructions between two looks at the limits: a few microseconds.
 constexpr int STEPS_BETWEEN_LOOKS = 1000;
 
+// Such a block nobody gets. Who asks for it gets an error of memory, the only kind for which the interpreter
+// calls no handler of the script.
+constexpr std::size_t REFUSED_BLOCK = std::size_t(1) << 40;
+
 bool hasTimeOrStepLimit(const EnvironmentOptions& options) {
     return options.stepLimit > 0 || options.timeLimit > 0;
 }
@@ -24,9 +28,10 @@ ovMemory::UniquePtr<LuaState> LuaState::create(Environment& environment) {
 }
 
 LuaState::LuaState(Environment& environment)
-    : _environment(environment)
-    , _lua(lua_newstate(&_allocate, this))
-    , _running(_lua) {
+    : _environment(environment) {
+    // Here, since it counts its memory in members.
+    _lua = lua_newstate(&_allocate, this);
+    _running = _lua;
     if (!_lua)
         return;
     *static_cast<LuaState**>(lua_getextraspace(_lua)) = this;
@@ -48,7 +53,7 @@ void* LuaState::_allocate(void* self, void* block, std::size_t oldSize, std::siz
         state._insideBytes -= freed;
         return nullptr;
     }
-    if (newSize > freed && !state.canAllocate(newSize - freed))
+    if (newSize >= REFUSED_BLOCK || (newSize > freed && !state.canAllocate(newSize - freed)))
         return nullptr;
     void* const moved = std::realloc(block, newSize);
     if (moved)
@@ -72,20 +77,51 @@ void LuaState::restartLimits() {
         lua_sethook(_lua, &_lookAtLimits, LUA_MASKCOUNT, STEPS_BETWEEN_LOOKS);
 }
 
-// A script may catch the error; it then gets it again at its next instruction, so that it ends after all.
+// A script may catch the error; it then gets it again at its next instruction, so that it ends after all. An
+// ordinary error would call the handler of an xpcall first, here, where no further look interrupts it.
 void LuaState::_lookAtLimits(lua_State* lua, lua_Debug*) {
     LuaState& state = of(lua);
     const EnvironmentOptions& options = state._environment.getOptions();
-    state._steps += STEPS_BETWEEN_LOOKS;
+    state._steps += state._isLimitReached ? 1 : STEPS_BETWEEN_LOOKS;
     const bool areStepsUsed = options.stepLimit > 0 && state._steps >= options.stepLimit;
     const bool isTimeUsed = options.timeLimit > 0 && std::chrono::steady_clock::now() >= state._deadline;
     if (!areStepsUsed && !isTimeUsed && !state._isLimitReached)
         return;
-    state._isLimitReached = true;
+    if (!state._isLimitReached)
+        state._explainLimit(lua, areStepsUsed);
     lua_sethook(lua, &_lookAtLimits, LUA_MASKCOUNT, 1);
+    lua_newuserdatauv(lua, REFUSED_BLOCK, 0);
+}
+
+void LuaState::_explainLimit(lua_State* lua, bool areStepsUsed) {
+    _isLimitReached = true;
+    luaL_where(lua, 0);
+    _limitError = lua_tostring(lua, -1);
+    lua_pop(lua, 1);
     if (areStepsUsed)
-        luaL_error(lua, "the limit of %I steps is reached", static_cast<LUAI_UACINT>(options.stepLimit));
-    luaL_error(lua, "the time limit of %f s is reached", static_cast<LUAI_UACNUMBER>(options.timeLimit));
+        lua_pushfstring(lua, "the limit of %I steps is reached",
+                        static_cast<LUAI_UACINT>(_environment.getOptions().stepLimit));
+    else
+        lua_pushfstring(lua, "the time limit of %f s is reached",
+                        static_cast<LUAI_UACNUMBER>(_environment.getOptions().timeLimit));
+    _limitError += lua_tostring(lua, -1);
+    lua_pop(lua, 1);
+    _keepPlace(lua, 0);
+}
+
+void LuaState::_keepPlace(lua_State* lua, int level) {
+    _place.clear();
+    lua_Debug activation;
+    for (int i = level; lua_getstack(lua, i, &activation); ++i) {
+        lua_getinfo(lua, "Sl", &activation);
+        if (activation.currentline <= 0)
+            continue;
+        _place = ovMemory::String(activation.short_src) + ':' + std::to_string(activation.currentline);
+        break;
+    }
+    luaL_traceback(lua, lua, nullptr, level);
+    _traceback = lua_tostring(lua, -1);
+    lua_pop(lua, 1);
 }
 
 // Turns what was raised into a text, and keeps where it was raised.
@@ -100,17 +136,8 @@ int LuaState::_explainError(lua_State* lua) {
         }
         lua_settop(lua, 1);
     }
-    state._place.clear();
-    lua_Debug activation;
-    for (int level = 1; lua_getstack(lua, level, &activation); ++level) {
-        lua_getinfo(lua, "Sl", &activation);
-        if (activation.currentline <= 0)
-            continue;
-        state._place = ovMemory::String(activation.short_src) + ':' + std::to_string(activation.currentline);
-        break;
-    }
-    luaL_traceback(lua, lua, nullptr, 1);
-    state._traceback = lua_tostring(lua, -1);
+    if (!state._isLimitReached)
+        state._keepPlace(lua, 1);
     lua_settop(lua, 1);
     return 1;
 }
@@ -134,21 +161,24 @@ bool LuaState::call(int argumentCount, int resultCount, ExecutionResult& result)
     lua_pushcfunction(lua, &_explainError);
     lua_insert(lua, handler);
     result = {};
-    _place.clear();
-    _traceback.clear();
     const int status = lua_pcall(lua, argumentCount, resultCount, handler);
     lua_remove(lua, handler);
     if (status == LUA_OK)
         return true;
     const char* message = lua_tostring(lua, -1);
     result.error = message ? message : "unknown error";
+    result.failureType = EXECUTION_FAILURE_TYPE::RUNTIME;
+    if (_isLimitReached) {
+        result.error = _limitError;
+        result.failureType = EXECUTION_FAILURE_TYPE::LIMIT_REACHED;
+    } else if (status == LUA_ERRMEM) {
+        // No handler was called, so that what is kept is that of another error.
+        result.failureType = EXECUTION_FAILURE_TYPE::MEMORY_ALLOCATION;
+        _place.clear();
+        _traceback.clear();
+    }
     result.place = _place;
     result.traceback = _traceback;
-    result.failureType = EXECUTION_FAILURE_TYPE::RUNTIME;
-    if (status == LUA_ERRMEM)
-        result.failureType = EXECUTION_FAILURE_TYPE::MEMORY_ALLOCATION;
-    else if (_isLimitReached)
-        result.failureType = EXECUTION_FAILURE_TYPE::LIMIT_REACHED;
     lua_pop(lua, 1);
     return false;
 }

@@ -69,6 +69,8 @@ private:
     static void* _allocate(void* self, void* block, std::size_t oldSize, std::size_t newSize);
     static void _lookAtLimits(lua_State* lua, lua_Debug* activation);
     static int _explainError(lua_State* lua);
+    void _explainLimit(lua_State* lua, bool areStepsUsed);
+    void _keepPlace(lua_State* lua, int level);
     static void _warn(void* self, const char* text, int isContinued);
 
     Environment& _environment;
@@ -79,6 +81,7 @@ private:
     uint64_t _steps = 0;
     std::chrono::steady_clock::time_point _deadline;
     bool _isLimitReached = false;
+    ovMemory::String _limitError;
     ovMemory::String _place;
     ovMemory::String _traceback;
     ovMemory::String _warning; ///< the pieces that came so far

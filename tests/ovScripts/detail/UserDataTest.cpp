@@ -1,0 +1,130 @@
+#include <ovMemory/Borrowed.h>
+#include <support/Lua.h>
+
+namespace {
+
+using namespace ovScripts;
+using luaTest::evaluate;
+using luaTest::luaEnvironment;
+using Arguments = ovMemory::BufferView<FunctionParameter>;
+
+struct Texture : ovMemory::Borrowable {
+    ovMemory::String name;
+    int value = 7;
+};
+
+// "Texture": an object of the engine, which "get" finds while it lives; "Owned": one of the script, counted.
+struct World {
+    ovMemory::UniquePtr<Texture> texture = std::make_unique<Texture>();
+    int destroyed = 0;
+    ovMemory::UniquePtr<Environment> environment;
+
+    explicit World(const EnvironmentOptions& options = {})
+        : environment(luaEnvironment(options)) {
+        texture->name = "albedo";
+        UserType* type = environment->setUserType("Texture");
+        type->setBorrowable<Texture>([](const Texture& one) { return one.name; });
+        type->setDestructor([this](void*) { ++destroyed; });
+        type->addMethod("read")->setFunction([](Arguments arguments) {
+            return FunctionParameter(arguments[0].getValueAsUserData<Texture>()->value);
+        });
+        type->addMemberVariable(
+            "value", FUNCTION_PARAMETER_TYPE::INT, {},
+            [](void* object) { return FunctionParameter(static_cast<Texture*>(object)->value); }, nullptr);
+        environment->setFunc("get")->setFunction(
+            [this](Arguments) { return FunctionParameter(texture.get(), "Texture", false); });
+        UserType* owned = environment->setUserType("Owned");
+        owned->setConstructor([](Arguments) -> void* { return new int(1); });
+        owned->setDestructor([this](void* object) {
+            ++destroyed;
+            delete static_cast<int*>(object);
+        });
+        owned->setSizeOf([](const void*) { return std::size_t(1) << 20; });
+        environment->setFunc("use")->addParameter(FUNCTION_PARAMETER_TYPE::USER_DATA_PTR, "Texture");
+    }
+};
+
+TEST(UserDataTest, objectsOfTheEngineOutliveTheirValue) {
+    World world;
+    EXPECT_EQ(evaluate(*world.environment, "return get():read()"), "7");
+    world.environment->collectGarbage();
+    world.environment.reset();
+    EXPECT_EQ(world.destroyed, 0);
+}
+
+TEST(UserDataTest, destroyedObjectsAreErrors) {
+    World world;
+    evaluate(*world.environment, "t = get()");
+    world.texture.reset();
+    const char* gone = "Texture 'albedo' is gone: it was destroyed";
+    const ovMemory::String error = "error: test:1: ";
+    EXPECT_EQ(evaluate(*world.environment, "return t:read()"),
+              error + "Texture.read: argument 1 expected Texture, got " + gone);
+    EXPECT_EQ(evaluate(*world.environment, "use(t)"),
+              error + "use: argument 1 expected Texture, got " + gone);
+    EXPECT_EQ(evaluate(*world.environment, "return t.value"), error + gone);
+    EXPECT_EQ(evaluate(*world.environment, "return t"), gone);
+    EXPECT_EQ(evaluate(*world.environment, "return t == t"), "true"); // the same value of the language
+    EXPECT_EQ(evaluate(*world.environment, "return get()"), "nil");
+}
+
+TEST(UserDataTest, objectsOfScriptsAreDestroyedOnce) {
+    World world;
+    evaluate(*world.environment, "for i = 1, 100 do Owned() end kept = Owned()");
+    world.environment->collectGarbage();
+    EXPECT_EQ(world.destroyed, 100);
+    evaluate(*world.environment, "kept = nil");
+    world.environment->collectGarbage();
+    EXPECT_EQ(world.destroyed, 101);
+    evaluate(*world.environment, "kept = Owned()");
+    world.environment.reset();
+    EXPECT_EQ(world.destroyed, 102);
+}
+
+// A finaliser of a script may use objects that are collected in the same round.
+TEST(UserDataTest, collectedObjectsAreErrorsInFinalisers) {
+    World world;
+    evaluate(*world.environment,
+             "local o = Owned() setmetatable({o}, {__gc = function(t) seen = tostring(t[1]) "
+             "ok = pcall(function() return t[1].x end) end})");
+    world.environment->collectGarbage();
+    world.environment->collectGarbage();
+    EXPECT_EQ(evaluate(*world.environment, "return ok"), "false");
+    EXPECT_EQ(world.destroyed, 1);
+}
+
+TEST(UserDataTest, largeObjectsCountAsMemory) {
+    World world({.memoryLimit = 16 << 20});
+    // Without being counted a thousand of a megabyte each would never be collected.
+    evaluate(*world.environment, "for i = 1, 1000 do Owned() end");
+    EXPECT_GT(world.destroyed, 900);
+    EXPECT_LT(world.environment->getUsedMemory(), 64u << 20);
+    EXPECT_TRUE(world.environment->canAllocate(8 << 20));
+    EXPECT_FALSE(world.environment->canAllocate(32 << 20));
+}
+
+TEST(UserDataTest, foreignUserDataIsNoObject) {
+    const auto environment = luaEnvironment({.filesAndProcesses = true});
+    environment->setFunc("use")->addParameter(FUNCTION_PARAMETER_TYPE::USER_DATA_PTR);
+    EXPECT_EQ(evaluate(*environment, "use(io.stdout)"),
+              "error: test:1: use: argument 1 expected an object of a declared type, got userdata");
+}
+
+TEST(UserDataTest, partsKeepTheirWholeAlive) {
+    World world;
+    UserType* part = world.environment->setUserType("Part");
+    part->addMethod("read")->setFunction(
+        [](Arguments arguments) { return FunctionParameter(*arguments[0].getValueAsUserData<int>()); });
+    world.environment->getUserType("Owned")->addMethod("part")->setFunction([](Arguments arguments) {
+        return FunctionParameter(arguments[0].getValueAsUserData<int>(), "Part", false).keeping(0);
+    });
+    evaluate(*world.environment, "part = Owned():part()");
+    world.environment->collectGarbage();
+    EXPECT_EQ(world.destroyed, 0);
+    EXPECT_EQ(evaluate(*world.environment, "return part:read()"), "1");
+    evaluate(*world.environment, "part = nil");
+    world.environment->collectGarbage();
+    EXPECT_EQ(world.destroyed, 1);
+}
+
+} // namespace
