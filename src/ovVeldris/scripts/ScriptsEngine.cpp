@@ -3,12 +3,26 @@
 #include <ovVeldris/System.h>
 #include <ovVeldris/scripts/DeclaredNames.h>
 #include <ovVeldris/scripts/ScriptsEngine.h>
+#include <ovVeldris/scripts/exportWrap/ExportErrorWrapper.h>
+#include <ovVeldris/scripts/exportWrap/ExporterLoadResultWrapper.h>
+#include <ovVeldris/scripts/exportWrap/JsonExporterWrapper.h>
+#include <ovVeldris/scripts/exportWrap/NodeWrapper.h>
+#include <ovVeldris/scripts/imagesWrap/CompositeEncoderWrapper.h>
+#include <ovVeldris/scripts/imagesWrap/ImageViewWrapper.h>
+#include <ovVeldris/scripts/imagesWrap/ImageWrapper.h>
+#include <ovVeldris/scripts/imagesWrap/JpgEncoderWrapper.h>
 #include <ovVeldris/scripts/mathsWrap/MathConstantsWrapper.h>
 #include <ovVeldris/scripts/mathsWrap/MatrixWrapper.h>
 #include <ovVeldris/scripts/mathsWrap/QuaternionWrapper.h>
 #include <ovVeldris/scripts/mathsWrap/VectorWrapper.h>
 #include <ovVeldris/scripts/memoryWrap/BufferViewWrapper.h>
 #include <ovVeldris/scripts/memoryWrap/BufferWrapper.h>
+#include <ovVeldris/scripts/resourcesWrap/ResourceManagerWrapper.h>
+#include <ovVeldris/scripts/scriptsWrap/CompilationFailureTypeWrapper.h>
+#include <ovVeldris/scripts/scriptsWrap/CompilationResultWrapper.h>
+#include <ovVeldris/scripts/scriptsWrap/EnvironmentWrapper.h>
+#include <ovVeldris/scripts/scriptsWrap/InterpreterWrapper.h>
+#include <ovVeldris/scripts/scriptsWrap/ScriptWrapper.h>
 #include <ovVeldris/scripts/stdWrap/ArrayWrapper.h>
 #include <ovVeldris/scripts/veldrisWrap/LogWrapper.h>
 
@@ -23,6 +37,22 @@ void declareNames(ovScripts::Environment& environment) {
         else
             environment.setUserType(declared.name);
     }
+}
+
+void bindExport(ovScripts::Environment* environment) {
+    using namespace ovExportWrap;
+    ExportErrorWrapper::updateEnvironment(environment);
+    ExporterLoadResultWrapper::updateEnvironment(environment);
+    JsonExporterWrapper::updateEnvironment(environment);
+    NodeWrapper::updateEnvironment(environment);
+}
+
+void bindImages(ovScripts::Environment* environment) {
+    using namespace ovImagesWrap;
+    ImageWrapper::updateEnvironment(environment);
+    ImageViewWrapper::updateEnvironment(environment);
+    JpgEncoderWrapper::updateEnvironment(environment);
+    CompositeEncoderWrapper::updateEnvironment(environment);
 }
 
 void bindMaths(ovScripts::Environment* environment) {
@@ -46,6 +76,15 @@ void bindMemory(ovScripts::Environment* environment) {
     BufferViewWrapper<int>::updateEnvironment(environment, "ovMemory.BufferViewInt");
     BufferViewWrapper<float>::updateEnvironment(environment, "ovMemory.BufferViewFloat");
     BufferViewWrapper<double>::updateEnvironment(environment, "ovMemory.BufferViewDouble");
+}
+
+void bindScripts(ovScripts::Environment* environment) {
+    using namespace ovScriptsWrap;
+    EnvironmentWrapper::updateEnvironment(environment);
+    InterpreterWrapper::updateEnvironment(environment);
+    CompilationFailureTypeWrapper::updateEnvironment(environment);
+    CompilationResultWrapper::updateEnvironment(environment);
+    ScriptWrapper::updateEnvironment(environment);
 }
 
 void bindArrays(ovScripts::Environment* environment) {
@@ -82,8 +121,12 @@ void ScriptsEngine::setupScriptsEnvironment(ovScripts::Environment* environment,
         return;
     declareNames(*environment);
     ovVeldrisWrap::LogWrapper::updateEnvironment(environment, logManager);
+    bindExport(environment);
+    bindImages(environment);
     bindMaths(environment);
     bindMemory(environment);
+    ovResourcesWrap::ResourceManagerWrapper::updateEnvironment(environment);
+    bindScripts(environment);
     bindArrays(environment);
 }
 

@@ -191,7 +191,7 @@ template <typename... P>
 void declareParameters(ovScripts::Function& function, std::size_t declared, ArgumentNames names) {
     const auto* name = names.begin();
     std::size_t position = 0;
-    const auto declare = [&](ovScripts::FUNCTION_PARAMETER_TYPE type, ovMemory::StringView typeName) {
+    [[maybe_unused]] const auto declare = [&](ovScripts::FUNCTION_PARAMETER_TYPE type, ovMemory::StringView typeName) {
         if (position++ < declared)
             return;
         function.addParameter(type, typeName, name == names.end() ? ovMemory::StringView() : *name++);
