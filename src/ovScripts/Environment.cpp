@@ -271,8 +271,10 @@ void Environment::setGlobal(ovMemory::StringView name, const FunctionParameter& 
 SharedUserData Environment::share(const FunctionParameter& argument, bool forwardOwnership) {
     if (!_lua || argument.getStackPosition() == 0)
         return {};
-    detail::UserData* data = detail::UserDataAccess::at(_lua->getLua(), argument.getStackPosition());
-    if (!data || !detail::UserDataAccess::getObstacle(*data).empty())
+    lua_State* lua = _lua->getLua();
+    const int position = argument.getStackPosition();
+    detail::UserData* data = detail::UserDataAccess::at(lua, position);
+    if (!data || !detail::UserDataAccess::getSharingObstacle(lua, position, *data).empty())
         return {};
     return SharedUserData(detail::UserDataAccess::share(*data, forwardOwnership));
 }

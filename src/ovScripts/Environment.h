@@ -92,7 +92,8 @@ public:
     /// @param forwardOwnership whether this environment lets go of an object that its scripts own: they then
     /// get
     ///        an error when they use it
-    /// @return empty for anything but user data, and for an object that only passes through a worker
+    /// @return empty for anything but user data, for an object that only passes through a worker, for a part
+    ///         of another object (which it would outlive), and where the type stays in its environment
     SharedUserData share(const FunctionParameter& argument, bool forwardOwnership);
 
     /// Collects everything that scripts let go.

@@ -100,6 +100,8 @@ public:
     /// Objects of this type belong to the thread that renders: in the environment of a worker every use is an
     /// error. Concerns the functions that are added afterwards.
     void setRenderThreadOnly() { _isRenderThreadOnly = true; }
+    /// Objects of this type cannot be handed to another environment, because they hold on to their own.
+    void setStaysInEnvironment() { _staysInEnvironment = true; }
 
     // What was declared, in order, for the reference, for completion and for the interpreter.
     const Function* getConstructor() const { return _constructor.get(); }
@@ -142,6 +144,7 @@ private:
     void* (*_newCopy)(const void*) = nullptr;
     std::function<std::size_t(const void*)> _sizeOf;
     bool _isRenderThreadOnly = false;
+    bool _staysInEnvironment = false;
 
     // The interpreter's numbers of its tables.
     int _table = 0;     ///< of the static functions: the type as scripts see it

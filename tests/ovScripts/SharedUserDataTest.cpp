@@ -33,6 +33,14 @@ struct Box {
         type->addMethod("read")->setFunction([](Arguments arguments) {
             return FunctionParameter(arguments[0].getValueAsUserData<Counted>()->value);
         });
+        UserType* part = result->setUserType("Part");
+        part->setDestructor([](void* object) { delete static_cast<int*>(object); });
+        type->addMethod("part")->setFunction(
+            [](Arguments) { return FunctionParameter(new int(3), "Part", true).keeping(0); });
+        UserType* local = result->setUserType("Local");
+        local->setConstructor([](Arguments) -> void* { return new int(4); });
+        local->setDestructor([](void* object) { delete static_cast<int*>(object); });
+        local->setStaysInEnvironment();
         UserType* value = result->setUserType("Value");
         value->setValueType<int>();
         value->setConstructor([](Arguments) -> void* { return new int(9); });
@@ -139,6 +147,24 @@ TEST(SharedUserDataTest, environmentsOfTwoThreadsShareAnObject) {
         thread.join();
     }
     EXPECT_EQ(Counted::living, 0);
+}
+
+TEST(SharedUserDataTest, partsAndWhatStaysAreNotHandedOver) {
+    Box box;
+    auto environment = box.environment();
+    EXPECT_EQ(evaluate(*environment, "whole = Counted() return lend(whole:part())"), "false");
+    EXPECT_EQ(evaluate(*environment, "return give(whole:part())"), "false");
+    EXPECT_EQ(evaluate(*environment, "return lend(Local())"), "false");
+    EXPECT_EQ(evaluate(*environment, "return lend(whole)"), "true");
+    for (const auto& [object, reason] :
+         {std::pair("part", "Part is a part of another object; hand that over"),
+          std::pair("stays", "Local belongs to its environment")}) {
+        evaluate(*environment, "part, stays = whole:part(), Local()");
+        const ScriptObjectReference reference = environment->referToGlobal(object);
+        EXPECT_TRUE(environment->serializeScriptObject(reference, false).empty());
+        EXPECT_EQ(environment->getLastExecutionResult().error,
+                  ovMemory::String("the object cannot be serialised: ") + reason);
+    }
 }
 
 } // namespace

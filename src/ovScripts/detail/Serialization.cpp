@@ -323,7 +323,8 @@ private:
         UserData* data = UserDataAccess::at(_lua, position);
         if (!data)
             luaL_error(_lua, "the object cannot be serialised: it holds foreign user data");
-        if (const ovMemory::String obstacle = UserDataAccess::getObstacle(*data); !obstacle.empty())
+        const ovMemory::String obstacle = UserDataAccess::getSharingObstacle(_lua, position, *data);
+        if (!obstacle.empty())
             luaL_error(_lua, "the object cannot be serialised: %s", obstacle.c_str());
         auto shared = UserDataAccess::share(*data, _forwardOwnership);
         const ovMemory::StringView typeName = data->type->getFullName();

@@ -43,6 +43,20 @@ ovMemory::String UserDataAccess::getObstacle(const UserData& data) {
     return {};
 }
 
+ovMemory::String UserDataAccess::getSharingObstacle(lua_State* lua, int position, const UserData& data) {
+    ovMemory::String obstacle = getObstacle(data);
+    if (!obstacle.empty() || !data.isHeld)
+        return obstacle;
+    if (data.type->_staysInEnvironment)
+        return data.type->getFullName() + " belongs to its environment";
+    // What it keeps alive here nobody would keep alive there. Objects that tell their end need no such care.
+    const bool keepsAnother = lua_getiuservalue(lua, position, 1) != LUA_TNIL;
+    lua_pop(lua, 1);
+    if (keepsAnother && !data.type->_toBorrowable)
+        return data.type->getFullName() + " is a part of another object; hand that over";
+    return {};
+}
+
 bool UserDataAccess::isGone(const UserData& data) {
     if (!data.isHeld)
         return false;

@@ -42,6 +42,9 @@ public:
     /// Why an object cannot be used now; empty when it can.
     static ovMemory::String getObstacle(const UserData& data);
 
+    /// Why an object cannot be handed to another environment; empty when it can.
+    static ovMemory::String getSharingObstacle(lua_State* lua, int position, const UserData& data);
+
     /// Whether there is nothing left to pass on.
     static bool isGone(const UserData& data);
 
