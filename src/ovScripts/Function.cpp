@@ -4,14 +4,14 @@ namespace ovScripts {
 
 Function& Function::addParameter(FUNCTION_PARAMETER_TYPE type, ovMemory::StringView typeName,
                                  ovMemory::StringView name) {
-    _arguments.push_back({type, ovMemory::String(typeName), ovMemory::String(name), false});
+    _arguments.push_back({type, ovMemory::String(typeName), ovMemory::String(name), false, nullptr});
     _requiredCount = static_cast<unsigned int>(_arguments.size());
     return *this;
 }
 
 Function& Function::addOptionalParameter(FUNCTION_PARAMETER_TYPE type, ovMemory::StringView typeName,
                                          ovMemory::StringView name) {
-    _arguments.push_back({type, ovMemory::String(typeName), ovMemory::String(name), true});
+    _arguments.push_back({type, ovMemory::String(typeName), ovMemory::String(name), true, nullptr});
     return *this;
 }
 

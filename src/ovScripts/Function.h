@@ -6,12 +6,15 @@
 
 namespace ovScripts {
 
+class UserType;
+
 /// What a function expects at one position.
 struct FunctionArgument {
     FUNCTION_PARAMETER_TYPE type = FUNCTION_PARAMETER_TYPE::VOID;
     ovMemory::String typeName; ///< full name of the user type; empty where none is asked for
     ovMemory::String name;     ///< for people; may be empty
     bool isOptional = false;   ///< may be left out, or nil: the callable gets FunctionParameter::VOID
+    mutable const UserType* knownType = nullptr; ///< the named type, once an argument was of it
 };
 
 /// A function as scripts see it: its name, the arguments that it declares, its body.
@@ -64,7 +67,7 @@ private:
     ovMemory::Buffer<FunctionArgument> _arguments;
     FunctionArgument _result;
     ovMemory::String _help;
-    Callable _callable;
+    Callable _callable = [](ovMemory::BufferView<FunctionParameter>) { return FunctionParameter(); };
     unsigned int _requiredCount = 0;
     bool _isRenderThreadOnly = false;
 };

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <ovScripts/FunctionParameterType.h>
 #include <ovScripts/ScriptObjectReference.h>
 #include <ovScripts/SharedUserData.h>
@@ -24,6 +25,11 @@ public:
     static const FunctionParameter VOID;
 
     FunctionParameter() = default;
+    FunctionParameter(const FunctionParameter& other);
+    FunctionParameter(FunctionParameter&&) noexcept = default;
+    FunctionParameter& operator=(const FunctionParameter& other);
+    FunctionParameter& operator=(FunctionParameter&&) noexcept = default;
+    ~FunctionParameter() = default;
     FunctionParameter(bool value)
         : _type(FUNCTION_PARAMETER_TYPE::BOOL) {
         _value.boolean = value;
@@ -41,13 +47,14 @@ public:
         : _type(FUNCTION_PARAMETER_TYPE::DOUBLE) {
         _value.number = value;
     }
-    FunctionParameter(ovMemory::String text)
-        : _type(FUNCTION_PARAMETER_TYPE::STRING)
-        , _ownText(std::move(text)) {}
     FunctionParameter(ovMemory::StringView text)
-        : FunctionParameter(ovMemory::String(text)) {}
+        : _type(FUNCTION_PARAMETER_TYPE::STRING) {
+        _ownText(text);
+    }
+    FunctionParameter(const ovMemory::String& text)
+        : FunctionParameter(ovMemory::StringView(text)) {}
     FunctionParameter(const char* text)
-        : FunctionParameter(ovMemory::String(text)) {}
+        : FunctionParameter(ovMemory::StringView(text)) {}
     /// Any object of a script: a function, a table. An empty reference is nil.
     FunctionParameter(ScriptObjectReference object);
     /// An object that came out of another environment; not copied, lives until the script has it.
@@ -62,7 +69,7 @@ public:
     FunctionParameter(void* object, const Text& typeName, bool forwardOwnership)
         : _type(FUNCTION_PARAMETER_TYPE::USER_DATA)
         , _isOwnershipForwarded(forwardOwnership)
-        , _typeName(typeName) {
+        , _text(typeName) {
         _value.object = object;
     }
     // The name would be gone before it is read.
@@ -78,7 +85,7 @@ public:
     /// For a result that is a view into another object: the script keeps the user data of an argument alive
     /// for as long as it holds this result. @param argument position in the argument list, self is 0
     FunctionParameter&& keeping(unsigned int argument) && {
-        _keptArgument = static_cast<int>(argument);
+        _keptArgument = static_cast<short>(argument);
         return std::move(*this);
     }
     /// Position of the argument that keeping() named, or -1.
@@ -93,18 +100,26 @@ public:
     bool getValueAsBool() const { return _type == FUNCTION_PARAMETER_TYPE::BOOL && _value.boolean; }
     int64_t getValueAsInt() const { return _type == FUNCTION_PARAMETER_TYPE::INT ? _value.integer : 0; }
     float getValueAsFloat() const { return static_cast<float>(getValueAsDouble()); }
-    double getValueAsDouble() const;
-    ovMemory::StringView getValueAsString() const;
+    double getValueAsDouble() const {
+        if (_type == FUNCTION_PARAMETER_TYPE::DOUBLE || _type == FUNCTION_PARAMETER_TYPE::FLOAT)
+            return _value.number;
+        return static_cast<double>(getValueAsInt());
+    }
+    ovMemory::StringView getValueAsString() const {
+        return _type == FUNCTION_PARAMETER_TYPE::STRING ? _text : ovMemory::StringView();
+    }
     /// The object; null for nil. The caller knows its type: it was checked, or getUserDataTypeName() says it.
     template <typename T>
     T* getValueAsUserData() const {
         return static_cast<T*>(_type == FUNCTION_PARAMETER_TYPE::USER_DATA ? _value.object : nullptr);
     }
     /// Full name of the user data's type; empty for anything else.
-    ovMemory::StringView getUserDataTypeName() const { return _typeName; }
+    ovMemory::StringView getUserDataTypeName() const {
+        return _type == FUNCTION_PARAMETER_TYPE::USER_DATA ? _text : ovMemory::StringView();
+    }
     bool isOwnershipForwarded() const { return _isOwnershipForwarded; }
     /// The script's object behind an argument of the types FUNCTION and SCRIPT_OBJECT; else an empty one.
-    const ScriptObjectReference& getScriptObjectReference() const { return _reference; }
+    const ScriptObjectReference& getScriptObjectReference() const;
     /// The argument's own user data, for whoever keeps it alive or takes it over; see
     /// Environment::referTo(). @return position on the interpreter's stack, 0 for anything but an argument
     int getStackPosition() const { return _stackPosition; }
@@ -112,11 +127,21 @@ public:
 private:
     friend class detail::ParameterAccess;
 
+    /// What few values own. Apart, so that the many others are made and destroyed in no time.
+    struct Owned {
+        ovMemory::String text;
+        ScriptObjectReference reference;
+    };
+    struct OV_API OwnedDeleter {
+        void operator()(Owned* owned) const;
+    };
+
+    void _ownText(ovMemory::StringView text);
+
     FUNCTION_PARAMETER_TYPE _type = FUNCTION_PARAMETER_TYPE::VOID;
     bool _isOwnershipForwarded = false;
     bool _isError = false;
-    bool _isView = false;
-    int _keptArgument = -1;
+    short _keptArgument = -1;
     int _stackPosition = 0;
     union {
         bool boolean;
@@ -124,11 +149,9 @@ private:
         double number;
         void* object;
     } _value = {.integer = 0};
-    ovMemory::StringView _typeName;
-    ovMemory::StringView _text;
-    ovMemory::String _ownText;
-    ScriptObjectReference _reference;
+    ovMemory::StringView _text; ///< a string, or the name of the user type
     const SharedUserData* _shared = nullptr;
+    std::unique_ptr<Owned, OwnedDeleter> _owned;
 };
 
 } // namespace ovScripts

@@ -8,39 +8,11 @@ namespace ovScripts {
 
 namespace {
 
-const char* fieldOf(USER_TYPE_OPERATOR kind) {
-    switch (kind) {
-    case USER_TYPE_OPERATOR::TO_STRING:
-        return "__tostring";
-    case USER_TYPE_OPERATOR::CALL:
-        return "__call";
-    case USER_TYPE_OPERATOR::ADDITION:
-        return "__add";
-    case USER_TYPE_OPERATOR::SUBTRACTION:
-        return "__sub";
-    case USER_TYPE_OPERATOR::MULTIPLICATION:
-        return "__mul";
-    case USER_TYPE_OPERATOR::DIVISION:
-        return "__div";
-    case USER_TYPE_OPERATOR::MODULO:
-        return "__mod";
-    case USER_TYPE_OPERATOR::POWER:
-        return "__pow";
-    case USER_TYPE_OPERATOR::UNARY_MINUS:
-        return "__unm";
-    case USER_TYPE_OPERATOR::EQUAL:
-        return "__eq";
-    case USER_TYPE_OPERATOR::LESS:
-        return "__lt";
-    case USER_TYPE_OPERATOR::LESS_OR_EQUAL:
-        return "__le";
-    case USER_TYPE_OPERATOR::CONCATENATION:
-        return "__concat";
-    case USER_TYPE_OPERATOR::LENGTH:
-        return "__len";
-    }
-    return "";
-}
+// The interpreter's name of each operator, by its number.
+constexpr ovMemory::StringView OPERATOR_FIELDS[] = {"__tostring", "__call", "__add",    "__sub", "__mul",
+                                                    "__div",      "__mod",  "__pow",    "__unm", "__eq",
+                                                    "__lt",       "__le",   "__concat", "__len"};
+static_assert(std::size(OPERATOR_FIELDS) == ovMemory::enumTableOf<USER_TYPE_OPERATOR>().size());
 
 void setTextField(lua_State* lua, const char* field, const ovMemory::String& text) {
     lua_pushlstring(lua, text.data(), text.size());
@@ -152,7 +124,7 @@ UserType::Member* UserType::addMemberVariable(ovMemory::StringView name, FUNCTIO
                                               ovMemory::StringView typeName, Getter getter, Setter setter) {
     Member* member = _memberList.emplace_back(std::make_unique<Member>()).get();
     member->name = name;
-    member->value = {type, ovMemory::String(typeName), ovMemory::String(name), false};
+    member->value = {type, ovMemory::String(typeName), ovMemory::String(name), false, nullptr};
     member->getter = std::move(getter);
     member->setter = std::move(setter);
     _environment->getState()->protect([&](lua_State* lua) {
@@ -174,10 +146,11 @@ void UserType::_lookMembersUp() {
 
 Function* UserType::addOperator(USER_TYPE_OPERATOR kind) {
     ovMemory::UniquePtr<Function>& function = _operators[kind];
-    function = _newFunction(fieldOf(kind) + 2);
+    const ovMemory::StringView field = OPERATOR_FIELDS[static_cast<unsigned int>(kind)];
+    function = _newFunction(field);
     _environment->getState()->protect([&](lua_State* lua) {
         lua_rawgeti(lua, LUA_REGISTRYINDEX, _metatable);
-        detail::setFunctionField(lua, fieldOf(kind), &detail::callFunction, function.get());
+        detail::setFunctionField(lua, field, &detail::callFunction, function.get());
     });
     return function.get();
 }

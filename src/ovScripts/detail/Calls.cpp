@@ -64,26 +64,23 @@ void explainArgument(lua_State* lua, const Function& function, std::size_t argum
 
 // Runs the body and puts what it gives on the stack. @return false with the message there
 bool runBody(lua_State* lua, const Function& function, ovMemory::BufferView<FunctionParameter> arguments) {
-    FunctionParameter result;
-    const char* thrown = nullptr;
     ovMemory::String message;
     try {
         const LuaState::Running running(LuaState::of(lua), lua);
-        if (function.getFunction())
-            result = function.getFunction()(arguments);
+        const FunctionParameter result = function.getFunction()(arguments);
+        if (!result.isError()) {
+            // What the interpreter itself throws is no exception of the standard's and passes.
+            ParameterAccess::push(lua, result);
+            return true;
+        }
+        message = result.getValueAsString();
     } catch (const std::bad_alloc&) {
-        thrown = "not enough memory";
+        message = "not enough memory";
     } catch (const std::exception& error) {
         message = error.what();
-        thrown = message.c_str();
     }
-    if (thrown || result.isError()) {
-        const ovMemory::StringView text = thrown ? ovMemory::StringView(thrown) : result.getValueAsString();
-        pushText(lua, function.getFullName() + ": " + ovMemory::String(text));
-        return false;
-    }
-    ParameterAccess::push(lua, result);
-    return true;
+    pushText(lua, function.getFullName() + ": " + message);
+    return false;
 }
 
 // Checks the arguments from a position of the stack on and runs the body. @return as runBody()

@@ -11,6 +11,16 @@ bool isNumber(FUNCTION_PARAMETER_TYPE type) {
            type == FUNCTION_PARAMETER_TYPE::DOUBLE;
 }
 
+// A function belongs to one environment, so that the type that its argument names can be remembered.
+bool isOfType(const UserData& data, const FunctionArgument& declared) {
+    if (declared.knownType == data.type || declared.typeName.empty())
+        return true;
+    if (declared.typeName != data.type->getFullName())
+        return false;
+    declared.knownType = data.type;
+    return true;
+}
+
 } // namespace
 
 bool ParameterAccess::read(lua_State* lua, int position, const FunctionArgument& declared,
@@ -105,7 +115,6 @@ bool ParameterAccess::_readString(lua_State* lua, int position, FunctionParamete
     std::size_t length = 0;
     const char* text = lua_tolstring(lua, position, &length);
     value._type = FUNCTION_PARAMETER_TYPE::STRING;
-    value._isView = true;
     value._text = {text, length};
     return true;
 }
@@ -118,7 +127,7 @@ bool ParameterAccess::_readUserData(lua_State* lua, int position, const Function
         return true;
     }
     const UserData* data = UserDataAccess::at(lua, position);
-    if (!data || (!declared.typeName.empty() && declared.typeName != data->type->getFullName()))
+    if (!data || !isOfType(*data, declared))
         return false;
     // Only held objects can have an obstacle; values are read straight away. Without a type's name an object
     // is only passed on, which foreign ones allow.
@@ -128,14 +137,14 @@ bool ParameterAccess::_readUserData(lua_State* lua, int position, const Function
         return false;
     value._type = FUNCTION_PARAMETER_TYPE::USER_DATA;
     value._value.object = data->object;
-    value._typeName = data->type->getFullName();
+    value._text = data->type->getFullName();
     return true;
 }
 
 void ParameterAccess::_readReference(lua_State* lua, int position, FunctionParameter& value) {
     lua_pushvalue(lua, position);
-    value._reference = ReferenceAccess::take(lua);
-    value._type = value._reference ? FUNCTION_PARAMETER_TYPE::SCRIPT_OBJECT : FUNCTION_PARAMETER_TYPE::VOID;
+    value = FunctionParameter(ReferenceAccess::take(lua));
+    value._stackPosition = position;
 }
 
 void ParameterAccess::push(lua_State* lua, const FunctionParameter& value) {
@@ -161,7 +170,7 @@ void ParameterAccess::push(lua_State* lua, const FunctionParameter& value) {
         return;
     case FUNCTION_PARAMETER_TYPE::FUNCTION:
     case FUNCTION_PARAMETER_TYPE::SCRIPT_OBJECT:
-        if (!ReferenceAccess::push(lua, value._reference))
+        if (!ReferenceAccess::push(lua, value.getScriptObjectReference()))
             luaL_error(lua, "an object of another environment cannot be handed over");
         return;
     case FUNCTION_PARAMETER_TYPE::VOID:
@@ -175,10 +184,9 @@ void ParameterAccess::_pushUserData(lua_State* lua, const FunctionParameter& val
         lua_pushnil(lua);
         return;
     }
-    UserType* type = LuaState::of(lua).findType(value._typeName);
+    UserType* type = LuaState::of(lua).findType(value._text);
     if (!type)
-        luaL_error(lua, "the type of a result was not declared: %s",
-                   ovMemory::String(value._typeName).c_str());
+        luaL_error(lua, "the type of a result was not declared: %s", ovMemory::String(value._text).c_str());
     if (value._shared && value._shared->getShared())
         UserDataAccess::push(lua, *type, *value._shared->getShared());
     else
@@ -231,10 +239,8 @@ ovMemory::String ParameterAccess::describe(lua_State* lua, int position, const F
 }
 
 void ParameterAccess::own(FunctionParameter& value) {
-    if (!value._isView)
-        return;
-    value._ownText = value._text;
-    value._isView = false;
+    if (value._type == FUNCTION_PARAMETER_TYPE::STRING && !value._owned)
+        value._ownText(value._text);
 }
 
 } // namespace ovScripts::detail
