@@ -10,6 +10,10 @@
 
 namespace ovGraphics {
 
+bool isTheSingleton(const System* system) {
+    return system && system->isTheSingletonInstance();
+}
+
 TextureManager* TextureManager::getInstance() {
     return System::getInstance()->getTextureManager();
 }

@@ -9,6 +9,9 @@ namespace ovGraphics {
 
 class System;
 
+/// Whether a graphics system is the singleton of its class. Null is not.
+OV_API bool isTheSingleton(const System* system);
+
 /// Owns the resources of one kind of one system by name. T has `static UniquePtr<T> create(System*)`.
 /// The resources are destroyed with the manager; the system unloads them at shutdown().
 template <typename T>
@@ -16,6 +19,9 @@ class NamedResources : public ovMemory::Borrowable {
 public:
     explicit NamedResources(System* system)
         : _system(system) {}
+
+    /// Whether this is the manager that getInstance() of its class gives: that of the System singleton.
+    bool isTheSingletonInstance() const { return isTheSingleton(_system); }
 
     /// The resource of that name, created unloaded when there is none. Never null.
     T* createOrRetrieve(ovMemory::StringView name);

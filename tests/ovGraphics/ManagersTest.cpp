@@ -105,6 +105,9 @@ TYPED_TEST(ManagersTest, getInstanceIsTheSingletonSystems) {
     ASSERT_NE(System::getInstanceIfExisting(), nullptr);
     EXPECT_EQ(manager, managerOf<TypeParam>(System::getInstanceRef()));
     EXPECT_EQ(manager->createOrRetrieve("x")->getSystem(), System::getInstance());
+    EXPECT_TRUE(manager->isTheSingletonInstance());
+    System other;
+    EXPECT_FALSE(managerOf<TypeParam>(other)->isTheSingletonInstance());
     System::kill();
     EXPECT_EQ(System::getInstanceIfExisting(), nullptr);
 }

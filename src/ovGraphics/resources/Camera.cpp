@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <numbers>
+#include <ovGraphics/resources/Frustum.h>
 
 namespace ovGraphics {
 
@@ -154,6 +155,10 @@ ovMaths::Matrix Camera::getProjectionMatrix(SHADER_LANGUAGE language) const {
         projection.m[2][column] = 2.0f * projection.m[2][column] - projection.m[3][column];
     }
     return projection;
+}
+
+Frustum Camera::getFrustum() const {
+    return Frustum(getProjectionMatrix() * getViewMatrix());
 }
 
 Vector Camera::getProjectionParameters() const {

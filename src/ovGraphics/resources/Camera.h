@@ -8,6 +8,8 @@
 
 namespace ovGraphics {
 
+class Frustum;
+
 /// A camera. Left-handed: +x right, +y up, it looks along +z of its own space; angles in radians, distances
 /// in metres. New: at the origin, looking along +z, perspective of pi/3 vertically, aspect 1, near 0.1, far
 /// 1000.
@@ -58,6 +60,8 @@ public:
     /// View to clip as shaders of a language want it. GLSL: y flipped, depth -1 to 1. HLSL: as
     /// getProjectionMatrix().
     ovMaths::Matrix getProjectionMatrix(SHADER_LANGUAGE language) const;
+    /// The volume that the camera sees, in world space.
+    Frustum getFrustum() const;
     /// (A, B, near, far) with A = far / (far - near), B = -near / (far - near): for a depth d of a
     /// perspective, B / (d - A) = view z / far.
     ovMaths::Vector getProjectionParameters() const;

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
-#include <ovGraphics/scene/Frustum.h>
+#include <ovGraphics/resources/Frustum.h>
 
 namespace ovGraphics {
 

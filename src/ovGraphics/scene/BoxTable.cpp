@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
-#include <ovGraphics/scene/Frustum.h>
+#include <ovGraphics/resources/Frustum.h>
 
 namespace ovGraphics {
 

@@ -4,10 +4,10 @@
 #include <ovGraphics/System.h>
 #include <ovGraphics/device/Device.h>
 #include <ovGraphics/resources/Camera.h>
+#include <ovGraphics/resources/Frustum.h>
 #include <ovGraphics/resources/Program.h>
 #include <ovGraphics/resources/ProgramLibrary.h>
 #include <ovGraphics/resources/Shader.h>
-#include <ovGraphics/scene/Frustum.h>
 #include <ovGraphics/scene/Mesh.h>
 #include <ovGraphics/scene/Node.h>
 #include <ovGraphics/scene/RenderQueue.h>
@@ -280,8 +280,7 @@ void DrawList::_updateView(const Camera* camera, bool viewIsNew) {
     if (_touched.empty())
         return;
     const bool culling = camera && _settings.culling;
-    const Frustum frustum(culling ? camera->getProjectionMatrix() * camera->getViewMatrix()
-                                  : ovMaths::Matrix());
+    const Frustum frustum = culling ? camera->getFrustum() : Frustum();
     for (DrawGroup* group : _touched) {
         if (group->closeGaps())
             _renumber(*group, 0);

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 #include <limits>
+#include <ovGraphics/resources/Frustum.h>
 #include <ovGraphics/scene/BoundingBox.h>
-#include <ovGraphics/scene/Frustum.h>
 #include <ovMaths/MathConstants.h>
 
 using namespace ovGraphics;

@@ -1,8 +1,8 @@
 #include <array>
 #include <gtest/gtest.h>
 #include <limits>
+#include <ovGraphics/resources/Frustum.h>
 #include <ovGraphics/scene/BoxTable.h>
-#include <ovGraphics/scene/Frustum.h>
 #include <random>
 
 using namespace ovGraphics;

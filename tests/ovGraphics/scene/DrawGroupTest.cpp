@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 #include <limits>
+#include <ovGraphics/resources/Frustum.h>
 #include <ovGraphics/scene/DrawGroup.h>
-#include <ovGraphics/scene/Frustum.h>
 
 using namespace ovGraphics;
 using ovMaths::Matrix;

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
-#include <ovGraphics/scene/Frustum.h>
+#include <ovGraphics/System.h>
+#include <ovGraphics/resources/Camera.h>
+#include <ovGraphics/resources/Frustum.h>
 #include <ovMaths/MathConstants.h>
 
 using namespace ovGraphics;
@@ -8,10 +10,10 @@ using ovMaths::Vector;
 
 namespace {
 
-constexpr float FEW_ROUNDINGS = 1e-5f;
+constexpr float PLANE_ROUNDINGS = 1e-5f;
 
 void expectPlane(const Vector& plane, const Vector& expected, const char* name) {
-    EXPECT_LT((plane - expected).getLengthVec4(), FEW_ROUNDINGS) << name << ' ' << plane.toString();
+    EXPECT_LT((plane - expected).getLengthVec4(), PLANE_ROUNDINGS) << name << ' ' << plane.toString();
 }
 
 } // namespace
@@ -42,4 +44,18 @@ TEST(FrustumTest, movesWithTheCamera) {
     const float half = 0.70710678f;
     expectPlane(frustum.getPlane(0), {half, 0, -half, -10 * half}, "left");
     expectPlane(frustum.getPlane(1), {half, 0, half, -10 * half}, "right");
+}
+
+TEST(FrustumTest, ofACameraIsInWorldSpace) {
+    System system;
+    const auto camera = Camera::create(&system);
+    camera->setPosition({10, 0, 0});
+    camera->lookAt({1, 0, 0}, {0, 1, 0});
+    ASSERT_TRUE(camera->setOrthographic(4, 2, 1, 11));
+    const Frustum frustum = camera->getFrustum();
+    // Looking along +x with +y up, +z is to the left.
+    expectPlane(frustum.getPlane(0), {0, 0, -1, 2}, "left");
+    expectPlane(frustum.getPlane(2), {0, 1, 0, 1}, "bottom");
+    expectPlane(frustum.getPlane(4), {1, 0, 0, -11}, "near");
+    expectPlane(frustum.getPlane(5), {-1, 0, 0, 21}, "far");
 }

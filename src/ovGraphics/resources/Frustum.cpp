@@ -1,4 +1,4 @@
-#include <ovGraphics/scene/Frustum.h>
+#include <ovGraphics/resources/Frustum.h>
 
 #include <cmath>
 

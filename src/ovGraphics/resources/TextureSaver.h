@@ -1,0 +1,24 @@
+// Textures into picture files.
+#pragma once
+
+#include <ovCommon/Api.h>
+#include <ovMemory/Memory.h>
+
+namespace ovGraphics {
+
+class Texture;
+
+/// Writes what the device holds of textures to files.
+class OV_API TextureSaver {
+public:
+    /// Writes mip 0 of the first slice as a Radiance picture (.hdr), which holds three channels of high
+    /// dynamic range: gamma-corrected textures are decoded to light, one and two channels become grey, alpha
+    /// is dropped (see ovImages::HdrEncoder).
+    /// @param texture loaded, of a format that images can hold
+    /// @param path absolute, or relative to the process' current folder; UTF-8. The folder exists; a file of
+    ///        that name is replaced as a whole
+    /// @return false after one log line of the texture's system
+    static bool saveToHdr(Texture& texture, ovMemory::StringView path);
+};
+
+} // namespace ovGraphics
