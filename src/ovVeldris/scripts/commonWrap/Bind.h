@@ -4,6 +4,7 @@
 #include <functional>
 #include <initializer_list>
 #include <limits>
+#include <optional>
 #include <ovScripts/Environment.h>
 #include <ovVeldris/scripts/commonWrap/TypeNames.h>
 #include <stdexcept>
@@ -36,12 +37,23 @@ inline constexpr bool isText = std::is_same_v<Bare<T>, ovMemory::StringView> ||
 template <typename T>
 inline constexpr bool isPlain = std::is_arithmetic_v<Bare<T>> || std::is_enum_v<Bare<T>> || isText<T>;
 
+template <typename T>
+struct OptionalValue : std::false_type {
+    using Type = T;
+};
+template <typename T>
+struct OptionalValue<std::optional<T>> : std::true_type {
+    using Type = T;
+};
+
 /// What a function declares for an argument or a result of C++.
 template <typename T>
 constexpr ovScripts::FUNCTION_PARAMETER_TYPE parameterTypeOf() {
     using ovScripts::FUNCTION_PARAMETER_TYPE;
     if constexpr (std::is_void_v<T>)
         return FUNCTION_PARAMETER_TYPE::VOID;
+    else if constexpr (OptionalValue<Bare<T>>::value)
+        return parameterTypeOf<typename OptionalValue<Bare<T>>::Type>();
     else if constexpr (std::is_same_v<Bare<T>, bool>)
         return FUNCTION_PARAMETER_TYPE::BOOL;
     else if constexpr (std::is_integral_v<Bare<T>> || std::is_enum_v<Bare<T>>)
@@ -84,6 +96,8 @@ template <typename T>
 ovMemory::StringView typeNameOf() {
     if constexpr (std::is_void_v<T> || isPlain<T> || std::is_same_v<Bare<T>, ovScripts::FunctionParameter>)
         return {};
+    else if constexpr (OptionalValue<Bare<T>>::value)
+        return typeNameOf<typename OptionalValue<Bare<T>>::Type>();
     else
         return TYPE_NAME<typename ObjectOf<Bare<T>>::Type>;
 }
@@ -114,6 +128,10 @@ template <typename T>
 decltype(auto) fromScript(const ovScripts::FunctionParameter& argument, std::size_t position) {
     if constexpr (std::is_same_v<Bare<T>, ovScripts::FunctionParameter>)
         return (argument);
+    else if constexpr (OptionalValue<Bare<T>>::value)
+        return argument.isVoid()
+                   ? Bare<T>()
+                   : Bare<T>(fromScript<typename OptionalValue<Bare<T>>::Type>(argument, position));
     else if constexpr (std::is_same_v<Bare<T>, bool>)
         return argument.getValueAsBool();
     else if constexpr (std::is_enum_v<Bare<T>>)
@@ -131,12 +149,15 @@ decltype(auto) fromScript(const ovScripts::FunctionParameter& argument, std::siz
 }
 
 /// A result as scripts get it. Values and owning pointers are theirs. What plain pointers and references lead
-/// to is not; it keeps the object of the first argument alive, of which it may be a part.
+/// to is not; it keeps the object of the first argument alive, of which it may be a part. Without a value it
+/// is nil.
 template <typename T>
 ovScripts::FunctionParameter toScript(T&& value) {
     using Value = Bare<T>;
     if constexpr (std::is_same_v<Value, ovScripts::FunctionParameter>)
         return std::forward<T>(value);
+    else if constexpr (OptionalValue<Value>::value)
+        return value ? toScript(*std::forward<T>(value)) : ovScripts::FunctionParameter::VOID;
     else if constexpr (std::is_enum_v<Value>)
         return static_cast<int64_t>(value);
     else if constexpr (isPlain<T>)
@@ -167,6 +188,9 @@ Signature<R, C&, P...> signatureOf(R (C::*)(P...) const);
 template <typename R, typename C, typename... P>
 Signature<R, P...> signatureOfCall(R (C::*)(P...) const);
 
+template <typename Self, typename R, typename C, typename... P>
+Signature<R, Self&, P...> withSelf(Signature<R, C&, P...>);
+
 /// A signature by a function pointer, a member function pointer or a lambda.
 template <typename F>
 auto deduceSignature() {
@@ -191,12 +215,17 @@ template <typename... P>
 void declareParameters(ovScripts::Function& function, std::size_t declared, ArgumentNames names) {
     const auto* name = names.begin();
     std::size_t position = 0;
-    [[maybe_unused]] const auto declare = [&](ovScripts::FUNCTION_PARAMETER_TYPE type, ovMemory::StringView typeName) {
+    [[maybe_unused]] const auto declare = [&](ovScripts::FUNCTION_PARAMETER_TYPE type,
+                                              ovMemory::StringView typeName, bool isOptional) {
         if (position++ < declared)
             return;
-        function.addParameter(type, typeName, name == names.end() ? ovMemory::StringView() : *name++);
+        const ovMemory::StringView given = name == names.end() ? ovMemory::StringView() : *name++;
+        if (isOptional)
+            function.addOptionalParameter(type, typeName, given);
+        else
+            function.addParameter(type, typeName, given);
     };
-    (declare(parameterTypeOf<P>(), typeNameOf<P>()), ...);
+    (declare(parameterTypeOf<P>(), typeNameOf<P>(), OptionalValue<Bare<P>>::value), ...);
 }
 
 template <typename F, typename R, typename... P>
@@ -224,6 +253,15 @@ template <typename F>
 ovScripts::Function& method(ovScripts::UserType& type, ovMemory::StringView name, F callable,
                             ArgumentNames names = {}, ovMemory::StringView help = {}) {
     return bind(*type.addMethod(name), callable, names, help);
+}
+
+/// A method of a base class: its object is a T. An object of a script is known by its own type alone.
+template <typename T, typename F>
+ovScripts::Function& methodOf(ovScripts::UserType& type, ovMemory::StringView name, F callable,
+                              ArgumentNames names = {}, ovMemory::StringView help = {}) {
+    ovScripts::Function& function = *type.addMethod(name);
+    bindSignature(function, callable, names, decltype(withSelf<T>(deduceSignature<F>())){});
+    return function.setHelp(help);
 }
 
 template <typename F>
@@ -271,6 +309,32 @@ ovScripts::UserType::Member* readOnlyField(ovScripts::UserType& type, ovMemory::
     return type.addMemberVariable(
         name, parameterTypeOf<T>(), typeNameOf<T>(),
         [member](void* object) { return toScript(static_cast<C*>(object)->*member); }, nullptr);
+}
+
+/// A member variable that functions of the object read and set.
+/// @param getter, setter callables on a C&; the setter's value is of the getter's type
+template <typename C, typename Getter, typename Setter>
+ovScripts::UserType::Member* property(ovScripts::UserType& type, ovMemory::StringView name, Getter getter,
+                                      Setter setter) {
+    using Value = std::invoke_result_t<Getter, C&>;
+    return type.addMemberVariable(
+        name, parameterTypeOf<Value>(), typeNameOf<Value>(),
+        [getter](void* object) { return toScript<Value>(std::invoke(getter, *static_cast<C*>(object))); },
+        [setter](void* object, const ovScripts::FunctionParameter& value) {
+            std::invoke(setter, *static_cast<C*>(object), fromScript<Value>(value, 0));
+            return ovScripts::FunctionParameter::VOID;
+        });
+}
+
+/// The same, only to be read.
+template <typename C, typename Getter>
+ovScripts::UserType::Member* readOnlyProperty(ovScripts::UserType& type, ovMemory::StringView name,
+                                              Getter getter) {
+    using Value = std::invoke_result_t<Getter, C&>;
+    return type.addMemberVariable(
+        name, parameterTypeOf<Value>(), typeNameOf<Value>(),
+        [getter](void* object) { return toScript<Value>(std::invoke(getter, *static_cast<C*>(object))); },
+        nullptr);
 }
 
 } // namespace ovCommonWrap
