@@ -136,15 +136,32 @@ bool pushMember(lua_State* lua, const UserType& type, const ovMemory::String& na
     return true;
 }
 
+// What the code of a member gives; an error for what it throws, which must not pass through the interpreter.
+template <typename Body>
+FunctionParameter runMember(lua_State* lua, const Body& body) {
+    const LuaState::Running running(LuaState::of(lua), lua);
+    try {
+        return body();
+    } catch (const std::bad_alloc&) {
+        return FunctionParameter::error("not enough memory");
+    } catch (const std::exception& error) {
+        return FunctionParameter::error(error.what());
+    }
+}
+
 // @return 1 with the value, 0 without such a member, -1 with a message
 int readNamedMember(lua_State* lua, const UserType& type, void* object) {
     const UserType::NamedGetter& getter = UserDataAccess::namedGetterOf(type);
     if (!getter || lua_type(lua, 2) != LUA_TSTRING)
         return 0;
-    FunctionParameter value;
     const ovMemory::String name = lua_tostring(lua, 2);
-    const LuaState::Running running(LuaState::of(lua), lua);
-    if (!getter(object, name, value))
+    bool isThere = true;
+    FunctionParameter value = runMember(lua, [&] {
+        FunctionParameter given;
+        isThere = getter(object, name, given);
+        return given;
+    });
+    if (!isThere)
         return 0;
     return pushMember(lua, type, name, value) ? 1 : -1;
 }
@@ -154,8 +171,7 @@ bool readDeclaredMember(lua_State* lua, const UserType& type, const UserType::Me
         pushText(lua, type.getFullName() + '.' + member.name + " can be set, not read");
         return false;
     }
-    const LuaState::Running running(LuaState::of(lua), lua);
-    FunctionParameter value = member.getter(object);
+    FunctionParameter value = runMember(lua, [&] { return member.getter(object); });
     return pushMember(lua, type, member.name, value);
 }
 
@@ -177,8 +193,7 @@ bool writeDeclaredMember(lua_State* lua, const UserType& type, const UserType::M
                           ParameterAccess::describe(lua, 3, member.value));
         return false;
     }
-    const LuaState::Running running(LuaState::of(lua), lua);
-    const FunctionParameter result = member.setter(object, value);
+    const FunctionParameter result = runMember(lua, [&] { return member.setter(object, value); });
     if (result.isError())
         pushText(lua, name + ": " + ovMemory::String(result.getValueAsString()));
     return !result.isError();
@@ -191,10 +206,14 @@ int writeNamedMember(lua_State* lua, const UserType& type, void* object) {
         return 0;
     const ovMemory::String name = lua_tostring(lua, 2);
     FunctionParameter value;
-    FunctionParameter result;
     ParameterAccess::readAny(lua, 3, value);
-    const LuaState::Running running(LuaState::of(lua), lua);
-    if (!setter(object, name, value, result))
+    bool isThere = true;
+    const FunctionParameter result = runMember(lua, [&] {
+        FunctionParameter given;
+        isThere = setter(object, name, value, given);
+        return given;
+    });
+    if (!isThere)
         return 0;
     if (!result.isError())
         return 1;
