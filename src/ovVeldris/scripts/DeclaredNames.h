@@ -85,6 +85,23 @@ inline constexpr DeclaredName DECLARED_NAMES[] = {
     {"std", true},
     {"std.array_float_4"},
     {"std.array_array_float_4_4"},
+    {"ovGraphics.RESOURCE_LOAD_STATE", true},
+    {"ovGraphics.FORMAT", true},
+    {"ovGraphics.TEXTURE_TYPE", true},
+    {"ovGraphics.FILTER", true},
+    {"ovGraphics.TEXTURE_ADDRESS", true},
+    {"ovGraphics.GLTF_WORKFLOW", true},
+    {"ovGraphics.GLTF_ALPHA_MODE", true},
+    {"ovGraphics.GltfDecodeResult"},
+    {"ovGraphics.GltfScene"},
+    {"ovGraphics.GltfMesh"},
+    {"ovGraphics.GltfPrimitive"},
+    {"ovGraphics.GltfMaterial"},
+    {"ovGraphics.GltfTexture"},
+    {"ovGraphics.GltfImage"},
+    {"ovGraphics.GltfNode"},
+    {"ovGraphics.GltfCamera"},
+    {"ovGraphics.GltfDirectionalLight"},
 };
 
 } // namespace ovVeldris

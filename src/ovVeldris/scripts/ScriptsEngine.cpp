@@ -7,6 +7,7 @@
 #include <ovVeldris/scripts/exportWrap/ExporterLoadResultWrapper.h>
 #include <ovVeldris/scripts/exportWrap/JsonExporterWrapper.h>
 #include <ovVeldris/scripts/exportWrap/NodeWrapper.h>
+#include <ovVeldris/scripts/graphicsWrap/GraphicsWrappers.h>
 #include <ovVeldris/scripts/imagesWrap/CompositeEncoderWrapper.h>
 #include <ovVeldris/scripts/imagesWrap/ImageViewWrapper.h>
 #include <ovVeldris/scripts/imagesWrap/ImageWrapper.h>
@@ -122,6 +123,7 @@ void ScriptsEngine::setupScriptsEnvironment(ovScripts::Environment* environment,
     declareNames(*environment);
     ovVeldrisWrap::LogWrapper::updateEnvironment(environment, logManager);
     bindExport(environment);
+    ovGraphicsWrap::updateGraphics(environment);
     bindImages(environment);
     bindMaths(environment);
     bindMemory(environment);

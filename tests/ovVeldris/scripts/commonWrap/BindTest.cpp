@@ -86,8 +86,7 @@ TEST_F(BindTest, methodsOfABaseClassFindTheirPartOfTheObject) {
 TEST_F(BindTest, propertiesAreReadAndSetByFunctions) {
     EXPECT_EQ(evaluate("local t = test.Thing() t.color = 1 return t.color"), "1");
     EXPECT_EQ(evaluate("return test.Thing().number"), "7");
-    EXPECT_EQ(evaluate("test.Thing().number = 1"),
-              "error: test:1: test.Thing.number can be read, not set");
+    EXPECT_EQ(evaluate("test.Thing().number = 1"), "error: test:1: test.Thing.number can be read, not set");
     EXPECT_EQ(evaluate("test.Thing().color = 'RED'"),
               "error: test:1: test.Thing.color expected integer, got string");
 }
