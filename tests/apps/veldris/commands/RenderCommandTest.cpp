@@ -153,8 +153,8 @@ TEST_F(RenderCommandTest, aBackgroundIsDrawnExactlyAsGiven) {
                 const String output = _folder.getPath(name);
                 const Outcome outcome =
                     runVeldris({"render", model, "-o", output, "--size", "40x20", "--device", "software",
-                                "--no-cache", "--background", "0.25,0.5,1", "--environment", environment,
-                                "--effects", effects, "--camera", "0,0"});
+                                "--cache", _folder.getPath("cache"), "--background", "0.25,0.5,1",
+                                "--environment", environment, "--effects", effects, "--camera", "0,0"});
                 ASSERT_EQ(outcome.status, 0) << outcome.error;
                 const std::array<float, 4> corner = pixelOf(output, 1, 1);
                 for (unsigned int i = 0; i < 3; ++i)
@@ -171,8 +171,9 @@ TEST_F(RenderCommandTest, aTransparentBackgroundIsAlpha) {
     const String output = _folder.getPath("o.png");
     const String opaque = _folder.getPath("opaque.png");
     const auto draw = [&](const String& path, const char* background) {
-        return runVeldris({"render", model, "-o", path, "--size", "37x21", "--device", "software",
-                           "--no-cache", "--background", background, "--camera", "10,0", "--samples", "16"});
+        return runVeldris({"render", model, "-o", path, "--size", "37x21", "--device", "software", "--cache",
+                           _folder.getPath("cache"), "--background", background, "--camera", "10,0",
+                           "--samples", "16"});
     };
     ASSERT_EQ(draw(output, "transparent").status, 0);
     ASSERT_EQ(draw(opaque, "1,0,0").status, 0);
@@ -208,9 +209,10 @@ TEST_F(RenderCommandTest, theFirstPictureStandsOnAGroundThatCatchesItsShadow) {
     const String model = writeQuad(_folder, R"(, "doubleSided": true)");
     const auto draw = [&](const char* name, const ovMemory::Buffer<String>& more) {
         const String output = _folder.getPath(name);
-        ovMemory::Buffer<String> arguments = {"render",   model,      "-o",       output,       "--size",
-                                              "48x48",    "--device", "software", "--no-cache", "--camera",
-                                              "0,40,0.5", "--light",  "1,-1,-1"};
+        ovMemory::Buffer<String> arguments = {
+            "render",   model,      "-o",       output,    "--size",
+            "48x48",    "--device", "software", "--cache", _folder.getPath("cache"),
+            "--camera", "0,40,0.5", "--light",  "1,-1,-1"};
         arguments.insert(arguments.end(), more.begin(), more.end());
         EXPECT_EQ(runVeldris(arguments).status, 0);
         return output;
