@@ -147,7 +147,7 @@ void UserType::_lookMembersUp() {
 Function* UserType::addOperator(USER_TYPE_OPERATOR kind) {
     ovMemory::UniquePtr<Function>& function = _operators[kind];
     const ovMemory::StringView field = OPERATOR_FIELDS[static_cast<unsigned int>(kind)];
-    function = _newFunction(field);
+    function = _newFunction(field.substr(2));
     _environment->getState()->protect([&](lua_State* lua) {
         lua_rawgeti(lua, LUA_REGISTRYINDEX, _metatable);
         detail::setFunctionField(lua, field, &detail::callFunction, function.get());

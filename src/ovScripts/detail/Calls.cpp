@@ -62,25 +62,32 @@ void explainArgument(lua_State* lua, const Function& function, std::size_t argum
     pushText(lua, text + " expected " + expectationOf(declared) + ", got " + got);
 }
 
-// Runs the body and puts what it gives on the stack. @return false with the message there
-bool runBody(lua_State* lua, const Function& function, ovMemory::BufferView<FunctionParameter> arguments) {
-    ovMemory::String message;
+// Runs a body of C++. What it throws is an error; what the interpreter throws is no exception of the
+// standard's and passes.
+template <typename Body>
+FunctionParameter guarded(lua_State* lua, Body&& body) {
     try {
         const LuaState::Running running(LuaState::of(lua), lua);
-        const FunctionParameter result = function.getFunction()(arguments);
-        if (!result.isError()) {
-            // What the interpreter itself throws is no exception of the standard's and passes.
-            ParameterAccess::push(lua, result);
-            return true;
-        }
-        message = result.getValueAsString();
+        return body();
     } catch (const std::bad_alloc&) {
-        message = "not enough memory";
+        return FunctionParameter::error("not enough memory");
     } catch (const std::exception& error) {
-        message = error.what();
+        return FunctionParameter::error(error.what());
     }
-    pushText(lua, function.getFullName() + ": " + message);
-    return false;
+}
+
+void pushError(lua_State* lua, const ovMemory::String& name, const FunctionParameter& error) {
+    pushText(lua, name + ": " + ovMemory::String(error.getValueAsString()));
+}
+
+// Runs the body and puts what it gives on the stack. @return false with the message there
+bool runBody(lua_State* lua, const Function& function, ovMemory::BufferView<FunctionParameter> arguments) {
+    const FunctionParameter result = guarded(lua, [&] { return function.getFunction()(arguments); });
+    if (result.isError())
+        pushError(lua, function.getFullName(), result);
+    else
+        ParameterAccess::push(lua, result);
+    return !result.isError();
 }
 
 // Checks the arguments from a position of the stack on and runs the body. @return as runBody()
@@ -104,12 +111,9 @@ UserData& objectOfMember(lua_State* lua, const UserType& type) {
         lua_pushfstring(lua, "%s expected, got %s", type.getFullName().c_str(), luaL_typename(lua, 1));
         raise(lua);
     }
-    if (data->isHeld) {
-        const ovMemory::String obstacle = UserDataAccess::getObstacle(*data);
-        if (!obstacle.empty()) {
-            pushText(lua, obstacle);
-            raise(lua);
-        }
+    if (!UserDataAccess::isUsable(*data)) {
+        pushText(lua, UserDataAccess::getObstacle(*data));
+        raise(lua);
     }
     return *data;
 }
@@ -123,30 +127,20 @@ const UserType::Member* findMember(lua_State* lua) {
     return member;
 }
 
+ovMemory::String nameOfMember(const UserType& type, const ovMemory::String& name) {
+    return type.getFullName() + '.' + name;
+}
+
 // Puts the value or the message on the stack. @return whether it is the value
-bool pushMember(lua_State* lua, const UserType& type, const ovMemory::String& name,
-                FunctionParameter& value) {
+bool pushMember(lua_State* lua, const UserType& type, const ovMemory::String& name, FunctionParameter value) {
     if (value.isError()) {
-        pushText(lua, type.getFullName() + '.' + name + ": " + ovMemory::String(value.getValueAsString()));
+        pushError(lua, nameOfMember(type, name), value);
         return false;
     }
     if (value.getType() == FUNCTION_PARAMETER_TYPE::USER_DATA && !value.isOwnershipForwarded())
         value = std::move(value).keeping(0); // a part of the object
     ParameterAccess::push(lua, value);
     return true;
-}
-
-// What the code of a member gives; an error for what it throws, which must not pass through the interpreter.
-template <typename Body>
-FunctionParameter runMember(lua_State* lua, const Body& body) {
-    const LuaState::Running running(LuaState::of(lua), lua);
-    try {
-        return body();
-    } catch (const std::bad_alloc&) {
-        return FunctionParameter::error("not enough memory");
-    } catch (const std::exception& error) {
-        return FunctionParameter::error(error.what());
-    }
 }
 
 // @return 1 with the value, 0 without such a member, -1 with a message
@@ -156,23 +150,22 @@ int readNamedMember(lua_State* lua, const UserType& type, void* object) {
         return 0;
     const ovMemory::String name = lua_tostring(lua, 2);
     bool isThere = true;
-    FunctionParameter value = runMember(lua, [&] {
-        FunctionParameter given;
-        isThere = getter(object, name, given);
-        return given;
+    FunctionParameter value = guarded(lua, [&] {
+        FunctionParameter read;
+        isThere = getter(object, name, read);
+        return read;
     });
     if (!isThere)
         return 0;
-    return pushMember(lua, type, name, value) ? 1 : -1;
+    return pushMember(lua, type, name, std::move(value)) ? 1 : -1;
 }
 
 bool readDeclaredMember(lua_State* lua, const UserType& type, const UserType::Member& member, void* object) {
     if (!member.getter) {
-        pushText(lua, type.getFullName() + '.' + member.name + " can be set, not read");
+        pushText(lua, nameOfMember(type, member.name) + " can be set, not read");
         return false;
     }
-    FunctionParameter value = runMember(lua, [&] { return member.getter(object); });
-    return pushMember(lua, type, member.name, value);
+    return pushMember(lua, type, member.name, guarded(lua, [&] { return member.getter(object); }));
 }
 
 void pushUnknownMember(lua_State* lua, const UserType& type) {
@@ -182,20 +175,19 @@ void pushUnknownMember(lua_State* lua, const UserType& type) {
 
 // @return whether it was set; else the message is on the stack
 bool writeDeclaredMember(lua_State* lua, const UserType& type, const UserType::Member& member, void* object) {
-    const ovMemory::String name = type.getFullName() + '.' + member.name;
     if (!member.setter) {
-        pushText(lua, name + " can be read, not set");
+        pushText(lua, nameOfMember(type, member.name) + " can be read, not set");
         return false;
     }
     FunctionParameter value;
     if (!ParameterAccess::read(lua, 3, member.value, value)) {
-        pushText(lua, name + " expected " + expectationOf(member.value) + ", got " +
-                          ParameterAccess::describe(lua, 3, member.value));
+        pushText(lua, nameOfMember(type, member.name) + " expected " + expectationOf(member.value) +
+                          ", got " + ParameterAccess::describe(lua, 3, member.value));
         return false;
     }
-    const FunctionParameter result = runMember(lua, [&] { return member.setter(object, value); });
+    const FunctionParameter result = guarded(lua, [&] { return member.setter(object, value); });
     if (result.isError())
-        pushText(lua, name + ": " + ovMemory::String(result.getValueAsString()));
+        pushError(lua, nameOfMember(type, member.name), result);
     return !result.isError();
 }
 
@@ -208,16 +200,16 @@ int writeNamedMember(lua_State* lua, const UserType& type, void* object) {
     FunctionParameter value;
     ParameterAccess::readAny(lua, 3, value);
     bool isThere = true;
-    const FunctionParameter result = runMember(lua, [&] {
-        FunctionParameter given;
-        isThere = setter(object, name, value, given);
-        return given;
+    const FunctionParameter result = guarded(lua, [&] {
+        FunctionParameter written;
+        isThere = setter(object, name, value, written);
+        return written;
     });
     if (!isThere)
         return 0;
     if (!result.isError())
         return 1;
-    pushText(lua, type.getFullName() + '.' + name + ": " + ovMemory::String(result.getValueAsString()));
+    pushError(lua, nameOfMember(type, name), result);
     return -1;
 }
 

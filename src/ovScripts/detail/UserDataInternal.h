@@ -39,7 +39,14 @@ public:
 
     /// The user data at a position of the stack; null when there is none of this library.
     static UserData* at(lua_State* lua, int position);
-    /// Why an object cannot be used now; empty when it can.
+    /// Whether the object can be used now.
+    static bool isUsable(const UserData& data) {
+        if (!data.isHeld)
+            return true;
+        const auto& held = static_cast<const HeldObject&>(data);
+        return held.object && !held.isForeign && (!held.isTracked || held.life);
+    }
+    /// Why it cannot be used now; empty when it can.
     static ovMemory::String getObstacle(const UserData& data);
 
     /// Why an object cannot be handed to another environment; empty when it can.

@@ -129,11 +129,8 @@ bool ParameterAccess::_readUserData(lua_State* lua, int position, const Function
     const UserData* data = UserDataAccess::at(lua, position);
     if (!data || !isOfType(*data, declared))
         return false;
-    // Only held objects can have an obstacle; values are read straight away. Without a type's name an object
-    // is only passed on, which foreign ones allow.
-    if (data->isHeld && !declared.typeName.empty() && !UserDataAccess::getObstacle(*data).empty())
-        return false;
-    if (data->isHeld && declared.typeName.empty() && UserDataAccess::isGone(*data))
+    // Without a type's name an object is only passed on, which foreign ones allow.
+    if (declared.typeName.empty() ? UserDataAccess::isGone(*data) : !UserDataAccess::isUsable(*data))
         return false;
     value._type = FUNCTION_PARAMETER_TYPE::USER_DATA;
     value._value.object = data->object;

@@ -152,6 +152,15 @@ TEST(CallsTest, whatABodyThrowsIsAnError) {
     EXPECT_EQ(evaluate(*environment, "fail()"), "error: test:1: fail: broken");
     EXPECT_EQ(evaluate(*environment, "exhaust()"), "error: test:1: exhaust: not enough memory");
     EXPECT_EQ(evaluate(*environment, "return pcall(fail)"), "false");
+    UserType* type = environment->setUserType("Fragile");
+    type->setConstructor([](Arguments) -> void* { return new Box; });
+    type->setDestructor([](void* box) { delete static_cast<Box*>(box); });
+    type->addMemberVariable(
+        "value", FUNCTION_PARAMETER_TYPE::INT, {},
+        [](void*) -> FunctionParameter { throw std::runtime_error("not read"); },
+        [](void*, const FunctionParameter&) -> FunctionParameter { throw std::runtime_error("not set"); });
+    EXPECT_EQ(evaluate(*environment, "return Fragile().value"), "error: test:1: Fragile.value: not read");
+    EXPECT_EQ(evaluate(*environment, "Fragile().value = 1"), "error: test:1: Fragile.value: not set");
     EXPECT_EQ(evaluate(*environment, "return 1"), "1");
 }
 
@@ -255,7 +264,7 @@ TEST(CallsTest, tenThousandRandomCallsEnd) {
         environment->setFunc("f" + std::to_string(static_cast<int>(type)))
             ->addParameter(type)
             .addParameter(type);
-    const char* callees[] = {"f2",           "f5",    "engine.Box",        "box.take", "box.offer",
+    const char* callees[] = {"f2",           "f5",     "engine.Box",        "box.take", "box.offer",
                              "engine.Other", "select", "engine.Box().take", "tostring", "getmetatable"};
     const char* values[] = {"nil",   "1",    "-1.5",    "'x'", "{}", "box", "engine.Other()",
                             "print", "true", "box.take"};
