@@ -84,6 +84,10 @@ void Environment::restartLimits() {
         _lua->restartLimits();
 }
 
+void Environment::interrupt() {
+    _isInterrupted = true;
+}
+
 void Environment::setWarningReceiver(std::function<void(ovMemory::StringView)> receiver) {
     _warningReceiver = std::move(receiver);
 }

@@ -1,6 +1,7 @@
 // The world of a script: an interpreter and what it was given.
 #pragma once
 
+#include <atomic>
 #include <ovScripts/EnvironmentOptions.h>
 #include <ovScripts/ExecutionResult.h>
 #include <ovScripts/Namespace.h>
@@ -36,6 +37,9 @@ public:
     const EnvironmentOptions& getOptions() const { return _options; }
     /// Time and steps count from now on.
     void restartLimits();
+    /// Ends the script that runs, and each later one, as if a limit were reached; from any thread. Heeded by
+    /// the environments of workers and by those with a limit of time or steps.
+    void interrupt();
     /// Where the interpreter's own warnings go, as that of an error in a finaliser.
     void setWarningReceiver(std::function<void(ovMemory::StringView)> receiver);
 
@@ -118,6 +122,7 @@ private:
               ovMemory::BufferView<FunctionParameter> results);
 
     EnvironmentOptions _options;
+    std::atomic<bool> _isInterrupted = false;
     ExecutionResult _result;
     ovMemory::Buffer<ovMemory::UniquePtr<Namespace>> _namespaces;
     ovMemory::Buffer<ovMemory::UniquePtr<UserType>> _userTypes;

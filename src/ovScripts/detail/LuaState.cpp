@@ -13,8 +13,9 @@ constexpr int STEPS_BETWEEN_LOOKS = 1000;
 // calls no handler of the script.
 constexpr std::size_t REFUSED_BLOCK = std::size_t(1) << 40;
 
-bool hasTimeOrStepLimit(const EnvironmentOptions& options) {
-    return options.stepLimit > 0 || options.timeLimit > 0;
+// Somebody destroys the thread of a worker some day, whatever its script does by then.
+bool mayHaveToEnd(const EnvironmentOptions& options) {
+    return options.stepLimit > 0 || options.timeLimit > 0 || options.isWorker;
 }
 
 } // namespace
@@ -73,7 +74,7 @@ void LuaState::restartLimits() {
     _deadline =
         std::chrono::steady_clock::now() + std::chrono::duration_cast<std::chrono::steady_clock::duration>(
                                                std::chrono::duration<double>(options.timeLimit));
-    if (hasTimeOrStepLimit(options))
+    if (mayHaveToEnd(options))
         lua_sethook(_lua, &_lookAtLimits, LUA_MASKCOUNT, STEPS_BETWEEN_LOOKS);
 }
 
@@ -85,15 +86,16 @@ void LuaState::_lookAtLimits(lua_State* lua, lua_Debug*) {
     state._steps += state._isLimitReached ? 1 : STEPS_BETWEEN_LOOKS;
     const bool areStepsUsed = options.stepLimit > 0 && state._steps >= options.stepLimit;
     const bool isTimeUsed = options.timeLimit > 0 && std::chrono::steady_clock::now() >= state._deadline;
-    if (!areStepsUsed && !isTimeUsed && !state._isLimitReached)
+    const bool isInterrupted = state._environment._isInterrupted;
+    if (!areStepsUsed && !isTimeUsed && !isInterrupted && !state._isLimitReached)
         return;
     if (!state._isLimitReached)
-        state._explainLimit(lua, areStepsUsed);
+        state._explainLimit(lua, areStepsUsed, isTimeUsed);
     lua_sethook(lua, &_lookAtLimits, LUA_MASKCOUNT, 1);
     lua_newuserdatauv(lua, REFUSED_BLOCK, 0);
 }
 
-void LuaState::_explainLimit(lua_State* lua, bool areStepsUsed) {
+void LuaState::_explainLimit(lua_State* lua, bool areStepsUsed, bool isTimeUsed) {
     _isLimitReached = true;
     luaL_where(lua, 0);
     _limitError = lua_tostring(lua, -1);
@@ -101,9 +103,11 @@ void LuaState::_explainLimit(lua_State* lua, bool areStepsUsed) {
     if (areStepsUsed)
         lua_pushfstring(lua, "the limit of %I steps is reached",
                         static_cast<LUAI_UACINT>(_environment.getOptions().stepLimit));
-    else
+    else if (isTimeUsed)
         lua_pushfstring(lua, "the time limit of %f s is reached",
                         static_cast<LUAI_UACNUMBER>(_environment.getOptions().timeLimit));
+    else
+        lua_pushliteral(lua, "the script was interrupted");
     _limitError += lua_tostring(lua, -1);
     lua_pop(lua, 1);
     _keepPlace(lua, 0);

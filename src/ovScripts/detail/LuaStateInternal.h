@@ -69,7 +69,7 @@ private:
     static void* _allocate(void* self, void* block, std::size_t oldSize, std::size_t newSize);
     static void _lookAtLimits(lua_State* lua, lua_Debug* activation);
     static int _explainError(lua_State* lua);
-    void _explainLimit(lua_State* lua, bool areStepsUsed);
+    void _explainLimit(lua_State* lua, bool areStepsUsed, bool isTimeUsed);
     void _keepPlace(lua_State* lua, int level);
     static void _warn(void* self, const char* text, int isContinued);
 

@@ -1,4 +1,5 @@
 #include <support/Lua.h>
+#include <thread>
 
 namespace {
 
@@ -49,6 +50,14 @@ TEST(LuaStateTest, endlessScriptsEndByTheirTime) {
     EXPECT_EQ(environment->getLastExecutionResult().failureType, EXECUTION_FAILURE_TYPE::LIMIT_REACHED);
     environment->restartLimits();
     EXPECT_EQ(evaluate(*environment, "return 1"), "1");
+}
+
+TEST(LuaStateTest, anotherThreadEndsAScript) {
+    const auto environment = luaEnvironment({.isWorker = true});
+    std::thread other([&] { environment->interrupt(); });
+    EXPECT_EQ(evaluate(*environment, "while true do end"), "error: test:1: the script was interrupted");
+    other.join();
+    EXPECT_EQ(environment->getLastExecutionResult().failureType, EXECUTION_FAILURE_TYPE::LIMIT_REACHED);
 }
 
 TEST(LuaStateTest, endlessRecursionIsAnError) {
