@@ -96,6 +96,7 @@ void addCommands(CLI::App& program, Command& command) {
     addInfoCommand(program, command);
     addManualCommand(program, command);
     addMaterialsCommand(program, command);
+    addProjectCommand(program, command);
     addRenderCommand(program, command);
     addSamplesCommand(program, command);
     addShadersCommand(program, command);

@@ -28,6 +28,7 @@ void addHelpCommand(CLI::App& program, Command& command);
 void addInfoCommand(CLI::App& program, Command& command);
 void addManualCommand(CLI::App& program, Command& command);
 void addMaterialsCommand(CLI::App& program, Command& command);
+void addProjectCommand(CLI::App& program, Command& command);
 void addRenderCommand(CLI::App& program, Command& command);
 void addSamplesCommand(CLI::App& program, Command& command);
 void addShadersCommand(CLI::App& program, Command& command);

@@ -7,7 +7,7 @@ namespace {
 using ovMemory::String;
 
 const String ALL =
-    "apply, bake, check, completion, demo, help, info, manual, materials, render, samples, shaders, sky";
+    "apply, bake, check, completion, demo, help, info, manual, materials, project, render, samples, shaders, sky";
 
 TEST(UsageMistakesTest, theMistypedNameIsToldWithTheNearest) {
     const struct {
