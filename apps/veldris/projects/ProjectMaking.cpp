@@ -14,6 +14,7 @@
 #include <veldris/Session.h>
 #include <veldris/bake/EnvironmentInput.h>
 #include <veldris/projects/ProjectSubject.h>
+#include <veldris/projects/SettingOptions.h>
 
 namespace veldris {
 
