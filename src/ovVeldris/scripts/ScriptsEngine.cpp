@@ -25,6 +25,10 @@
 #include <ovVeldris/scripts/scriptsWrap/InterpreterWrapper.h>
 #include <ovVeldris/scripts/scriptsWrap/ScriptWrapper.h>
 #include <ovVeldris/scripts/stdWrap/ArrayWrapper.h>
+#include <ovVeldris/scripts/tasksWrap/SchedulerTaskWrapper.h>
+#include <ovVeldris/scripts/tasksWrap/SchedulerWrapper.h>
+#include <ovVeldris/scripts/tasksWrap/ThreadSubmittedWorkWrapper.h>
+#include <ovVeldris/scripts/tasksWrap/ThreadWrapper.h>
 #include <ovVeldris/scripts/veldrisWrap/LogWrapper.h>
 
 namespace ovVeldris {
@@ -88,6 +92,14 @@ void bindScripts(ovScripts::Environment* environment) {
     ScriptWrapper::updateEnvironment(environment);
 }
 
+void bindTasks(ovScripts::Environment* environment, LogManager* logManager) {
+    using namespace ovTasksWrap;
+    SchedulerTaskWrapper::updateEnvironment(environment, logManager);
+    ThreadWrapper::updateEnvironment(environment, logManager);
+    SchedulerWrapper::updateEnvironment(environment, logManager);
+    ThreadSubmittedWorkWrapper::updateEnvironment(environment);
+}
+
 void bindArrays(ovScripts::Environment* environment) {
     stdWrap::ArrayWrapper<float, 4>::updateEnvironment(environment);
     stdWrap::ArrayWrapper<std::array<float, 4>, 4>::updateEnvironment(environment);
@@ -129,6 +141,7 @@ void ScriptsEngine::setupScriptsEnvironment(ovScripts::Environment* environment,
     bindMemory(environment);
     ovResourcesWrap::ResourceManagerWrapper::updateEnvironment(environment);
     bindScripts(environment);
+    bindTasks(environment, logManager);
     bindArrays(environment);
 }
 

@@ -8,8 +8,8 @@
 namespace luaTest {
 
 struct Case {
-    ovMemory::StringView text;     ///< as a function's body
-    ovMemory::StringView expected; ///< what tostring() gives of its result, or the error
+    ovMemory::String text;     ///< as a function's body
+    ovMemory::String expected; ///< what tostring() gives of its result, or the error
 };
 
 /// Evaluates each text in an environment of its own kind, all in one.
