@@ -10,23 +10,6 @@ class JsonExporter;
 class Node;
 } // namespace ovExport
 
-namespace ovGraphics {
-class BoundingBox;
-class Camera;
-class Compositor;
-class CompositorNode;
-class Entity;
-class Frustum;
-class Mesh;
-class Node;
-class Program;
-class RenderContext;
-class RenderQueue;
-class Shader;
-class Texture;
-class Viewport;
-} // namespace ovGraphics
-
 namespace ovImages {
 class Image;
 struct ImageView;

@@ -6,6 +6,10 @@
 #include <ovVeldris/scripts/commonWrap/MaybeSingletonClassWrapper.h>
 
 namespace ovGraphics {
+class BoundingBox;
+class CompositorNode;
+class Entity;
+class Frustum;
 class GltfEncoder;
 class TextureSaver;
 class TextureUtils;

@@ -96,9 +96,9 @@ TEST(MatrixWrapperTest, operatorsFollowTheirFormulas) {
             {"a == M.newMat2(1, 2, 3, 4)", "true"},
             {"a == b", "false"},
             {"a == V()", "false"},
-            {"a * 2", "error: test:4: ovMaths.Matrix.__mul: expected an ovMaths.Matrix or an "
+            {"a * 2", "error: test:4: ovMaths.Matrix.mul: expected an ovMaths.Matrix or an "
                       "ovMaths.Vector behind the *"},
-            {"a + V()", "error: test:4: ovMaths.Matrix.__add: argument 2 expected ovMaths.Matrix, "
+            {"a + V()", "error: test:4: ovMaths.Matrix.add: argument 2 expected ovMaths.Matrix, "
                         "got ovMaths.Vector"},
         });
 }

@@ -49,11 +49,11 @@ TEST(VectorWrapperTest, operatorsWorkElementByElement) {
         {"a ~= ovMaths.Vector(6, -8, 1, 0.5)", "false"},
         {"a == ovMaths.Matrix()", "false"},
         {"a == 6", "false"},
-        {"a * 'b'", "error: test:1: ovMaths.Vector.__mul: expected two ovMaths.Vector, or one and a number"},
+        {"a * 'b'", "error: test:1: ovMaths.Vector.mul: expected two ovMaths.Vector, or one and a number"},
         {"a / ovMaths.Matrix()",
-         "error: test:1: ovMaths.Vector.__div: expected an ovMaths.Vector or a number behind the /"},
-        {"1 / a", "error: test:1: ovMaths.Vector.__div: argument 1 expected ovMaths.Vector, got number"},
-        {"a + 1", "error: test:1: ovMaths.Vector.__add: argument 2 expected ovMaths.Vector, got number"},
+         "error: test:1: ovMaths.Vector.div: expected an ovMaths.Vector or a number behind the /"},
+        {"1 / a", "error: test:1: ovMaths.Vector.div: argument 1 expected ovMaths.Vector, got number"},
+        {"a + 1", "error: test:1: ovMaths.Vector.add: argument 2 expected ovMaths.Vector, got number"},
     };
     ovVeldris::ScriptsEngine engine(nullptr);
     engine.initialize();
