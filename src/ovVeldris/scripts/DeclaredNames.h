@@ -102,6 +102,21 @@ inline constexpr DeclaredName DECLARED_NAMES[] = {
     {"ovGraphics.GltfNode"},
     {"ovGraphics.GltfCamera"},
     {"ovGraphics.GltfDirectionalLight"},
+    {"ovVeldris", true},
+    {"ovVeldris.Effect"},
+    {"ovVeldris.EffectManager"},
+    {"ovVeldris.ComplexEffect"},
+    {"ovVeldris.ComplexEffectManager"},
+    {"ovVeldris.Material"},
+    {"ovVeldris.MaterialManager"},
+    {"ovVeldris.Model"},
+    {"ovVeldris.ModelLoader"},
+    {"ovVeldris.LoadedMaterials"},
+    {"ovVeldris.ContentLoader"},
+    {"ovVeldris.ProjectLoader"},
+    {"ovVeldris.PbsEnvironmentMapFilter"},
+    {"ovVeldris.EnvironmentRenderer"},
+    {"ovVeldris.Frame"},
 };
 
 } // namespace ovVeldris

@@ -30,6 +30,7 @@
 #include <ovVeldris/scripts/tasksWrap/ThreadSubmittedWorkWrapper.h>
 #include <ovVeldris/scripts/tasksWrap/ThreadWrapper.h>
 #include <ovVeldris/scripts/veldrisWrap/LogWrapper.h>
+#include <ovVeldris/scripts/veldrisWrap/VeldrisWrappers.h>
 
 namespace ovVeldris {
 
@@ -143,6 +144,7 @@ void ScriptsEngine::setupScriptsEnvironment(ovScripts::Environment* environment,
     bindScripts(environment);
     bindTasks(environment, logManager);
     bindArrays(environment);
+    ovVeldrisWrap::updateVeldris(environment);
 }
 
 } // namespace ovVeldris

@@ -1,0 +1,79 @@
+#include <ovVeldris/scripts/veldrisWrap/FrameWrapper.h>
+
+#include <filesystem>
+#include <fstream>
+#include <ovGraphics/gltf/GltfBuilder.h>
+#include <ovVeldris/effects/EffectManager.h>
+#include <ovVeldris/materials/MaterialManager.h>
+#include <scripts/veldrisWrap/VeldrisScripts.h>
+#include <support/TemporaryFolder.h>
+
+namespace {
+
+class FrameWrapperTest : public VeldrisScripts {
+protected:
+    ~FrameWrapperTest() override { getSystem().getScriptsEngine()->shutdown(); }
+};
+
+/// A model in the light of a sky, toned and written: what a person would write down. Reads the globals MODEL
+/// and PICTURE.
+constexpr const char* WHOLE_SCRIPT = R"(
+local G, V = ovGraphics, ovMaths.Vector
+local textures, effects = G.TextureManager.getInstance(), ovVeldris.EffectManager.getInstance()
+local function target(name, format)
+    local t = textures:createOrRetrieve(name)
+    t:setWidth(16) t:setHeight(16) t:setFormat(format) t:setUsableAsRenderTarget(true)
+    assert(t:load())
+    return t
+end
+local color, depth = target("color", G.FORMAT.R32G32B32A32_FLOAT), target("depth", G.FORMAT.D32_FLOAT)
+local out, sky, light = target("out", G.FORMAT.R8G8B8A8_UNORM), textures:createOrRetrieve("sky"), textures:createOrRetrieve("light")
+local air = effects:createOrRetrieve("air", "atmosphere")
+assert(air:load() and ovVeldris.EnvironmentRenderer.renderCubemap(sky, air:getShader(), 8, G.FORMAT.R32G32B32A32_FLOAT))
+assert(ovVeldris.PbsEnvironmentMapFilter.requestIrradianceComputing(sky, light))
+model = ovVeldris.ModelLoader.load(MODEL)
+for i = 0, model:getMaterialCount() - 1 do
+    local m = model:getMaterial(i)
+    m.environment_texture, m.irradiance_texture = sky, light
+end
+assert(model:loadMaterials())
+local queues = G.RenderQueueManager.getInstance()
+local solid, blended = queues:createOrRetrieve("solid"), queues:createOrRetrieve("blended")
+model:addTo(solid, blended)
+local eye = G.CameraManager.getInstance():createOrRetrieve("eye")
+eye:setPosition(V.newVec3(0.3, 0.3, -3)) eye:setOrthographic(1.5, 1.5, 0.1, 10)
+local tone = effects:createOrRetrieve("tone", "tone-mapping")
+tone.operator, tone.source_texture = "aces", color
+assert(tone:load())
+local frame = ovVeldris.Frame()
+frame:drawInto(color, depth) frame:clear(V.newVec4(0, 0, 0, 1)) frame:drawQueue(solid, eye) frame:drawQueue(blended, eye, true)
+frame:drawInto(out) frame:drawShader(tone:getShader())
+assert(frame:draw())
+assert(ovResources.ResourceManager.getInstance():saveFileToDisk(PICTURE, ovImages.JpgEncoder.encode(out:convertToImage())))
+return out:readBack():getData((8 * 16 + 8) * 4)
+)";
+
+} // namespace
+
+TEST_F(FrameWrapperTest, stepsNeedATarget) {
+    evaluate("frame = ovVeldris.Frame()");
+    EXPECT_EQ(evaluate("frame:clear(ovMaths.Vector.newVec4(0, 0, 0, 1))"),
+              "error: test:1: ovVeldris.Frame.clear: the frame has nothing to draw into; call drawInto() "
+              "before");
+    EXPECT_EQ(evaluate("return frame:draw()"), "false");
+    EXPECT_EQ(
+        evaluate("return frame:drawInto(nil)"),
+        "error: test:1: ovVeldris.Frame.drawInto: argument 2 (color) expected ovGraphics.Texture, got nil");
+}
+
+TEST_F(FrameWrapperTest, aScriptLoadsLightsDrawsAndWrites) {
+    const TemporaryFolder folder;
+    const GltfBytes file = makeTriangle().toBinary();
+    std::ofstream(folder.getPath("model.glb"), std::ios::binary)
+        .write(reinterpret_cast<const char*>(file.data()), static_cast<std::streamsize>(file.size()));
+    evaluate("MODEL = '" + folder.getPath("model.glb") + "' PICTURE = '" + folder.getPath("picture.jpg") +
+             "'");
+    const ovMemory::String result = evaluate(WHOLE_SCRIPT);
+    EXPECT_TRUE(std::filesystem::exists(folder.getPath("picture.jpg"))) << result << getLogger().getText();
+    EXPECT_GT(std::atoi(result.c_str()), 0) << "the sky lights the model: " << result;
+}
