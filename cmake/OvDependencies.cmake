@@ -12,6 +12,7 @@ pkg_check_modules(egl REQUIRED IMPORTED_TARGET egl)
 pkg_check_modules(spng REQUIRED IMPORTED_TARGET spng)
 pkg_check_modules(jpeg REQUIRED IMPORTED_TARGET libjpeg)
 pkg_check_modules(turbojpeg REQUIRED IMPORTED_TARGET libturbojpeg)
+pkg_check_modules(edit REQUIRED IMPORTED_TARGET libedit)
 pkg_check_modules(lua REQUIRED IMPORTED_TARGET lua5.4-c++) # throws where the other build of Lua jumps
 pkg_check_modules(spirv_cross REQUIRED IMPORTED_TARGET spirv-cross-c-shared)
 find_path(OV_STB_INCLUDE_DIR stb_image_write.h PATH_SUFFIXES stb REQUIRED)

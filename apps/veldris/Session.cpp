@@ -89,9 +89,24 @@ ovMemory::Buffer<String> CollectingLogger::takeLines() {
 
 Session::Session(Progress* progress)
     : _progress(progress) {}
-Session::~Session() = default;
+
+Session::~Session() {
+    if (_system && !_ownSystem)
+        ovVeldris::System::kill();
+}
 
 bool Session::open(const DrawingOptions& options, String& error) {
+    _ownSystem = std::make_unique<ovVeldris::System>();
+    _system = _ownSystem.get();
+    return _start(options, error);
+}
+
+bool Session::openSingleton(const DrawingOptions& options, String& error) {
+    _system = ovVeldris::System::getInstance();
+    return _start(options, error);
+}
+
+bool Session::_start(const DrawingOptions& options, String& error) {
     ovVeldris::Configuration configuration;
     if (!toConfiguration(options, configuration.graphicsConfiguration, error))
         return false;
@@ -102,7 +117,6 @@ bool Session::open(const DrawingOptions& options, String& error) {
         cache.clear();
     }
     configuration.graphicsConfiguration.logger = &_logger;
-    _system = std::make_unique<ovVeldris::System>();
     // Two channels, library and graphics system: a failure may be told on either.
     _system->getLogManager()->setReceiver(&_logger);
     if (!_system->initialize(configuration)) {

@@ -59,6 +59,9 @@ public:
     /// The time stands still, so that pictures repeat exactly.
     /// @return false with one line in error when no device can be opened
     bool open(const DrawingOptions& options, ovMemory::String& error);
+    /// The same with the system that is one per process, which scripts reach by name. It ends with this
+    /// object.
+    bool openSingleton(const DrawingOptions& options, ovMemory::String& error);
 
     ovVeldris::System& getSystem() { return *_system; }
     ovGraphics::System& getGraphics();
@@ -67,9 +70,12 @@ public:
     Progress* getProgress() const { return _progress; }
 
 private:
+    bool _start(const DrawingOptions& options, ovMemory::String& error);
+
     Progress* _progress;
     CollectingLogger _logger;
-    ovMemory::UniquePtr<ovVeldris::System> _system;
+    ovMemory::UniquePtr<ovVeldris::System> _ownSystem;
+    ovVeldris::System* _system = nullptr;
 };
 
 } // namespace veldris

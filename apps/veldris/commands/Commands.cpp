@@ -98,6 +98,7 @@ void addCommands(CLI::App& program, Command& command) {
     addMaterialsCommand(program, command);
     addProjectCommand(program, command);
     addRenderCommand(program, command);
+    addRunCommand(program, command);
     addSamplesCommand(program, command);
     addShadersCommand(program, command);
     addSkyCommand(program, command);

@@ -30,6 +30,7 @@ void addManualCommand(CLI::App& program, Command& command);
 void addMaterialsCommand(CLI::App& program, Command& command);
 void addProjectCommand(CLI::App& program, Command& command);
 void addRenderCommand(CLI::App& program, Command& command);
+void addRunCommand(CLI::App& program, Command& command);
 void addSamplesCommand(CLI::App& program, Command& command);
 void addShadersCommand(CLI::App& program, Command& command);
 void addSkyCommand(CLI::App& program, Command& command);
