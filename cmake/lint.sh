@@ -33,7 +33,7 @@ done < <(list 'src/*.cpp' 'apps/*.cpp' | grep -v '/main\.cpp$')
 
 # Public headers stand alone, without third-party headers.
 while read -r header; do
-    ! grep -qE '#include <(epoxy|EGL|GL|GLFW|glslang|spirv_cross|glm|spng|jpeglib|turbojpeg|Imf|Imath|stb|fmt|spdlog|rapidjson|meshoptimizer|tiny_gltf)' \
+    ! grep -qE '#include <(epoxy|EGL|GL|GLFW|glslang|spirv_cross|glm|spng|jpeglib|turbojpeg|Imf|Imath|stb|fmt|spdlog|rapidjson|meshoptimizer|tiny_gltf|lua|lauxlib|lualib|editline)' \
         "$header" || complain "$header includes a third-party header; include it in the source, or name it *Internal.h"
     [[ $header == */detail/* ]] || ! grep -q '^#include <[^>]*/detail/' "$header" ||
         complain "$header includes a header that is not installed; move that one up"

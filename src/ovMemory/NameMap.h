@@ -18,8 +18,8 @@ constexpr uint64_t hashFnv1a64(StringView bytes) {
     return hash;
 }
 
-/// A map from names to values, in the order of the names, compared byte for byte. Views look names up, so that
-/// nothing is copied.
+/// A map from names to values, in the order of the names, compared byte for byte. Views look names up, so
+/// that nothing is copied.
 // A hash map finds faster, but its order depends on what was put in before: files that list what a map holds
 // would change from one save to the next.
 template <typename Value>

@@ -38,7 +38,9 @@ constexpr const char* DECLARED_IN_ORDER =
     "ovGraphics.GltfMaterial ovGraphics.GltfTexture ovGraphics.GltfImage ovGraphics.GltfNode "
     "ovGraphics.GltfCamera ovGraphics.GltfDirectionalLight "
     "ovVeldris: ovVeldris.Effect ovVeldris.EffectManager ovVeldris.ComplexEffect "
-    "ovVeldris.ComplexEffectManager ovVeldris.Material ovVeldris.MaterialManager ovVeldris.Model ovVeldris.ModelLoader ovVeldris.LoadedMaterials ovVeldris.ContentLoader ovVeldris.ProjectLoader ovVeldris.PbsEnvironmentMapFilter ovVeldris.EnvironmentRenderer ovVeldris.Frame";
+    "ovVeldris.ComplexEffectManager ovVeldris.Material ovVeldris.MaterialManager ovVeldris.Model "
+    "ovVeldris.ModelLoader ovVeldris.LoadedMaterials ovVeldris.ContentLoader ovVeldris.ProjectLoader "
+    "ovVeldris.PbsEnvironmentMapFilter ovVeldris.EnvironmentRenderer ovVeldris.Frame";
 
 TEST(ScriptsEngineTest, runsBetweenInitializeAndShutdown) {
     ovVeldris::System system;
@@ -83,41 +85,6 @@ TEST(ScriptsEngineTest, namesAreDeclaredInOrder) {
         else
             EXPECT_EQ(engine.getEnvironment()->getUserTypes().at(type++)->getFullName(), name);
     }
-}
-
-TEST(ScriptsEngineTest, printLogsItsFirstArgument) {
-    ovVeldris::System system;
-    RecordingLogger logger;
-    system.getLogManager()->setReceiver(&logger);
-    ScriptsEngine engine(&system);
-    engine.initialize();
-    logger.messages.clear();
-    luaTest::evaluate(*engine.getEnvironment(),
-                      "print(1, 2) print(nil) print() print({} ~= nil) ovLogLine('x')");
-    const ovMemory::Buffer<RecordingLogger::Message> expected = {{"1", "ovVeldris::lua"},
-                                                                 {"nil", "ovVeldris::lua"},
-                                                                 {"nil", "ovVeldris::lua"},
-                                                                 {"true", "ovVeldris::lua"},
-                                                                 {"x", "ovVeldris::lua"}};
-    EXPECT_EQ(logger.messages, expected);
-}
-
-TEST(ScriptsEngineTest, withoutSystemNothingIsLogged) {
-    ScriptsEngine engine(nullptr);
-    EXPECT_TRUE(engine.initialize());
-    EXPECT_EQ(luaTest::evaluate(*engine.getEnvironment(), "print(1) return ovLogLine('x')"), "nil");
-}
-
-TEST(ScriptsEngineTest, logManagerMayGoFirst) {
-    auto logManager = std::make_unique<ovVeldris::LogManager>();
-    RecordingLogger logger;
-    logManager->setReceiver(&logger);
-    const auto environment = luaTest::luaEnvironment();
-    ScriptsEngine::setupScriptsEnvironment(environment.get(), logManager.get());
-    luaTest::evaluate(*environment, "print('before')");
-    logManager.reset();
-    EXPECT_EQ(luaTest::evaluate(*environment, "print('after')"), "nil");
-    EXPECT_EQ(logger.messages.size(), 1u);
 }
 
 TEST(ScriptsEngineTest, environmentsAreIndependent) {

@@ -1,6 +1,8 @@
 // The log in scripts.
 #pragma once
 
+#include <ovCommon/Api.h>
+
 namespace ovScripts {
 class Environment;
 }
@@ -12,7 +14,7 @@ class LogManager;
 namespace ovVeldrisWrap {
 
 /// Binds the log: the global function "ovLogLine", and "print" through it.
-class LogWrapper {
+class OV_API LogWrapper {
 public:
     /// @param logManager not owned, outlives the environment; null: both functions do nothing
     static void updateEnvironment(ovScripts::Environment* environment, ovVeldris::LogManager* logManager);

@@ -6,8 +6,8 @@ namespace {
 
 using ovMemory::String;
 
-const String ALL =
-    "apply, bake, check, completion, demo, help, info, manual, materials, project, render, samples, shaders, sky";
+const String ALL = "apply, bake, check, completion, demo, help, info, manual, materials, project, render, "
+                   "run, samples, shaders, sky";
 
 TEST(UsageMistakesTest, theMistypedNameIsToldWithTheNearest) {
     const struct {
