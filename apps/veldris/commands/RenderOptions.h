@@ -54,8 +54,8 @@ void addSceneOptions(CLI::App& command, RenderOptions& options);
 /// @return false with one line in error when an option is wrong
 bool makePlan(const RenderOptions& options, RenderPlan& plan, ovMemory::String& error);
 
-/// Whether a picture could be drawn with the options, before its file is known: one of display colours, or one
-/// of scene light. @return false with one line in error
+/// Whether a picture could be drawn with the options, before its file is known: one of display colours, or
+/// one of scene light. @return false with one line in error
 bool checkSceneOptions(RenderOptions options, ovMemory::String& error);
 
 } // namespace veldris
