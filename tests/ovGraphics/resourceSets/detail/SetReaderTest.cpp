@@ -83,7 +83,7 @@ TEST(SetReaderTest, leavesWhatIsThereAloneWhereAnEntryIsWrong) {
 }
 
 TEST(SetReaderTest, hangsNodesWhateverTheirOrder) {
-    constexpr int DEPTH = 20000; // a second and more when each link looked at all above it
+    constexpr int DEPTH = 20000;
     String text = R"({"resourceSet": 1, "nodes": [{"name": "0"})";
     for (int i = 1; i < DEPTH; ++i)
         text += R"(,{"name": ")" + std::to_string(i) + R"(", "parent": ")" + std::to_string(i - 1) + "\"}";
