@@ -129,13 +129,6 @@ private:
     void _checkScripts() {
         const bool hasScripts = _exists(_files.scripts);
         const bool hasSwitch = _exists(_files.scriptsSwitch);
-        if (hasScripts && !hasSwitch)
-            _add(_files.scripts, 0,
-                 fmt::format(
-                     "this file is not seen on load: the library asks for '{}', spelt with a large S, before "
-                     "it reads the scripts. Make an empty file of that name, or make the project with "
-                     "veldris project new --scripts.",
-                     std::filesystem::path(_files.scriptsSwitch).filename().native()));
         if (hasSwitch && !hasScripts)
             _add(_files.scriptsSwitch, 0,
                  fmt::format("there is no '{}' beside it, which the scripts are read from.",
@@ -145,6 +138,14 @@ private:
         ovScripts::ScriptManager manager;
         const auto loaded =
             ovScripts::ProjectLoader::load({std::filesystem::absolute(_files.scripts).native(), &manager});
+        // Every project has the file; without a script in it, nothing is missed.
+        if (!hasSwitch && !(loaded._scripts.empty() && loaded._errors.empty()))
+            _add(_files.scripts, 0,
+                 fmt::format(
+                     "this file is not seen on load: the library asks for '{}', spelt with a large S, before "
+                     "it reads the scripts. Make an empty file of that name, or make the project with "
+                     "veldris project new --scripts.",
+                     std::filesystem::path(_files.scriptsSwitch).filename().native()));
         for (const String& error : loaded._errors)
             _add(_files.scripts, 0, error);
     }

@@ -68,6 +68,8 @@ TEST_F(ProjectCommandTest, makesChecksAndPacksAProjectOfNothing) {
     EXPECT_EQ(drawn.status, 1);
     EXPECT_NE(drawn.error.find("has nothing to draw"), String::npos);
     std::filesystem::remove(_folder.getPath("p/x_scripts.ovScripts"));
+    std::ofstream(_folder.getPath("p/x_scripts.ovscripts"))
+        << R"({"scripts": [{"name": "a", "source": ""}]})";
     const Outcome unseen = run({"project", "check", "--json", _project});
     EXPECT_EQ(unseen.status, 1);
     EXPECT_EQ(parseJson(unseen)["problems"].Size(), 1u);

@@ -26,6 +26,8 @@ TEST(ProjectCheckTest, findsNothingInWhatTheProgramWrites) {
 
 TEST(ProjectCheckTest, tellsScriptsThatAreNotSeen) {
     const QuadProject project;
+    EXPECT_EQ(problemsOf(project.files), "") << "there is no script";
+    QuadProject::write(project.files.scripts, R"({"scripts": [{"name": "a", "source": ""}]})");
     EXPECT_EQ(problemsOf(project.files), "x_scripts.ovscripts:0: this file is not seen on load: the library "
                                          "asks for 'x_scripts.ovScripts', spelt "
                                          "with a large S, before it reads the scripts. Make an empty file of "
