@@ -19,8 +19,8 @@
 #include <veldris/console/OutputFile.h>
 #include <veldris/effects/EffectChain.h>
 #include <veldris/materials/MaterialFile.h>
-#include <veldris/projects/SettingOptions.h>
 #include <veldris/projects/ProjectSubject.h>
+#include <veldris/projects/SettingOptions.h>
 #include <veldris/scene/BuiltInSky.h>
 #include <veldris/scene/EnvironmentLight.h>
 #include <veldris/scene/MissingTextures.h>

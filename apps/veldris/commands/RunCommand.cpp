@@ -5,6 +5,7 @@
 #include <fmt/format.h>
 #include <ovResources/Files.h>
 #include <ovScripts/Environment.h>
+#include <ovScripts/Reference.h>
 #include <ovVeldris/System.h>
 #include <ovVeldris/core/LogManager.h>
 #include <ovVeldris/scripts/ScriptsEngine.h>
@@ -32,6 +33,7 @@ struct RunOptions {
     DrawingOptions drawing;
     ovScripts::EnvironmentOptions environment;
     std::size_t memoryMegabytes = 0;
+    bool reference = false;
 };
 
 // As the interpreter's own program has them: arg[0] is the script, arg[1] the first argument.
@@ -106,7 +108,20 @@ int runIn(Console& console, const RunOptions& options, ovVeldris::System& system
     return status;
 }
 
+// Without a device: what is declared does not depend on one.
+int printReference(Console& console) {
+    ovVeldris::ScriptsEngine engine(nullptr);
+    engine.initialize();
+    console.print(
+        "# What scripts see\n\nMade by `veldris run --reference` of the declarations that calls are checked "
+        "against; [scripting.md](scripting.md) explains it.\n\n" +
+        ovScripts::describeDeclarations(*engine.getEnvironment()));
+    return 0;
+}
+
 int runRun(Console& console, RunOptions options) {
+    if (options.reference)
+        return printReference(console);
     options.environment.memoryLimit = options.memoryMegabytes * MEGABYTE;
     ovMemory::UniquePtr<Watchdog> watchdog;
     if (options.environment.timeLimit > 0)
@@ -142,6 +157,8 @@ void addRunCommand(CLI::App& program, Command& command) {
     CLI::App* run = program.add_subcommand("run", "run a Lua script over the whole library, or a prompt");
     run->add_option("SCRIPT", options->script, "Lua script; - for standard input (default: a prompt)");
     addLimits(*run, *options);
+    run->add_flag("--reference", options->reference,
+                  "print every name that scripts see, as Markdown, and end");
     addDeviceOptions(*run, options->drawing);
     // What follows the script belongs to the script.
     run->prefix_command();

@@ -1,6 +1,7 @@
 #include "veldris/commands/CommandTesting.h"
 
 #include <fstream>
+#include <sstream>
 #include <support/TemporaryFolder.h>
 
 namespace {
@@ -81,4 +82,15 @@ TEST_F(RunCommandTest, limitsEndScripts) {
 TEST_F(RunCommandTest, scriptsSeeTheSystemOfTheProcess) {
     const Outcome outcome = run("print(ovMaths.Vector.newVec3(1, 2, 3))");
     EXPECT_EQ(outcome.output, "Vec(1.000000, 2.000000, 3.000000, 0.000000)\n") << outcome.error;
+}
+
+// The page of the manual is what this version prints.
+TEST_F(RunCommandTest, theReferenceIsThatOfTheManual) {
+    const Outcome outcome = runVeldris({"run", "--reference"});
+    EXPECT_EQ(outcome.status, 0);
+    std::ifstream file(OV_SCRIPTING_REFERENCE);
+    std::stringstream page;
+    page << file.rdbuf();
+    EXPECT_EQ(outcome.output, page.str())
+        << "write it anew: veldris run --reference > docs/scripting-reference.md";
 }
