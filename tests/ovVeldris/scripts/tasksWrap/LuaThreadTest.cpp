@@ -72,6 +72,19 @@ TEST(LuaThreadTest, tasksMayBeReleasedTooEarly) {
     EXPECT_EQ(environment.getLines(), Lines{"[ovVeldris::lua] last"});
 }
 
+TEST(LuaThreadTest, collectingARunningTaskWaitsForItsEnd) {
+    TaskEnvironment environment;
+    evaluate(environment.get(), R"(thread = ovTasks.Thread()
+        local task = ovTasks.Task() task:addInputUserData(ovMemory.Buffer.fromString('kept'), true)
+        task._workFunc = function() local sum = 0 for i = 1, 3000000 do sum = sum + i end
+            print(tostring(ovTasks.CURRENT_TASK:getInputUserData(0))) end
+        thread:addTask(task) thread:run()
+        local work = task:getSubmittedWork()
+        repeat until work:getState() ~= 'QUEUED'
+        thread:releaseTaskRef(task) task = nil collectgarbage() collectgarbage())");
+    EXPECT_EQ(environment.getLines(), Lines{"[ovVeldris::lua] kept"});
+}
+
 TEST(LuaThreadTest, scriptsRunInItsEnvironment) {
     TaskEnvironment environment;
     evaluate(environment.get(), R"(local thread = ovTasks.Thread()
