@@ -1,5 +1,6 @@
 #include <ovVeldris/scripts/veldrisWrap/FrameWrapper.h>
 
+#include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <ovGraphics/gltf/GltfBuilder.h>
@@ -29,6 +30,7 @@ end
 local color, depth = target("color", G.FORMAT.R32G32B32A32_FLOAT), target("depth", G.FORMAT.D32_FLOAT)
 local out, sky, light = target("out", G.FORMAT.R8G8B8A8_UNORM), textures:createOrRetrieve("sky"), textures:createOrRetrieve("light")
 local air = effects:createOrRetrieve("air", "atmosphere")
+air.sun_illuminance_factor, air.sun_position = 60, V.newVec3(0.5, 1, -1)
 assert(air:load() and ovVeldris.EnvironmentRenderer.renderCubemap(sky, air:getShader(), 8, G.FORMAT.R32G32B32A32_FLOAT))
 assert(ovVeldris.PbsEnvironmentMapFilter.requestIrradianceComputing(sky, light))
 model = ovVeldris.ModelLoader.load(MODEL)
@@ -50,7 +52,8 @@ frame:drawInto(color, depth) frame:clear(V.newVec4(0, 0, 0, 1)) frame:drawQueue(
 frame:drawInto(out) frame:drawShader(tone:getShader())
 assert(frame:draw())
 assert(ovResources.ResourceManager.getInstance():saveFileToDisk(PICTURE, ovImages.JpgEncoder.encode(out:convertToImage())))
-return out:readBack():getData((8 * 16 + 8) * 4)
+local pixels = out:readBack()
+return pixels:getData((8 * 16 + 8) * 4 + 2) .. ' ' .. pixels:getData(2)
 )";
 
 } // namespace
@@ -75,5 +78,9 @@ TEST_F(FrameWrapperTest, aScriptLoadsLightsDrawsAndWrites) {
              "'");
     const ovMemory::String result = evaluate(WHOLE_SCRIPT);
     EXPECT_TRUE(std::filesystem::exists(folder.getPath("picture.jpg"))) << result << getLogger().getText();
-    EXPECT_GT(std::atoi(result.c_str()), 0) << "the sky lights the model: " << result;
+    int lit = 0;
+    int beside = 0;
+    EXPECT_EQ(std::sscanf(result.c_str(), "%d %d", &lit, &beside), 2) << result;
+    EXPECT_GT(lit, 20) << "the sky lights the model: " << result;
+    EXPECT_LE(beside, 1) << "nothing stands beside it; the curve begins a little above 0: " << result;
 }
