@@ -226,6 +226,18 @@ TEST(ThreadTest, DestructorsOfTasksMayAddTasks) {
     EXPECT_EQ(diary.getWorked(), std::vector<int>{});
 }
 
+TEST(ThreadTest, DestructorsOfDoneTasksMayUseTheThread) {
+    Diary diary;
+    Thread thread;
+    thread.addTask(makeTask(diary, 0, {}, [&] {
+        EXPECT_EQ(thread.getPendingCount(), 1u) << "the task itself";
+        thread.addTask(makeTask(diary, 1));
+    }));
+    thread.run();
+    EXPECT_TRUE(thread.waitForAll());
+    EXPECT_EQ(diary.getWorked(), (std::vector<int>{0, 1}));
+}
+
 TEST(ThreadTest, StopsAndRunsOfManyThreadsLeaveEachTaskDoneOrDroppedOnce) {
     constexpr int TASKS = 300;
     Diary diary;
