@@ -13,6 +13,9 @@ namespace {
 constexpr unsigned int MAX_STRIDE = 256;
 // How much worse the use of the vertex cache may become for less overdraw.
 constexpr float OVERDRAW_THRESHOLD = 1.05f;
+// About a second. The order for the vertex cache takes steps by the squares of the numbers of triangles that
+// meet at each vertex: 36 a vertex usually, days where a million meet at one.
+constexpr std::size_t MAX_CACHE_STEPS = 1'000'000'000;
 
 bool isTriangleList(const VertexComposition& composition, const Bytes& vertices, const Indices& indices) {
     const unsigned int stride = composition.getStride();
@@ -40,6 +43,14 @@ void dropDoubles(unsigned int stride, Bytes& vertices, Indices& indices) {
     indices = std::move(newIndices);
 }
 
+bool isCacheOrderAffordable(const Indices& indices, std::size_t vertexCount) {
+    ovMemory::Buffer<std::size_t> triangleCounts(vertexCount);
+    std::size_t steps = 0;
+    for (const std::uint32_t index : indices)
+        steps += 2 * triangleCounts[index]++ + 1; // the squares, one by one
+    return steps <= MAX_CACHE_STEPS;
+}
+
 // Positions as floats, if the vertices have them in that form.
 const VertexAttribute* findPositions(const VertexComposition& composition) {
     const VertexAttribute* position = composition.find("POSITION");
@@ -60,7 +71,8 @@ bool optimizeMesh(const VertexComposition& composition, Bytes& vertices, Indices
     if (indices.empty())
         return true;
     const std::size_t vertexCount = vertices.size() / stride;
-    meshopt_optimizeVertexCache(indices.data(), indices.data(), indices.size(), vertexCount);
+    if (isCacheOrderAffordable(indices, vertexCount))
+        meshopt_optimizeVertexCache(indices.data(), indices.data(), indices.size(), vertexCount);
     if (const VertexAttribute* position = findPositions(composition)) {
         const auto* positions = reinterpret_cast<const float*>(vertices.data() + position->offset);
         meshopt_optimizeOverdraw(indices.data(), indices.data(), indices.size(), positions, vertexCount,

@@ -162,6 +162,26 @@ TEST(MeshOptimizerTest, dropsDoublesAndWhatIsNotUsed) {
     }
 }
 
+// A fan, and many vertices that are equal: the order for the cache would take minutes.
+TEST(MeshOptimizerTest, endsWhereManyTrianglesMeet) {
+    constexpr std::uint32_t TRIANGLES = 200'000;
+    std::vector<Vertex> vertices = {{0, 0, 0, -1}};
+    Indices fan;
+    for (std::uint32_t i = 0; i < TRIANGLES; ++i) {
+        vertices.push_back({1, static_cast<float>(i), 0, 0});
+        fan.insert(fan.end(), {0, i + 1, i + 1 < TRIANGLES ? i + 2 : 1});
+    }
+    Bytes bytes = pack(vertices);
+    const auto before = trianglesOf(bytes, fan);
+    EXPECT_TRUE(optimizeMesh(makeComposition(), bytes, fan));
+    EXPECT_EQ(trianglesOf(bytes, fan), before);
+    Bytes equal(3 * TRIANGLES * sizeof(Vertex));
+    Indices none;
+    EXPECT_TRUE(optimizeMesh(makeComposition(), equal, none));
+    EXPECT_EQ(equal.size(), sizeof(Vertex));
+    EXPECT_EQ(none.size(), 3 * TRIANGLES);
+}
+
 TEST(MeshOptimizerTest, takesPositionsOfEveryKind) {
     constexpr float NOT_A_NUMBER = std::numeric_limits<float>::quiet_NaN();
     constexpr float INFINITE = std::numeric_limits<float>::infinity();
