@@ -27,7 +27,8 @@ local middle = (side // 2 * side + side // 2) * 4
 for _, direction in ipairs({{"up", 2}, {"down", 3}}) do
     local name, face = direction[1], direction[2]
     local light = ovMemory.BufferCastFloat.new(received:readBack(face))
-    print(("%-4s receives %.2f %.2f %.2f"):format(name, light:getData(middle), light:getData(middle + 1), light:getData(middle + 2)))
+    local red, green, blue = light:getData(middle), light:getData(middle + 1), light:getData(middle + 2)
+    print(("%-4s receives %.2f %.2f %.2f"):format(name, red, green, blue))
 end
 
 -- Unwrapped by longitude and latitude, both are pictures that programs show.

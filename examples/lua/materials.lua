@@ -17,7 +17,8 @@ for i = 0, result:getErrorCount() - 1 do print(result:getError(i)) end
 local materials = ovVeldris.MaterialManager.getInstance()
 for i = 0, materials:getCount() - 1 do
     local material = materials:getByIndex(i)
-    print(("%s: roughness %.2f, loaded: %s"):format(material:getName(), material.roughness_glossiness, material:getShader() ~= nil))
+    local isLoaded = material:getShader() ~= nil
+    print(("%s: roughness %.2f, loaded: %s"):format(material:getName(), material.roughness_glossiness, isLoaded))
 end
 
 -- Colours and numbers reach a loaded material at once; another model waits for the next load().

@@ -1,7 +1,7 @@
 -- A model under a sky: loads a glTF file, lights it with the sky and the sun, adds effects and writes the picture.
 --
 --     veldris run scene.lua [FOLDER] [MODEL.glb] [SIZE]      without a model it draws a gem of its own
-local folder, path, size = arg[1] or ".", arg[2], math.tointeger(arg[3] or 64)
+local folder, path, size = arg[1] or ".", arg[2], tonumber(arg[3] or 64)
 local FORMAT, Vector = ovGraphics.FORMAT, ovMaths.Vector
 local effects = ovVeldris.EffectManager.getInstance()
 
@@ -26,12 +26,15 @@ end
 -- Six points, which are their own normals, and eight triangles.
 local GEM = [[{"asset": {"version": "2.0"}, "nodes": [{"mesh": 0}], "scenes": [{"nodes": [0]}],
     "meshes": [{"primitives": [{"attributes": {"POSITION": 0, "NORMAL": 0}, "indices": 1, "material": 0}]}],
-    "materials": [{"pbrMetallicRoughness": {"baseColorFactor": [0.7, 0.08, 0.1, 1], "metallicFactor": 0, "roughnessFactor": 0.2}}],
-    "accessors": [{"bufferView": 0, "componentType": 5126, "count": 6, "type": "VEC3", "min": [-1, -1, -1], "max": [1, 1, 1]},
-                  {"bufferView": 1, "componentType": 5121, "count": 24, "type": "SCALAR"}],
+    "materials": [{"pbrMetallicRoughness":
+        {"baseColorFactor": [0.5, 0.02, 0.03, 1], "metallicFactor": 0, "roughnessFactor": 0.2}}],
+    "accessors": [
+        {"bufferView": 0, "componentType": 5126, "count": 6, "type": "VEC3", "min": [-1, -1, -1], "max": [1, 1, 1]},
+        {"bufferView": 1, "componentType": 5121, "count": 24, "type": "SCALAR"}],
     "bufferViews": [{"buffer": 0, "byteLength": 72}, {"buffer": 0, "byteOffset": 72, "byteLength": 24}],
-    "buffers": [{"byteLength": 96, "uri": "data:application/octet-stream;base64,AACAPwAAAAAAAAAAAACAvwAAAAAAAAAAAAAAAAAAgD8AAAAAAA]] ..
-    [[AAAAAAgL8AAAAAAAAAAAAAAAAAAIA/AAAAAAAAAAAAAIC/AAIEAAUCAAQDAAMFAQQCAQIFAQMEAQUD"}]}]]
+    "buffers": [{"byteLength": 96, "uri": "data:application/octet-stream;base64,]] ..
+    "AACAPwAAAAAAAAAAAACAvwAAAAAAAAAAAAAAAAAAgD8AAAAAAAAAAAAAgL8AAAAAAAAAAAAAAAAAAIA/" ..
+    'AAAAAAAAAAAAAIC/AAIEAAUCAAQDAAMFAQQCAQIFAQMEAQUD"}]}'
 if not path then
     save("gem.gltf", ovMemory.Buffer.fromString(GEM))
     path = folder .. "/gem.gltf"
