@@ -20,7 +20,8 @@ local function target(name, format)
 end
 
 local function save(name, bytes)
-    assert(ovResources.ResourceManager.getInstance():saveFileToDisk(folder .. "/" .. name, bytes))
+    local file = folder .. "/" .. name
+    assert(ovResources.ResourceManager.getInstance():saveFileToDisk(file, bytes), "cannot write " .. file)
 end
 
 -- Six points, which are their own normals, and eight triangles.
