@@ -55,7 +55,7 @@ while read -r line; do complain "$line"; done < <(awk -f cmake/enumerations.awk 
 while read -r document; do
     while read -r link; do
         [ -e "$(dirname "$document")/$link" ] || complain "$document links to $link, which is not there"
-    done < <(grep -oE '\]\([^)#:]+[)#]' "$document" | sed -E 's/^\]\(//; s/[)#]$//')
+    done < <(sed '/^```/,/^```/d' "$document" | grep -oE '\]\([^)#:]+[)#]' | sed -E 's/^\]\(//; s/[)#]$//')
 done < <(list '*.md')
 
 # run_clang_tidy BUILD CHECKS: over the files that stdin lists, on all cores. What it counts on stderr is of other people's

@@ -82,7 +82,7 @@ UserType::setConstructor(std::function<void*(ovMemory::BufferView<FunctionParame
     _constructor = std::make_unique<Function>(_fullName);
     if (_isRenderThreadOnly)
         _constructor->setRenderThreadOnly();
-    _constructor->setResult(FUNCTION_PARAMETER_TYPE::USER_DATA, _fullName);
+    _constructor->setResult(FUNCTION_PARAMETER_TYPE::USER_DATA_PTR, _fullName);
     _constructor->setFunction(
         [this, constructor = std::move(constructor)](ovMemory::BufferView<FunctionParameter> arguments) {
             return FunctionParameter(constructor(arguments), _fullName, true);

@@ -29,21 +29,20 @@ TEST(ReferenceTest, tellsEveryDeclaration) {
         "on", FUNCTION_PARAMETER_TYPE::BOOL, {}, [](void*) { return FunctionParameter(true); }, nullptr);
     type->setNamedMemberList([] { return ovMemory::Buffer<ovMemory::String>{"color", "size"}; });
     type->addOperator(USER_TYPE_OPERATOR::ADDITION);
-    EXPECT_EQ(describeDeclarations(*environment),
-              "## Globals\n\n"
-              "- `log(line: string)`: Logs a line.\n"
-              "\n## engine\n\n"
-              "- `LIMIT = 5`\n"
-              "- `NAME = \"x\"`\n"
-              "- `HALF = 0.500000`\n"
-              "- `engine.now() → number`\n"
-              "\n### engine.Light\n\nA light.\n\n"
-              "- `engine.Light([strength: number]) → engine.Light or nil`\n"
-              "- `engine.Light.get(string) → engine.Light or nil`\n"
-              "- `.on: boolean (read only)`\n"
-              "- settings: `.color`, `.size`\n"
-              "- `:follow(other: engine.Light)`\n"
-              "- operators: ADDITION\n");
+    EXPECT_EQ(describeDeclarations(*environment), "## Globals\n\n"
+                                                  "- `log(line: string)`: Logs a line.\n"
+                                                  "\n## engine\n\n"
+                                                  "- `LIMIT = 5`\n"
+                                                  "- `NAME = \"x\"`\n"
+                                                  "- `HALF = 0.500000`\n"
+                                                  "- `engine.now() → number`\n"
+                                                  "\n### engine.Light\n\nA light.\n\n"
+                                                  "- `engine.Light([strength: number]) → engine.Light`\n"
+                                                  "- `engine.Light.get(string) → engine.Light or nil`\n"
+                                                  "- `.on: boolean (read only)`\n"
+                                                  "- settings: `.color`, `.size`\n"
+                                                  "- `:follow(other: engine.Light)`\n"
+                                                  "- operators: ADDITION\n");
 }
 
 } // namespace
