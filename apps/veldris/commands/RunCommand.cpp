@@ -101,6 +101,7 @@ int runIn(Console& console, const RunOptions& options, ovVeldris::System& system
     ovScripts::Environment& environment = *engine.getEnvironment();
     if (environment.getInterpreter() == ovScripts::INTERPRETER::UNKNOWN)
         return console.fail("the memory limit is too low for an environment; raise --memory-limit.");
+    console.step(options.script.empty() ? "" : "running");
     const int status =
         options.script.empty() ? runPrompt(console, environment) : runScript(console, options, environment);
     // What its scripts own and their threads end while log and graphics still live.

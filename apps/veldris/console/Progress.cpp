@@ -32,7 +32,7 @@ double secondsOf(Duration duration) {
 } // namespace
 
 String progressText(StringView step, double seconds, double share) {
-    if (seconds < SHOWN_AFTER)
+    if (seconds < SHOWN_AFTER || step.empty())
         return {};
     if (share < LEAST_SHARE)
         return fmt::format("{}, {:.0f} s", step, seconds);

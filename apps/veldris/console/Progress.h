@@ -16,7 +16,8 @@ struct StepTime {
 };
 
 /// What a terminal shows of a step: nothing in its first second; then how long it has taken, or, where its
-/// share is known, how long it will still take at the same pace.
+/// share is known, how long it will still take at the same pace. Of a step without a name, as waiting for a
+/// person, nothing.
 /// @param share of the step that is done, 0 to 1; 0: not known
 ovMemory::String progressText(ovMemory::StringView step, double seconds, double share);
 

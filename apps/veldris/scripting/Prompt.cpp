@@ -48,6 +48,7 @@ public:
         : _isTerminal(isatty(STDIN_FILENO)) {
         completedEnvironment = &environment;
         rl_attempted_completion_function = complete;
+        rl_completion_append_character = '\0'; // a dot or a bracket follows more often than a blank
         static char breaks[] = " \t\n\"'(){}[]=+-*/,;<>~#%^&|";
         rl_completer_word_break_characters = breaks;
     }

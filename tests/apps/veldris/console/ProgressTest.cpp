@@ -14,6 +14,7 @@ using ovMemory::String;
 TEST(ProgressTest, longStepsAreEstimated) {
     EXPECT_EQ(veldris::progressText("drawing", 0.9, 0.5), "");
     EXPECT_EQ(veldris::progressText("drawing", 3.2, 0.0), "drawing, 3 s");
+    EXPECT_EQ(veldris::progressText("", 3.2, 0.0), "");
     EXPECT_EQ(veldris::progressText("drawing", 4.0, 0.4), "drawing, 40 %, about 6 s left");
     EXPECT_EQ(veldris::progressText("drawing", 4.0, 1.0), "drawing, 100 %, about 0 s left");
 }
