@@ -80,12 +80,18 @@ INTERPRETER Environment::getInterpreter() const {
 }
 
 void Environment::restartLimits() {
+    _forgottenInterruptions = *_interruptions;
     if (_lua)
         _lua->restartLimits();
 }
 
 void Environment::interrupt() {
-    _isInterrupted = true;
+    ++*_interruptions;
+}
+
+void Environment::shareInterruptions(const Environment& other) {
+    _interruptions = other._interruptions;
+    _forgottenInterruptions = *other._interruptions;
 }
 
 void Environment::setWarningReceiver(std::function<void(ovMemory::StringView)> receiver) {

@@ -35,11 +35,16 @@ public:
     bool setEnvironmentFor(INTERPRETER interpreter);
     INTERPRETER getInterpreter() const;
     const EnvironmentOptions& getOptions() const { return _options; }
-    /// Time and steps count from now on.
+    /// Time and steps count from now on, and an interruption is over.
     void restartLimits();
-    /// Ends the script that runs, and each later one, as if a limit were reached; from any thread. Heeded by
-    /// the environments of workers and by those with a limit of time or steps.
+    /// Ends the script that runs, and each later one, as if a limit were reached. From any thread and from a
+    /// handler of signals; heeded where the options say so.
     void interrupt();
+    /// Whether interrupt() was called since the last restartLimits().
+    bool isInterrupted() const { return *_interruptions != _forgottenInterruptions; }
+    /// Makes interrupt() of either environment end the scripts of both; each forgets it by its own
+    /// restartLimits(). Before this environment runs scripts.
+    void shareInterruptions(const Environment& other);
     /// Where the interpreter's own warnings go, as that of an error in a finaliser.
     void setWarningReceiver(std::function<void(ovMemory::StringView)> receiver);
 
@@ -122,7 +127,9 @@ private:
               ovMemory::BufferView<FunctionParameter> results);
 
     EnvironmentOptions _options;
-    std::atomic<bool> _isInterrupted = false;
+    // Counted: one that forgets too early would take the interruption from the others.
+    std::shared_ptr<std::atomic<uint32_t>> _interruptions = std::make_shared<std::atomic<uint32_t>>(0);
+    uint32_t _forgottenInterruptions = 0;
     ExecutionResult _result;
     ovMemory::Buffer<ovMemory::UniquePtr<Namespace>> _namespaces;
     ovMemory::Buffer<ovMemory::UniquePtr<UserType>> _userTypes;

@@ -17,6 +17,9 @@ struct EnvironmentOptions {
     /// Whether the environment belongs to another thread than the one that renders. Types that are declared
     /// for the render thread refuse every use there.
     bool isWorker = false;
+    /// Whether Environment::interrupt() ends scripts. They run slower then, as under a limit of steps or
+    /// time.
+    bool isInterruptible = false;
 
     /// Bytes that the interpreter and the objects owned by scripts may hold; 0: no limit. A script that asks
     /// for more gets the error "not enough memory".

@@ -124,6 +124,7 @@ int runRun(Console& console, RunOptions options) {
     if (options.reference)
         return printReference(console);
     options.environment.memoryLimit = options.memoryMegabytes * MEGABYTE;
+    options.environment.isInterruptible = options.script.empty() && isatty(STDIN_FILENO);
     ovMemory::UniquePtr<Watchdog> watchdog;
     if (options.environment.timeLimit > 0)
         watchdog = std::make_unique<Watchdog>(options.environment.timeLimit + SECONDS_TO_END,

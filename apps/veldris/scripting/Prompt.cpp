@@ -1,5 +1,6 @@
 #include <veldris/scripting/Prompt.h>
 
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -24,14 +25,14 @@ constexpr const char* NEXT_PROMPT = ">> ";
 // What the interpreter says of a text that only lacks its end.
 constexpr StringView UNFINISHED = "near <eof>";
 
-// The line editor takes plain functions, which find the environment here.
-ovScripts::Environment* completedEnvironment =
+// The line editor and signals take plain functions, which find the environment here.
+ovScripts::Environment* promptEnvironment =
     nullptr; // NOLINT(cppcoreguidelines-avoid-non-const-global-variables)
 
 char* nextCompletion(const char* text, int index) {
     static ovMemory::Buffer<String> names;
     if (index == 0)
-        names = completedEnvironment->getCompletions(text);
+        names = promptEnvironment->getCompletions(text);
     const auto position = static_cast<std::size_t>(index);
     return position < names.size() ? strdup(names[position].c_str()) : nullptr;
 }
@@ -46,7 +47,7 @@ class Lines {
 public:
     explicit Lines(ovScripts::Environment& environment)
         : _isTerminal(isatty(STDIN_FILENO)) {
-        completedEnvironment = &environment;
+        promptEnvironment = &environment;
         rl_attempted_completion_function = complete;
         rl_completion_append_character = '\0'; // a dot or a bracket follows more often than a blank
         static char breaks[] = " \t\n\"'(){}[]=+-*/,;<>~#%^&|";
@@ -93,11 +94,35 @@ bool isUnfinished(const ovScripts::Script& script) {
     return !script.isLoaded() && script.getLastCompilationResult()._failureMessage.ends_with(UNFINISHED);
 }
 
+/// While it lives, the keys that end a program (Ctrl-C) only end the line that runs, with its threads.
+class InterruptKeys {
+public:
+    InterruptKeys() {
+        _before = std::signal(SIGINT, [](int) { promptEnvironment->interrupt(); });
+    }
+    ~InterruptKeys() { std::signal(SIGINT, _before); }
+    InterruptKeys(const InterruptKeys&) = delete;
+    InterruptKeys& operator=(const InterruptKeys&) = delete;
+
+private:
+    void (*_before)(int);
+};
+
+bool execute(ovScripts::Environment& environment, const ovScripts::Script& script) {
+    if (!environment.getOptions().isInterruptible)
+        return environment.execute(script);
+    const InterruptKeys keys;
+    const bool done = environment.execute(script);
+    if (environment.isInterrupted())
+        environment.restartLimits();
+    return done;
+}
+
 // @return whether there was no error
 bool runLine(Console& console, ovScripts::Environment& environment, const ovScripts::Script& script) {
     if (!script.isLoaded())
         console.fail(script.getLastCompilationResult()._failureMessage);
-    else if (!environment.execute(script))
+    else if (!execute(environment, script))
         console.fail(environment.getLastExecutionResult().error);
     else
         return true;

@@ -13,9 +13,8 @@ constexpr int STEPS_BETWEEN_LOOKS = 1000;
 // calls no handler of the script.
 constexpr std::size_t REFUSED_BLOCK = std::size_t(1) << 40;
 
-// Somebody destroys the thread of a worker some day, whatever its script does by then.
 bool mayHaveToEnd(const EnvironmentOptions& options) {
-    return options.stepLimit > 0 || options.timeLimit > 0 || options.isWorker;
+    return options.stepLimit > 0 || options.timeLimit > 0 || options.isInterruptible;
 }
 
 } // namespace
@@ -86,7 +85,7 @@ void LuaState::_lookAtLimits(lua_State* lua, lua_Debug*) {
     state._steps += state._isLimitReached ? 1 : STEPS_BETWEEN_LOOKS;
     const bool areStepsUsed = options.stepLimit > 0 && state._steps >= options.stepLimit;
     const bool isTimeUsed = options.timeLimit > 0 && std::chrono::steady_clock::now() >= state._deadline;
-    const bool isInterrupted = state._environment._isInterrupted;
+    const bool isInterrupted = options.isInterruptible && state._environment.isInterrupted();
     if (!areStepsUsed && !isTimeUsed && !isInterrupted && !state._isLimitReached)
         return;
     if (!state._isLimitReached)

@@ -53,11 +53,26 @@ TEST(LuaStateTest, endlessScriptsEndByTheirTime) {
 }
 
 TEST(LuaStateTest, anotherThreadEndsAScript) {
-    const auto environment = luaEnvironment({.isWorker = true});
+    const auto environment = luaEnvironment({.isInterruptible = true});
     std::thread other([&] { environment->interrupt(); });
     EXPECT_EQ(evaluate(*environment, "while true do end"), "error: test:1: the script was interrupted");
     other.join();
     EXPECT_EQ(environment->getLastExecutionResult().failureType, EXECUTION_FAILURE_TYPE::LIMIT_REACHED);
+    EXPECT_NE(evaluate(*environment, "for i = 1, 10000 do end"), "nil");
+    environment->restartLimits();
+    EXPECT_EQ(evaluate(*environment, "for i = 1, 10000 do end"), "nil");
+}
+
+TEST(LuaStateTest, interruptionsAreSharedAndHeededWhereTheOptionsSaySo) {
+    const auto environment = luaEnvironment({.isInterruptible = true});
+    const auto other = luaEnvironment({.isInterruptible = true});
+    const auto deaf = luaEnvironment({.stepLimit = 1'000'000});
+    other->shareInterruptions(*environment);
+    deaf->shareInterruptions(*environment);
+    environment->interrupt();
+    environment->restartLimits();
+    EXPECT_EQ(evaluate(*other, "while true do end"), "error: test:1: the script was interrupted");
+    EXPECT_EQ(evaluate(*deaf, "for i = 1, 10000 do end"), "nil");
 }
 
 TEST(LuaStateTest, endlessRecursionIsAnError) {

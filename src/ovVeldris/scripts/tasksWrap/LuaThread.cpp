@@ -34,7 +34,9 @@ ovTasks::WorkerSettings settingsOf(ovVeldris::LogManager* logManager) {
 ovMemory::UniquePtr<ovScripts::Environment> newWorkerEnvironment(const ovScripts::Environment& creator) {
     ovScripts::EnvironmentOptions options = creator.getOptions();
     options.isWorker = true;
-    return ovScripts::Environment::create(options);
+    auto environment = ovScripts::Environment::create(options);
+    environment->shareInterruptions(creator);
+    return environment;
 }
 
 } // namespace

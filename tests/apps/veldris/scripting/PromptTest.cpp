@@ -1,8 +1,10 @@
 #include <veldris/scripting/Prompt.h>
 
+#include <csignal>
 #include <cstdio>
 #include <gtest/gtest.h>
 #include <iostream>
+#include <ovScripts/Environment.h>
 #include <ovVeldris/System.h>
 #include <ovVeldris/core/LogManager.h>
 #include <ovVeldris/scripts/ScriptsEngine.h>
@@ -18,14 +20,18 @@ struct Session {
     std::string error;
 };
 
-// What a pipe of these lines gives.
-Session typed(const std::string& lines) {
+// What a pipe of these lines gives. Scripts find the function "pressCtrlC".
+Session typed(const std::string& lines, const ovScripts::EnvironmentOptions& options = {}) {
     veldris::Console console(false);
     veldris::ScriptLogger logger(console);
     ovVeldris::System system;
     system.getLogManager()->setReceiver(&logger);
     ovVeldris::ScriptsEngine engine(&system);
-    engine.initialize();
+    engine.initialize(options);
+    engine.getEnvironment()->setFunc("pressCtrlC")->setFunction([](auto) {
+        std::raise(SIGINT);
+        return ovScripts::FunctionParameter();
+    });
     std::istringstream input(lines);
     std::streambuf* const before = std::cin.rdbuf(input.rdbuf());
     std::cin.clear();
@@ -55,6 +61,15 @@ TEST(PromptTest, errorsAreToldAndTheNextLineRuns) {
     EXPECT_NE(session.error.find("prompt:1: no"), std::string::npos) << session.error;
     EXPECT_NE(session.error.find("unexpected symbol near '='"), std::string::npos) << session.error;
     EXPECT_EQ(session.status, 1);
+}
+
+TEST(PromptTest, theLineThatRunsCanBeInterrupted) {
+    const Session session =
+        typed("pressCtrlC() while true do pcall(error) end\nprint('next')\nfor i = 1, 10000 do end\n",
+              {.isInterruptible = true});
+    EXPECT_EQ(session.output, "next\n");
+    EXPECT_NE(session.error.find("prompt:1: the script was interrupted"), std::string::npos) << session.error;
+    EXPECT_EQ(session.error.find("interrupted"), session.error.rfind("interrupted")) << session.error;
 }
 
 TEST(PromptTest, anUnfinishedEndIsAnError) {

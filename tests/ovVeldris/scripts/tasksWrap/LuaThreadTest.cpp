@@ -2,6 +2,8 @@
 
 #include "TaskEnvironment.h"
 
+#include <thread>
+
 using luaTest::evaluate;
 using luaTest::Lines;
 using luaTest::TaskEnvironment;
@@ -37,6 +39,22 @@ TEST(LuaThreadTest, environmentsEndWithTasksQueuedAndRunning) {
             environment.close();
             EXPECT_LE(environment.getLines().size(), 20u);
         }
+}
+
+TEST(LuaThreadTest, interruptedEnvironmentsEndWhateverTheirThreadsDo) {
+    TaskEnvironment environment({.isInterruptible = true});
+    evaluate(environment.get(), "thread = ovTasks.Thread() task = ovTasks.Task() task._workFunc = function() "
+                                "print('begun') while true do pcall(error) end end thread:addTask(task) "
+                                "thread:run()");
+    while (environment.getLines().empty())
+        std::this_thread::yield();
+    environment.get().interrupt();
+    environment.get().restartLimits(); // what the creator forgets stays true for the thread
+    evaluate(environment.get(), "finish(task)");
+    environment.close();
+    const Lines expected = {"[ovVeldris::lua] begun", "[ovVeldris::lua] Unknown error during execution :",
+                            "[ovVeldris::lua] test:1: the script was interrupted"};
+    EXPECT_EQ(environment.getLines(), expected);
 }
 
 TEST(LuaThreadTest, threadsEndWithoutHavingRun) {
