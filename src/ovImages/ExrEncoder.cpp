@@ -350,14 +350,8 @@ DecodeResult ExrEncoder::decode(Bytes bytes, const DecodeOptions& options) const
 }
 
 EncodeResult ExrEncoder::encode(const ImageView& view, const EncodeOptions&) const {
-    ovMemory::String fault;
-    if (!isValid(view, &fault))
-        return detail::failFormat<EncodeResult>(NAME, fault);
-    if (view.componentType != COMPONENT_TYPE::HALF && view.componentType != COMPONENT_TYPE::FLOAT)
-        return detail::failFormat<EncodeResult>(
-            NAME, fmt::format("cannot hold {} components: convert to half float or float first",
-                              getComponentTypeName(view.componentType)));
-    return detail::runGuarded<EncodeResult>(NAME, [&] { return encodeExr(view); });
+    return detail::encodeHeld(NAME, view, {COMPONENT_TYPE::HALF, COMPONENT_TYPE::FLOAT},
+                              "half float or float", encodeExr);
 }
 
 } // namespace ovImages

@@ -250,14 +250,8 @@ DecodeResult PngEncoder::decode(ovMemory::BufferView<const unsigned char> bytes,
 }
 
 EncodeResult PngEncoder::encode(const ImageView& view, const EncodeOptions&) const {
-    ovMemory::String fault;
-    if (!isValid(view, &fault))
-        return detail::failFormat<EncodeResult>(NAME, fault);
-    if (view.componentType != COMPONENT_TYPE::UINT8 && view.componentType != COMPONENT_TYPE::UINT16)
-        return detail::failFormat<EncodeResult>(
-            NAME, fmt::format("cannot hold {} components: convert to 8-bit or 16-bit unsigned first",
-                              getComponentTypeName(view.componentType)));
-    return detail::runGuarded<EncodeResult>(NAME, [&] { return encodePng(view); });
+    return detail::encodeHeld(NAME, view, {COMPONENT_TYPE::UINT8, COMPONENT_TYPE::UINT16},
+                              "8-bit or 16-bit unsigned", encodePng);
 }
 
 } // namespace ovImages

@@ -3,8 +3,10 @@
 
 #include <ovImages/Encoder.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <exception>
+#include <initializer_list>
 
 namespace ovImages::detail {
 
@@ -24,6 +26,24 @@ RESULT runGuarded(ovMemory::StringView format, WORK work) {
     } catch (...) {
         return failFormat<RESULT>(format, "unknown failure");
     }
+}
+
+/// Encodes a view that is whole and whose component type the format holds, else says why not.
+/// @param heldNames the types that it holds, as people call them: "half float or float"
+template <typename WORK>
+EncodeResult encodeHeld(ovMemory::StringView format, const ImageView& view,
+                        std::initializer_list<COMPONENT_TYPE> held, ovMemory::StringView heldNames,
+                        WORK encode) {
+    ovMemory::String fault;
+    if (!isValid(view, &fault))
+        return failFormat<EncodeResult>(format, fault);
+    if (std::ranges::find(held, view.componentType) == held.end())
+        return failFormat<EncodeResult>(format, ovMemory::String("cannot hold ")
+                                                    .append(getComponentTypeName(view.componentType))
+                                                    .append(" components: convert to ")
+                                                    .append(heldNames)
+                                                    .append(" first"));
+    return runGuarded<EncodeResult>(format, [&] { return encode(view); });
 }
 
 /// Empty when a picture of this size may be decoded, else the reason why not.
