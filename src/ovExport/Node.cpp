@@ -37,6 +37,10 @@ ovMemory::Borrowable& Node::getTree() const {
     return *_record.arena;
 }
 
+std::size_t Node::getTreeBytes() const {
+    return _record.arena->getBytes();
+}
+
 unsigned int Node::getArraySize() const {
     return isArray() ? _record.size : 0;
 }

@@ -106,6 +106,9 @@ public:
     /// findTextPosition() makes a line and a column of it.
     std::uint32_t getSourceIndex() const { return _record.sourceIndex; }
 
+    /// Bytes that the memory of the whole tree takes.
+    std::size_t getTreeBytes() const;
+
     /// Number of elements; 0 if this is not an array.
     unsigned int getArraySize() const;
     /// An element, or null if this is not an array or has no such element. Takes logarithmic time in the

@@ -22,7 +22,8 @@ struct EnvironmentOptions {
     bool isInterruptible = false;
 
     /// Bytes that the interpreter and the objects owned by scripts may hold; 0: no limit. A script that asks
-    /// for more gets the error "not enough memory".
+    /// for more gets the error "not enough memory". Of objects counts what their types tell, see
+    /// UserType::setSizeOf().
     std::size_t memoryLimit = 0;
     /// Instructions of the interpreter that scripts may execute in all; 0: no limit.
     uint64_t stepLimit = 0;

@@ -95,7 +95,7 @@ public:
             [](void* object) { delete static_cast<T*>(object); });
     }
     /// Bytes that an object owned by a script holds besides itself, for the environment's collector and
-    /// limit.
+    /// limit. Asked when scripts get the object, and after each of their calls on it or on a part of it.
     void setSizeOf(std::function<std::size_t(const void*)> sizeOf) { _sizeOf = std::move(sizeOf); }
     /// Objects of this type belong to the thread that renders: in the environment of a worker every use is an
     /// error. Concerns the functions that are added afterwards.

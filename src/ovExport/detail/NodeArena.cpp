@@ -28,6 +28,7 @@ void* NodeArena::_allocateFromNewChunk(std::size_t size) {
     const std::size_t chunkSize = isLarge ? size : usual;
     auto* const chunk = static_cast<Chunk*>(::operator new(sizeof(Chunk) + chunkSize));
     // A list through the chunks themselves: freeing the tree needs no other memory and no recursion.
+    _bytes += sizeof(Chunk) + chunkSize;
     chunk->previous = _last;
     _last = chunk;
     char* const place = reinterpret_cast<char*>(chunk + 1);

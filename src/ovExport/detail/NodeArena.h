@@ -24,6 +24,9 @@ public:
         return place;
     }
 
+    /// Bytes that it took from the system, those included that nobody has asked for yet.
+    std::size_t getBytes() const { return _bytes; }
+
     /// A copy of a text with a NUL behind it.
     char* copyText(ovMemory::StringView text);
 
@@ -38,6 +41,7 @@ private:
     char* _next = nullptr;
     std::size_t _available = 0;
     std::size_t _lastChunkSize = 0;
+    std::size_t _bytes = 0;
     Chunk* _last = nullptr;
 };
 

@@ -101,7 +101,11 @@ bool callChecked(lua_State* lua, const Function& function, int first) {
         explainArgument(lua, function, i, position);
         return false;
     }
-    return runBody(lua, function, arguments.get());
+    if (!runBody(lua, function, arguments.get()))
+        return false;
+    if (!declared.empty() && declared[0].knownType && !UserDataAccess::isValueType(*declared[0].knownType))
+        UserDataAccess::recount(lua, first);
+    return true;
 }
 
 // The object of a member access, usable; else raises an error.

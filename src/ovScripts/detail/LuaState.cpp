@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cstdlib>
 #include <ovScripts/detail/LuaStateInternal.h>
 #include <ovScripts/detail/StandardLibrariesInternal.h>
@@ -8,6 +9,9 @@ namespace {
 
 // Instructions between two looks at the limits: a few microseconds.
 constexpr int STEPS_BETWEEN_LOOKS = 1000;
+
+// Objects outside the interpreter's memory let it collect in time: each so many bytes it does a step.
+constexpr std::size_t OUTSIDE_BYTES_A_STEP = 1 << 20;
 
 // Such a block nobody gets. Who asks for it gets an error of memory, the only kind for which the interpreter
 // calls no handler of the script.
@@ -59,6 +63,20 @@ void* LuaState::_allocate(void* self, void* block, std::size_t oldSize, std::siz
     if (moved)
         state._insideBytes += newSize - freed;
     return moved;
+}
+
+// The interpreter's own last resort runs no finalisers, so that it would not free what lies outside: with
+// little memory left everything is collected before.
+void LuaState::collectInTime(lua_State* lua, std::size_t growth) {
+    _outsideGrowth += growth;
+    if (_outsideGrowth < OUTSIDE_BYTES_A_STEP)
+        return;
+    const std::size_t limit = _environment.getOptions().memoryLimit;
+    if (limit > 0 && getUsedMemory() > limit / 4 * 3)
+        lua_gc(lua, LUA_GCCOLLECT);
+    else
+        lua_gc(lua, LUA_GCSTEP, static_cast<int>(std::min<std::size_t>(_outsideGrowth >> 10, 1 << 20)));
+    _outsideGrowth = 0;
 }
 
 bool LuaState::canAllocate(std::size_t bytes) const {
@@ -175,6 +193,8 @@ bool LuaState::call(int argumentCount, int resultCount, ExecutionResult& result)
         result.error = _limitError;
         result.failureType = EXECUTION_FAILURE_TYPE::LIMIT_REACHED;
     } else if (status == LUA_ERRMEM) {
+        // Finalisers that the last resort left wait until the interpreter needs more, which it would not get.
+        lua_gc(lua, LUA_GCCOLLECT);
         // No handler was called, so that what is kept is that of another error.
         result.failureType = EXECUTION_FAILURE_TYPE::MEMORY_ALLOCATION;
         _place.clear();

@@ -39,7 +39,10 @@ public:
     bool call(int argumentCount, int resultCount, ExecutionResult& result);
 
     void restartLimits();
-    void countOutside(std::ptrdiff_t bytes) { _outsideBytes += static_cast<std::size_t>(bytes); }
+    /// Counts memory outside the interpreter. @param change in bytes; of less it wraps around
+    void countOutside(std::size_t change) { _outsideBytes += change; }
+    /// Lets the collector work after objects have grown by so many bytes outside, which it does not see.
+    void collectInTime(lua_State* lua, std::size_t growth);
     std::size_t getUsedMemory() const { return _insideBytes + _outsideBytes; }
     bool canAllocate(std::size_t bytes) const;
 
@@ -76,6 +79,7 @@ private:
     Environment& _environment;
     std::size_t _insideBytes = 0; // before the interpreter, which allocates as soon as it is made
     std::size_t _outsideBytes = 0;
+    std::size_t _outsideGrowth = 0; // since the collector last heard of it
     lua_State* _lua = nullptr;
     lua_State* _running = nullptr;
     uint64_t _steps = 0;

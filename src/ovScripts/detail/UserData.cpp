@@ -11,9 +11,6 @@ char mark; // NOLINT(cppcoreguidelines-avoid-non-const-global-variables)
 constexpr std::size_t VALUE_OFFSET = (sizeof(UserData) + alignof(std::max_align_t) - 1) /
                                      alignof(std::max_align_t) * alignof(std::max_align_t);
 
-// Objects outside the interpreter's memory let it collect in time: each so many bytes it does a step.
-constexpr std::size_t OUTSIDE_BYTES_A_STEP = 1 << 20;
-
 void setMetatable(lua_State* lua, UserType& type) {
     lua_rawgeti(lua, LUA_REGISTRYINDEX, UserDataAccess::metatableOf(type));
     lua_setmetatable(lua, -2);
@@ -136,10 +133,34 @@ void UserDataAccess::_track(HeldObject& held) {
 void UserDataAccess::_countOutside(lua_State* lua, HeldObject& held) {
     if (!held.type->_sizeOf)
         return;
+    const std::size_t before = held.outsideBytes;
     held.outsideBytes = held.type->_sizeOf(held.object);
-    LuaState::of(lua).countOutside(static_cast<std::ptrdiff_t>(held.outsideBytes));
-    if (held.outsideBytes >= OUTSIDE_BYTES_A_STEP)
-        lua_gc(lua, LUA_GCSTEP, static_cast<int>(std::min<std::size_t>(held.outsideBytes >> 10, 1 << 20)));
+    LuaState& state = LuaState::of(lua);
+    state.countOutside(held.outsideBytes - before);
+    if (held.outsideBytes > before)
+        state.collectInTime(lua, held.outsideBytes - before);
+}
+
+void UserDataAccess::_pushWhole(lua_State* lua, int position) {
+    lua_pushvalue(lua, position);
+    const UserData* data = at(lua, -1);
+    if (!data || !data->isHeld || static_cast<const HeldObject*>(data)->isOwned)
+        return;
+    lua_getiuservalue(lua, -1, 1);
+    lua_remove(lua, lua_isnil(lua, -1) ? -1 : -2);
+}
+
+void UserDataAccess::keep(lua_State* lua, int position) {
+    _pushWhole(lua, position);
+    lua_setiuservalue(lua, -2, 1);
+}
+
+void UserDataAccess::recount(lua_State* lua, int position) {
+    _pushWhole(lua, position);
+    UserData* const whole = at(lua, -1);
+    if (whole && whole->isHeld && static_cast<HeldObject*>(whole)->isOwned && !isGone(*whole))
+        _countOutside(lua, *static_cast<HeldObject*>(whole));
+    lua_pop(lua, 1);
 }
 
 ovMemory::UniquePtr<SharedObject> UserDataAccess::share(UserData& data, bool forwardOwnership) {
@@ -182,7 +203,7 @@ int UserDataAccess::collect(lua_State* lua) {
     if (!data || !data->isHeld)
         return 0;
     auto& held = static_cast<HeldObject&>(*data);
-    LuaState::of(lua).countOutside(-static_cast<std::ptrdiff_t>(held.outsideBytes));
+    LuaState::of(lua).countOutside(std::size_t(0) - held.outsideBytes);
     _destroy(held);
     held.~HeldObject();
     // A finaliser of a script may still see it: it is nothing from now on.

@@ -61,6 +61,12 @@ public:
     /// Takes the user data out for another environment.
     static ovMemory::UniquePtr<SharedObject> share(UserData& data, bool forwardOwnership);
 
+    /// Makes the user data on top of the stack keep the one at a position alive. Of a part it keeps the
+    /// whole: a chain of parts would never let go of those in between.
+    static void keep(lua_State* lua, int position);
+    /// Looks again at what an object holds, or the whole that it is a part of: a call may have changed that.
+    static void recount(lua_State* lua, int position);
+
     /// The finaliser of held objects.
     static int collect(lua_State* lua);
 
@@ -69,6 +75,8 @@ private:
     static HeldObject& _pushHeld(lua_State* lua, UserType& type, void* object);
     static void _track(HeldObject& held);
     static void _countOutside(lua_State* lua, HeldObject& held);
+    /// Puts the object on the stack that the one at a position is a part of, else that one.
+    static void _pushWhole(lua_State* lua, int position);
     static void _destroy(HeldObject& held);
 };
 

@@ -191,8 +191,7 @@ void ParameterAccess::_pushUserData(lua_State* lua, const FunctionParameter& val
     if (value._keptArgument < 0 ||
         value._keptArgument + 1 >= lua_gettop(lua)) // of a function without arguments
         return;
-    lua_pushvalue(lua, value._keptArgument + 1);
-    lua_setiuservalue(lua, -2, 1);
+    UserDataAccess::keep(lua, value._keptArgument + 1);
 }
 
 ovMemory::String expectationOf(const FunctionArgument& declared) {

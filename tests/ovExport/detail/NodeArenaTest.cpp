@@ -50,6 +50,18 @@ TEST(NodeArenaTest, settingValuesAgainTakesNothing) {
     EXPECT_EQ(text->getValueAsStringView(), "klmnopqrst");
 }
 
+TEST(NodeArenaTest, treesTellTheirBytes) {
+    const auto root = Node::create();
+    EXPECT_EQ(root->getTreeBytes(), 0u);
+    const std::size_t chunk = 1024 + sizeof(void*);
+    root->addElement();
+    EXPECT_EQ(root->getTreeBytes(), chunk);
+    // A long text has a chunk of its own.
+    root->addElement()->setAsString(ovMemory::String(1 << 20, 'x'));
+    EXPECT_EQ(root->getTreeBytes(),
+              chunk + (1 << 20) + 2 * sizeof(void*)); // the chunk's head and the NUL, aligned
+}
+
 TEST(NodeArenaTest, nodesAreAligned) {
     const auto root = Node::create();
     for (const char* name : {"a", "bc", "def", "ghij", "klmno", "pqrstu"}) {

@@ -127,4 +127,48 @@ TEST(UserDataTest, partsKeepTheirWholeAlive) {
     EXPECT_EQ(world.destroyed, 1);
 }
 
+TEST(UserDataTest, partsOfPartsKeepTheWholeAlone) {
+    World world;
+    const auto part = [](Arguments arguments) {
+        return FunctionParameter(arguments[0].getValueAsUserData<int>(), "Part", false).keeping(0);
+    };
+    world.environment->setUserType("Part")->addMethod("part")->setFunction(part);
+    world.environment->getUserType("Owned")->addMethod("part")->setFunction(part);
+    evaluate(*world.environment, "between = setmetatable({}, {__mode = 'v'}) between[1] = Owned():part() "
+                                 "last = between[1]:part():part()");
+    world.environment->collectGarbage();
+    EXPECT_EQ(world.destroyed, 0);
+    EXPECT_EQ(evaluate(*world.environment, "return between[1]"), "nil");
+    evaluate(*world.environment, "last = nil");
+    world.environment->collectGarbage();
+    EXPECT_EQ(world.destroyed, 1);
+}
+
+TEST(UserDataTest, objectsThatGrowAreCountedAgain) {
+    const auto environment = luaEnvironment();
+    UserType* type = environment->setUserType("Growing");
+    std::size_t bytes = 100;
+    type->setConstructor([&](Arguments) -> void* { return &bytes; });
+    type->setSizeOf([](const void* object) { return *static_cast<const std::size_t*>(object); });
+    type->addMethod("grow")->setFunction([](Arguments arguments) {
+        *arguments[0].getValueAsUserData<std::size_t>() += 5'000'000;
+        return FunctionParameter();
+    });
+    type->addMethod("part")->setFunction([](Arguments arguments) {
+        return FunctionParameter(arguments[0].getValueAsUserData<std::size_t>(), "Part", false).keeping(0);
+    });
+    environment->setUserType("Part")->addMethod("shrink")->setFunction([](Arguments arguments) {
+        *arguments[0].getValueAsUserData<std::size_t>() -= 4'000'000;
+        return FunctionParameter();
+    });
+    const auto millions = [&](const char* text) {
+        evaluate(*environment, text);
+        return environment->getUsedMemory() / 1'000'000;
+    };
+    EXPECT_EQ(millions("one = Growing()"), 0u);
+    EXPECT_EQ(millions("one:grow() one:grow()"), 10u);
+    EXPECT_EQ(millions("part = one:part() part:shrink()"), 6u);
+    EXPECT_EQ(millions("one, part = nil collectgarbage() collectgarbage()"), 0u);
+}
+
 } // namespace

@@ -10,6 +10,10 @@ void ExporterLoadResultWrapper::updateEnvironment(ovScripts::Environment* enviro
     ovScripts::UserType& type = *environment->getUserType(TYPE_NAME<ExporterLoadResult>);
     type.setHelp("A tree, or the reason why there is none.");
     destructible<ExporterLoadResult>(type);
+    type.setSizeOf([](const void* result) {
+        const auto& tree = static_cast<const ExporterLoadResult*>(result)->_tree;
+        return tree ? tree->getTreeBytes() : 0;
+    });
     // Parts of the result, which keep it alive.
     type.addMemberVariable(
             "_tree", ovScripts::FUNCTION_PARAMETER_TYPE::USER_DATA, TYPE_NAME<ovExport::Node>,

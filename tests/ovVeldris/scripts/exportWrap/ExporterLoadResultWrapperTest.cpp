@@ -2,6 +2,27 @@
 
 #include "../support/Cases.h"
 
+TEST(ExporterLoadResultWrapperTest, growingTreesCountAgainstTheMemoryOfTheirEnvironment) {
+    ovVeldris::ScriptsEngine engine(nullptr);
+    engine.initialize({.memoryLimit = 16 << 20});
+    luaTest::expectCases(*engine.getEnvironment(),
+                         {
+                             {"local node = ovExport.JsonExporter.importIntoTree('[]')._tree while true do "
+                              "node:addElement() end",
+                              "error: not enough memory"},
+                             {"local node = ovExport.JsonExporter.importIntoTree('[]')._tree while true do "
+                              "node = node:addElement() end",
+                              "error: not enough memory"},
+                             {"local text = string.rep('[', 1 << 20) .. string.rep(']', 1 << 20) "
+                              "ovExport.JsonExporter.importIntoTree(text) return ''",
+                              "error: not enough memory"},
+                             {"for i = 1, 1000 do ovExport.JsonExporter.importIntoTree('[\"' .. "
+                              "string.rep('x', 1 << 20) .. '\"]') end "
+                              "return 'collected'",
+                              "collected"},
+                         });
+}
+
 TEST(ExporterLoadResultWrapperTest, hasATreeOrAnError) {
     luaTest::expectCases({
         {"local r = ovExport.JsonExporter.importIntoTree('[]') return tostring(r._tree ~= nil) .. ' ' .. "
