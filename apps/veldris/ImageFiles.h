@@ -1,7 +1,7 @@
 // Image files with what their numbers mean.
 #pragma once
 
-#include <ovImages/Encoder.h>
+#include <ovImages/PictureFile.h>
 #include <ovMaths/Vector.h>
 #include <veldris/effects/ContentConversions.h>
 
@@ -27,18 +27,9 @@ ovMemory::Result encodePicture(const ovImages::Encoder& format, ovMemory::String
 /// @param content what the picture's numbers mean; encoded ones are blended as light
 void layBehind(ovImages::Image& picture, const ovMaths::Vector& color, PICTURE_CONTENT content);
 
-/// What the pictures of a file are stored as.
-struct FileForm {
-    ovImages::COMPONENT_TYPE components = ovImages::COMPONENT_TYPE::FLOAT;
-    ovImages::COLOR_ENCODING encoding = ovImages::COLOR_ENCODING::LINEAR;
-};
-
 /// The form of a path's format: sRGB of 8 bits for PNG and JPEG, linear floats for EXR and HDR, and for what
 /// names no format.
-FileForm formOfFile(const ovMemory::String& path);
-
-/// Takes away the alpha of a picture of four channels where it is 1 everywhere, in place.
-void dropOpaqueAlpha(ovImages::Image& picture);
+ovImages::FileForm formOfFile(const ovMemory::String& path);
 
 /// Writes a picture of three or four channels, floats or of the form of its file already, in the format of
 /// the path's extension: 8 bits a component for PNG and JPEG, floats for EXR. Alpha is dropped where it is 1

@@ -259,7 +259,7 @@ ChainResult runChain(Session& session, const ovImages::ImageView& picture, const
 }
 
 ChainResult runChainForFile(Session& session, ovImages::Image picture, const ChainPlan& plan,
-                            const FileForm& form, bool raw) {
+                            const ovImages::FileForm& form, bool raw) {
     UniquePtr<Texture> uploaded = uploadTimed(session, std::move(picture));
     // Without effects there is nothing to draw in strips.
     if (!uploaded || plan.effects.empty())
@@ -283,7 +283,7 @@ ChainResult runChainForFile(Session& session, ovImages::Image picture, const Cha
         return result;
     }
     const TimedPart part(session.getProgress(), "conversion");
-    dropOpaqueAlpha(*result.image);
+    ovImages::dropOpaqueAlpha(*result.image);
     result.warning = ovImages::describeLosses(losses);
     result.timings = runner.getTimings();
     return result;

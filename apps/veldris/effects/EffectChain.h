@@ -51,7 +51,7 @@ ChainResult runChain(Session& session, const ovImages::ImageView& picture, const
 /// whole picture, and draw what lies in the strip. @param picture goes when it is on the device
 /// @param raw numbers are stored as they are, without encoding them
 ChainResult runChainForFile(Session& session, ovImages::Image picture, const ChainPlan& plan,
-                            const FileForm& form, bool raw);
+                            const ovImages::FileForm& form, bool raw);
 
 /// An unloaded effect of a single pass with the settings of a plan, named like its kind.
 ovMemory::UniquePtr<ovVeldris::Effect> makeEffect(Session& session, const PlannedEffect& planned);

@@ -3,6 +3,7 @@
 #include <ovGraphics/System.h>
 #include <ovGraphics/compositor/Compositor.h>
 #include <ovGraphics/compositor/RenderContext.h>
+#include <ovGraphics/resources/RenderTarget.h>
 #include <ovGraphics/resources/Shader.h>
 #include <ovGraphics/resources/Viewport.h>
 #include <ovImages/Conversion.h>
@@ -16,12 +17,7 @@ UniquePtr<Texture> makeTarget(ovGraphics::System& graphics, ovMemory::StringView
                               ovGraphics::FORMAT format, unsigned int width, unsigned int height) {
     UniquePtr<Texture> texture = Texture::create(&graphics);
     texture->setName(name);
-    texture->setFormat(format);
-    texture->setWidth(width);
-    texture->setHeight(height);
-    texture->setMipCount(1);
-    texture->setUsableAsRenderTarget(true);
-    return texture->load() ? std::move(texture) : nullptr;
+    return ovGraphics::loadAsRenderTarget(*texture, width, height, format) ? std::move(texture) : nullptr;
 }
 
 UniquePtr<Texture> uploadPicture(ovGraphics::System& graphics, ovImages::Image picture) {

@@ -1,10 +1,10 @@
 #include <veldris/scene/SceneCamera.h>
 
-#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <numbers>
 #include <ovGraphics/resources/Camera.h>
+#include <ovGraphics/scene/CameraFraming.h>
 #include <ovGraphics/scene/Node.h>
 #include <ovVeldris/content/Model.h>
 
@@ -18,11 +18,6 @@ using ovMemory::StringView;
 
 namespace {
 
-constexpr float VERTICAL_FOV = 0.6f;     // radians, as of a lens of 60 mm: little distortion
-constexpr float FILLED = 0.94f;          // share of the picture that the model spans, the rest is margin
-constexpr float SMALLEST_RADIUS = 1e-3f; // metres; of models that are points
-constexpr float NEAREST_SHARE = 0.01f;   // of the distance: keeps depth precise
-
 float radians(float degrees) {
     return degrees * std::numbers::pi_v<float> / 180.0f;
 }
@@ -35,41 +30,13 @@ Vector orbitDirection(const CameraChoice& choice) {
             -std::cos(azimuth) * std::cos(elevation)};
 }
 
-/// The distance from the box's centre at which all its corners are in view.
-float fittingDistance(const Camera& camera, const BoundingBox& box, float aspect) {
-    const float tangentY = FILLED * std::tan(0.5f * VERTICAL_FOV);
-    const float tangentX = tangentY * aspect;
-    const ovMaths::Matrix view = camera.getViewMatrix(); // the camera is still in the centre
-    const Vector half = box.getSize() * 0.5f;
-    float distance = 0.0f;
-    // Each corner of the box asks for a distance on its own, and the largest wins. The sphere around the box
-    // would be simpler, but leaves long models small in the picture.
-    for (unsigned int corner = 0; corner < 8; ++corner) {
-        const auto side = [corner](unsigned int axis) { return corner >> axis & 1u ? 1.0f : -1.0f; };
-        const Vector offset(half.x * side(0), half.y * side(1), half.z * side(2), 0.0f);
-        const Vector seen = view * offset;
-        distance =
-            std::max({distance, std::abs(seen.x) / tangentX - seen.z, std::abs(seen.y) / tangentY - seen.z});
-    }
-    return distance;
-}
-
-void setPlanes(Camera& camera, const BoundingBox& box, float aspect) {
-    const float radius = std::max(0.5f * box.getSize().getLengthVec3(), SMALLEST_RADIUS);
-    const float distance = Vector::distanceVec3(camera.getPosition(), box.getCenter());
-    // The near plane decides how precise depth is, so it is as far away as the model allows.
-    const float nearest = std::max(distance - radius, NEAREST_SHARE * (distance + radius));
-    camera.setPerspective(VERTICAL_FOV, aspect, nearest, distance + 2.0f * radius);
-}
-
-void placeOrbit(const CameraChoice& choice, const BoundingBox& box, float aspect, Camera& camera) {
-    const Vector towardsEye = orbitDirection(choice);
-    const Vector center = box.getCenter();
-    camera.setPosition(Vector());
-    camera.lookAt(-towardsEye, Vector());
-    const float fitting = std::max(fittingDistance(camera, box, aspect), SMALLEST_RADIUS);
-    camera.setPosition(center + towardsEye * (fitting / choice.zoom));
-    setPlanes(camera, box, aspect);
+bool placeOrbit(const CameraChoice& choice, const BoundingBox& box, float aspect, Camera& camera,
+                String& error) {
+    ovGraphics::BoxFraming framing;
+    framing.aspect = aspect;
+    framing.zoom = choice.zoom;
+    error = ovGraphics::frameBox(camera, box, -orbitDirection(choice), framing).error;
+    return error.empty();
 }
 
 bool placeFromFile(const ovVeldris::Model* model, float aspect, Camera& camera, String& error) {
@@ -147,11 +114,10 @@ bool placeCamera(const CameraChoice& choice, const BoundingBox& box, const ovVel
     case CameraChoice::KIND::PLACE:
         camera.setPosition(choice.position);
         camera.lookAt(choice.target - choice.position, Vector());
-        setPlanes(camera, box, aspect);
+        fitPlanes(camera, box, {.aspect = aspect});
         return true;
     default:
-        placeOrbit(choice, box, aspect, camera);
-        return true;
+        return placeOrbit(choice, box, aspect, camera, error);
     }
 }
 

@@ -2,10 +2,10 @@
 
 #include <algorithm>
 #include <numbers>
+#include <ovVeldris/effects/atmosphere/SunLight.h>
 #include <veldris/Session.h>
 #include <veldris/effects/EffectSpec.h>
 #include <veldris/sky/AirSettings.h>
-#include <veldris/sky/SunLight.h>
 
 namespace veldris {
 

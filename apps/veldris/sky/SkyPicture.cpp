@@ -13,7 +13,6 @@
 #include <veldris/pictures/PictureTextures.h>
 #include <veldris/sky/AirSettings.h>
 #include <veldris/sky/SkyGround.h>
-#include <veldris/sky/SunLight.h>
 
 namespace veldris {
 

@@ -1,9 +1,11 @@
 #include <ovGraphics/resources/TextureSaver.h>
 
 #include <ovGraphics/System.h>
+#include <ovGraphics/formats/TextureUtils.h>
 #include <ovGraphics/resources/Texture.h>
 #include <ovImages/Conversion.h>
 #include <ovImages/HdrEncoder.h>
+#include <ovImages/PictureFile.h>
 #include <ovResources/Files.h>
 
 namespace ovGraphics {
@@ -20,6 +22,22 @@ ovMemory::Result writeHdr(const ovImages::Image& image, ovMemory::StringView pat
 }
 
 } // namespace
+
+ovMemory::Result TextureSaver::save(Texture& texture, ovMemory::StringView path, bool raw) {
+    ovMemory::Result result;
+    if (texture.isUnloaded())
+        result.error = "it is not loaded; call load() before";
+    else if (const auto image = texture.convertToImage())
+        result = ovImages::savePicture(path, image->view(), raw);
+    else
+        result.error = "images cannot hold the format " +
+                       ovMemory::String(TextureUtils::getFormatName(texture.getFormat()));
+    if (!result)
+        result.error = "Could not save the texture '" + ovMemory::String(texture.getName()) + "' to '" +
+                       ovMemory::String(path) + "': " + result.error;
+    result.place = path;
+    return result;
+}
 
 bool TextureSaver::saveToHdr(Texture& texture, ovMemory::StringView path) {
     const auto image = texture.convertToImage();

@@ -117,6 +117,7 @@ inline constexpr DeclaredName DECLARED_NAMES[] = {
     {"ovVeldris.PbsEnvironmentMapFilter"},
     {"ovVeldris.EnvironmentRenderer"},
     {"ovVeldris.Frame"},
+    {"ovVeldris.SkyLight"},
 };
 
 } // namespace ovVeldris

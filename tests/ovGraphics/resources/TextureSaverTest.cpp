@@ -1,6 +1,8 @@
+#include <filesystem>
 #include <fstream>
 #include <ovGraphics/resources/Texture.h>
 #include <ovGraphics/resources/TextureSaver.h>
+#include <ovImages/CompositeEncoder.h>
 #include <support/PictureTest.h>
 #include <support/TemporaryFolder.h>
 
@@ -81,4 +83,52 @@ TEST_P(TextureSaverTest, tellsWhyNothingWasWritten) {
     EXPECT_FALSE(TextureSaver::saveToHdr(*texture, path));
     EXPECT_TRUE(
         takeLog().starts_with("[TextureSaver] Could not save the texture 'picture' to '" + path + "': "));
+}
+
+TEST_P(TextureSaverTest, savesWhatTheExtensionSays) {
+    const TemporaryFolder folder;
+    const auto texture = make(FORMAT::R8G8B8A8_UNORM_SRGB, {10, 20, 30, 255, 200, 100, 0, 255});
+    ASSERT_TRUE(texture->load());
+    const auto stored = [&](const char* name, bool raw) {
+        const ovMemory::Result saved = TextureSaver::save(*texture, folder.getPath(name), raw);
+        EXPECT_TRUE(saved) << saved.error;
+        EXPECT_EQ(saved.warning, "");
+        const auto file = ovImages::CompositeEncoder().decodeFile(folder.getPath(name));
+        EXPECT_TRUE(file) << file.error;
+        ovMemory::Buffer<unsigned char> bytes;
+        if (file && file.image->getComponentType() == ovImages::COMPONENT_TYPE::UINT8)
+            bytes.assign(file.image->getBytes().begin(), file.image->getBytes().end());
+        return bytes;
+    };
+    const ovMemory::Buffer<unsigned char> texels = {10, 20, 30, 200, 100, 0};
+    EXPECT_EQ(stored("srgb.png", false), texels) << "sRGB stays what it is";
+    texture->setFormat(FORMAT::R8G8B8A8_UNORM);
+    ASSERT_TRUE(texture->load());
+    EXPECT_EQ(stored("numbers.png", true), texels);
+    // 255 encoded(byte / 255): 10 and 30 lie on the curve as 20 does, 200 is 0.784.
+    EXPECT_EQ(stored("light.png", false), (ovMemory::Buffer<unsigned char>{56, 79, 96, 229, 168, 0}));
+    EXPECT_TRUE(stored("light.exr", false).empty()) << "floats";
+}
+
+TEST_P(TextureSaverTest, reasonsComeBack) {
+    const TemporaryFolder folder;
+    const auto texture = make(FORMAT::R8G8B8A8_UNORM, {1, 2, 3, 4, 5, 6, 7, 8});
+    const auto error = [&](const ovMemory::String& path) {
+        const ovMemory::Result result = TextureSaver::save(*texture, path);
+        EXPECT_EQ(result.place, path);
+        const ovMemory::String start = "Could not save the texture 'picture' to '" + path + "': ";
+        EXPECT_TRUE(result.error.starts_with(start)) << result.error;
+        return result.error.substr(std::min(start.size(), result.error.size()));
+    };
+    EXPECT_EQ(error(folder.getPath("a.png")), "it is not loaded; call load() before");
+    ASSERT_TRUE(texture->load());
+    EXPECT_NE(error(folder.getPath("a.tga")).find("its extension names no image format"),
+              ovMemory::String::npos);
+    EXPECT_NE(error(folder.getPath("missing/a.png")).find("missing"), ovMemory::String::npos);
+    const auto whole = make(FORMAT::R32G32B32A32_UINT, ovMemory::Buffer<unsigned char>(32));
+    ASSERT_TRUE(whole->load());
+    EXPECT_EQ(TextureSaver::save(*whole, folder.getPath("a.png")).error,
+              "Could not save the texture 'picture' to '" + folder.getPath("a.png") +
+                  "': images cannot hold the format R32G32B32A32_UINT");
+    EXPECT_TRUE(std::filesystem::is_empty(folder.getPath()));
 }

@@ -5,6 +5,7 @@
 #include <initializer_list>
 #include <limits>
 #include <optional>
+#include <ovMemory/Result.h>
 #include <ovScripts/Environment.h>
 #include <ovVeldris/scripts/commonWrap/TypeNames.h>
 #include <stdexcept>
@@ -26,6 +27,13 @@ class ArgumentError : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
 };
+
+/// What a call ended with, for scripts: its warning or nothing; an error of the script when it failed.
+inline std::optional<ovMemory::String> warningOf(const ovMemory::Result& result) {
+    if (!result)
+        throw ArgumentError(result.error);
+    return result.warning.empty() ? std::nullopt : std::optional(result.warning);
+}
 
 template <typename T>
 using Bare = std::remove_cv_t<std::remove_reference_t<T>>;

@@ -2,6 +2,7 @@
 #include <ovGraphics/resources/Texture.h>
 #include <ovGraphics/resources/TextureSaver.h>
 #include <ovVeldris/System.h>
+#include <ovVeldris/environment/OutputLoaded.h>
 #include <ovVeldris/environment/PbsEnvironmentMapFilter.h>
 #include <ovVeldris/scripts/graphicsWrap/GraphicsTypes.h>
 #include <ovVeldris/scripts/graphicsWrap/TextureWrappers.h>
@@ -60,14 +61,21 @@ void addTexels(ovScripts::UserType& type) {
             return self.convertToImage(slice.value_or(0), mip.value_or(0));
         },
         {"slice", "mip"}, "A picture of one mip; nil when it is not loaded or has another format.");
+    method(
+        type, "save",
+        [](Texture& self, ovMemory::StringView path, std::optional<bool> raw) {
+            return ovCommonWrap::warningOf(ovGraphics::TextureSaver::save(self, path, raw.value_or(false)));
+        },
+        {"path", "raw"},
+        "Writes the first mip of the first slice as PNG, JPEG, EXR or HDR, by the path's extension. PNG and "
+        "JPEG hold sRGB, unless raw hands over the numbers as they are. Gives a warning of what the file "
+        "could not hold, or nil; an error with the reason when it cannot be written.");
 }
 
 // The tool belongs to a system, whose log it uses; without one it computes silently.
 bool computeIrradiance(Texture& input, Texture& output) {
-    const unsigned int loads = output.getLoadCount();
     ovVeldris::PbsEnvironmentMapFilter filter(ovVeldris::System::getInstanceIfExisting());
-    filter.requestIrradianceComputing(&input, &output);
-    return output.getLoadCount() != loads;
+    return ovVeldris::loadsOutput(output, [&] { filter.requestIrradianceComputing(&input, &output); });
 }
 
 } // namespace

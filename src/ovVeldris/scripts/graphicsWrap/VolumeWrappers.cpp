@@ -1,7 +1,7 @@
 #include <ovGraphics/resources/Camera.h>
 #include <ovGraphics/resources/Frustum.h>
 #include <ovGraphics/resources/Viewport.h>
-#include <ovGraphics/scene/BoundingBox.h>
+#include <ovGraphics/scene/CameraFraming.h>
 #include <ovVeldris/scripts/graphicsWrap/GraphicsTypes.h>
 #include <ovVeldris/scripts/graphicsWrap/VolumeWrappers.h>
 
@@ -11,6 +11,19 @@ using ovGraphics::BoundingBox;
 using ovGraphics::Camera;
 using ovGraphics::Frustum;
 using ovGraphics::Viewport;
+
+namespace {
+
+void frameCamera(Camera& self, const BoundingBox& box, const ovMaths::Vector& direction,
+                 std::optional<float> aspect, std::optional<float> verticalFov) {
+    ovGraphics::BoxFraming framing;
+    framing.aspect = aspect.value_or(framing.aspect);
+    framing.verticalFov = verticalFov.value_or(framing.verticalFov);
+    if (const ovMemory::Result result = ovGraphics::frameBox(self, box, direction, framing); !result)
+        throw ovCommonWrap::ArgumentError(result.error);
+}
+
+} // namespace
 
 void BoundingBoxWrapper::updateEnvironment(ovScripts::Environment* environment) {
     ovScripts::UserType& type = typeOf<BoundingBox>(environment);
@@ -47,6 +60,10 @@ void CameraWrapper::updateEnvironment(ovScripts::Environment* environment) {
            "Angle in radians, width over height, distances in metres; false when one is out of range.");
     method(type, "setOrthographic", &Camera::setOrthographic, {"width", "height", "nearPlane", "farPlane"},
            "The view's sides and distances in metres; false when one is out of range.");
+    method(
+        type, "frame", &frameCamera, {"box", "direction", "aspect", "verticalFov"},
+        "Looks along a direction at a box from where all of it is in view. The aspect is width over height, "
+        "1 if left out, and the angle in radians, 0.6 if left out. An error when it cannot.");
 }
 
 void FrustumWrapper::updateEnvironment(ovScripts::Environment* environment) {

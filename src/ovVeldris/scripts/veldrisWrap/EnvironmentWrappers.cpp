@@ -1,7 +1,7 @@
 #include <ovGraphics/resources/Shader.h>
-#include <ovGraphics/resources/Texture.h>
 #include <ovVeldris/System.h>
 #include <ovVeldris/environment/EnvironmentRenderer.h>
+#include <ovVeldris/environment/OutputLoaded.h>
 #include <ovVeldris/environment/PbsEnvironmentMapFilter.h>
 #include <ovVeldris/scripts/veldrisWrap/EnvironmentWrappers.h>
 #include <ovVeldris/scripts/veldrisWrap/VeldrisTypes.h>
@@ -10,6 +10,7 @@ namespace ovVeldrisWrap {
 
 using ovGraphics::Shader;
 using ovGraphics::Texture;
+using ovVeldris::loadsOutput;
 using ovVeldris::System;
 
 namespace {
@@ -20,14 +21,6 @@ Tool& existing(Tool* tool) {
     if (!tool)
         throw ovCommonWrap::ArgumentError("the system was shut down");
     return *tool;
-}
-
-/// Whether a tool loaded its output; what went wrong is in the log.
-template <typename Draw>
-bool drawInto(Texture& output, const Draw& draw) {
-    const unsigned int loads = output.getLoadCount();
-    draw();
-    return output.getLoadCount() != loads && !output.isUnloaded();
 }
 
 } // namespace
@@ -41,8 +34,8 @@ void PbsEnvironmentMapFilterWrapper::updateEnvironment(ovScripts::Environment* e
         type, "requestEnvironmentMapFiltering",
         [](Texture& input, Texture& output, unsigned int resolution) {
             auto& tool = existing(System::getInstance()->getPbsEnvironmentMapFilter());
-            return drawInto(output,
-                            [&] { tool.requestEnvironmentMapFiltering(&input, &output, resolution); });
+            return loadsOutput(output,
+                               [&] { tool.requestEnvironmentMapFiltering(&input, &output, resolution); });
         },
         {"input", "output", "resolution"},
         "Makes a cube whose mips hold the environment as surfaces of rising roughness mirror it.");
@@ -50,7 +43,7 @@ void PbsEnvironmentMapFilterWrapper::updateEnvironment(ovScripts::Environment* e
         type, "requestIrradianceComputing",
         [](Texture& input, Texture& output) {
             auto& tool = existing(System::getInstance()->getPbsEnvironmentMapFilter());
-            return drawInto(output, [&] { tool.requestIrradianceComputing(&input, &output); });
+            return loadsOutput(output, [&] { tool.requestIrradianceComputing(&input, &output); });
         },
         {"input", "output"},
         "Makes a texture of the light that a diffuse surface facing each direction receives, over pi.");
@@ -64,7 +57,7 @@ void EnvironmentRendererWrapper::updateEnvironment(ovScripts::Environment* envir
         type, "renderCubemap",
         [](Texture& output, Shader& shader, unsigned int resolution, ovGraphics::FORMAT format) {
             auto& tool = existing(System::getInstance()->getEnvironmentRenderer());
-            return drawInto(output, [&] { tool.renderCubemap(&output, &shader, resolution, format); });
+            return loadsOutput(output, [&] { tool.renderCubemap(&output, &shader, resolution, format); });
         },
         {"output", "shader", "resolution", "format"},
         "Draws a shader, as of an effect, over a cube's faces.");
@@ -72,7 +65,7 @@ void EnvironmentRendererWrapper::updateEnvironment(ovScripts::Environment* envir
         type, "cubemapToSphericalMap",
         [](Texture& output, Texture& input, unsigned int width, unsigned int height) {
             auto& tool = existing(System::getInstance()->getEnvironmentRenderer());
-            return drawInto(output, [&] { tool.cubemapToSphericalMap(&output, &input, width, height); });
+            return loadsOutput(output, [&] { tool.cubemapToSphericalMap(&output, &input, width, height); });
         },
         {"output", "input", "width", "height"}, "Unwraps a cube into a map by longitude and latitude.");
 }

@@ -1,5 +1,7 @@
+#include <ovGraphics/System.h>
 #include <ovGraphics/compositor/Compositor.h>
 #include <ovGraphics/resources/Camera.h>
+#include <ovGraphics/resources/RenderTarget.h>
 #include <ovGraphics/resources/Shader.h>
 #include <ovGraphics/resources/Texture.h>
 #include <ovGraphics/scene/RenderQueue.h>
@@ -16,12 +18,24 @@ void checkTarget(bool isAdded) {
         throw ovCommonWrap::ArgumentError("the frame has nothing to draw into; call drawInto() before");
 }
 
+ovGraphics::Texture* newTarget(ovMemory::StringView name, unsigned int width, unsigned int height,
+                               ovGraphics::FORMAT format) {
+    auto* texture = ovGraphics::System::getInstance()->getTextureManager()->createOrRetrieve(name);
+    if (!ovGraphics::loadAsRenderTarget(*texture, width, height, format))
+        throw ovCommonWrap::ArgumentError("the texture '" + ovMemory::String(name) +
+                                          "' cannot be a target; the log says why");
+    return texture;
+}
+
 } // namespace
 
 void FrameWrapper::updateEnvironment(ovScripts::Environment* environment) {
     ovScripts::UserType& type = deviceTypeOf<Frame>(environment);
     type.setHelp("Steps that are drawn in order. Belongs to the script.");
     ovCommonWrap::constructible<Frame>(type);
+    staticFunction(type, "newTarget", &newTarget, {"name", "width", "height", "format"},
+                   "The texture of that name, loaded as a render target, whatever it was; an error when the "
+                   "device refuses it. Belongs to its manager.");
     method(type, "drawInto", &Frame::drawInto, {"color", "depth"},
            "What the following steps draw into: loaded render targets. Without depth nothing is tested.");
     method(

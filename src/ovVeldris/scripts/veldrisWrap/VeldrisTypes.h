@@ -17,6 +17,7 @@ class Model;
 class ModelLoader;
 class PbsEnvironmentMapFilter;
 class ProjectLoader;
+class SkyLight;
 } // namespace ovVeldris
 
 namespace ovVeldrisWrap {
@@ -55,6 +56,8 @@ inline constexpr ovMemory::StringView TYPE_NAME<ovVeldris::PbsEnvironmentMapFilt
     "ovVeldris.PbsEnvironmentMapFilter";
 template <>
 inline constexpr ovMemory::StringView TYPE_NAME<ovVeldris::ProjectLoader> = "ovVeldris.ProjectLoader";
+template <>
+inline constexpr ovMemory::StringView TYPE_NAME<ovVeldris::SkyLight> = "ovVeldris.SkyLight";
 template <>
 inline constexpr ovMemory::StringView TYPE_NAME<ovVeldrisWrap::LoadedMaterials> = "ovVeldris.LoadedMaterials";
 

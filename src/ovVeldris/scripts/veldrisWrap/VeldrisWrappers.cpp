@@ -2,6 +2,7 @@
 #include <ovVeldris/scripts/veldrisWrap/EffectWrappers.h>
 #include <ovVeldris/scripts/veldrisWrap/EnvironmentWrappers.h>
 #include <ovVeldris/scripts/veldrisWrap/FrameWrapper.h>
+#include <ovVeldris/scripts/veldrisWrap/SkyLightWrapper.h>
 #include <ovVeldris/scripts/veldrisWrap/VeldrisWrappers.h>
 
 namespace ovVeldrisWrap {
@@ -21,6 +22,7 @@ void updateVeldris(ovScripts::Environment* environment) {
     PbsEnvironmentMapFilterWrapper::updateEnvironment(environment);
     EnvironmentRendererWrapper::updateEnvironment(environment);
     FrameWrapper::updateEnvironment(environment);
+    SkyLightWrapper::updateEnvironment(environment);
 }
 
 } // namespace ovVeldrisWrap

@@ -119,7 +119,7 @@ TEST_P(EffectChainTest, stripsMakeTheSamePicture) {
     const ChainResult whole = veldris::runChain(_session, picture.view(), plan);
     ASSERT_TRUE(whole) << whole.error;
     for (const COMPONENT_TYPE type : {COMPONENT_TYPE::FLOAT, COMPONENT_TYPE::UINT8}) {
-        const veldris::FileForm form = {type, COLOR_ENCODING::SRGB};
+        const ovImages::FileForm form = {type, COLOR_ENCODING::SRGB};
         const ChainResult strips = veldris::runChainForFile(_session, picture, plan, form, false);
         ASSERT_TRUE(strips) << strips.error;
         const Image expected = ovImages::convertImage(whole.image->view(), type, 4, COLOR_ENCODING::SRGB);
@@ -147,7 +147,7 @@ TEST_P(EffectChainTest, anAlphaOfOneIsLeftOutOfFiles) {
     ChainOptions options;
     options.input = PICTURE_CONTENT::SRGB_ENCODED;
     ASSERT_TRUE(veldris::planChain(effects, options, plan, error)) << error;
-    const veldris::FileForm form = {COMPONENT_TYPE::UINT8, COLOR_ENCODING::SRGB};
+    const ovImages::FileForm form = {COMPONENT_TYPE::UINT8, COLOR_ENCODING::SRGB};
     const ChainResult result = veldris::runChainForFile(_session, picture, plan, form, false);
     ASSERT_TRUE(result) << result.error;
     EXPECT_EQ(result.image->getChannels(), 3u);

@@ -177,9 +177,9 @@ TEST_F(LuaExamplesTest, project) {
 
 TEST_F(LuaExamplesTest, scene) {
     EXPECT_EQ(run("scene.lua"), "");
-    const auto gem = picture("scene.jpg", 64, 64);
+    const auto gem = picture("scene.png", 64, 64);
     EXPECT_GT(meanIn(*gem, 0, 0, 8, 8, 2), meanIn(*gem, 0, 0, 8, 8, 0)) << "a blue sky";
     EXPECT_GT(meanIn(*gem, 28, 24, 8, 8, 0), 1.2 * meanIn(*gem, 28, 24, 8, 8, 2)) << "a red gem";
-    run("scene.lua", {_folder.getPath("gem.gltf"), "32"});
-    picture("scene.jpg", 32, 32);
+    run("scene.lua", {OV_LUA_EXAMPLES "/gem.gltf", "32"});
+    picture("scene.png", 32, 32);
 }

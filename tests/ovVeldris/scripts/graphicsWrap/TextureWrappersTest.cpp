@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <ovGraphics/resources/Texture.h>
+#include <ovImages/CompositeEncoder.h>
 #include <scripts/graphicsWrap/GraphicsScripts.h>
 #include <support/TemporaryFolder.h>
 
@@ -99,4 +100,39 @@ TEST_F(TextureWrappersTest, irradianceIsComputed) {
     EXPECT_EQ(evaluate("return ovGraphics.TextureUtils.computeIrradianceSH(t, nil)"),
               "error: test:1: ovGraphics.TextureUtils.computeIrradianceSH: argument 2 (output) expected "
               "ovGraphics.Texture, got nil");
+}
+
+TEST_F(TextureWrappersTest, theExtensionSaysTheFormat) {
+    const TemporaryFolder folder;
+    loadBytes();
+    evaluate("FOLDER = '" + folder.getPath("") + "'");
+    EXPECT_EQ(evaluate("return t:save(FOLDER .. 'raw.png', true)"), "nil");
+    const auto file = ovImages::CompositeEncoder().decodeFile(folder.getPath("raw.png"));
+    ASSERT_TRUE(file) << file.error;
+    EXPECT_EQ(ovMemory::Buffer<unsigned char>(file.image->getBytes().begin(), file.image->getBytes().end()),
+              (ovMemory::Buffer<unsigned char>{1, 2, 3, 4, 250, 0, 0, 255}));
+    EXPECT_NE(evaluate("return t:save(FOLDER .. 'a.jpg')").find("alpha"), ovMemory::String::npos)
+        << "a warning";
+    for (const char* name : {"a.exr", "a.hdr", "a.PNG"}) {
+        evaluate("t:save(FOLDER .. '" + ovMemory::String(name) + "')");
+        EXPECT_TRUE(std::filesystem::exists(folder.getPath(name))) << name;
+    }
+}
+
+TEST_F(TextureWrappersTest, whatCannotBeSavedHasAReason) {
+    const ovMemory::String start =
+        "error: test:1: ovGraphics.Texture.save: Could not save the texture 't' to ";
+    EXPECT_EQ(evaluate("t:save('a.png')"), start + "'a.png': it is not loaded; call load() before");
+    loadBytes();
+    EXPECT_TRUE(evaluate("t:save('a.xyz')")
+                    .starts_with(start +
+                                 "'a.xyz': Encoding file 'a.xyz' failed: its extension names no image "
+                                 "format; expected one of png"));
+    EXPECT_TRUE(evaluate("t:save('/no/such/folder/a.png')").starts_with(start + "'/no/such/folder/a.png': "));
+    EXPECT_EQ(evaluate("t:save()"),
+              "error: test:1: ovGraphics.Texture.save: argument 2 (path) expected string, "
+              "got nothing");
+    EXPECT_EQ(evaluate("ovGraphics.TextureManager.getInstance():erase('t') t:save('a.png')"),
+              "error: test:1: ovGraphics.Texture.save: argument 1 expected ovGraphics.Texture, got "
+              "ovGraphics.Texture 't' is gone: it was destroyed");
 }

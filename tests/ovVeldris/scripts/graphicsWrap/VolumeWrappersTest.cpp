@@ -84,3 +84,29 @@ TEST_F(VolumeWrappersTest, viewportsTellTheirHeight) {
     EXPECT_EQ(evaluate("return part:getHeight()"), "5");
     getGraphics().getViewportManager()->erase("part");
 }
+
+// A cube of 2 m seen head-on through a right angle: its near face needs 1 / 0.94 m and stands 1 m before the
+// middle.
+TEST_F(VolumeWrappersTest, camerasSeeWholeBoxes) {
+    evaluate("cube = ovGraphics.BoundingBox.newCube(V(5, 0, 0), 2)");
+    EXPECT_EQ(evaluate("eye:frame(cube, V(0, 0, 3), 1, math.pi / 2) return show(eye:getPosition())"),
+              "5.000 0.000 -2.064 0.000");
+    EXPECT_EQ(evaluate("eye:frame(cube, V(0, 0, 3), 0.5, math.pi / 2) return show(eye:getPosition())"),
+              "5.000 0.000 -3.128 0.000");
+    EXPECT_EQ(evaluate("eye:frame(cube, V(0, 0, -1)) return eye:getPerspectiveFov()"), "0.60000002384186");
+    EXPECT_EQ(evaluate("return cube:checkAgainst(eye:getFrustum())"), "true");
+    EXPECT_EQ(
+        evaluate("eye:frame(cube, V(0, 0, 0))"),
+        "error: test:1: ovGraphics.Camera.frame: the camera 'eye' cannot show the box: the direction to "
+        "look along is zero or not finite");
+    EXPECT_EQ(
+        evaluate("eye:frame(cube, V(0, 0, 1), 0)"),
+        "error: test:1: ovGraphics.Camera.frame: the camera 'eye' cannot show the box: the aspect is not "
+        "above 0");
+    EXPECT_EQ(evaluate("eye:frame(eye, V(0, 0, 1))"),
+              "error: test:1: ovGraphics.Camera.frame: argument 2 (box) expected ovGraphics.BoundingBox, got "
+              "ovGraphics.Camera");
+    EXPECT_EQ(evaluate("ovGraphics.CameraManager.getInstance():erase('eye') eye:frame(cube, V(0, 0, 1))"),
+              "error: test:1: ovGraphics.Camera.frame: argument 1 expected ovGraphics.Camera, got "
+              "ovGraphics.Camera 'eye' is gone: it was destroyed");
+}

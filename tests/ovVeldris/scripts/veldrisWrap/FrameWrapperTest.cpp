@@ -84,3 +84,26 @@ TEST_F(FrameWrapperTest, aScriptLoadsLightsDrawsAndWrites) {
     EXPECT_GT(lit, 20) << "the sky lights the model: " << result;
     EXPECT_LE(beside, 1) << "nothing stands beside it; the curve begins a little above 0: " << result;
 }
+
+TEST_F(FrameWrapperTest, targetsAreMadeInOneCall) {
+    EXPECT_EQ(evaluate("F = ovGraphics.FORMAT t = ovVeldris.Frame.newTarget('t', 5, 3, F.R32_FLOAT) "
+                       "return t:getName() .. t:getWidth() .. t:getHeight() .. "
+                       "tostring(t:getFormat() == F.R32_FLOAT) .. "
+                       "tostring(t.loadState == ovGraphics.RESOURCE_LOAD_STATE.LOADED)"),
+              "t53truetrue");
+    EXPECT_EQ(evaluate("return t == ovGraphics.TextureManager.getInstance():get('t')"), "true");
+    EXPECT_EQ(evaluate("ovVeldris.Frame.newTarget('t', 7, 7, F.D32_FLOAT) return t:getWidth()"), "7")
+        << "the same texture";
+    for (const char* wrong :
+         {"'t', 0, 3, F.R32_FLOAT", "'t', 4000000000, 3, F.R32_FLOAT", "'t', 3, 3, F.BC1_UNORM"}) {
+        EXPECT_EQ(
+            evaluate(ovMemory::String("ovVeldris.Frame.newTarget(") + wrong + ")"),
+            "error: test:1: ovVeldris.Frame.newTarget: the texture 't' cannot be a target; the log says "
+            "why");
+        EXPECT_NE(getLogger().getText().find("Could not load the texture 't'"), ovMemory::String::npos);
+        getLogger().messages.clear();
+    }
+    EXPECT_EQ(evaluate("ovVeldris.Frame.newTarget('t', 3, 3)"),
+              "error: test:1: ovVeldris.Frame.newTarget: argument 4 (format) expected integer, got nothing");
+    getGraphics().getTextureManager()->erase("t");
+}

@@ -1,4 +1,4 @@
-#include <veldris/sky/SunLight.h>
+#include <ovVeldris/effects/atmosphere/SunLight.h>
 
 #include <algorithm>
 #include <array>
@@ -6,10 +6,9 @@
 #include <numbers>
 #include <ovVeldris/effects/atmosphere/AtmosphereEffect.h>
 
-namespace veldris {
+namespace ovVeldris {
 
 using ovMaths::Vector;
-using ovVeldris::AtmosphereEffect;
 
 namespace {
 
@@ -73,4 +72,4 @@ Vector sunIrradiance(const AtmosphereEffect& air, double height, double elevatio
     return sunTransmittance(air, height, elevation) * air.getSunIlluminanceFactor();
 }
 
-} // namespace veldris
+} // namespace ovVeldris

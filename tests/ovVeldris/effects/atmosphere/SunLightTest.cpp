@@ -1,20 +1,22 @@
-#include <veldris/sky/SunLight.h>
+#include <ovVeldris/effects/atmosphere/SunLight.h>
 
-#include "ovVeldris/effects/atmosphere/AtmosphereFixture.h"
-
-#include <veldris/SessionTesting.h>
+#include <ovVeldris/effects/atmosphere/AtmosphereFixture.h>
 
 namespace {
 
-using namespace veldris;
+using namespace ovVeldris;
 using atmosphereReference::Three;
 using ovMaths::Vector;
 
-class SunLightTest : public testing::Test {
+class SunLightTest : public AtmosphereFixture {
 protected:
     void SetUp() override {
-        ASSERT_NO_FATAL_FAILURE(openOnSoftware(_session));
-        _air = ovVeldris::AtmosphereEffect::create(&_session.getSystem());
+        AtmosphereFixture::SetUp();
+        _air = makeEffect();
+    }
+    void TearDown() override {
+        _air.reset();
+        AtmosphereFixture::TearDown();
     }
     /// The optical depth summed in many small steps, after the table's way of summing.
     Three reference(double height, double elevation) const {
@@ -30,11 +32,12 @@ protected:
         EXPECT_NEAR(actual.z, expected[2], share * expected[2]);
     }
 
-    Session _session;
-    ovMemory::UniquePtr<ovVeldris::AtmosphereEffect> _air;
+    ovMemory::UniquePtr<AtmosphereEffect> _air;
 };
 
-TEST_F(SunLightTest, straightUpItIsTheClosedForm) {
+INSTANTIATE_TEST_SUITE_P(, SunLightTest, testing::Values(ovGraphics::SHADER_LANGUAGE::GLSL), languageName);
+
+TEST_P(SunLightTest, straightUpItIsTheClosedForm) {
     const auto expected = [](double rayleigh, double ozone) {
         const double column = rayleigh * 8.0 * (1.0 - std::exp(-100.0 / 8.0)) + 8.396 * 1.2 + ozone * 15.0;
         return std::exp(-1e-3 * column);
@@ -44,7 +47,7 @@ TEST_F(SunLightTest, straightUpItIsTheClosedForm) {
                {expected(5.802, 0.65), expected(13.558, 1.881), expected(33.1, 0.085)}, 1e-4);
 }
 
-TEST_F(SunLightTest, itIsTheOpticalDepthSummedDirectly) {
+TEST_P(SunLightTest, itIsTheOpticalDepthSummedDirectly) {
     useStrangeAir(*_air);
     struct Case {
         double height, elevation;
@@ -56,7 +59,7 @@ TEST_F(SunLightTest, itIsTheOpticalDepthSummedDirectly) {
                    reference(current.height, current.elevation), 1e-3);
 }
 
-TEST_F(SunLightTest, nothingComesThroughTheGround) {
+TEST_P(SunLightTest, nothingComesThroughTheGround) {
     EXPECT_EQ(sunTransmittance(*_air, 2.0, -0.5), Vector());
     EXPECT_EQ(sunTransmittance(*_air, 2.0, -90.0), Vector());
     EXPECT_EQ(sunTransmittance(*_air, -50.0, -2.0), Vector());
@@ -65,14 +68,14 @@ TEST_F(SunLightTest, nothingComesThroughTheGround) {
     EXPECT_EQ(sunTransmittance(*_air, 10000.0, -3.26), Vector());
 }
 
-TEST_F(SunLightTest, strangeHeightsAreThoseOfTheEffect) {
+TEST_P(SunLightTest, strangeHeightsAreThoseOfTheEffect) {
     EXPECT_EQ(sunTransmittance(*_air, -500.0, 20.0), sunTransmittance(*_air, 1.0, 20.0));
     EXPECT_EQ(sunTransmittance(*_air, 0.0, 20.0), sunTransmittance(*_air, 1.0, 20.0));
     EXPECT_EQ(sunTransmittance(*_air, 400e3, 20.0), Vector(1.0f, 1.0f, 1.0f));
     EXPECT_EQ(sunTransmittance(*_air, 400e3, -80.0), Vector()) << "behind the planet";
 }
 
-TEST_F(SunLightTest, itIsRedderTheLowerTheSun) {
+TEST_P(SunLightTest, itIsRedderTheLowerTheSun) {
     float redness = 0.0f; // red over blue
     for (const double elevation : {90.0, 60.0, 30.0, 15.0, 8.0, 4.0, 2.0, 0.5}) {
         const Vector light = sunIrradiance(*_air, 2.0, elevation);
@@ -82,7 +85,7 @@ TEST_F(SunLightTest, itIsRedderTheLowerTheSun) {
     EXPECT_GT(redness, 100.0f);
 }
 
-TEST_F(SunLightTest, irradianceIsThatOfTheEffect) {
+TEST_P(SunLightTest, irradianceIsThatOfTheEffect) {
     _air->setSunIlluminanceFactor(8.0f);
     EXPECT_EQ(sunIrradiance(*_air, 2.0, 40.0), sunTransmittance(*_air, 2.0, 40.0) * 8.0f);
 }
