@@ -29,6 +29,17 @@ void setMemberField(lua_State* lua, const char* field, lua_CFunction function, U
     lua_setfield(lua, -2, field);
 }
 
+// Makes calls of the type's table, which registry holds, calls of a function with one upvalue.
+void setCall(lua_State* lua, int table, lua_CFunction function, const void* upvalue,
+             const ovMemory::String& fullName) {
+    lua_rawgeti(lua, LUA_REGISTRYINDEX, table);
+    lua_newtable(lua);
+    detail::setFunctionField(lua, "__call", function, upvalue);
+    setTextField(lua, "__metatable", fullName);
+    lua_setmetatable(lua, -2);
+    lua_pop(lua, 1);
+}
+
 // A table that raises an error for names that it lacks. @return the interpreter's number of the hold on it
 int createMethodTable(lua_State* lua, UserType* type) {
     lua_newtable(lua);
@@ -45,6 +56,7 @@ UserType::UserType(Environment* environment, ovMemory::StringView fullName)
     , _fullName(fullName) {
     _environment->getState()->protect([&](lua_State* lua) {
         _table = detail::createNamedTable(lua, _fullName);
+        setCall(lua, _table, &detail::refuseConstruction, this, _fullName);
         _methods = createMethodTable(lua, this);
         lua_newtable(lua);
         _members = luaL_ref(lua, LUA_REGISTRYINDEX);
@@ -88,11 +100,7 @@ UserType::setConstructor(std::function<void*(ovMemory::BufferView<FunctionParame
             return FunctionParameter(constructor(arguments), _fullName, true);
         });
     _environment->getState()->protect([&](lua_State* lua) {
-        lua_rawgeti(lua, LUA_REGISTRYINDEX, _table);
-        lua_newtable(lua);
-        detail::setFunctionField(lua, "__call", &detail::callConstructor, _constructor.get());
-        setTextField(lua, "__metatable", _fullName);
-        lua_setmetatable(lua, -2);
+        setCall(lua, _table, &detail::callConstructor, _constructor.get(), _fullName);
     });
     return _constructor.get();
 }

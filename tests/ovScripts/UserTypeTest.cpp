@@ -50,7 +50,9 @@ TEST(UserTypeTest, typesAreCalledToMakeObjects) {
 TEST(UserTypeTest, typesWithoutConstructorCannotBeMade) {
     const auto environment = luaEnvironment();
     environment->setUserType("Texture");
-    EXPECT_EQ(evaluate(*environment, "return Texture()").substr(0, 6), "error:");
+    EXPECT_EQ(evaluate(*environment, "return Texture(1)"),
+              "error: test:1: Texture: scripts cannot make one; take one that a function or a member gives");
+    EXPECT_EQ(evaluate(*environment, "return getmetatable(Texture)"), "Texture");
 }
 
 TEST(UserTypeTest, operatorsTakeEitherOrder) {

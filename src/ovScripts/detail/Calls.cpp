@@ -266,6 +266,12 @@ int writeMember(lua_State* lua) {
     return found == 1 ? 0 : raise(lua);
 }
 
+int refuseConstruction(lua_State* lua) {
+    lua_pushfstring(lua, "%s: scripts cannot make one; take one that a function or a member gives",
+                    upvalue<const UserType>(lua).getFullName().c_str());
+    return raise(lua);
+}
+
 int refuseMethod(lua_State* lua) {
     pushUnknownMember(lua, upvalue<const UserType>(lua));
     return raise(lua);
