@@ -152,17 +152,28 @@ void addLimits(CLI::App& run, RunOptions& options) {
                  "open Lua's library debug, with which a script can break the interpreter");
 }
 
+// @param words what the command line has behind the options of veldris
+void takeScript(const std::vector<std::string>& words, RunOptions& options) {
+    if (words.empty())
+        return;
+    options.script = words.front();
+    if (options.script.starts_with('-') && options.script != "-")
+        throw CLI::ExtrasError("run", {options.script});
+    options.arguments.assign(words.begin() + 1, words.end());
+}
+
 } // namespace
 
 void addRunCommand(CLI::App& program, Command& command) {
     auto options = std::make_shared<RunOptions>();
     CLI::App* run = program.add_subcommand("run", "run a Lua script over the whole library, or a prompt");
-    run->add_option("SCRIPT", options->script, "Lua script; - for standard input (default: a prompt)");
+    run->add_option("SCRIPT", options->script, "Lua script; - for standard input (default: a prompt)")
+        ->expected(0); // for the help alone: a script that is taken here would not end what veldris reads
     addLimits(*run, *options);
     run->add_flag("--reference", options->reference,
                   "print every name that scripts see, as Markdown, and end");
     addDeviceOptions(*run, options->drawing);
-    // What follows the script belongs to the script.
+    // The first that is no option, and everything behind it, belongs to the script.
     run->prefix_command();
     run->footer(
         "What follows SCRIPT are its arguments, in it ... and arg; options of veldris stand before SCRIPT. "
@@ -170,8 +181,7 @@ void addRunCommand(CLI::App& program, Command& command) {
         "with "
         "its traceback and the status 1.");
     run->callback([options, run, &command] {
-        for (const String& argument : run->remaining())
-            options->arguments.push_back(argument);
+        takeScript(run->remaining(), *options);
         command = [options](Console& console) { return runRun(console, *options); };
     });
 }

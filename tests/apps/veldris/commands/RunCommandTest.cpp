@@ -44,6 +44,22 @@ TEST_F(RunCommandTest, argumentsReachTheScript) {
     EXPECT_EQ(outcome.output, "first|--size|first|2|demo.lua\n");
 }
 
+TEST_F(RunCommandTest, whatFollowsTheScriptIsTheScripts) {
+    const ovMemory::Buffer<String> arguments = {"--time-limit", "never", "--help", "-x", "--", "--no-cache"};
+    const Outcome outcome = run("print(table.concat(arg, ' '))", {"--time-limit", "60"}, arguments);
+    EXPECT_EQ(outcome.status, 0) << outcome.error;
+    EXPECT_EQ(outcome.output, "--time-limit never --help -x -- --no-cache\n");
+    EXPECT_EQ(runVeldris({"run", "--help"}).output.substr(0, 36), "run a Lua script over the whole libr");
+}
+
+TEST_F(RunCommandTest, unknownOptionsAreErrors) {
+    const Outcome outcome = run("print('no')", {"--bogus"});
+    EXPECT_EQ(outcome.output, "");
+    EXPECT_NE(outcome.status, 0);
+    EXPECT_NE(outcome.error.find("--bogus"), String::npos) << outcome.error;
+    EXPECT_NE(runVeldris({"run", "--bogus"}).error.find("--bogus"), String::npos);
+}
+
 TEST_F(RunCommandTest, errorsTellScriptLineAndTraceback) {
     const Outcome outcome = run("local function inner()\n  error('broken')\nend\ninner()");
     EXPECT_EQ(outcome.status, 1);
