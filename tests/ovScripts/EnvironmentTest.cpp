@@ -28,6 +28,17 @@ TEST(EnvironmentTest, withoutInterpreterNothingRuns) {
     environment->restartLimits();
 }
 
+TEST(EnvironmentTest, resultsOutliveWhatScriptsHold) {
+    const auto environment = luaEnvironment();
+    FunctionParameter text;
+    ASSERT_TRUE(environment->execute(scriptOf("return string.rep('text', 1000)"), {}, {&text, 1}));
+    environment->collectGarbage();
+    // Others of the size take its place.
+    evaluate(*environment, "others = {} for i = 1, 100 do others[i] = string.rep('x', 4000 + i % 8) end");
+    EXPECT_EQ(text.getValueAsString().size(), 4000u);
+    EXPECT_EQ(text.getValueAsString().substr(3996), "text");
+}
+
 TEST(EnvironmentTest, aScriptOfNoLanguageIsRefused) {
     const auto environment = luaEnvironment();
     EXPECT_FALSE(environment->execute(Script()));

@@ -127,6 +127,20 @@ TEST(UserDataTest, partsKeepTheirWholeAlive) {
     EXPECT_EQ(world.destroyed, 1);
 }
 
+TEST(UserDataTest, membersKeepTheirObjectAlive) {
+    World world;
+    world.environment->setUserType("Part");
+    world.environment->getUserType("Owned")->addMemberVariable(
+        "part", FUNCTION_PARAMETER_TYPE::USER_DATA, "Part",
+        [](void* object) { return FunctionParameter(object, "Part", false); }, nullptr);
+    evaluate(*world.environment, "part = Owned().part");
+    world.environment->collectGarbage();
+    EXPECT_EQ(world.destroyed, 0);
+    evaluate(*world.environment, "part = nil");
+    world.environment->collectGarbage();
+    EXPECT_EQ(world.destroyed, 1);
+}
+
 TEST(UserDataTest, partsOfPartsKeepTheWholeAlone) {
     World world;
     const auto part = [](Arguments arguments) {
