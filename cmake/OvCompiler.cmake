@@ -51,7 +51,7 @@ endif()
 #
 # With CMAKE_UNITY_BUILD, which the presets set, the sources of a folder are compiled as one: what they include is most
 # of the work. A folder is small enough that its unnamed namespaces hold different names. Families that follow one
-# pattern (effects, encoders) give the same names to the same things on purpose: ALONE keeps these sources single.
+# pattern (encoders, tests) give the same names to the same things on purpose: ALONE keeps these sources single.
 # Editors see single sources in the preset lint; clang-tidy looks at these and at the folders (cmake/lint.sh).
 function(ov_compile_by_folder target)
     cmake_parse_arguments(arg "" "" "ALONE" ${ARGN})

@@ -17,7 +17,7 @@ namespace ovVeldris {
 
 namespace {
 
-constexpr ovMemory::StringView CLASS_NAME = "BlurComplexEffect";
+constexpr ovMemory::StringView BLUR_CLASS_NAME = "BlurComplexEffect";
 
 ovMemory::Buffer<ovGraphics::shading::Define> definesOf(const BlurComplexEffectInfo& info,
                                                         const BlurTaps& taps, const char* direction) {
@@ -72,7 +72,7 @@ ovMemory::UniquePtr<BlurComplexEffect> BlurComplexEffect::create(System* system)
 }
 
 BlurComplexEffect::BlurComplexEffect(System* system)
-    : MultiPassEffect(COMPLEX_EFFECT_TYPE::BLUR, system, CLASS_NAME, settings()) {
+    : MultiPassEffect(COMPLEX_EFFECT_TYPE::BLUR, system, BLUR_CLASS_NAME, settings()) {
     if (ovGraphics::System* graphics = _getGraphicsSystem())
         _createTargets(*graphics);
 }
@@ -151,7 +151,7 @@ bool BlurComplexEffect::_preparePrograms() {
                    "The blurring complex effect '" + _nameWith("' has a radius of ") +
                        std::to_string(_loadedInfo.kernelRadius) + ", and kernels have numbers up to " +
                        std::to_string(MAX_BLUR_RADIUS) + "; set a smaller one.",
-                   CLASS_NAME);
+                   BLUR_CLASS_NAME);
         return false;
     }
     const ProgramPair& programs = _acquirePrograms();

@@ -20,7 +20,7 @@ namespace ovVeldris {
 
 namespace {
 
-constexpr ovMemory::StringView CLASS_NAME = "DofComplexEffect";
+constexpr ovMemory::StringView DOF_CLASS_NAME = "DofComplexEffect";
 constexpr ovMemory::StringView ABORTING = "Aborting.";
 
 // The small pictures, in the order of the targets of the first pass.
@@ -32,7 +32,7 @@ constexpr unsigned int PROJECTION_SLOT = 0;
 constexpr unsigned int DISTANCES_SLOT = 1;
 constexpr unsigned int SOURCE_SIZE_SLOT = 2; ///< of the down-sampling shader
 
-constexpr unsigned int SOURCE_UNIT = 0;
+constexpr unsigned int DOF_SOURCE_UNIT = 0;
 constexpr unsigned int DOWN_DEPTH_UNIT = 1;
 constexpr unsigned int FIRST_PLANE_UNIT = 1; ///< of the blend shader: near field, far field, fade
 constexpr unsigned int BLEND_DEPTH_UNIT = 4;
@@ -108,7 +108,7 @@ ovMemory::UniquePtr<DofComplexEffect> DofComplexEffect::create(System* system) {
 }
 
 DofComplexEffect::DofComplexEffect(System* system)
-    : MultiPassEffect(COMPLEX_EFFECT_TYPE::DOF, system, CLASS_NAME, settings()) {
+    : MultiPassEffect(COMPLEX_EFFECT_TYPE::DOF, system, DOF_CLASS_NAME, settings()) {
     if (ovGraphics::System* graphics = _getGraphicsSystem())
         _createTargets(*graphics);
 }
@@ -122,8 +122,8 @@ void DofComplexEffect::setSourceTexture(ovGraphics::Texture* texture) {
     if (!_isLoaded())
         return;
     constantSlot(*_down, SOURCE_SIZE_SLOT).setAsTextureSize(texture);
-    _down->setTexture(texture, SOURCE_UNIT, 0);
-    _blend->setTexture(texture, SOURCE_UNIT, 0);
+    _down->setTexture(texture, DOF_SOURCE_UNIT, 0);
+    _blend->setTexture(texture, DOF_SOURCE_UNIT, 0);
     _prepareTextures();
     _prepareViewports();
     // The blurs follow the size of the small pictures.
@@ -290,12 +290,12 @@ bool DofComplexEffect::_prepareShaders() {
         return false;
 
     _down = _makeShader("_DOWN", *programs.first);
-    _down->setTexture(getSourceTexture(), SOURCE_UNIT, 0);
+    _down->setTexture(getSourceTexture(), DOF_SOURCE_UNIT, 0);
     _down->setTexture(getSourceDepth(), DOWN_DEPTH_UNIT, 0);
     _down->setSampler(_colorSampler.get(), COLOR_SAMPLER_UNIT, 0);
     _down->setSampler(_depthSampler.get(), DEPTH_SAMPLER_UNIT, 0);
     _blend = _makeShader("_BLEND", *programs.second);
-    _blend->setTexture(getSourceTexture(), SOURCE_UNIT, 0);
+    _blend->setTexture(getSourceTexture(), DOF_SOURCE_UNIT, 0);
     for (unsigned int plane = 0; plane < PLANE_COUNT; ++plane)
         _blend->setTexture(_blurs[plane]->getOutputTexture(), FIRST_PLANE_UNIT + plane, 0);
     _blend->setTexture(getSourceDepth(), BLEND_DEPTH_UNIT, 0);
@@ -315,7 +315,7 @@ bool DofComplexEffect::_feedNode(ovGraphics::CompositorNode& node) {
         logMessage(_getSystem(),
                    "Error when loading a sub-component of ComplexEffect '" +
                        _nameWith("' : blurring effect (") + BLUR_NAMES[plane] + ") could not load. Aborting.",
-                   CLASS_NAME);
+                   DOF_CLASS_NAME);
         return false;
     }
     _blocks.append(node, *_blend, *_highViewport, {_output.get()});

@@ -12,12 +12,12 @@ namespace ovVeldris {
 
 namespace {
 
-constexpr unsigned int SOURCE_UNIT = 0;
+constexpr unsigned int GRAIN_SOURCE_UNIT = 0;
 constexpr unsigned int TIME_SLOT = 0;
 constexpr unsigned int STRENGTH_SLOT = 1;
 constexpr float TIME_MODULO = 500.0f; // seconds until the grain repeats
 
-constexpr EffectSamplerSettings SAMPLER = {
+constexpr EffectSamplerSettings GRAIN_SAMPLER = {
     .name = "VELDRIS_FILM_GRAIN_SAMPLER",
     .filter = ovGraphics::FILTER::MIN_MAG_MIP_POINT,
     .borderColor = std::array{0.0f, 0.0f, 0.0f, 0.0f},
@@ -58,7 +58,7 @@ void FilmGrainEffect::setSourceTexture(ovGraphics::Texture* texture) {
     _currentInfo.sourceTexture = texture;
     // As it was loaded: the shader of the grain alone has no unit for a texture.
     if (!_loadedInfo.blendGrainInTarget)
-        _bindTextureIfLoaded(texture, SOURCE_UNIT);
+        _bindTextureIfLoaded(texture, GRAIN_SOURCE_UNIT);
 }
 
 void FilmGrainEffect::setStrength(float strength) {
@@ -94,8 +94,8 @@ void FilmGrainEffect::_bindResources(ovGraphics::Shader& shader) {
     _writeStrength(shader);
     if (_loadedInfo.blendGrainInTarget)
         return;
-    shader.setTexture(getSourceTexture(), SOURCE_UNIT, 0);
-    shader.setSampler(_prepareSampler(SAMPLER), SOURCE_UNIT, 0);
+    shader.setTexture(getSourceTexture(), GRAIN_SOURCE_UNIT, 0);
+    shader.setSampler(_prepareSampler(GRAIN_SAMPLER), GRAIN_SOURCE_UNIT, 0);
 }
 
 void FilmGrainEffect::_writeStrength(ovGraphics::Shader& shader) const {

@@ -13,11 +13,11 @@ namespace ovVeldris {
 
 namespace {
 
-constexpr unsigned int SOURCE_UNIT = 0;
+constexpr unsigned int FXAA_SOURCE_UNIT = 0;
 constexpr unsigned int NUMBERS_SLOT = 0;
 constexpr unsigned int SIZE_SLOT = 1;
 
-constexpr EffectSamplerSettings SAMPLER = {
+constexpr EffectSamplerSettings FXAA_SAMPLER = {
     .name = "VELDRIS_FXAA_SAMPLER",
     .filter = ovGraphics::FILTER::MIN_MAG_LINEAR_MIP_POINT,
     .address = ovGraphics::TEXTURE_ADDRESS::CLAMP,
@@ -86,7 +86,7 @@ FxaaEffect::~FxaaEffect() = default;
 
 void FxaaEffect::setSourceTexture(ovGraphics::Texture* texture) {
     _currentInfo.sourceTexture = texture;
-    _bindTextureIfLoaded(texture, SOURCE_UNIT);
+    _bindTextureIfLoaded(texture, FXAA_SOURCE_UNIT);
     if (ovGraphics::Shader* shader = _getLoadedShader())
         constantSlot(*shader, SIZE_SLOT).setAsTextureSize(texture);
 }
@@ -138,8 +138,8 @@ void FxaaEffect::_fillSources(ovGraphics::ProgramSourcesHolder& sources) const {
 void FxaaEffect::_bindResources(ovGraphics::Shader& shader) {
     _writeNumbers(shader);
     constantSlot(shader, SIZE_SLOT).setAsTextureSize(getSourceTexture());
-    shader.setTexture(getSourceTexture(), SOURCE_UNIT, 0);
-    shader.setSampler(_prepareSampler(SAMPLER), SOURCE_UNIT, 0);
+    shader.setTexture(getSourceTexture(), FXAA_SOURCE_UNIT, 0);
+    shader.setSampler(_prepareSampler(FXAA_SAMPLER), FXAA_SOURCE_UNIT, 0);
 }
 
 void FxaaEffect::_writeNumbers(ovGraphics::Shader& shader) const {

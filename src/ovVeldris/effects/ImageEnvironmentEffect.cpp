@@ -14,9 +14,9 @@ namespace {
 
 using PROJECTION = IMAGE_ENVIRONMENT_PROJECTION;
 
-constexpr unsigned int SOURCE_UNIT = 0;
+constexpr unsigned int ENVIRONMENT_SOURCE_UNIT = 0;
 
-constexpr EffectSamplerSettings DEFAULT_SAMPLER = {
+constexpr EffectSamplerSettings ENVIRONMENT_DEFAULT_SAMPLER = {
     .name = "VELDRIS_IMAGE_ENVIRONMENT_SAMPLER",
     .filter = ovGraphics::FILTER::MIN_MAG_MIP_LINEAR,
     .address = ovGraphics::TEXTURE_ADDRESS::CLAMP,
@@ -78,12 +78,12 @@ ImageEnvironmentEffect::~ImageEnvironmentEffect() = default;
 
 void ImageEnvironmentEffect::setSourceTexture(ovGraphics::Texture* texture) {
     _currentInfo.sourceTexture = texture;
-    _bindTextureIfLoaded(texture, SOURCE_UNIT);
+    _bindTextureIfLoaded(texture, ENVIRONMENT_SOURCE_UNIT);
 }
 
 void ImageEnvironmentEffect::setSourceSampler(ovGraphics::Sampler* sampler) {
     _currentInfo.sourceSampler = sampler;
-    _bindSamplerIfLoaded(sampler, DEFAULT_SAMPLER.name, SOURCE_UNIT);
+    _bindSamplerIfLoaded(sampler, ENVIRONMENT_DEFAULT_SAMPLER.name, ENVIRONMENT_SOURCE_UNIT);
 }
 
 void ImageEnvironmentEffect::setSourceCamera(ovGraphics::Camera* camera) {
@@ -140,10 +140,10 @@ void ImageEnvironmentEffect::_fillSources(ovGraphics::ProgramSourcesHolder& sour
 }
 
 void ImageEnvironmentEffect::_bindResources(ovGraphics::Shader& shader) {
-    shader.setTexture(getSourceTexture(), SOURCE_UNIT, 0);
-    ovGraphics::Sampler* defaultSampler = _prepareSampler(DEFAULT_SAMPLER);
+    shader.setTexture(getSourceTexture(), ENVIRONMENT_SOURCE_UNIT, 0);
+    ovGraphics::Sampler* defaultSampler = _prepareSampler(ENVIRONMENT_DEFAULT_SAMPLER);
     ovGraphics::Sampler* sampler = getSourceSampler();
-    shader.setSampler(sampler ? sampler : defaultSampler, SOURCE_UNIT, 0);
+    shader.setSampler(sampler ? sampler : defaultSampler, ENVIRONMENT_SOURCE_UNIT, 0);
     if (_loadedInfo.sourceProjection != PROJECTION::FLAT)
         constantSlot(shader, 0).setAsCamCornersWorld(getSourceCamera());
 }

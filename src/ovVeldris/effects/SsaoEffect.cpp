@@ -27,7 +27,7 @@ constexpr unsigned int PROJECTION_SLOT = 1;
 constexpr unsigned int PROJECTION_PARAMETERS_SLOT = 2;
 
 /// A border of zeros: positions outside the screen are then those of nothing.
-constexpr EffectSamplerSettings SAMPLER = {
+constexpr EffectSamplerSettings SSAO_SAMPLER = {
     .name = "VELDRIS_SSAO_SAMPLER",
     .filter = ovGraphics::FILTER::MIN_MAG_MIP_POINT,
     .address = ovGraphics::TEXTURE_ADDRESS::BORDER,
@@ -220,7 +220,7 @@ void SsaoEffect::_bindResources(ovGraphics::Shader& shader) {
         shader.setTexture(getDepthBuffer(), SCENE_UNIT, 0);
         constantSlot(shader, PROJECTION_PARAMETERS_SLOT, PIXEL_CONSTANTS).setAsProjectionParameters();
     }
-    shader.setSampler(_prepareSampler(SAMPLER), 0, 0);
+    shader.setSampler(_prepareSampler(SSAO_SAMPLER), 0, 0);
 }
 
 void SsaoEffect::_writeSamplingVarsIfLoaded() const {

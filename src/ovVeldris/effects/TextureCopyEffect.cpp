@@ -10,9 +10,9 @@ namespace ovVeldris {
 
 namespace {
 
-constexpr unsigned int SOURCE_UNIT = 0;
+constexpr unsigned int COPY_SOURCE_UNIT = 0;
 
-constexpr EffectSamplerSettings DEFAULT_SAMPLER = {
+constexpr EffectSamplerSettings COPY_DEFAULT_SAMPLER = {
     .name = "VELDRIS_TEX_COPY_SAMPLER",
     // A copy of the same size must give every texel as it is.
     .filter = ovGraphics::FILTER::MIN_MAG_MIP_POINT,
@@ -45,12 +45,12 @@ TextureCopyEffect::~TextureCopyEffect() = default;
 
 void TextureCopyEffect::setSourceTexture(ovGraphics::Texture* texture) {
     _currentInfo.sourceTexture = texture;
-    _bindTextureIfLoaded(texture, SOURCE_UNIT);
+    _bindTextureIfLoaded(texture, COPY_SOURCE_UNIT);
 }
 
 void TextureCopyEffect::setSourceSampler(ovGraphics::Sampler* sampler) {
     _currentInfo.sourceSampler = sampler;
-    _bindSamplerIfLoaded(sampler, DEFAULT_SAMPLER.name, SOURCE_UNIT);
+    _bindSamplerIfLoaded(sampler, COPY_DEFAULT_SAMPLER.name, COPY_SOURCE_UNIT);
 }
 
 ovGraphics::Texture* TextureCopyEffect::getSourceTexture() const {
@@ -68,10 +68,10 @@ void TextureCopyEffect::_fillSources(ovGraphics::ProgramSourcesHolder& sources) 
 }
 
 void TextureCopyEffect::_bindResources(ovGraphics::Shader& shader) {
-    shader.setTexture(getSourceTexture(), SOURCE_UNIT, 0);
-    ovGraphics::Sampler* defaultSampler = _prepareSampler(DEFAULT_SAMPLER);
+    shader.setTexture(getSourceTexture(), COPY_SOURCE_UNIT, 0);
+    ovGraphics::Sampler* defaultSampler = _prepareSampler(COPY_DEFAULT_SAMPLER);
     ovGraphics::Sampler* sampler = getSourceSampler();
-    shader.setSampler(sampler ? sampler : defaultSampler, SOURCE_UNIT, 0);
+    shader.setSampler(sampler ? sampler : defaultSampler, COPY_SOURCE_UNIT, 0);
 }
 
 } // namespace ovVeldris

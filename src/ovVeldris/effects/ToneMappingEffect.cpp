@@ -10,9 +10,9 @@ namespace ovVeldris {
 
 namespace {
 
-constexpr unsigned int SOURCE_UNIT = 0;
+constexpr unsigned int TONE_MAPPING_SOURCE_UNIT = 0;
 
-constexpr EffectSamplerSettings SAMPLER = {
+constexpr EffectSamplerSettings TONE_MAPPING_SAMPLER = {
     .name = "VELDRIS_TONE_MAPPING_SAMPLER",
     .filter = ovGraphics::FILTER::MIN_MAG_MIP_POINT,
     .address = ovGraphics::TEXTURE_ADDRESS::CLAMP,
@@ -87,7 +87,7 @@ ToneMappingEffect::~ToneMappingEffect() = default;
 
 void ToneMappingEffect::setSourceTexture(ovGraphics::Texture* texture) {
     _currentInfo.sourceTexture = texture;
-    _bindTextureIfLoaded(texture, SOURCE_UNIT);
+    _bindTextureIfLoaded(texture, TONE_MAPPING_SOURCE_UNIT);
 }
 
 void ToneMappingEffect::setUseLuminance(bool use) {
@@ -164,8 +164,8 @@ void ToneMappingEffect::_fillSources(ovGraphics::ProgramSourcesHolder& sources) 
 
 void ToneMappingEffect::_bindResources(ovGraphics::Shader& shader) {
     _writeConstants(shader, operatorOf(_loadedInfo));
-    shader.setTexture(getSourceTexture(), SOURCE_UNIT, 0);
-    shader.setSampler(_prepareSampler(SAMPLER), SOURCE_UNIT, 0);
+    shader.setTexture(getSourceTexture(), TONE_MAPPING_SOURCE_UNIT, 0);
+    shader.setSampler(_prepareSampler(TONE_MAPPING_SAMPLER), TONE_MAPPING_SOURCE_UNIT, 0);
 }
 
 void ToneMappingEffect::_writeConstants(ovGraphics::Shader& shader, TONE_MAPPING_OPERATOR used) const {

@@ -17,8 +17,8 @@ namespace ovVeldris {
 namespace {
 
 constexpr unsigned int LUT_CONSTANTS = 3;
-constexpr unsigned int SUN_TABLE_UNIT = 0;
-constexpr ovMemory::StringView CLASS_NAME = "AtmosphereEffect";
+constexpr unsigned int LUTS_SUN_TABLE_UNIT = 0;
+constexpr ovMemory::StringView LUTS_CLASS_NAME = "AtmosphereEffect";
 
 const ovMaths::Vector SELECT_NOTHING;
 const ovMaths::Vector SELECT_SUN_TRANSMITTANCE{1.0f, 0.0f, 0.0f, 0.0f};
@@ -27,7 +27,7 @@ const ovMaths::Vector SELECT_MULTI_SCATTERING{0.0f, 1.0f, 0.0f, 0.0f};
 } // namespace
 
 AtmosphereLuts::AtmosphereLuts(System* system, ovMemory::StringView ownerName)
-    : ScreenEffect(EFFECT_TYPE::ATMOSPHERE, system, "atmosphere LUT complex", CLASS_NAME)
+    : ScreenEffect(EFFECT_TYPE::ATMOSPHERE, system, "atmosphere LUT complex", LUTS_CLASS_NAME)
     , _ownerName(ownerName) {
     prepareTextures();
 }
@@ -60,10 +60,10 @@ void AtmosphereLuts::refresh() {
         return;
     writeAirConstants(*shader, _currentInfo);
     // Of the two passes the first draws what the second reads.
-    shader->setTexture(nullptr, SUN_TABLE_UNIT, 0);
+    shader->setTexture(nullptr, LUTS_SUN_TABLE_UNIT, 0);
     _generate(*_sunTransmittance, _currentInfo.sunTransmittanceLutWidth,
               _currentInfo.sunTransmittanceLutHeight, SELECT_SUN_TRANSMITTANCE);
-    shader->setTexture(_sunTransmittance.get(), SUN_TABLE_UNIT, 0);
+    shader->setTexture(_sunTransmittance.get(), LUTS_SUN_TABLE_UNIT, 0);
     _generate(*_multiScattering, _currentInfo.multiScatteringLutWidth, _currentInfo.multiScatteringLutHeight,
               SELECT_MULTI_SCATTERING);
 }
@@ -72,7 +72,7 @@ bool AtmosphereLuts::_generate(ovGraphics::Texture& table, unsigned int width, u
                                const ovMaths::Vector& selector) {
     if (!_shapeTable(table, width, height)) {
         logMessage(_getSystem(), "Error while creating an atmosphere LUT texture. Aborting generation.",
-                   CLASS_NAME);
+                   LUTS_CLASS_NAME);
         return false;
     }
     ovGraphics::Shader& shader = *_getLoadedShader();
@@ -128,7 +128,7 @@ void AtmosphereLuts::_bindResources(ovGraphics::Shader& shader) {
     writePixelConstants(shader, _loadedInfo, _loadedInfo.usesShadows());
     writeAirConstants(shader, _loadedInfo);
     constantSlot(shader, 0, LUT_CONSTANTS).setFromVector(SELECT_NOTHING);
-    shader.setSampler(_sampler.get(), SUN_TABLE_UNIT, 0);
+    shader.setSampler(_sampler.get(), LUTS_SUN_TABLE_UNIT, 0);
 }
 
 } // namespace ovVeldris
