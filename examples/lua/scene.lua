@@ -2,40 +2,35 @@
 --
 --     veldris run scene.lua [FOLDER] [MODEL.glb] [SIZE]      without a model it draws gem.gltf, which lies beside it
 local folder, path, size = arg[1] or ".", arg[2] or arg[0]:gsub("scene.lua$", "gem.gltf"), tonumber(arg[3] or 64)
-local FORMAT, Frame = ovGraphics.FORMAT, ovVeldris.Frame
+local FORMAT, Frame, Vector = ovGraphics.FORMAT, ovVeldris.Frame, ovMaths.Vector
 local effects, queues = ovVeldris.EffectManager.getInstance(), ovGraphics.RenderQueueManager.getInstance()
 
 -- The sky, and the model in its light.
 local air = effects:createOrRetrieve("air", "atmosphere")
-air.sun_position, air.sun_illuminance_factor = "0.5,0.6,-0.5", 10
+air.sun_position, air.sun_illuminance_factor = {0.5, 0.6, -0.5}, 10
 assert(air:load())
 local model = ovVeldris.ModelLoader.load(path)
-local sky = ovVeldris.SkyLight.draw("sky", air)
-sky:lightModel(model)
+ovVeldris.SkyLight.draw("sky", air):lightModel(model)
 assert(model:loadMaterials())
 local solid, blended = queues:createOrRetrieve("solid"), queues:createOrRetrieve("blended")
 model:addTo(solid, blended)
 
 -- A camera that sees all of it.
 local eye = ovGraphics.CameraManager.getInstance():createOrRetrieve("eye")
-eye:frame(model:getBoundingBox(), ovMaths.Vector.newVec3(-0.4, 0.35, 1))
+eye:frame(model:getBoundingBox(), Vector.newVec3(-0.4, 0.35, 1))
 
--- The light in floats, then the effects, then the picture.
-local light, depth = Frame.newTarget("light", size, size, FORMAT.R16G16B16A16_FLOAT), Frame.newTarget("depth", size, size, FORMAT.D32_FLOAT)
-local toned, picture = Frame.newTarget("toned", size, size, FORMAT.R8G8B8A8_UNORM_SRGB), Frame.newTarget("picture", size, size, FORMAT.R8G8B8A8_UNORM_SRGB)
+-- The light of the scene, the effects over it, and the picture.
+local light = Frame.newTarget("light", size, size, FORMAT.R16G16B16A16_FLOAT)
+local depth = Frame.newTarget("depth", size, size, FORMAT.D32_FLOAT)
+local picture = Frame.newTarget("picture", size, size, FORMAT.R8G8B8A8_UNORM_SRGB)
 local tone, grain = effects:createOrRetrieve("tone", "tone-mapping"), effects:createOrRetrieve("grain", "film-grain")
-tone.source_texture, tone.operator = light, "aces"
-grain.source_texture, grain.strength = toned, 0.1
-assert(tone:load() and grain:load())
+tone.operator, grain.strength = "aces", 0.1
 local frame = Frame()
 frame:drawInto(light, depth)
-frame:clear(ovMaths.Vector.newVec4(0, 0, 0, 1))
+frame:clear(Vector.newVec4(0, 0, 0, 1))
 frame:drawShader(air:getShader(), eye)
 frame:drawQueue(solid, eye)
 frame:drawQueue(blended, eye, true)
-frame:drawInto(toned)
-frame:drawShader(tone:getShader())
-frame:drawInto(picture)
-frame:drawShader(grain:getShader())
+frame:drawEffects(light, {tone, effects:createOrRetrieve("smooth", "fxaa"), grain}, picture)
 assert(frame:draw())
 picture:save(folder .. "/scene.png")

@@ -59,8 +59,8 @@ void collectMembers(const UserType& type, bool methodsOnly, ovMemory::Buffer<ovM
         return;
     for (const auto& member : type.getMembers())
         names.push_back(member->name);
-    for (ovMemory::String& name : type.getNamedMembers())
-        names.push_back(std::move(name));
+    for (const UserType::NamedMembers& members : type.getNamedMembers())
+        names.insert(names.end(), members.names.begin(), members.names.end());
 }
 
 } // namespace

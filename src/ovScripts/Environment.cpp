@@ -256,6 +256,27 @@ ScriptObjectReference Environment::referTo(const FunctionParameter& argument) {
     return object;
 }
 
+std::optional<ovMemory::Buffer<FunctionParameter>> Environment::readList(const ScriptObjectReference& table,
+                                                                         std::size_t longest) {
+    if (!_lua)
+        return std::nullopt;
+    std::optional<ovMemory::Buffer<FunctionParameter>> elements;
+    const int status = _lua->protect([&](lua_State* lua) {
+        // Raw, so that nothing of the script runs.
+        if (!detail::ReferenceAccess::push(lua, table) || !lua_istable(lua, -1) ||
+            lua_rawlen(lua, -1) > longest)
+            return;
+        elements.emplace(lua_rawlen(lua, -1));
+        for (std::size_t i = 0; i < elements->size(); ++i) {
+            lua_rawgeti(lua, 1, static_cast<lua_Integer>(i + 1));
+            detail::ParameterAccess::readAny(lua, 2, (*elements)[i]);
+            detail::ParameterAccess::own((*elements)[i]);
+            lua_pop(lua, 1);
+        }
+    });
+    return status == LUA_OK ? std::move(elements) : std::nullopt;
+}
+
 ScriptObjectReference Environment::referToGlobal(ovMemory::StringView name) {
     ScriptObjectReference object;
     if (_lua)

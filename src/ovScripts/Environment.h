@@ -2,6 +2,7 @@
 #pragma once
 
 #include <atomic>
+#include <optional>
 #include <ovScripts/EnvironmentOptions.h>
 #include <ovScripts/ExecutionResult.h>
 #include <ovScripts/Namespace.h>
@@ -92,6 +93,12 @@ public:
 
     /// A hold on an argument of a call that is running.
     ScriptObjectReference referTo(const FunctionParameter& argument);
+    /// The elements of a table from 1 up to its length, each as what it is: objects by their pointer, which
+    /// the table keeps alive, and by reference what is gone or no user data.
+    /// @param longest more elements are refused
+    /// @return nothing for what is no table, for a longer one, and for lack of memory
+    std::optional<ovMemory::Buffer<FunctionParameter>> readList(const ScriptObjectReference& table,
+                                                                std::size_t longest);
     /// A hold on a global of scripts ("main"); empty when it is nil.
     ScriptObjectReference referToGlobal(ovMemory::StringView name);
     /// Sets a global of scripts.

@@ -99,9 +99,13 @@ String describe(const UserType::Member& member) {
 
 String describeNamedMembers(const UserType& type) {
     String text;
-    for (const String& name : type.getNamedMembers())
-        text += (text.empty() ? "`." : ", `.") + name + '`';
-    return text.empty() ? text : "- settings: " + text + '\n';
+    for (const UserType::NamedMembers& members : type.getNamedMembers()) {
+        text += members.kind.empty() ? "- settings:" : "- settings of `" + members.kind + "`:";
+        for (const String& name : members.names)
+            text += (&name == &members.names.front() ? " `." : ", `.") + name + '`';
+        text += '\n';
+    }
+    return text;
 }
 
 String describeOperators(const UserType& type) {

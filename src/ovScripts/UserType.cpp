@@ -188,8 +188,8 @@ void UserType::_setBorrowable(ovMemory::Borrowable* (*toBorrowable)(void*),
     _nameOf = std::move(nameOf);
 }
 
-ovMemory::Buffer<ovMemory::String> UserType::getNamedMembers() const {
-    return _namedMemberList ? _namedMemberList() : ovMemory::Buffer<ovMemory::String>();
+ovMemory::Buffer<UserType::NamedMembers> UserType::getNamedMembers() const {
+    return _namedMemberList ? _namedMemberList() : ovMemory::Buffer<NamedMembers>();
 }
 
 } // namespace ovScripts

@@ -41,6 +41,12 @@ public:
         ovMemory::String help;
     };
 
+    /// Names of members that objects of one kind have.
+    struct NamedMembers {
+        ovMemory::String kind; ///< as "tone-mapping"; empty: every object
+        ovMemory::Buffer<ovMemory::String> names;
+    };
+
     UserType(Environment* environment, ovMemory::StringView fullName);
     UserType(const UserType&) = delete;
     UserType& operator=(const UserType&) = delete;
@@ -68,8 +74,8 @@ public:
     Function* addOperator(USER_TYPE_OPERATOR kind);
     /// Members by name beyond the declared ones, as the settings of an effect.
     void setNamedMembers(NamedGetter getter, NamedSetter setter);
-    /// Everything that completion offers of the named members.
-    void setNamedMemberList(std::function<ovMemory::Buffer<ovMemory::String>()> list) {
+    /// Everything that completion and the reference tell of the named members.
+    void setNamedMemberList(std::function<ovMemory::Buffer<NamedMembers>()> list) {
         _namedMemberList = std::move(list);
     }
     /// One sentence for the reference.
@@ -112,7 +118,7 @@ public:
     const std::map<USER_TYPE_OPERATOR, ovMemory::UniquePtr<Function>>& getOperators() const {
         return _operators;
     }
-    ovMemory::Buffer<ovMemory::String> getNamedMembers() const;
+    ovMemory::Buffer<NamedMembers> getNamedMembers() const;
     const ovMemory::String& getHelp() const { return _help; }
     bool isRenderThreadOnly() const { return _isRenderThreadOnly; }
 
@@ -136,7 +142,7 @@ private:
     std::map<USER_TYPE_OPERATOR, ovMemory::UniquePtr<Function>> _operators;
     NamedGetter _namedGetter;
     NamedSetter _namedSetter;
-    std::function<ovMemory::Buffer<ovMemory::String>()> _namedMemberList;
+    std::function<ovMemory::Buffer<NamedMembers>()> _namedMemberList;
     ovMemory::String _help;
     ovMemory::Borrowable* (*_toBorrowable)(void*) = nullptr;
     std::function<ovMemory::String(const void*)> _nameOf;

@@ -29,11 +29,14 @@ TEST(CompletionTest, objectsOfferTheirMembers) {
     int light = 0;
     type->addMethod("switchOn");
     type->addMemberVariable("strength", FUNCTION_PARAMETER_TYPE::FLOAT, {}, nullptr, nullptr);
-    type->setNamedMemberList([] { return Names{"setting"}; });
+    type->setNamedMemberList([] {
+        return ovMemory::Buffer<UserType::NamedMembers>{{"a", {"setting", "shared"}}, {"b", {"shared"}}};
+    });
     space->setUserDataMember("SUN", "engine.Light", &light);
     EXPECT_EQ(environment->getCompletions("engine.SUN:s"), Names{"engine.SUN:switchOn"});
-    EXPECT_EQ(environment->getCompletions("engine.SUN.s"),
-              (Names{"engine.SUN.setting", "engine.SUN.strength", "engine.SUN.switchOn"}));
+    EXPECT_EQ(
+        environment->getCompletions("engine.SUN.s"),
+        (Names{"engine.SUN.setting", "engine.SUN.shared", "engine.SUN.strength", "engine.SUN.switchOn"}));
 }
 
 TEST(CompletionTest, callsNothing) {

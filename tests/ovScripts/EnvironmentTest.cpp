@@ -86,6 +86,42 @@ TEST(EnvironmentTest, globalsAreSetFromOutside) {
 }
 
 // The manual of the language, in examples that a binding layer could break.
+TEST(EnvironmentTest, listsAreRead) {
+    const auto environment = luaEnvironment();
+    environment->setNamespace("engine");
+    int light = 0;
+    environment->setUserType("engine.Light");
+    environment->setGlobal("light", FunctionParameter(&light, "engine.Light", false));
+    evaluate(*environment, "list = {1, 2.5, 'text' .. 1, true, {}, light, nil, 8}");
+    const auto list = environment->readList(environment->referToGlobal("list"), 8);
+    ASSERT_TRUE(list);
+    ASSERT_EQ(list->size(), 8u);
+    evaluate(*environment, "list = nil collectgarbage() x = ('y'):rep(1000)");
+    EXPECT_EQ((*list)[0].getValueAsInt(), 1);
+    EXPECT_EQ((*list)[1].getValueAsDouble(), 2.5);
+    EXPECT_EQ((*list)[2].getValueAsString(), "text1") << "a text of its own";
+    EXPECT_TRUE((*list)[3].getValueAsBool());
+    EXPECT_TRUE((*list)[4].getScriptObjectReference());
+    EXPECT_EQ((*list)[5].getValueAsUserData<int>(), &light);
+    EXPECT_EQ((*list)[5].getUserDataTypeName(), "engine.Light");
+    EXPECT_EQ((*list)[5].getStackPosition(), 0) << "no argument of a call";
+    EXPECT_TRUE((*list)[6].isVoid());
+    EXPECT_EQ((*list)[7].getValueAsInt(), 8);
+}
+
+TEST(EnvironmentTest, whatIsNoListIsNotRead) {
+    const auto environment = luaEnvironment();
+    const auto other = luaEnvironment();
+    evaluate(*environment,
+             "list = {1, 2, 3} empty = setmetatable({}, {__len = error, __index = error}) f = print");
+    EXPECT_FALSE(environment->readList(environment->referToGlobal("list"), 2)) << "longer";
+    EXPECT_TRUE(environment->readList(environment->referToGlobal("empty"), 2)->empty());
+    EXPECT_FALSE(environment->readList(environment->referToGlobal("f"), 2));
+    EXPECT_FALSE(environment->readList({}, 2));
+    EXPECT_FALSE(other->readList(environment->referToGlobal("list"), 3)) << "another environment's";
+    EXPECT_FALSE(Environment::create()->readList({}, 2));
+}
+
 TEST(EnvironmentTest, theLanguageIsUntouched) {
     const auto environment = luaEnvironment();
     EXPECT_EQ(evaluate(*environment,

@@ -27,7 +27,10 @@ TEST(ReferenceTest, tellsEveryDeclaration) {
     type->addMethod("follow")->addParameter(FUNCTION_PARAMETER_TYPE::USER_DATA_PTR, "engine.Light", "other");
     type->addMemberVariable(
         "on", FUNCTION_PARAMETER_TYPE::BOOL, {}, [](void*) { return FunctionParameter(true); }, nullptr);
-    type->setNamedMemberList([] { return ovMemory::Buffer<ovMemory::String>{"color", "size"}; });
+    type->setNamedMemberList([] {
+        return ovMemory::Buffer<UserType::NamedMembers>{
+            {"lamp", {"color", "size"}}, {"sun", {"color"}}, {"", {"on"}}};
+    });
     type->addOperator(USER_TYPE_OPERATOR::ADDITION);
     EXPECT_EQ(describeDeclarations(*environment), "## Globals\n\n"
                                                   "- `log(line: string)`: Logs a line.\n"
@@ -40,7 +43,9 @@ TEST(ReferenceTest, tellsEveryDeclaration) {
                                                   "- `engine.Light([strength: number]) → engine.Light`\n"
                                                   "- `engine.Light.get(string) → engine.Light or nil`\n"
                                                   "- `.on: boolean (read only)`\n"
-                                                  "- settings: `.color`, `.size`\n"
+                                                  "- settings of `lamp`: `.color`, `.size`\n"
+                                                  "- settings of `sun`: `.color`\n"
+                                                  "- settings: `.on`\n"
                                                   "- `:follow(other: engine.Light)`\n"
                                                   "- operators: ADDITION\n");
 }

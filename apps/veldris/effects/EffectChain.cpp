@@ -6,10 +6,10 @@
 #include <ovGraphics/resources/Viewport.h>
 #include <ovImages/Conversion.h>
 #include <ovVeldris/System.h>
+#include <ovVeldris/effects/SrgbConversion.h>
 #include <ovVeldris/effects/TextureCopyEffect.h>
 #include <veldris/Session.h>
 #include <veldris/effects/LoadedComplexEffect.h>
-#include <veldris/pictures/PictureShader.h>
 #include <veldris/pictures/PictureTextures.h>
 
 namespace veldris {
@@ -147,10 +147,10 @@ public:
     const ovMemory::Buffer<EffectTiming>& getTimings() const { return _timings; }
 
 private:
-    UniquePtr<PictureShader> _makeConversion(const ContentConversion& conversion) {
+    UniquePtr<ovVeldris::SrgbConversion> _makeConversion(const ContentConversion& conversion) {
         const TimedPart part(_session.getProgress(), "programs");
-        return conversion.to == PICTURE_CONTENT::SRGB_ENCODED ? PictureShader::encodeSrgb(_graphics)
-                                                              : PictureShader::decodeSrgb(_graphics);
+        return conversion.to == PICTURE_CONTENT::SRGB_ENCODED ? ovVeldris::SrgbConversion::encode(_graphics)
+                                                              : ovVeldris::SrgbConversion::decode(_graphics);
     }
 
     /// The effect's result goes with it, so that it is copied behind its passes.

@@ -54,14 +54,6 @@ ovMemory::UniquePtr<PictureShader> PictureShader::divideByCoverage(ovGraphics::S
     return create(graphics, "VELDRIS_DIVIDE_BY_COVERAGE", embedded::DivideByCoverage_pixel, {});
 }
 
-ovMemory::UniquePtr<PictureShader> PictureShader::encodeSrgb(ovGraphics::System& graphics) {
-    return create(graphics, "VELDRIS_ENCODE_SRGB", embedded::ConvertColor_pixel, {{"ENCODE", ""}});
-}
-
-ovMemory::UniquePtr<PictureShader> PictureShader::decodeSrgb(ovGraphics::System& graphics) {
-    return create(graphics, "VELDRIS_DECODE_SRGB", embedded::ConvertColor_pixel, {{"DECODE", ""}});
-}
-
 PictureShader::PictureShader(ovGraphics::System& graphics)
     : _program(ovGraphics::Program::create(&graphics))
     , _shader(ovGraphics::Shader::create(&graphics)) {}

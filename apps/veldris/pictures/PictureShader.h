@@ -41,9 +41,6 @@ public:
     /// From colours multiplied by their coverage to colours beside it, as averageSamples() has them: alpha is
     /// the share of the background that is seen. Source and target are of one size.
     static ovMemory::UniquePtr<PictureShader> divideByCoverage(ovGraphics::System& graphics);
-    /// From display light to its sRGB encoding, or back. Source and target are of one size.
-    static ovMemory::UniquePtr<PictureShader> encodeSrgb(ovGraphics::System& graphics);
-    static ovMemory::UniquePtr<PictureShader> decodeSrgb(ovGraphics::System& graphics);
 
     /// The texture to read, borrowed.
     void setSource(ovGraphics::Texture& source);

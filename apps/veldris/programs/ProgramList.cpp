@@ -11,6 +11,7 @@
 #include <ovVeldris/System.h>
 #include <ovVeldris/content/ModelLoader.h>
 #include <ovVeldris/core/settings/SettingCombinations.h>
+#include <ovVeldris/effects/SrgbConversion.h>
 #include <ovVeldris/environment/EnvironmentRenderer.h>
 #include <ovVeldris/environment/PbsEnvironmentMapFilter.h>
 #include <ovVeldris/materials/PbsMaterial.h>
@@ -281,8 +282,10 @@ bool ProgramList::addPasses(String& error) {
         {"pass of the depth of pixels", [&] { return PictureShader::pickDepth(graphics) != nullptr; }},
         {"pass that divides by coverage",
          [&] { return PictureShader::divideByCoverage(graphics) != nullptr; }},
-        {"pass from display light to sRGB", [&] { return PictureShader::encodeSrgb(graphics) != nullptr; }},
-        {"pass from sRGB to display light", [&] { return PictureShader::decodeSrgb(graphics) != nullptr; }},
+        {"pass from display light to sRGB",
+         [&] { return ovVeldris::SrgbConversion::encode(graphics) != nullptr; }},
+        {"pass from sRGB to display light",
+         [&] { return ovVeldris::SrgbConversion::decode(graphics) != nullptr; }},
     };
     for (const auto& [from, load] : PASSES) {
         _from = from;

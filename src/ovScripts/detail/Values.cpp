@@ -235,6 +235,7 @@ ovMemory::String ParameterAccess::describe(lua_State* lua, int position, const F
 }
 
 void ParameterAccess::own(FunctionParameter& value) {
+    value._stackPosition = 0;
     if (value._type == FUNCTION_PARAMETER_TYPE::STRING && !value._owned)
         value._ownText(value._text);
 }

@@ -19,7 +19,8 @@ public:
     static void push(lua_State* lua, const FunctionParameter& value);
     /// What a message says of a value that does not fit: "got nil", "got a number out of range".
     static ovMemory::String describe(lua_State* lua, int position, const FunctionArgument& declared);
-    /// A text of its own in place of a view into the interpreter's memory.
+    /// Makes a value outlive its place on the stack: with a text of its own in place of a view into the
+    /// interpreter's memory.
     static void own(FunctionParameter& value);
 
 private:

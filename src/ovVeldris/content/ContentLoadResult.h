@@ -24,6 +24,9 @@ struct ContentLoadResult {
     ovMemory::Buffer<T*> _results;
     /// DONE, PARTLY_DONE or FAILED.
     int32_t _status = DONE;
+    /// What each of the errors leaves out, as their words are part of the interface: the entry, counted from
+    /// 1, and what it has. Empty where there is nothing to add.
+    ovMemory::Buffer<ovMemory::String> _details = {};
 };
 
 } // namespace ovVeldris

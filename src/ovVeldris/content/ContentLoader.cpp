@@ -15,9 +15,10 @@ using ovMemory::String;
 using ovMemory::StringView;
 using ovResources::ResourceManager;
 
-ContentLoader::Materials failed(String error) {
+ContentLoader::Materials failed(String error, String detail = {}) {
     ContentLoader::Materials result;
     result._errors.push_back(std::move(error));
+    result._details.push_back(std::move(detail));
     result._status = ContentLoader::Materials::FAILED;
     return result;
 }
@@ -30,6 +31,15 @@ bool canBeRead(const String& path) {
 const ovExport::Node* getText(const ovExport::Node& node, StringView member) {
     const ovExport::Node* const text = node.getMemberValue(member);
     return text && text->isString() ? text : nullptr;
+}
+
+String describeType(const ovExport::Node& name, const ovExport::Node& type) {
+    String known;
+    for (const auto& entry : ovMemory::enumTableOf<MATERIAL_TYPE>())
+        if (entry.value != MATERIAL_TYPE::UNKNOWN)
+            known.append(known.empty() ? "" : ", ").append(entry.text);
+    return "'" + String(name.getValueAsStringView()) + "' has the type '" +
+           String(type.getValueAsStringView()) + "'; the types are " + known;
 }
 
 } // namespace
@@ -112,6 +122,8 @@ ContentLoader::Materials ContentLoader::_processMaterialArray(ovExport::Node& ar
             continue;
         }
         result._errors.push_back(std::move(entry._errors.front()));
+        const String& detail = entry._details.front();
+        result._details.push_back("entry " + std::to_string(i + 1) + (detail.empty() ? "" : ": ") + detail);
         result._status = Materials::PARTLY_DONE;
     }
     return result;
@@ -119,9 +131,10 @@ ContentLoader::Materials ContentLoader::_processMaterialArray(ovExport::Node& ar
 
 ContentLoader::Materials ContentLoader::processMaterialTree(ovExport::Node* node, bool load) const {
     String error;
-    Material* const material = _createMaterial(node, error);
+    String detail;
+    Material* const material = _createMaterial(node, error, detail);
     if (!material)
-        return failed(std::move(error));
+        return failed(std::move(error), std::move(detail));
     // An entry overwrites what it names and leaves the rest, so that a file may hold changes only.
     material->importClassFromTree(node);
     if (load) {
@@ -133,7 +146,7 @@ ContentLoader::Materials ContentLoader::processMaterialTree(ovExport::Node* node
     return result;
 }
 
-Material* ContentLoader::_createMaterial(ovExport::Node* node, String& error) const {
+Material* ContentLoader::_createMaterial(ovExport::Node* node, String& error, String& detail) const {
     if (!node || !node->isObject()) {
         error = "Material Declaration entry not an object.";
         return nullptr;
@@ -151,6 +164,7 @@ Material* ContentLoader::_createMaterial(ovExport::Node* node, String& error) co
     const MATERIAL_TYPE materialType = MaterialTypeUtils::stringToEnum(type->getValueAsStringView());
     if (materialType == MATERIAL_TYPE::UNKNOWN) {
         error = "Material Declaration entry incomplete. Type field does not map to a known type.";
+        detail = describeType(*name, *type);
         return nullptr;
     }
     MaterialManager* const materials = _system->getMaterialManager();

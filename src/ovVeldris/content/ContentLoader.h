@@ -82,7 +82,7 @@ public:
     Materials processMaterialTree(ovExport::Node* node, bool load) const;
 
 private:
-    Material* _createMaterial(ovExport::Node* node, ovMemory::String& error) const;
+    Material* _createMaterial(ovExport::Node* node, ovMemory::String& error, ovMemory::String& detail) const;
     Materials _processMaterialArray(ovExport::Node& array, bool load) const;
 
     System* _system;

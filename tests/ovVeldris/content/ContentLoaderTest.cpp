@@ -266,8 +266,22 @@ TEST_P(ContentLoaderTest, ProcessesTextsByTheirRoot) {
         const auto result = loader().processMaterialSources(row.text, false);
         EXPECT_EQ(namesOf(result), row.names) << row.text;
         EXPECT_EQ(result._errors, row.errors) << row.text;
+        EXPECT_EQ(result._details.size(), row.errors.size()) << row.text;
         EXPECT_EQ(result._status, row.status) << row.text;
     }
+}
+
+// Beside the errors, whose words are part of the interface.
+TEST_P(ContentLoaderTest, DetailsNameTheEntry) {
+    const auto details = [&](StringView text) {
+        return loader().processMaterialSources(text, false)._details;
+    };
+    EXPECT_EQ(details(R"({"name": "a", "type": "x"})"), Texts{"'a' has the type 'x'; the types are PBS"});
+    EXPECT_EQ(details(R"([{"name": "b", "type": "PBS"}, 7, {"name": "a", "type": "UNKNOWN"}])"),
+              (Texts{"entry 2", "entry 3: 'a' has the type 'UNKNOWN'; the types are PBS"}));
+    EXPECT_EQ(details("{}"), Texts{""});
+    EXPECT_EQ(details("{"), Texts{""});
+    EXPECT_EQ(details(R"({"name": "a", "type": "PBS"})"), Texts());
 }
 
 TEST_P(ContentLoaderTest, ProcessesNodes) {

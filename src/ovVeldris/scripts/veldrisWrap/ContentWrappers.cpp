@@ -27,7 +27,11 @@ struct LoadedMaterials {
 namespace {
 
 LoadedMaterials resultOf(const ovVeldris::ContentLoader::Materials& loaded) {
-    return {loaded._errors, {loaded._results.begin(), loaded._results.end()}};
+    LoadedMaterials result = {loaded._errors, {loaded._results.begin(), loaded._results.end()}};
+    for (std::size_t i = 0; i < loaded._details.size(); ++i)
+        if (!loaded._details[i].empty())
+            result.errors[i] += " (" + loaded._details[i] + ")";
+    return result;
 }
 
 Material* materialAt(const LoadedMaterials& self, std::size_t index) {

@@ -36,11 +36,12 @@ ovScripts::UserType& bindObject(ovScripts::Environment* environment) {
 
 template <typename Kinds>
 void offerSettingsOf(ovScripts::UserType& type, const Kinds& kinds) {
-    ovMemory::Buffer<String> names;
-    for (const auto& kind : kinds)
-        for (String& name : memberNamesOf(kind.settings()))
-            names.push_back(std::move(name));
-    type.setNamedMemberList([names = std::move(names)] { return names; });
+    type.setNamedMemberList([&kinds] {
+        ovMemory::Buffer<ovScripts::UserType::NamedMembers> members;
+        for (const auto& kind : kinds)
+            members.push_back({kind.getName(), memberNamesOf(kind.settings())});
+        return members;
+    });
 }
 
 } // namespace
@@ -78,7 +79,10 @@ void ComplexEffectManagerWrapper::updateEnvironment(ovScripts::Environment* envi
 void MaterialWrapper::updateEnvironment(ovScripts::Environment* environment) {
     ovScripts::UserType& type = bindObject<Material>(environment);
     type.setHelp("How surfaces look. Its settings are members, with underscores for their dashes.");
-    type.setNamedMemberList([] { return memberNamesOf(ovVeldris::PbsMaterial::settings()); });
+    type.setNamedMemberList([] {
+        return ovMemory::Buffer<ovScripts::UserType::NamedMembers>{
+            {"pbs", memberNamesOf(ovVeldris::PbsMaterial::settings())}};
+    });
     method(type, "getShader", &Material::getShader, {}, "What entities are drawn with; nil before load().");
 }
 

@@ -4,7 +4,9 @@
 #include <ovGraphics/resources/Shader.h>
 #include <ovGraphics/resources/Texture.h>
 #include <ovGraphics/scene/RenderQueue.h>
+#include <ovVeldris/System.h>
 #include <ovVeldris/core/OneShotFrame.h>
+#include <ovVeldris/effects/EffectPasses.h>
 #include <ovVeldris/scripts/veldrisWrap/Frame.h>
 
 namespace ovVeldrisWrap {
@@ -57,6 +59,19 @@ bool Frame::drawShader(ovGraphics::Shader& shader, ovGraphics::Camera* camera) {
     pass->setShader(&shader);
     pass->setCamera(camera);
     return true;
+}
+
+ovMemory::Result Frame::drawEffects(ovGraphics::Texture& picture,
+                                    ovMemory::BufferView<ovVeldris::Effect* const> effects,
+                                    ovGraphics::Texture& target, ovGraphics::Camera* camera) {
+    auto passes = std::make_unique<ovVeldris::EffectPasses>(ovVeldris::System::getInstance());
+    ovMemory::Result appended = passes->append(*_compositor->appendNode(), picture, effects, target, camera);
+    if (!appended)
+        return appended;
+    _effects.push_back(std::move(passes));
+    _block = nullptr;
+    _target = &target;
+    return appended;
 }
 
 ovGraphics::CompositorNode* Frame::appendNode() {

@@ -5,6 +5,7 @@
 #include <ovMaths/Vector.h>
 #include <ovMemory/Borrowed.h>
 #include <ovMemory/Memory.h>
+#include <ovMemory/Result.h>
 
 namespace ovGraphics {
 class Camera;
@@ -15,6 +16,11 @@ class RenderQueue;
 class Shader;
 class Texture;
 } // namespace ovGraphics
+
+namespace ovVeldris {
+class Effect;
+class EffectPasses;
+} // namespace ovVeldris
 
 namespace ovVeldrisWrap {
 
@@ -37,6 +43,11 @@ public:
     bool drawQueue(ovGraphics::RenderQueue& queue, ovGraphics::Camera& camera, bool blended);
     /// Draws a shader, as of an effect, over the whole target. @param camera of its slots; may be null
     bool drawShader(ovGraphics::Shader& shader, ovGraphics::Camera* camera);
+    /// Draws a picture through effects, one after another, into a target: see ovVeldris::EffectPasses. What
+    /// follows needs a drawInto() of its own.
+    ovMemory::Result drawEffects(ovGraphics::Texture& picture,
+                                 ovMemory::BufferView<ovVeldris::Effect* const> effects,
+                                 ovGraphics::Texture& target, ovGraphics::Camera* camera);
     /// A node for the passes of a complex effect, which are drawn here. Owned by the frame.
     ovGraphics::CompositorNode* appendNode();
 
@@ -45,8 +56,10 @@ public:
 
 private:
     ovMemory::UniquePtr<ovGraphics::Compositor> _compositor;
-    ovMemory::Borrowed<ovGraphics::CompositorOperationsBlock> _block; ///< of the last drawInto()
-    ovMemory::Borrowed<ovGraphics::Texture> _target;                  ///< the same
+    ovMemory::Buffer<ovMemory::UniquePtr<ovVeldris::EffectPasses>> _effects;
+    ovMemory::Borrowed<ovGraphics::CompositorOperationsBlock>
+        _block;                                      ///< of the last drawInto(); null behind effects
+    ovMemory::Borrowed<ovGraphics::Texture> _target; ///< the last one
 };
 
 } // namespace ovVeldrisWrap

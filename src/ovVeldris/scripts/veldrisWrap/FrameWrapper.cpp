@@ -27,6 +27,31 @@ ovGraphics::Texture* newTarget(ovMemory::StringView name, unsigned int width, un
     return texture;
 }
 
+/// The effects of a table of a script. Throws an error of the script for anything else.
+ovMemory::Buffer<ovVeldris::Effect*> effectsOf(const ovScripts::FunctionParameter& list) {
+    constexpr std::size_t MOST = 100;
+    const ovScripts::ScriptObjectReference& table = list.getScriptObjectReference();
+    const auto elements = table ? table.getEnvironment()->readList(table, MOST) : std::nullopt;
+    if (!elements)
+        throw ovCommonWrap::ArgumentError("argument 3 (effects) expected a table of up to 100 effects");
+    ovMemory::Buffer<ovVeldris::Effect*> effects;
+    for (const ovScripts::FunctionParameter& element : *elements) {
+        if (element.getUserDataTypeName() != ovCommonWrap::TYPE_NAME<ovVeldris::Effect>)
+            throw ovCommonWrap::ArgumentError("argument 3 (effects) expected effects alone; element " +
+                                              std::to_string(effects.size() + 1) +
+                                              " is none, or was destroyed");
+        effects.push_back(element.getValueAsUserData<ovVeldris::Effect>());
+    }
+    return effects;
+}
+
+void drawEffects(Frame& self, ovGraphics::Texture& picture, const ovScripts::FunctionParameter& effects,
+                 ovGraphics::Texture& target, ovGraphics::Camera* camera) {
+    const ovMemory::Buffer<ovVeldris::Effect*> list = effectsOf(effects);
+    if (const ovMemory::Result result = self.drawEffects(picture, list, target, camera); !result)
+        throw ovCommonWrap::ArgumentError(result.error);
+}
+
 } // namespace
 
 void FrameWrapper::updateEnvironment(ovScripts::Environment* environment) {
@@ -54,6 +79,10 @@ void FrameWrapper::updateEnvironment(ovScripts::Environment* environment) {
             checkTarget(self.drawShader(shader, camera));
         },
         {"shader", "camera"}, "Draws a shader, as of an effect, over the whole target.");
+    method(type, "drawEffects", &drawEffects, {"picture", "effects", "target", "camera"},
+           "Draws a picture through a list of effects into a target. Gives each its picture and loads it; "
+           "colours "
+           "are encoded and decoded where an effect wants them so. An error with the reason when it cannot.");
     method(type, "appendNode", &Frame::appendNode, {}, "Where a complex effect draws its passes.");
     method(type, "draw", &Frame::draw, {}, "Draws now; false when it cannot, and the log says why.");
 }

@@ -84,8 +84,28 @@ std::optional<SettingValue> numberOf(double number, SETTING_KIND kind) {
     return static_cast<float>(number);
 }
 
+bool isNumber(const FunctionParameter& value) {
+    return value.getType() == FUNCTION_PARAMETER_TYPE::INT ||
+           value.getType() == FUNCTION_PARAMETER_TYPE::FLOAT ||
+           value.getType() == FUNCTION_PARAMETER_TYPE::DOUBLE;
+}
+
+/// A vector of a table of a script, {4, 3.8, 3.5}, which has as many numbers as the vector.
+std::optional<SettingValue> vectorOf(const FunctionParameter& value, unsigned int components) {
+    const ovScripts::ScriptObjectReference& table = value.getScriptObjectReference();
+    const auto numbers = table ? table.getEnvironment()->readList(table, components) : std::nullopt;
+    if (!numbers || numbers->size() != components || !std::all_of(numbers->begin(), numbers->end(), isNumber))
+        return std::nullopt;
+    ovMaths::Vector vector;
+    float* const targets[] = {&vector.x, &vector.y, &vector.z, &vector.w};
+    for (unsigned int i = 0; i < components; ++i)
+        *targets[i] = (*numbers)[i].getValueAsFloat();
+    return vector;
+}
+
 /// Nothing for a value that no setting of that kind takes. Texts are read elsewhere.
-std::optional<SettingValue> valueOf(const FunctionParameter& value, SETTING_KIND kind) {
+std::optional<SettingValue> valueOf(const FunctionParameter& value, const Setting& setting) {
+    const SETTING_KIND kind = setting.kind;
     switch (value.getType()) {
     case FUNCTION_PARAMETER_TYPE::BOOL:
         return value.getValueAsBool();
@@ -96,6 +116,8 @@ std::optional<SettingValue> valueOf(const FunctionParameter& value, SETTING_KIND
     case FUNCTION_PARAMETER_TYPE::USER_DATA:
     case FUNCTION_PARAMETER_TYPE::USER_DATA_PTR:
         return objectOf(value);
+    case FUNCTION_PARAMETER_TYPE::SCRIPT_OBJECT:
+        return kind == SETTING_KIND::VECTOR ? vectorOf(value, setting.components) : std::nullopt;
     case FUNCTION_PARAMETER_TYPE::VOID:
         return ovVeldris::isResource(kind) ? std::optional(nullOf(kind)) : std::nullopt;
     default:
@@ -125,7 +147,7 @@ ovMemory::Result write(Configurable& object, const Setting& setting, const Funct
     if (value.getType() == FUNCTION_PARAMETER_TYPE::STRING)
         return object.setSettingFromText(setting.name, value.getValueAsString(),
                                          ovGraphics::System::getInstanceIfExisting());
-    if (const std::optional<SettingValue> converted = valueOf(value, setting.kind))
+    if (const std::optional<SettingValue> converted = valueOf(value, setting))
         return object.setSetting(setting.name, *converted);
     return ovMemory::failed(ovVeldris::valueProblem(setting, describeValue(value)));
 }

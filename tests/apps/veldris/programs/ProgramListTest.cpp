@@ -40,10 +40,10 @@ TEST_F(ProgramListTest, passesAndToolsAreAllThere) {
     ASSERT_TRUE(programs.addPasses(_error)) << _error;
     EXPECT_EQ(
         namesOf(programs),
-        (std::multiset<String>{"ORVANE_DEPTH", "ORVANE_DEPTH", "ORVANE_GEOMETRY", "ORVANE_GEOMETRY",
-                               "VELDRIS_AVERAGE_SAMPLES", "VELDRIS_AVERAGE_SAMPLES_ALPHA",
-                               "VELDRIS_COUNT_SAMPLES", "VELDRIS_DECODE_SRGB", "VELDRIS_DIVIDE_BY_COVERAGE",
-                               "VELDRIS_ENCODE_SRGB", "VELDRIS_PICK_DEPTH", "VELDRIS_SHADOW_GROUND"}));
+        (std::multiset<String>{"ORVANE_DECODE_SRGB", "ORVANE_DEPTH", "ORVANE_DEPTH", "ORVANE_ENCODE_SRGB",
+                               "ORVANE_GEOMETRY", "ORVANE_GEOMETRY", "VELDRIS_AVERAGE_SAMPLES",
+                               "VELDRIS_AVERAGE_SAMPLES_ALPHA", "VELDRIS_COUNT_SAMPLES",
+                               "VELDRIS_DIVIDE_BY_COVERAGE", "VELDRIS_PICK_DEPTH", "VELDRIS_SHADOW_GROUND"}));
     const std::size_t passes = programs.get().size();
     ASSERT_TRUE(programs.addTools(_error)) << _error;
     EXPECT_EQ(programs.get().size(), passes + 3) << "two shapes of what is filtered, and unwrapping";

@@ -8,6 +8,7 @@
 #include <ovImages/CompositeEncoder.h>
 #include <ovResources/ResourceManager.h>
 #include <set>
+#include <sstream>
 #include <support/TemporaryFolder.h>
 
 namespace {
@@ -173,6 +174,16 @@ TEST_F(LuaExamplesTest, project) {
     EXPECT_EQ(run("project.lua"), "1 material: paint\nits texture: 2 x 2\nentities: 1\n");
     const Outcome checked = runVeldris({"project", "check", _folder.getPath("square.ovs")});
     EXPECT_EQ(checked.status, 0) << checked.output << checked.error;
+}
+
+// A whole picture of thirty lines: what is empty or a comment does not count.
+TEST_F(LuaExamplesTest, theSceneIsShort) {
+    std::istringstream text(readExample("scene.lua"));
+    int lines = 0;
+    for (std::string line; std::getline(text, line);)
+        lines += !line.empty() && !line.starts_with("--") ? 1 : 0;
+    EXPECT_LE(lines, 30);
+    EXPECT_GT(lines, 10);
 }
 
 TEST_F(LuaExamplesTest, scene) {

@@ -95,3 +95,18 @@ TEST_F(ContentWrappersTest, projectsGoInAndOut) {
               "1");
     EXPECT_EQ(evaluate("return project:getMaterial(0).albedo_color._x"), "0.5");
 }
+
+TEST_F(ContentWrappersTest, errorsOfDeclarationsNameTheEntry) {
+    const char* START = "Material Declaration entry incomplete. ";
+    evaluate(
+        "result = ovVeldris.ContentLoader.processMaterialSources('[{\"name\": \"red\", \"type\": \"PBS\"}, "
+        "{\"name\": \"blue\", \"type\": \"pbs\"}, {\"name\": \"green\"}]', false)");
+    EXPECT_EQ(evaluate("return result:getError(0)"),
+              START +
+                  ovMemory::String("Type field does not map to a known type. (entry 2: 'blue' has the type "
+                                   "'pbs'; the types are PBS)"));
+    EXPECT_EQ(evaluate("return result:getError(1)"),
+              START + ovMemory::String("There is no type field. (entry 3)"));
+    EXPECT_EQ(evaluate("return ovVeldris.ContentLoader.processMaterialSources('{\"name\": 1}'):getError(0)"),
+              START + ovMemory::String("There is no name field."));
+}

@@ -107,3 +107,46 @@ TEST_F(FrameWrapperTest, targetsAreMadeInOneCall) {
               "error: test:1: ovVeldris.Frame.newTarget: argument 4 (format) expected integer, got nothing");
     getGraphics().getTextureManager()->erase("t");
 }
+
+TEST_F(FrameWrapperTest, effectsAreDrawnOneAfterAnother) {
+    evaluate(
+        "F, effects = ovGraphics.FORMAT, ovVeldris.EffectManager.getInstance() "
+        "light = ovVeldris.Frame.newTarget('light', 4, 4, F.R32G32B32A32_FLOAT) "
+        "shown = ovVeldris.Frame.newTarget('shown', 4, 4, F.R32G32B32A32_FLOAT) "
+        "tone, smooth = effects:createOrRetrieve('tone', 'tone-mapping'), effects:createOrRetrieve('smooth', "
+        "'fxaa') "
+        "tone.operator, tone.max_white = 'reinhard', {4, 4, 4} "
+        "frame = ovVeldris.Frame() frame:drawInto(light) frame:clear(ovMaths.Vector.newVec4(1, 1, 1, 1)) "
+        "frame:drawEffects(light, {tone, smooth}, shown)");
+    // Reinhard's operator of white 4, of 1: (1 + 1 / 16) / 2. FXAA leaves what is plain.
+    EXPECT_EQ(evaluate("frame:draw() return string.format('%.3f', "
+                       "ovMemory.BufferCastFloat.new(shown:readBack()):getData(20))"),
+              "0.531")
+        << getLogger().getText();
+    EXPECT_EQ(
+        evaluate("frame:clear(ovMaths.Vector.newVec4(1, 1, 1, 1))"),
+        "error: test:1: ovVeldris.Frame.clear: the frame has nothing to draw into; call drawInto() before");
+    const ovMemory::String start = "error: test:1: ovVeldris.Frame.drawEffects: ";
+    const ovMemory::String list = start + "argument 3 (effects) expected ";
+    const std::pair<const char*, ovMemory::String> wrong[] = {
+        {"light, {}, shown", start + "the list of effects is empty."},
+        {"light, tone, shown", list + "a table of up to 100 effects"},
+        {"light, nil, shown", list + "a table of up to 100 effects"},
+        {"light, {tone, light}, shown", list + "effects alone; element 2 is none, or was destroyed"},
+        {"light, {'tone'}, shown", list + "effects alone; element 1 is none, or was destroyed"},
+        {"light, table.pack(string.byte(('x'):rep(101), 1, -1)), shown",
+         list + "a table of up to 100 effects"},
+        {"light, {smooth, tone}, shown",
+         start +
+             "'tone' takes scene-linear colours and 'smooth' gives srgb-encoded ones; change their order."},
+        {"light, {tone}, light",
+         start + "the texture 'light' is picture and target at once; draw into another one."},
+        {"light, {tone}", start + "argument 4 (target) expected ovGraphics.Texture, got nothing"}};
+    for (const auto& [arguments, message] : wrong)
+        EXPECT_EQ(evaluate(ovMemory::String("frame:drawEffects(") + arguments + ")"), message) << arguments;
+    EXPECT_EQ(evaluate("effects:erase('smooth') frame:drawEffects(light, {tone, smooth}, shown)"),
+              list + "effects alone; element 2 is none, or was destroyed");
+    evaluate("effects:erase('tone') frame:draw()"); // draws nothing of what is gone
+    for (const char* name : {"light", "shown"})
+        getGraphics().getTextureManager()->erase(name);
+}

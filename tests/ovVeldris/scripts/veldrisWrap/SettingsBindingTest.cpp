@@ -30,6 +30,14 @@ TEST_F(SettingsBindingTest, valuesOfEachKindGoInAndOut) {
     EXPECT_EQ(evaluate("tone.use_luminance = true return tone:get('use-luminance')"), "true");
     EXPECT_EQ(evaluate("tone.max_white = ovMaths.Vector.newVec3(1, 2, 3) return tone.max_white._y"), "2.0");
     EXPECT_EQ(evaluate("tone.max_white = '4,5,6' return tone.max_white._z"), "6.0");
+    EXPECT_EQ(
+        evaluate("tone.max_white = {7, 8.5, 9} local v = tone.max_white return v._x .. ' ' .. v._y .. ' ' .. "
+                 "v._z"),
+        "7.0 8.5 9.0");
+    EXPECT_EQ(
+        evaluate("tone:set('max-white', setmetatable({1, 2, 3}, {__index = error, __len = error})) return "
+                 "tone.max_white._z"),
+        "3.0");
     EXPECT_EQ(evaluate("tone.look_transform = '1,0,0,0,1,0,0,0,2' return tone.look_transform:get(2, 2)"),
               "2.0");
     EXPECT_EQ(evaluate("local m = ovMaths.Matrix() m:set(0, 1, 7) tone.look_transform = m return "
@@ -66,7 +74,14 @@ TEST_F(SettingsBindingTest, wrongValuesAreErrorsThatNameTheRightOnes) {
         {"tone.use_luminance = 3", "use_luminance: '3" + flags},
         {"tone.use_luminance = nil", "use_luminance: 'nil" + flags},
         {"tone.max_white = 3", "max_white: '3" + whites},
-        {"tone.max_white = {1, 2, 3}", "max_white: 'a table or a function" + whites},
+        {"tone.max_white = {1, 2}", "max_white: 'a table or a function" + whites},
+        {"tone.max_white = {1, 2, 3, 4}", "max_white: 'a table or a function" + whites},
+        {"tone.max_white = {1, 2, '3'}", "max_white: 'a table or a function" + whites},
+        {"tone.max_white = {}", "max_white: 'a table or a function" + whites},
+        {"tone.max_white = {x = 1, y = 2, z = 3}", "max_white: 'a table or a function" + whites},
+        {"tone.max_white = {1, -2, 3}", "max_white: '1,-2,3" + whites},
+        {"tone.max_white = print", "max_white: 'a table or a function" + whites},
+        {"tone.use_luminance = {true}", "use_luminance: 'a table or a function" + flags},
         {"tone.source_texture = tone", "source_texture: 'ovVeldris.Effect' is no value of the setting "
                                        "'source-texture'; it takes the name of a texture, or none."},
         {"tone.operatr = 'aces'", "operatr: " + names},
@@ -79,8 +94,21 @@ TEST_F(SettingsBindingTest, wrongValuesAreErrorsThatNameTheRightOnes) {
     EXPECT_EQ(evaluate("return tone.operator"), "reinhard") << "nothing was set";
 }
 
-TEST_F(SettingsBindingTest, namesAreOfferedWithUnderscores) {
-    const auto offered =
-        getSystem().getScriptsEngine()->getEnvironment()->getUserType("ovVeldris.Effect")->getNamedMembers();
-    EXPECT_NE(std::find(offered.begin(), offered.end(), "use_luminance"), offered.end());
+TEST_F(SettingsBindingTest, namesAreOfferedWithUnderscoresByKind) {
+    const auto offeredOf = [](const char* type, const char* kind) {
+        for (const auto& members :
+             getSystem().getScriptsEngine()->getEnvironment()->getUserType(type)->getNamedMembers())
+            if (members.kind == kind)
+                return members.names;
+        return ovMemory::Buffer<ovMemory::String>();
+    };
+    EXPECT_EQ(offeredOf("ovVeldris.Effect", "texture-copy"),
+              (ovMemory::Buffer<ovMemory::String>{"source_texture", "source_sampler"}));
+    const auto tone = offeredOf("ovVeldris.Effect", "tone-mapping");
+    EXPECT_EQ(std::count(tone.begin(), tone.end(), "use_luminance"), 1);
+    EXPECT_EQ(std::count(tone.begin(), tone.end(), "sun_position"), 0) << "another kind's";
+    const auto blur = offeredOf("ovVeldris.ComplexEffect", "blur");
+    EXPECT_EQ(std::count(blur.begin(), blur.end(), "radius"), 1);
+    const auto material = offeredOf("ovVeldris.Material", "pbs");
+    EXPECT_EQ(std::count(material.begin(), material.end(), "albedo_color"), 1);
 }
