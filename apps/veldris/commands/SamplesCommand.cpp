@@ -1,4 +1,4 @@
-// veldris samples: a sky, a model and a file of materials to try the other subcommands with.
+// veldris samples: a sky, a model, a file of materials and a script to try the other subcommands with.
 #include <veldris/commands/Commands.h>
 
 #include <CLI/CLI.hpp>
@@ -7,6 +7,7 @@
 #include <ovImages/Conversion.h>
 #include <ovImages/ExrEncoder.h>
 #include <ovImages/Panorama.h>
+#include <veldris/EmbeddedShaders.h>
 #include <veldris/ImageFiles.h>
 #include <veldris/JsonText.h>
 #include <veldris/console/Console.h>
@@ -59,16 +60,18 @@ int runSamples(Console& console, const SamplesOptions& options) {
     const String sky = pathOf("sky.exr");
     const String model = pathOf("pawn.glb");
     const String materials = pathOf("copper.ovm");
+    const String script = pathOf("scene.lua");
     const auto modelBytes = makeSampleModel();
     for (const ovMemory::Result& written :
          {writeSky(sky), writeOutput(model, ovMemory::BufferView<const unsigned char>(modelBytes)),
-          writeOutput(materials, ovMemory::BufferView<const char>(SAMPLE_MATERIALS))})
+          writeOutput(materials, ovMemory::BufferView<const char>(SAMPLE_MATERIALS)),
+          writeOutput(script, ovMemory::BufferView<const char>(embedded::scene_lua))})
         if (!written)
             return console.fail(written.error);
     if (options.json)
-        console.print(JsonObject().texts("files", {sky, model, materials}).toText());
+        console.print(JsonObject().texts("files", {sky, model, materials, script}).toText());
     else
-        console.print(fmt::format("{}\n{}\n{}", sky, model, materials));
+        console.print(fmt::format("{}\n{}\n{}\n{}", sky, model, materials, script));
     return 0;
 }
 
@@ -76,8 +79,8 @@ int runSamples(Console& console, const SamplesOptions& options) {
 
 void addSamplesCommand(CLI::App& program, Command& command) {
     auto options = std::make_shared<SamplesOptions>();
-    CLI::App* samples =
-        program.add_subcommand("samples", "write a sky, a model and materials to try the subcommands with");
+    CLI::App* samples = program.add_subcommand(
+        "samples", "write a sky, a model, materials and a script to try the subcommands with");
     samples->add_option("FOLDER", options->folder, "where to, made if it is not there")
         ->capture_default_str();
     addJsonOption(*samples, options->json);

@@ -49,6 +49,9 @@ bool Frame::drawQueue(ovGraphics::RenderQueue& queue, ovGraphics::Camera& camera
     blend.setBlendEnabled(true, 0);
     blend.setSourceFactor(ovGraphics::BLEND::SRC_ALPHA, 0);
     blend.setDestinationFactor(ovGraphics::BLEND::INV_SRC_ALPHA, 0);
+    // What is covered stays covered: a saved picture has no holes where glass stands before something.
+    blend.setAlphaSourceFactor(ovGraphics::BLEND::ONE, 0);
+    blend.setAlphaDestinationFactor(ovGraphics::BLEND::INV_SRC_ALPHA, 0);
     return true;
 }
 

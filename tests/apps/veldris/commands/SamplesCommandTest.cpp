@@ -14,7 +14,7 @@ TEST(SamplesCommandTest, writesTheSameFilesAgain) {
     ASSERT_EQ(first.status, 0) << first.error;
     const Outcome second = runVeldris({"samples", folder.getPath("more"), "--json"});
     const auto report = parseJson(second);
-    ASSERT_EQ(report["files"].Size(), 3u);
+    ASSERT_EQ(report["files"].Size(), 4u);
     String printed;
     for (const auto& file : report["files"].GetArray()) {
         const std::filesystem::path path(file.GetString());

@@ -89,6 +89,7 @@ TEST_F(FrameTest, queuesAreDrawnSolidOrBlended) {
     EXPECT_TRUE(blended.drawQueue(*_queue, *_camera, true));
     EXPECT_TRUE(blended.draw());
     EXPECT_NEAR((*target->readBack())[0], 127.5, 0.6) << "half of white over black";
+    EXPECT_EQ((*target->readBack())[3], 255) << "what was covered stays so";
 }
 
 TEST_F(FrameTest, theDepthHidesWhatLiesBehind) {
