@@ -1,5 +1,6 @@
 #include <ovScripts/Environment.h>
 #include <ovScripts/Reference.h>
+#include <ovScripts/detail/ValuesInternal.h>
 
 namespace ovScripts {
 
@@ -8,37 +9,10 @@ namespace {
 using ovMemory::String;
 using ovMemory::StringView;
 
-// What people call a declared type.
-String nameOfType(const FunctionArgument& declared) {
-    switch (declared.type) {
-    case FUNCTION_PARAMETER_TYPE::VOID:
-        return "nothing";
-    case FUNCTION_PARAMETER_TYPE::BOOL:
-        return "boolean";
-    case FUNCTION_PARAMETER_TYPE::INT:
-        return "integer";
-    case FUNCTION_PARAMETER_TYPE::FLOAT:
-    case FUNCTION_PARAMETER_TYPE::DOUBLE:
-        return "number";
-    case FUNCTION_PARAMETER_TYPE::STRING:
-        return "string";
-    case FUNCTION_PARAMETER_TYPE::USER_DATA_PTR:
-        return declared.typeName.empty() ? "object" : declared.typeName;
-    case FUNCTION_PARAMETER_TYPE::USER_DATA:
-        return declared.typeName + " or nil";
-    case FUNCTION_PARAMETER_TYPE::FUNCTION:
-        return "function";
-    case FUNCTION_PARAMETER_TYPE::SCRIPT_OBJECT:
-    case FUNCTION_PARAMETER_TYPE::ANY:
-        return "any value";
-    }
-    return {};
-}
-
 // "name: type", in brackets when it may be left out.
 String describe(const FunctionArgument& argument) {
-    const String text =
-        argument.name.empty() ? nameOfType(argument) : argument.name + ": " + nameOfType(argument);
+    const String text = argument.name.empty() ? detail::expectationOf(argument)
+                                              : argument.name + ": " + detail::expectationOf(argument);
     return argument.isOptional ? '[' + text + ']' : text;
 }
 
@@ -55,7 +29,7 @@ String describeArguments(const Function& function, bool isMethod) {
 String describeResult(const Function& function) {
     return function.getResult().type == FUNCTION_PARAMETER_TYPE::VOID
                ? String()
-               : " → " + nameOfType(function.getResult());
+               : " → " + detail::expectationOf(function.getResult());
 }
 
 // A line of a list.
@@ -94,7 +68,7 @@ String describe(const UserType::Member& member) {
         access = " (read only)";
     else if (!member.getter)
         access = " (set only)";
-    return line("." + member.name + ": " + nameOfType(member.value) + access, member.help);
+    return line("." + member.name + ": " + detail::expectationOf(member.value) + access, member.help);
 }
 
 String describeNamedMembers(const UserType& type) {

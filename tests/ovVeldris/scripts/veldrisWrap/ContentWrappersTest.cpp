@@ -96,6 +96,27 @@ TEST_F(ContentWrappersTest, projectsGoInAndOut) {
     EXPECT_EQ(evaluate("return project:getMaterial(0).albedo_color._x"), "0.5");
 }
 
+TEST_F(ContentWrappersTest, projectsAreNamedSoThatAllOfThemIsFound) {
+    const ovMemory::String absolute = _folder.getPath("p.ovs");
+    for (const ovMemory::String& path :
+         {absolute, ovMemory::String("./p.ovs"), ovMemory::String("p"), ovMemory::String("p.proj"),
+          ovMemory::String("a.b/p.ovs"), ovMemory::String(".ovs"), ovMemory::String()})
+        for (const char* function : {"save", "load"})
+            EXPECT_EQ(evaluate(ovMemory::String("ovVeldris.ProjectLoader.") + function + "('" + path + "')"),
+                      ovMemory::String("error: test:1: ovVeldris.ProjectLoader.") + function +
+                          ": argument 1 (path) expected NAME.ovs from the working folder, without other "
+                          "dots, got '" +
+                          path + "'");
+    EXPECT_FALSE(std::filesystem::exists(absolute));
+}
+
+TEST_F(ContentWrappersTest, problemsOfProjectsAreTold) {
+    std::ofstream(_folder.getPath("p.ovs"))
+        << R"({"resourceSet": 1, "textures": [{"name": "a", "file": "none.png"}]})";
+    EXPECT_NE(evaluate("return ovVeldris.ProjectLoader.load('p.ovs'):getError(0)").find("none.png"),
+              ovMemory::String::npos);
+}
+
 TEST_F(ContentWrappersTest, errorsOfDeclarationsNameTheEntry) {
     const char* START = "Material Declaration entry incomplete. ";
     evaluate(
