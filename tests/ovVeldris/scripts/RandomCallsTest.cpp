@@ -97,10 +97,13 @@ protected:
             HeadlessSystem::makeConfiguration(ovGraphics::SHADER_LANGUAGE::GLSL, &logger);
         before = std::filesystem::current_path();
         std::filesystem::current_path(folder.getPath());
+        // By itself it keeps the folder that the process, or another suite, began in.
+        ovResources::ResourceManager::getInstance()->setWorkingPath(folder.getPath());
         ASSERT_TRUE(ovVeldris::System::getInstance()->initialize(configuration));
     }
     void TearDown() override {
         ovVeldris::System::kill();
+        ovResources::ResourceManager::getInstance()->setWorkingPath("");
         std::filesystem::current_path(before);
     }
 
