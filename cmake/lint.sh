@@ -59,9 +59,9 @@ while read -r document; do
 done < <(list '*.md')
 
 # run_clang_tidy BUILD CHECKS: over the files that stdin lists, on all cores. What it counts on stderr is of other people's
-# headers.
+# headers. The builds give GCC options that Clang has no use for.
 run_clang_tidy() {
-    xargs -P "$(nproc)" -n 1 clang-tidy --quiet -p "$1" --checks="$2" \
+    xargs -P "$(nproc)" -n 1 clang-tidy --quiet -p "$1" --checks="$2" --extra-arg=-Wno-unused-command-line-argument \
         2> >(grep -vE '[0-9]+ warnings? (generated|treated as errors?)' >&2) || complain "clang-tidy found the problems above"
 }
 
