@@ -13,7 +13,7 @@
 class TemporaryFolder {
 public:
     TemporaryFolder() {
-        std::string pattern = testing::TempDir() + "ov-test-XXXXXX";
+        std::string pattern = ::testing::TempDir() + "ov-test-XXXXXX";
         if (::mkdtemp(pattern.data()) == nullptr) {
             ADD_FAILURE() << "no temporary folder can be made as " << pattern;
             return;
