@@ -11,7 +11,7 @@ using Indices = ovMemory::Buffer<unsigned int>;
 namespace {
 
 // Sines and products of small numbers.
-constexpr float FEW_ROUNDINGS = 1e-5f;
+constexpr float NODE_ROUNDINGS = 1e-5f;
 
 GltfBuilder makeNodes(const std::string& nodes, const std::string& rest = "") {
     GltfBuilder file;
@@ -25,7 +25,7 @@ Vector pointAt(const GltfNode& node, const Vector& local) {
 }
 
 void expectPoint(const Vector& point, const Vector& expected) {
-    EXPECT_LT((point - expected).getLengthVec3(), FEW_ROUNDINGS) << point.toString();
+    EXPECT_LT((point - expected).getLengthVec3(), NODE_ROUNDINGS) << point.toString();
 }
 
 } // namespace

@@ -10,7 +10,7 @@ using Strings = ovMemory::Buffer<ovMemory::String>;
 
 namespace {
 
-constexpr float FEW_ROUNDINGS = 1e-6f;
+constexpr float PRIMITIVE_ROUNDINGS = 1e-6f;
 
 // A primitive of a 2 by 1 patch in the plane z = 1 of the file: positions are accessor 0.
 GltfBuilder makePatch(const std::string& attributes, const std::string& primitive = "",
@@ -162,9 +162,9 @@ TEST(GltfPrimitiveTest, givesTangentsWhereTheyServe) {
         EXPECT_EQ(std::count(names.begin(), names.end(), "TANGENT"), row.tangents) << row.name;
         EXPECT_EQ(std::count(names.begin(), names.end(), "BINORMAL"), row.tangents) << row.name;
         for (const Vector& tangent : valuesOf(primitive, "TANGENT"))
-            EXPECT_LT((tangent - Vector(1, 0, 0)).getLengthVec3(), FEW_ROUNDINGS) << row.name;
+            EXPECT_LT((tangent - Vector(1, 0, 0)).getLengthVec3(), PRIMITIVE_ROUNDINGS) << row.name;
         for (const Vector& binormal : valuesOf(primitive, "BINORMAL"))
-            EXPECT_LT((binormal - Vector(0, 1, 0)).getLengthVec3(), FEW_ROUNDINGS) << row.name;
+            EXPECT_LT((binormal - Vector(0, 1, 0)).getLengthVec3(), PRIMITIVE_ROUNDINGS) << row.name;
     }
 }
 

@@ -11,7 +11,7 @@ using ovMaths::Vector;
 
 namespace {
 
-constexpr float FEW_ROUNDINGS = 1e-5f;
+constexpr float SKIN_ROUNDINGS = 1e-5f;
 
 // One joint that moves by (10, 0, 0), one that turns x to y and doubles, one that mirrors x.
 GltfSkin makeSkin() {
@@ -62,12 +62,12 @@ TEST(GltfSkinTest, movesByTheWeightedMeanOfJoints) {
     for (const Case& row : cases) {
         GltfGeometry geometry = makePoint();
         ASSERT_TRUE(poseGltfGeometry(makeSkin(), row.sets, user, geometry)) << row.name << report.getError();
-        EXPECT_LT((geometry.positions[0] - row.position).getLengthVec4(), FEW_ROUNDINGS) << row.name;
+        EXPECT_LT((geometry.positions[0] - row.position).getLengthVec4(), SKIN_ROUNDINGS) << row.name;
         EXPECT_LT((geometry.normals[0].getNormalizedVec3() - row.normal.getNormalizedVec3()).getLengthVec3(),
-                  FEW_ROUNDINGS)
+                  SKIN_ROUNDINGS)
             << row.name;
         const Vector tangent = geometry.tangents[0].getNormalizedVec3();
-        EXPECT_LT((tangent - row.tangent.getNormalizedVec3()).getLengthVec4(), FEW_ROUNDINGS) << row.name;
+        EXPECT_LT((tangent - row.tangent.getNormalizedVec3()).getLengthVec4(), SKIN_ROUNDINGS) << row.name;
     }
 }
 
@@ -117,8 +117,8 @@ TEST(GltfSkinTest, drawsTheRestPoseInTheSpaceOfTheScene) {
     expected.add({0, 0, 0});
     expected.add({1, 0, 0});
     expected.add({-1, 3.5f, -1});
-    EXPECT_LT((scene.boundingBox.getMinimum() - expected.getMinimum()).getLengthVec3(), FEW_ROUNDINGS);
-    EXPECT_LT((scene.boundingBox.getMaximum() - expected.getMaximum()).getLengthVec3(), FEW_ROUNDINGS);
+    EXPECT_LT((scene.boundingBox.getMinimum() - expected.getMinimum()).getLengthVec3(), SKIN_ROUNDINGS);
+    EXPECT_LT((scene.boundingBox.getMaximum() - expected.getMaximum()).getLengthVec3(), SKIN_ROUNDINGS);
     EXPECT_EQ(scene.warnings,
               ovMemory::Buffer<ovMemory::String>({"skin 0: it is drawn in its rest pose; it does not move"}));
 }
@@ -142,7 +142,7 @@ TEST(GltfSkinTest, givesEachSkinAMeshOfItsOwn) {
 TEST(GltfSkinTest, needsNoInverseBindMatrices) {
     const GltfScene scene = decodeWhole(makeSkinned(R"({"mesh": 0, "skin": 0})", " "));
     // Joint 1 was modelled at the origin.
-    EXPECT_LT((scene.boundingBox.getMinimum() - Vector(-2, 0, -1)).getLengthVec3(), FEW_ROUNDINGS);
+    EXPECT_LT((scene.boundingBox.getMinimum() - Vector(-2, 0, -1)).getLengthVec3(), SKIN_ROUNDINGS);
 }
 
 TEST(GltfSkinTest, refusesSkinsThatContradictTheFile) {

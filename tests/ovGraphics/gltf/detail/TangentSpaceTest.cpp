@@ -10,7 +10,7 @@ using ovMaths::Vector;
 namespace {
 
 // A triangle or a few of them, exact but for normalising.
-constexpr float FEW_ROUNDINGS = 1e-5f;
+constexpr float TANGENT_ROUNDINGS = 1e-5f;
 
 struct Corner {
     Vector position;
@@ -30,7 +30,7 @@ GltfGeometry makeFlat(const std::vector<Corner>& corners) {
 }
 
 void expectTangent(const Vector& tangent, const Vector& expected, const std::string& what) {
-    EXPECT_LT((tangent - expected).getLengthVec4(), FEW_ROUNDINGS) << what << ' ' << tangent.toString();
+    EXPECT_LT((tangent - expected).getLengthVec4(), TANGENT_ROUNDINGS) << what << ' ' << tangent.toString();
 }
 
 // A point of the unit sphere, u around and v from the north pole down.
@@ -138,7 +138,7 @@ TEST(TangentSpaceTest, followsTheParallelsOfASphere) {
         const float longitude = geometry.uvs[i].x * ovMaths::MathConstants::PI_2;
         const Vector parallel(-std::sin(longitude), 0, -std::cos(longitude));
         const Vector& tangent = geometry.tangents[i];
-        EXPECT_NEAR(Vector::dotVec3(tangent, geometry.normals[i]), 0.0f, FEW_ROUNDINGS);
+        EXPECT_NEAR(Vector::dotVec3(tangent, geometry.normals[i]), 0.0f, TANGENT_ROUNDINGS);
         EXPECT_EQ(tangent.w, 1.0f);
         // At the seam and at the first and last ring a corner has triangles on one side only, whose
         // directions are half a sector (5.6 degrees) off; elsewhere they cancel out but for the unlike sizes
@@ -158,7 +158,7 @@ TEST(TangentSpaceTest, takesOverTangentsWhereTheMappingHasNoArea) {
     makeTangents(geometry);
     expectTangent(geometry.tangents[3], {1, 0, 0, 1}, "shared bottom");
     expectTangent(geometry.tangents[5], {1, 0, 0, 1}, "shared top");
-    EXPECT_NEAR(geometry.tangents[4].getLengthVec3(), 1.0f, FEW_ROUNDINGS);
+    EXPECT_NEAR(geometry.tangents[4].getLengthVec3(), 1.0f, TANGENT_ROUNDINGS);
     EXPECT_EQ(geometry.tangents[4].z, 0.0f);
     EXPECT_EQ(geometry.tangents[4].w, 1.0f);
     // Of a mirrored neighbour too.
@@ -183,8 +183,8 @@ TEST(TangentSpaceTest, givesSomeTangentToEveryCorner) {
         GltfGeometry geometry = makeFlat(meshes[mesh]);
         makeTangents(geometry);
         for (const Vector& tangent : geometry.tangents) {
-            EXPECT_NEAR(tangent.getLengthVec3(), 1.0f, FEW_ROUNDINGS) << mesh;
-            EXPECT_NEAR(tangent.z, 0.0f, FEW_ROUNDINGS) << mesh;
+            EXPECT_NEAR(tangent.getLengthVec3(), 1.0f, TANGENT_ROUNDINGS) << mesh;
+            EXPECT_NEAR(tangent.z, 0.0f, TANGENT_ROUNDINGS) << mesh;
             EXPECT_EQ(std::abs(tangent.w), 1.0f) << mesh;
         }
     }
