@@ -268,7 +268,7 @@ std::optional<ovMemory::Buffer<FunctionParameter>> Environment::readList(const S
             return;
         elements.emplace(lua_rawlen(lua, -1));
         for (std::size_t i = 0; i < elements->size(); ++i) {
-            lua_rawgeti(lua, 1, static_cast<lua_Integer>(i + 1));
+            lua_rawgeti(lua, 1, static_cast<lua_Integer>(i) + 1);
             detail::ParameterAccess::readAny(lua, 2, (*elements)[i]);
             detail::ParameterAccess::own((*elements)[i]);
             lua_pop(lua, 1);

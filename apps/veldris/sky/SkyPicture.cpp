@@ -7,6 +7,7 @@
 #include <numbers>
 #include <ovGraphics/device/Device.h>
 #include <ovGraphics/resources/Viewport.h>
+#include <ovVeldris/effects/atmosphere/SunLight.h>
 #include <ovVeldris/environment/light/EnvironmentDrawing.h>
 #include <veldris/Session.h>
 #include <veldris/pictures/PictureShader.h>

@@ -4,6 +4,9 @@
 #include <ovVeldris/complexEffects/BlurReference.h>
 #include <ovVeldris/complexEffects/ComplexEffectFixture.h>
 
+// Its names stay its own where the folder is compiled as one.
+namespace blurComplexEffectPictureTest {
+
 using namespace ovVeldris;
 using blurReference::Settings;
 
@@ -206,3 +209,5 @@ TEST_P(BlurComplexEffectPictureTest, TwoEffectsOfOneNodeDrawOneAfterTheOther) {
     EXPECT_EQ(getNode().getOperationsBlockCount(), 2u);
     EXPECT_TRUE(frame());
 }
+
+} // namespace blurComplexEffectPictureTest

@@ -60,9 +60,9 @@ TEST_P(BlurComplexEffectTest, IsNewWithTheDefaults) {
 
 TEST_P(BlurComplexEffectTest, TableHoldsForNewAndLoadedEffects) {
     const auto blur = makeBlur();
-    ovVeldris::testing::checkSettingTable(*blur, getGraphics());
+    settingTesting::checkSettingTable(*blur, getGraphics());
     ASSERT_TRUE(blur->load());
-    ovVeldris::testing::checkSettingTable(*blur, getGraphics());
+    settingTesting::checkSettingTable(*blur, getGraphics());
     EXPECT_EQ(blur->setSetting("radius", 511).place, "radius");
     EXPECT_EQ(blur->setSetting("radius", 510).error, "");
     EXPECT_EQ(blur->getKernelRadius(), 510u);

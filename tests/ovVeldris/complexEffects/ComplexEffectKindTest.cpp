@@ -27,10 +27,10 @@ TEST_P(ComplexEffectKindTest, EveryTableHoldsForNewAndLoadedEffects) {
         const auto effect = kind.create(getSystem());
         EXPECT_EQ(effect->getType(), kind.type);
         EXPECT_EQ(&effect->getSettings(), &kind.settings());
-        ovVeldris::testing::checkSettingTable(*effect, getGraphics());
+        settingTesting::checkSettingTable(*effect, getGraphics());
         effect->setCompositorNode(&getNode());
         ASSERT_TRUE(effect->load());
-        ovVeldris::testing::checkSettingTable(*effect, getGraphics());
+        settingTesting::checkSettingTable(*effect, getGraphics());
     }
 }
 

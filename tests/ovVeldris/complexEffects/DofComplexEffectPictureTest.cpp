@@ -8,6 +8,9 @@
 #include <ovVeldris/complexEffects/ComplexEffectFixture.h>
 #include <ovVeldris/complexEffects/DofReference.h>
 
+// Its names stay its own where the folder is compiled as one.
+namespace dofComplexEffectPictureTest {
+
 using namespace ovVeldris;
 using dofReference::Dof;
 using dofReference::Settings;
@@ -325,3 +328,5 @@ TEST_P(DofComplexEffectPictureTest, FollowsTheSizeOfANewSource) {
     EXPECT_TRUE(picturesMatch("dof_resized", drawNode(*dof->getOutputTexture()),
                               Dof(large, makeDepth(WIDTH, HEIGHT), SCENE).draw(), LIMITS));
 }
+
+} // namespace dofComplexEffectPictureTest

@@ -34,7 +34,7 @@ TEST_P(EffectKindTest, everyTableHoldsForANewEffect) {
         const auto effect = kind.create(getSystem());
         EXPECT_EQ(effect->getType(), kind.type);
         EXPECT_EQ(&effect->getSettings(), &kind.settings());
-        ovVeldris::testing::checkSettingTable(*effect, getGraphics());
+        settingTesting::checkSettingTable(*effect, getGraphics());
     }
 }
 
@@ -43,9 +43,9 @@ TEST_P(EffectKindTest, everyTableHoldsForALoadedEffect) {
         SCOPED_TRACE(kind.getName());
         const auto effect = kind.create(getSystem());
         ASSERT_TRUE(effect->load());
-        ovVeldris::testing::checkSettingTable(*effect, getGraphics());
+        settingTesting::checkSettingTable(*effect, getGraphics());
         effect->unload();
-        ovVeldris::testing::checkSettingTable(*effect, getGraphics());
+        settingTesting::checkSettingTable(*effect, getGraphics());
     }
 }
 
@@ -104,7 +104,7 @@ TEST_P(EffectKindTest, onlySettingsThatWaitForLoadSelectTheText) {
             if (setting.waitsForLoad || isResource(setting.kind))
                 continue;
             const auto effect = kind.create(getSystem());
-            for (const SettingValue& value : ovVeldris::testing::otherValues(setting, getGraphics()))
+            for (const SettingValue& value : settingTesting::otherValues(setting, getGraphics()))
                 EXPECT_EQ(effect->setSetting(setting.name, value).error, "");
             ASSERT_TRUE(effect->load());
             EXPECT_EQ(programText(*effect), programText(*plain)) << kind.getName() << setting.name;

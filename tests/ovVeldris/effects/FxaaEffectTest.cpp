@@ -10,6 +10,9 @@
 #include <ovVeldris/effects/FxaaReference.h>
 #include <random>
 
+// Its names stay its own where the folder is compiled as one.
+namespace fxaaEffectTest {
+
 using namespace ovVeldris;
 using fxaaReference::Fxaa;
 using fxaaReference::Settings;
@@ -496,3 +499,5 @@ TEST_P(FxaaEffectTest, drawsTheSameBitsInBothLanguages) {
     for (std::size_t i = 0; i < ours.size(); ++i)
         EXPECT_TRUE(picturesAreIdentical("fxaa_languages_" + std::to_string(i), others[i], ours[i]));
 }
+
+} // namespace fxaaEffectTest

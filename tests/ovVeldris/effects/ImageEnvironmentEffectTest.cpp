@@ -9,6 +9,9 @@
 #include <ovVeldris/effects/ImageEnvironmentEffect.h>
 #include <ovVeldris/environment/EnvironmentFixture.h>
 
+// Its names stay its own where the folder is compiled as one.
+namespace imageEnvironmentEffectTest {
+
 using namespace ovVeldris;
 using namespace environmentReference;
 using ovMaths::Vector;
@@ -332,3 +335,5 @@ TEST_P(ImageEnvironmentEffectTest, drawsTheSameBitsInBothLanguages) {
     for (std::size_t i = 0; i < pictures.size(); ++i)
         EXPECT_TRUE(picturesAreIdentical("image_environment_languages", others[i], pictures[i])) << i;
 }
+
+} // namespace imageEnvironmentEffectTest

@@ -2,6 +2,9 @@
 #include <limits>
 #include <ovVeldris/effects/SsaoFixture.h>
 
+// Its names stay its own where the folder is compiled as one.
+namespace ssaoEffectPictureTest {
+
 using namespace ovVeldris;
 using namespace ssaoReference;
 
@@ -312,3 +315,5 @@ TEST_P(SsaoEffectPictureTest, survivesNumbersThatMeanNothing) {
     EXPECT_NE(getLog().getText().find("Could not load the ssao effect program for ''"),
               ovMemory::String::npos);
 }
+
+} // namespace ssaoEffectPictureTest

@@ -6,6 +6,7 @@
 
 using namespace ovVeldris;
 using namespace ssaoReference;
+using Defines = ovMemory::Buffer<ovGraphics::shading::Define>;
 
 namespace {
 
@@ -90,7 +91,6 @@ TEST_P(SsaoEffectTest, identifiesItsProgram) {
 }
 
 TEST_P(SsaoEffectTest, definesWhatItsSettingsSelect) {
-    using Defines = ovMemory::Buffer<ovGraphics::shading::Define>;
     const auto a = makeTexture(FloatPicture(1, 1));
     struct Case {
         std::function<void(SsaoEffect&)> prepare;

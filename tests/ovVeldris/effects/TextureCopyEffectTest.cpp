@@ -9,6 +9,9 @@
 #include <ovVeldris/effects/EffectFixture.h>
 #include <ovVeldris/effects/TextureCopyEffect.h>
 
+// Its names stay its own where the folder is compiled as one.
+namespace textureCopyEffectTest {
+
 using namespace ovVeldris;
 
 namespace {
@@ -134,3 +137,5 @@ TEST_P(TextureCopyEffectTest, drawsOpaqueBlackWithoutATexture) {
     ASSERT_TRUE(effect.load());
     EXPECT_EQ(draw(*effect.getShader(), 1, 1).at(0, 0), (FloatPixel{0.0f, 0.0f, 0.0f, 1.0f}));
 }
+
+} // namespace textureCopyEffectTest

@@ -9,6 +9,9 @@
 #include <ovVeldris/effects/ToneMappingEffect.h>
 #include <ovVeldris/effects/ToneMappingReference.h>
 
+// Its names stay its own where the folder is compiled as one.
+namespace toneMappingEffectTest {
+
 using namespace ovVeldris;
 using ovMaths::Matrix;
 using ovMaths::Vector;
@@ -462,3 +465,5 @@ TEST_P(ToneMappingEffectTest, drawsTheSameBitsInBothLanguages) {
         EXPECT_TRUE(picturesAreIdentical(ovMemory::String("tone_mapping_languages_") + CASES[i].name,
                                          others[i], pictures[i]));
 }
+
+} // namespace toneMappingEffectTest

@@ -9,6 +9,9 @@
 #include <set>
 #include <support/heap/Heap.h>
 
+// Its names stay its own where the folder is compiled as one.
+namespace pbsEnvironmentMapFilterIrradianceTest {
+
 using namespace ovVeldris;
 using ovGraphics::FORMAT;
 using ovGraphics::TEXTURE_TYPE;
@@ -332,3 +335,5 @@ TEST_P(PbsEnvironmentMapFilterIrradianceTest, takesLittleMemory) {
             EXPECT_LE(count.getBytes() - image, slice + image / 5 + 65536);
         }
 }
+
+} // namespace pbsEnvironmentMapFilterIrradianceTest

@@ -9,6 +9,9 @@
 #include <ovVeldris/environment/EnvironmentFixture.h>
 #include <ovVeldris/environment/PbsEnvironmentMapFilter.h>
 
+// Its names stay its own where the folder is compiled as one.
+namespace pbsEnvironmentMapFilterTest {
+
 using namespace ovVeldris;
 using namespace environmentReference;
 using ovGraphics::FORMAT;
@@ -560,3 +563,5 @@ TEST_P(PbsEnvironmentMapFilterTest, drawsTheSameBitsInBothLanguages) {
     for (std::size_t i = 0; i < pictures.size(); ++i)
         EXPECT_TRUE(picturesAreIdentical("filter_languages", others[i], pictures[i])) << i;
 }
+
+} // namespace pbsEnvironmentMapFilterTest

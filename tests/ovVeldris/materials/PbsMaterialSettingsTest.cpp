@@ -25,7 +25,7 @@ protected:
 INSTANTIATE_TEST_SUITE_P(, PbsMaterialSettingsTest, bothLanguages(), languageName);
 
 TEST_P(PbsMaterialSettingsTest, TheTableIsSound) {
-    ovVeldris::testing::checkSettingTable(material(), getGraphics());
+    settingTesting::checkSettingTable(material(), getGraphics());
     EXPECT_EQ(&material().getSettings(), &PbsMaterial::settings());
 }
 

@@ -6,6 +6,9 @@
 #include <ovGraphics/System.h>
 #include <ovVeldris/materials/PbsMaterialParameters.h>
 
+// Its names stay its own where the folder is compiled as one.
+namespace pbsParametersTreeTest {
+
 using namespace ovVeldris;
 using ovExport::Node;
 
@@ -201,3 +204,5 @@ TEST_F(PbsParametersTreeTest, WithoutATextureManagerTexturesStay) {
     EXPECT_EQ(parameters.albedoTextureChannels, THREE_CHANNEL_PACK::BGR);
     EXPECT_EQ(parameters.metalness, 0.75f);
 }
+
+} // namespace pbsParametersTreeTest

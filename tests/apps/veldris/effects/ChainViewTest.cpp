@@ -7,7 +7,7 @@
 TEST(ChainViewTest, itsTableHolds) {
     ovGraphics::System graphics;
     veldris::ChainView view;
-    ovVeldris::testing::checkSettingTable(view, graphics);
+    settingTesting::checkSettingTable(view, graphics);
 }
 
 TEST(ChainViewTest, pointsACamera) {

@@ -4,12 +4,12 @@
 
 using namespace ovVeldris;
 using ovMemory::String;
-using ovVeldris::testing::SettingSample;
+using settingTesting::SettingSample;
 
 TEST(ConfigurableTest, everySettingGoesInAndComesOut) {
     ovGraphics::System graphics;
     SettingSample sample;
-    ovVeldris::testing::checkSettingTable(sample, graphics);
+    settingTesting::checkSettingTable(sample, graphics);
 }
 
 TEST(ConfigurableTest, settingsReachTheSetters) {
@@ -17,7 +17,7 @@ TEST(ConfigurableTest, settingsReachTheSetters) {
     EXPECT_EQ(sample.setSetting("count", 9).error, "");
     EXPECT_EQ(sample.count, 9);
     EXPECT_EQ(sample.setSettingFromText("fruit", "apple").error, "");
-    EXPECT_EQ(sample.fruit, ovVeldris::testing::FRUIT::APPLE);
+    EXPECT_EQ(sample.fruit, settingTesting::FRUIT::APPLE);
     EXPECT_EQ(sample.getSettingAsText("fruit"), "apple");
 }
 
@@ -43,7 +43,7 @@ TEST(ConfigurableTest, aSettingIsUsedBesideItsConditionOnly) {
     SettingSample sample;
     const Setting& gamma = *SettingSample::settings().find("gamma");
     EXPECT_FALSE(sample.isSettingUsed(gamma));
-    sample.fruit = ovVeldris::testing::FRUIT::APPLE;
+    sample.fruit = settingTesting::FRUIT::APPLE;
     EXPECT_TRUE(sample.isSettingUsed(gamma));
     EXPECT_TRUE(sample.isSettingUsed(*SettingSample::settings().find("count")));
 }

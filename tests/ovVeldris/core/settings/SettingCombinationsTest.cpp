@@ -33,7 +33,7 @@ Setting flag(const char* name, bool byDefault) {
 
 TEST(SettingCombinationsTest, flagsAndEnumerationsThatWaitForLoadVary) {
     // The other twelve settings of the class are live or have numbers.
-    EXPECT_EQ(texts(ovVeldris::testing::SettingSample::settings()),
+    EXPECT_EQ(texts(settingTesting::SettingSample::settings()),
               (Buffer<String>{"is-on=true,fruit=apple", "is-on=true,fruit=sour-cherry",
                               "is-on=false,fruit=apple", "is-on=false,fruit=sour-cherry"}));
 }

@@ -3,7 +3,9 @@
 
 #include <ovVeldris/core/settings/SettingRows.h>
 
-namespace ovVeldris::testing {
+namespace settingTesting {
+
+using namespace ovVeldris;
 
 enum class FRUIT { APPLE = 3, SOUR_CHERRY = 7 };
 
@@ -80,4 +82,4 @@ public:
     ovGraphics::Node* anchor = nullptr;
 };
 
-} // namespace ovVeldris::testing
+} // namespace settingTesting

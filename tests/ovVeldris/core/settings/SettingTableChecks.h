@@ -13,7 +13,9 @@
 #include <ovVeldris/core/settings/SettingText.h>
 #include <set>
 
-namespace ovVeldris::testing {
+namespace settingTesting {
+
+using namespace ovVeldris;
 
 /// A number that a range holds and that is not the other one.
 inline float numberInside(const SettingRange& range, float other) {
@@ -187,4 +189,4 @@ inline void checkSettingTable(Configurable& object, ovGraphics::System& graphics
     }
 }
 
-} // namespace ovVeldris::testing
+} // namespace settingTesting

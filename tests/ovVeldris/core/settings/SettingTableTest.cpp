@@ -4,7 +4,7 @@
 using namespace ovVeldris;
 
 TEST(SettingTableTest, rowsAreFoundByTheirWholeName) {
-    const SettingTable& settings = ovVeldris::testing::SettingSample::settings();
+    const SettingTable& settings = settingTesting::SettingSample::settings();
     ASSERT_NE(settings.find("count"), nullptr);
     EXPECT_EQ(settings.find("count")->name, "count");
     EXPECT_EQ(settings.find("coun"), nullptr);
@@ -12,7 +12,7 @@ TEST(SettingTableTest, rowsAreFoundByTheirWholeName) {
 }
 
 TEST(SettingTableTest, rowsKeepTheirOrder) {
-    const SettingTable& settings = ovVeldris::testing::SettingSample::settings();
+    const SettingTable& settings = settingTesting::SettingSample::settings();
     EXPECT_EQ(settings.size(), 14u);
     EXPECT_EQ(settings.begin()->name, "is-on");
     EXPECT_EQ((settings.end() - 1)->name, "anchor");

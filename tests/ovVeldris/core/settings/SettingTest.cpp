@@ -6,7 +6,7 @@ using namespace ovVeldris;
 using ovMaths::Matrix;
 using ovMaths::Vector;
 using ovMemory::String;
-using ovVeldris::testing::SettingSample;
+using settingTesting::SettingSample;
 
 namespace {
 
@@ -31,7 +31,7 @@ TEST(SettingTest, rangesHoldTheirEndsOnlyWhereTheySaySo) {
 TEST(SettingTest, rowsReadAndWriteTheirObject) {
     SettingSample sample;
     row("fruit").set(sample, String("apple"));
-    EXPECT_EQ(sample.fruit, ovVeldris::testing::FRUIT::APPLE);
+    EXPECT_EQ(sample.fruit, settingTesting::FRUIT::APPLE);
     EXPECT_EQ(row("fruit").get(sample), SettingValue(String("apple")));
     row("title").set(sample, String("pears"));
     EXPECT_EQ(sample.title, "pears");

@@ -5,12 +5,15 @@
 #include <ovVeldris/core/settings/SettingSample.h>
 #include <ovVeldris/core/settings/SettingText.h>
 
+// Its names stay its own where the folder is compiled as one.
+namespace settingTextTest {
+
 using namespace ovVeldris;
 using ovMaths::Matrix;
 using ovMaths::Vector;
 using ovMemory::Buffer;
 using ovMemory::String;
-using ovVeldris::testing::SettingSample;
+using settingTesting::SettingSample;
 
 namespace {
 
@@ -153,3 +156,5 @@ TEST(SettingTextTest, aClassWithoutSettingsSaysSo) {
     EXPECT_EQ(result.place, "gamma");
     EXPECT_EQ(result.error, "there is no setting 'gamma'; it has none.");
 }
+
+} // namespace settingTextTest
