@@ -312,11 +312,7 @@ SharedUserData Environment::share(const FunctionParameter& argument, bool forwar
 
 void Environment::collectGarbage() {
     if (_lua)
-        _lua->protect([](lua_State* lua) {
-            // Twice: what finalisers let go is collected by the second round.
-            lua_gc(lua, LUA_GCCOLLECT);
-            lua_gc(lua, LUA_GCCOLLECT);
-        });
+        _lua->protect([](lua_State* lua) { LuaState::collectAll(lua); });
 }
 
 std::size_t Environment::getUsedMemory() const {

@@ -12,6 +12,13 @@ constexpr int STEPS_BETWEEN_LOOKS = 1000;
 
 // Objects outside the interpreter's memory let it collect in time: each so many bytes it does a step.
 constexpr std::size_t OUTSIDE_BYTES_A_STEP = 1 << 20;
+constexpr std::size_t STEPS_TO_LIMIT = 16; // at the least
+
+// A call takes a small block of the interpreter's own. Calls of finalisers get it beyond the limit, too: one
+// that fails is not made again, and its object would never be destroyed. Deep recursion ends with the
+// reserve.
+constexpr std::size_t LARGEST_CALL_BLOCK = 128;
+constexpr std::size_t CALL_RESERVE = 64 << 10;
 
 // Such a block nobody gets. Who asks for it gets an error of memory, the only kind for which the interpreter
 // calls no handler of the script.
@@ -51,13 +58,16 @@ LuaState::~LuaState() {
 
 void* LuaState::_allocate(void* self, void* block, std::size_t oldSize, std::size_t newSize) {
     auto& state = *static_cast<LuaState*>(self);
-    const std::size_t freed = block ? oldSize : 0; // of a new block it is the kind of the object
+    const std::size_t freed = block ? oldSize : 0;
     if (newSize == 0) {
         std::free(block);
         state._insideBytes -= freed;
         return nullptr;
     }
-    if (newSize >= REFUSED_BLOCK || (newSize > freed && !state.canAllocate(newSize - freed)))
+    // Of a new block the old size is the kind of the object, 0 for what the interpreter needs itself.
+    const bool isForCall = !block && oldSize == 0 && newSize <= LARGEST_CALL_BLOCK;
+    const std::size_t asked = newSize > freed ? newSize - freed : 0;
+    if (newSize >= REFUSED_BLOCK || (asked > 0 && !state._canAllocate(asked, isForCall ? CALL_RESERVE : 0)))
         return nullptr;
     void* const moved = std::realloc(block, newSize);
     if (moved)
@@ -65,23 +75,32 @@ void* LuaState::_allocate(void* self, void* block, std::size_t oldSize, std::siz
     return moved;
 }
 
+void LuaState::collectAll(lua_State* lua) {
+    lua_gc(lua, LUA_GCCOLLECT);
+    lua_gc(lua, LUA_GCCOLLECT);
+}
+
 // The interpreter's own last resort runs no finalisers, so that it would not free what lies outside: with
 // little memory left everything is collected before.
 void LuaState::collectInTime(lua_State* lua, std::size_t growth) {
     _outsideGrowth += growth;
-    if (_outsideGrowth < OUTSIDE_BYTES_A_STEP)
-        return;
     const std::size_t limit = _environment.getOptions().memoryLimit;
+    const std::size_t step =
+        limit > 0 ? std::min(OUTSIDE_BYTES_A_STEP, limit / STEPS_TO_LIMIT) : OUTSIDE_BYTES_A_STEP;
+    if (_outsideGrowth < step)
+        return;
     if (limit > 0 && getUsedMemory() > limit / 4 * 3)
-        lua_gc(lua, LUA_GCCOLLECT);
+        collectAll(lua);
     else
         lua_gc(lua, LUA_GCSTEP, static_cast<int>(std::min<std::size_t>(_outsideGrowth >> 10, 1 << 20)));
     _outsideGrowth = 0;
 }
 
-bool LuaState::canAllocate(std::size_t bytes) const {
-    const std::size_t limit = _environment.getOptions().memoryLimit;
-    return limit == 0 || (bytes <= limit && getUsedMemory() <= limit - bytes);
+bool LuaState::_canAllocate(std::size_t bytes, std::size_t reserve) const {
+    if (_environment.getOptions().memoryLimit == 0)
+        return true;
+    const std::size_t limit = _environment.getOptions().memoryLimit + reserve;
+    return (bytes <= limit && getUsedMemory() <= limit - bytes);
 }
 
 void LuaState::restartLimits() {
@@ -194,7 +213,7 @@ bool LuaState::call(int argumentCount, int resultCount, ExecutionResult& result)
         result.failureType = EXECUTION_FAILURE_TYPE::LIMIT_REACHED;
     } else if (status == LUA_ERRMEM) {
         // Finalisers that the last resort left wait until the interpreter needs more, which it would not get.
-        lua_gc(lua, LUA_GCCOLLECT);
+        collectAll(lua);
         // No handler was called, so that what is kept is that of another error.
         result.failureType = EXECUTION_FAILURE_TYPE::MEMORY_ALLOCATION;
         _place.clear();

@@ -4,7 +4,7 @@
 
 TEST(ExporterLoadResultWrapperTest, growingTreesCountAgainstTheMemoryOfTheirEnvironment) {
     ovVeldris::ScriptsEngine engine(nullptr);
-    engine.initialize({.memoryLimit = 16 << 20});
+    engine.initialize({.memoryLimit = 4 << 20});
     luaTest::expectCases(*engine.getEnvironment(),
                          {
                              {"local node = ovExport.JsonExporter.importIntoTree('[]')._tree while true do "
@@ -13,11 +13,11 @@ TEST(ExporterLoadResultWrapperTest, growingTreesCountAgainstTheMemoryOfTheirEnvi
                              {"local node = ovExport.JsonExporter.importIntoTree('[]')._tree while true do "
                               "node = node:addElement() end",
                               "error: not enough memory"},
-                             {"local text = string.rep('[', 1 << 20) .. string.rep(']', 1 << 20) "
-                              "ovExport.JsonExporter.importIntoTree(text) return ''",
+                             {"local text = '[' .. string.rep('0,', 1 << 18) .. '0]' "
+                              "local kept = ovExport.JsonExporter.importIntoTree(text) return kept._tree",
                               "error: not enough memory"},
-                             {"for i = 1, 1000 do ovExport.JsonExporter.importIntoTree('[\"' .. "
-                              "string.rep('x', 1 << 20) .. '\"]') end "
+                             {"for i = 1, 200 do ovExport.JsonExporter.importIntoTree('[\"' .. "
+                              "string.rep('x', 1 << 17) .. '\"]') end "
                               "return 'collected'",
                               "collected"},
                          });
