@@ -18,7 +18,6 @@ namespace {
 
 using ovMemory::Buffer;
 using ovMemory::String;
-using ovMemory::StringView;
 
 enum class BAKE { PREFILTER, IRRADIANCE, CUBEMAP, SPHERICAL };
 

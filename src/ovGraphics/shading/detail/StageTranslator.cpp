@@ -10,7 +10,6 @@ namespace ovGraphics::shading::detail {
 using ovMemory::Buffer;
 using ovMemory::String;
 using ovMemory::StringView;
-using ovMemory::UniquePtr;
 
 namespace {
 

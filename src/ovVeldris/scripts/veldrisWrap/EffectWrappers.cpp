@@ -12,7 +12,6 @@
 
 namespace ovVeldrisWrap {
 
-using ovMemory::String;
 using ovVeldris::ComplexEffect;
 using ovVeldris::Effect;
 using ovVeldris::Material;
