@@ -14,11 +14,10 @@ constexpr int STEPS_BETWEEN_LOOKS = 1000;
 constexpr std::size_t OUTSIDE_BYTES_A_STEP = 1 << 20;
 constexpr std::size_t STEPS_TO_LIMIT = 16; // at the least
 
-// A call takes a small block of the interpreter's own. Calls of finalisers get it beyond the limit, too: one
-// that fails is not made again, and its object would never be destroyed. Deep recursion ends with the
-// reserve.
+// A call takes a small block of the interpreter's own, and gets it beyond the limit, too: a finaliser whose
+// call fails is not called again, and its object would never be destroyed. The stack, which is counted,
+// bounds how many there are.
 constexpr std::size_t LARGEST_CALL_BLOCK = 128;
-constexpr std::size_t CALL_RESERVE = 64 << 10;
 
 // Such a block nobody gets. Who asks for it gets an error of memory, the only kind for which the interpreter
 // calls no handler of the script.
@@ -66,8 +65,7 @@ void* LuaState::_allocate(void* self, void* block, std::size_t oldSize, std::siz
     }
     // Of a new block the old size is the kind of the object, 0 for what the interpreter needs itself.
     const bool isForCall = !block && oldSize == 0 && newSize <= LARGEST_CALL_BLOCK;
-    const std::size_t asked = newSize > freed ? newSize - freed : 0;
-    if (newSize >= REFUSED_BLOCK || (asked > 0 && !state._canAllocate(asked, isForCall ? CALL_RESERVE : 0)))
+    if (newSize >= REFUSED_BLOCK || (newSize > freed && !isForCall && !state.canAllocate(newSize - freed)))
         return nullptr;
     void* const moved = std::realloc(block, newSize);
     if (moved)
@@ -96,11 +94,9 @@ void LuaState::collectInTime(lua_State* lua, std::size_t growth) {
     _outsideGrowth = 0;
 }
 
-bool LuaState::_canAllocate(std::size_t bytes, std::size_t reserve) const {
-    if (_environment.getOptions().memoryLimit == 0)
-        return true;
-    const std::size_t limit = _environment.getOptions().memoryLimit + reserve;
-    return (bytes <= limit && getUsedMemory() <= limit - bytes);
+bool LuaState::canAllocate(std::size_t bytes) const {
+    const std::size_t limit = _environment.getOptions().memoryLimit;
+    return limit == 0 || (bytes <= limit && getUsedMemory() <= limit - bytes);
 }
 
 void LuaState::restartLimits() {
@@ -212,7 +208,6 @@ bool LuaState::call(int argumentCount, int resultCount, ExecutionResult& result)
         result.error = _limitError;
         result.failureType = EXECUTION_FAILURE_TYPE::LIMIT_REACHED;
     } else if (status == LUA_ERRMEM) {
-        // Finalisers that the last resort left wait until the interpreter needs more, which it would not get.
         collectAll(lua);
         // No handler was called, so that what is kept is that of another error.
         result.failureType = EXECUTION_FAILURE_TYPE::MEMORY_ALLOCATION;

@@ -42,12 +42,13 @@ public:
     /// Counts memory outside the interpreter. @param change in bytes; of less it wraps around
     void countOutside(std::size_t change) { _outsideBytes += change; }
     /// Collects everything that is let go. Twice: what waits for its finaliser in the first round keeps
-    /// others alive, and what finalisers let go is collected by the second.
+    /// others alive, and what finalisers let go is collected by the second. After an error of memory
+    /// this is needed: the interpreter's own last resort calls no finalisers.
     static void collectAll(lua_State* lua);
     /// Lets the collector work after objects have grown by so many bytes outside, which it does not see.
     void collectInTime(lua_State* lua, std::size_t growth);
     std::size_t getUsedMemory() const { return _insideBytes + _outsideBytes; }
-    bool canAllocate(std::size_t bytes) const { return _canAllocate(bytes, 0); }
+    bool canAllocate(std::size_t bytes) const;
 
     /// The declared type of a full name, or null. Names mostly come from a few globals, which are remembered
     /// by their address.
@@ -75,7 +76,6 @@ private:
     static void* _allocate(void* self, void* block, std::size_t oldSize, std::size_t newSize);
     static void _lookAtLimits(lua_State* lua, lua_Debug* activation);
     static int _explainError(lua_State* lua);
-    bool _canAllocate(std::size_t bytes, std::size_t reserve) const;
     void _explainLimit(lua_State* lua, bool areStepsUsed, bool isTimeUsed);
     void _keepPlace(lua_State* lua, int level);
     static void _warn(void* self, const char* text, int isContinued);
@@ -121,6 +121,8 @@ int LuaState::protect(Code&& code, ovMemory::String* message) {
     if (status != LUA_OK && message)
         *message = lua_type(lua, -1) == LUA_TSTRING ? lua_tostring(lua, -1) : "unknown error";
     lua_settop(lua, top);
+    if (status == LUA_ERRMEM)
+        collectAll(lua);
     return status;
 }
 

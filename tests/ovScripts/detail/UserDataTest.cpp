@@ -185,4 +185,71 @@ TEST(UserDataTest, objectsThatGrowAreCountedAgain) {
     EXPECT_EQ(millions("one, part = nil collectgarbage() collectgarbage()"), 0u);
 }
 
+/// Objects that hold as many bytes as they say, with parts that keep them alive.
+struct GrowingWorld {
+    int alive = 0;
+    ovMemory::UniquePtr<Environment> environment;
+
+    explicit GrowingWorld(std::size_t memoryLimit)
+        : environment(luaEnvironment({.memoryLimit = memoryLimit})) {
+        UserType* type = environment->setUserType("Growing");
+        type->setConstructor([this](Arguments) -> void* {
+            ++alive;
+            return new std::size_t(0);
+        });
+        type->setDestructor([this](void* object) {
+            --alive;
+            delete static_cast<std::size_t*>(object);
+        });
+        type->setSizeOf([](const void* object) { return *static_cast<const std::size_t*>(object); });
+        type->addMethod("grow")
+            ->addParameter(FUNCTION_PARAMETER_TYPE::INT)
+            .setFunction([](Arguments arguments) {
+                *arguments[0].getValueAsUserData<std::size_t>() +=
+                    static_cast<std::size_t>(arguments[1].getValueAsInt());
+                return FunctionParameter();
+            });
+        environment->setUserType("Part");
+        type->addMethod("part")->setFunction([](Arguments arguments) {
+            return FunctionParameter(arguments[0].getValueAsUserData<std::size_t>(), "Part", false)
+                .keeping(0);
+        });
+    }
+};
+
+// The last resort of the interpreter leaves parts that wait for their finalisers, and these keep the whole.
+TEST(UserDataTest, nothingIsKeptAfterAnErrorOfMemory) {
+    GrowingWorld world(1 << 20);
+    const char* grow = "local whole = Growing() while true do whole:part() whole:grow(1000) end";
+    for (int i = 0; i < 3; ++i) {
+        EXPECT_EQ(evaluate(*world.environment, grow), "error: not enough memory");
+        EXPECT_EQ(world.environment->getLastExecutionResult().failureType,
+                  EXECUTION_FAILURE_TYPE::MEMORY_ALLOCATION);
+        EXPECT_EQ(world.alive, 0);
+        EXPECT_LT(world.environment->getUsedMemory(), 200'000u);
+    }
+}
+
+TEST(UserDataTest, objectsAreCollectedBeforeTheLimit) {
+    for (const int kilobytes : {1, 10, 100}) {
+        GrowingWorld world(1 << 20);
+        EXPECT_EQ(evaluate(*world.environment, "for i = 1, " + std::to_string(20000 / kilobytes) +
+                                                   " do Growing():grow(" + std::to_string(kilobytes * 1000) +
+                                                   ") end return 'collected'"),
+                  "collected");
+    }
+}
+
+// A finaliser whose call gets no memory is not called again: its object would stay for good.
+TEST(UserDataTest, callsWorkBeyondTheLimit) {
+    GrowingWorld world(1 << 20);
+    EXPECT_EQ(evaluate(*world.environment,
+                       "local function deep(n) if n > 0 then return (deep(n - 1)) end return 'called' end "
+                       "local whole = Growing() whole:grow(2 << 20) return deep(8)"),
+              "called");
+    EXPECT_EQ(evaluate(*world.environment, "local whole = Growing() whole:grow(2 << 20) return {}"),
+              "error: not enough memory");
+    EXPECT_EQ(world.alive, 0);
+}
+
 } // namespace
