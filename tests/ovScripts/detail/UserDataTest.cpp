@@ -240,6 +240,25 @@ TEST(UserDataTest, objectsAreCollectedBeforeTheLimit) {
     }
 }
 
+// The collector takes longer to go through what is held than the objects take to reach the limit.
+TEST(UserDataTest, objectsAreCollectedBesideMuchThatIsHeld) {
+    GrowingWorld world(16 << 20);
+    EXPECT_EQ(evaluate(*world.environment, "local held = {} for i = 1, 100000 do held[i] = {i} end "
+                                           "for i = 1, 300 do Growing():grow(100000) end return 'collected'"),
+              "collected");
+}
+
+// A finaliser that makes itself anew counts the rounds of the collector.
+TEST(UserDataTest, smallGrowthDoesNotCollectEachTime) {
+    GrowingWorld world(0);
+    EXPECT_EQ(evaluate(*world.environment, "local rounds = 0 "
+                                           "local function count() setmetatable({}, {__gc = function() "
+                                           "rounds = rounds + 1 count() end}) end "
+                                           "count() local whole = Growing() whole:grow(2 << 20) "
+                                           "for i = 1, 1000 do whole:grow(10) end return rounds < 20"),
+              "true");
+}
+
 // A finaliser whose call gets no memory is not called again: its object would stay for good.
 TEST(UserDataTest, callsWorkBeyondTheLimit) {
     GrowingWorld world(1 << 20);
