@@ -10,15 +10,12 @@
 #include <cmath>
 #include <cstdint>
 #include <cstring>
-#include <limits>
+#include <support/Numbers.h>
 #include <vector>
 
 namespace {
 
 using namespace ovImages;
-
-constexpr float NAN_VALUE = std::numeric_limits<float>::quiet_NaN();
-constexpr float INFINITE = std::numeric_limits<float>::infinity();
 
 // IEC 61966-2-1 in double.
 double decode(double v) {
@@ -116,7 +113,7 @@ TEST(ConversionTest, specialNumbers) {
         std::array<float, 4> expected;
         ovMemory::String warning;
     };
-    const std::array<float, 4> source = {NAN_VALUE, INFINITE, -INFINITE, 110000.0f};
+    const std::array<float, 4> source = {NOT_A_NUMBER, INFINITE, -INFINITE, 110000.0f};
     const Case cases[] = {{COMPONENT_TYPE::UINT8,
                            COLOR_ENCODING::LINEAR,
                            {0, 1, 0, 1},
@@ -127,7 +124,7 @@ TEST(ConversionTest, specialNumbers) {
                            "1 components that are not a number became 0"},
                           {COMPONENT_TYPE::HALF,
                            COLOR_ENCODING::LINEAR,
-                           {NAN_VALUE, 65504, -65504, 65504},
+                           {NOT_A_NUMBER, 65504, -65504, 65504},
                            "3 components beyond 65504, the largest half float, were clamped to it"},
                           {COMPONENT_TYPE::FLOAT, COLOR_ENCODING::LINEAR, source, ""}};
     Image image(4, 1, 1, COMPONENT_TYPE::FLOAT, COLOR_ENCODING::LINEAR);
@@ -152,8 +149,8 @@ TEST(ConversionTest, transferFunctionsAreExactAndInverse) {
         EXPECT_NEAR(linearToSrgb(value), encode(value), std::max(1e-6, std::fabs(encode(value)) * 1e-6));
         EXPECT_NEAR(srgbToLinear(linearToSrgb(value)), value, std::max(1e-6, std::fabs(value) * 4e-6));
     }
-    EXPECT_TRUE(std::isnan(srgbToLinear(NAN_VALUE)));
-    EXPECT_TRUE(std::isnan(linearToSrgb(NAN_VALUE)));
+    EXPECT_TRUE(std::isnan(srgbToLinear(NOT_A_NUMBER)));
+    EXPECT_TRUE(std::isnan(linearToSrgb(NOT_A_NUMBER)));
 }
 
 TEST(ConversionTest, eightBitsSurviveLinearFloatAndHalf) {

@@ -6,8 +6,8 @@
 
 #include <bit>
 #include <cmath>
-#include <limits>
 #include <random>
+#include <support/Numbers.h>
 
 namespace {
 
@@ -63,7 +63,6 @@ TEST(HalfTest, roundsToTheNearestHalfWithTiesToEven) {
 }
 
 TEST(HalfTest, edges) {
-    constexpr float INFINITE = std::numeric_limits<float>::infinity();
     struct Case {
         float value;
         std::uint16_t expected;

@@ -9,7 +9,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <limits>
+#include <support/Numbers.h>
 
 namespace {
 
@@ -17,8 +17,6 @@ using namespace ovImages;
 using handMade::Bytes;
 
 const HdrEncoder ENCODER;
-constexpr float NAN_VALUE = std::numeric_limits<float>::quiet_NaN();
-constexpr float INFINITE = std::numeric_limits<float>::infinity();
 
 Bytes makeFile(ovMemory::StringView resolution, const Bytes& pixels) {
     Bytes file =
@@ -181,7 +179,7 @@ TEST(HdrEncoderTest, specialNumbersAndOtherKinds) {
         {COMPONENT_TYPE::FLOAT, 3, {-1, 0.5f, -0.0f}, {0, 0.5f, 0}, "HDR: 1 components below 0 became 0"},
         {COMPONENT_TYPE::FLOAT,
          3,
-         {NAN_VALUE, 0.5f, 0},
+         {NOT_A_NUMBER, 0.5f, 0},
          {0, 0.5f, 0},
          "HDR: 1 components that are not a number became 0"},
         {COMPONENT_TYPE::FLOAT,
@@ -191,7 +189,7 @@ TEST(HdrEncoderTest, specialNumbersAndOtherKinds) {
          "HDR: 2 components beyond 1.69e38 were clamped to it"},
         {COMPONENT_TYPE::HALF,
          3,
-         {-INFINITE, NAN_VALUE, 2},
+         {-INFINITE, NOT_A_NUMBER, 2},
          {0, 0, 2},
          "HDR: 1 components below 0 became 0; HDR: 1 components that are not a number became 0"},
         {COMPONENT_TYPE::FLOAT, 3, {1e-45f, 0, 0}, {0, 0, 0}, ""},

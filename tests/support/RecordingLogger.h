@@ -15,7 +15,9 @@ public:
         bool operator==(const Message&) const = default;
     };
 
-    ovMemory::Buffer<Message> messages;
+    using Messages = ovMemory::Buffer<Message>;
+
+    Messages messages;
 
     void log(ovLog::StringView message, ovLog::StringView sender) override {
         const std::lock_guard lock(_mutex);

@@ -6,7 +6,6 @@
 
 using namespace ovGraphics;
 using ovMaths::Vector;
-using Strings = ovMemory::Buffer<ovMemory::String>;
 
 namespace {
 

@@ -9,6 +9,9 @@
 #include <string_view>
 #include <vector>
 
+/// Warnings of a file.
+using Strings = ovMemory::Buffer<ovMemory::String>;
+
 inline ovGraphics::GltfDecodeResult decodeGltf(const GltfBytes& bytes,
                                                const ovGraphics::GltfDecodeOptions& options = {}) {
     return ovGraphics::GltfEncoder().decode(bytes, options);

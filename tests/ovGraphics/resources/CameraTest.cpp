@@ -2,10 +2,10 @@
 #include <cmath>
 #include <functional>
 #include <gtest/gtest.h>
-#include <limits>
 #include <numbers>
 #include <ovGraphics/System.h>
 #include <ovGraphics/resources/Camera.h>
+#include <support/Numbers.h>
 #include <support/RecordingLogger.h>
 
 using namespace ovGraphics;
@@ -16,9 +16,6 @@ namespace {
 
 using Double3 = std::array<double, 3>;
 using Double4 = std::array<double, 4>;
-
-constexpr float NOT_A_NUMBER = std::numeric_limits<float>::quiet_NaN();
-constexpr float INFINITE = std::numeric_limits<float>::infinity();
 
 // Values are computed in double precision or a few float operations deep: a few units of the last place.
 constexpr double FEW_ROUNDINGS = 1e-6;

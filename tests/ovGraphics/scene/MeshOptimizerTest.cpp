@@ -2,9 +2,9 @@
 #include <array>
 #include <cstring>
 #include <gtest/gtest.h>
-#include <limits>
 #include <ovGraphics/scene/MeshOptimizer.h>
 #include <random>
+#include <support/Numbers.h>
 
 using namespace ovGraphics;
 
@@ -183,8 +183,6 @@ TEST(MeshOptimizerTest, endsWhereManyTrianglesMeet) {
 }
 
 TEST(MeshOptimizerTest, takesPositionsOfEveryKind) {
-    constexpr float NOT_A_NUMBER = std::numeric_limits<float>::quiet_NaN();
-    constexpr float INFINITE = std::numeric_limits<float>::infinity();
     const std::vector<Vertex> vertices = {
         {0, 0, 0, 1}, {1, 0, 0, 2}, {0, 1, 0, 3}, {INFINITE, 0, 0, 4}, {3e38f, 0, -3e38f, 5}};
     const Indices before = {0, 1, 2, 0, 2, 3, 2, 3, 4};

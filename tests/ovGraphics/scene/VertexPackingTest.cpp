@@ -1,15 +1,13 @@
 #include <cmath>
 #include <cstring>
 #include <gtest/gtest.h>
-#include <limits>
 #include <ovGraphics/scene/VertexPacking.h>
+#include <support/Numbers.h>
 
 using namespace ovGraphics;
 using ovMaths::Vector;
 
 TEST(VertexPackingTest, packsEveryFormatAsItsMemoryIs) {
-    constexpr float NAN_VALUE = std::numeric_limits<float>::quiet_NaN();
-    constexpr float INFINITE = std::numeric_limits<float>::infinity();
     struct Case {
         FORMAT format;
         Vector value;
@@ -17,9 +15,9 @@ TEST(VertexPackingTest, packsEveryFormatAsItsMemoryIs) {
     };
     const Case cases[] = {
         {FORMAT::R8G8B8A8_UNORM, {0.0f, 1.0f, 0.5f, -1.0f}, {0, 255, 128, 0}},
-        {FORMAT::R8G8B8A8_UNORM, {NAN_VALUE, INFINITE, -INFINITE, 2.0f}, {0, 255, 0, 255}},
+        {FORMAT::R8G8B8A8_UNORM, {NOT_A_NUMBER, INFINITE, -INFINITE, 2.0f}, {0, 255, 0, 255}},
         {FORMAT::R8G8B8A8_SNORM, {0.0f, 1.0f, -1.0f, -2.0f}, {0, 127, 0x81, 0x81}},
-        {FORMAT::R8G8B8A8_UINT, {0.4f, 254.6f, 256.0f, NAN_VALUE}, {0, 255, 255, 0}},
+        {FORMAT::R8G8B8A8_UINT, {0.4f, 254.6f, 256.0f, NOT_A_NUMBER}, {0, 255, 255, 0}},
         {FORMAT::R8G8B8A8_SINT, {-128.0f, 127.0f, -129.0f, 128.0f}, {0x80, 0x7f, 0x80, 0x7f}},
         {FORMAT::R16G16_UNORM, {1.0f, 0.0f}, {0xff, 0xff, 0, 0}},
         {FORMAT::R16G16_SNORM, {-1.0f, 1.0f}, {0x01, 0x80, 0xff, 0x7f}},

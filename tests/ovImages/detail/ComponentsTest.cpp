@@ -5,14 +5,11 @@
 
 #include <cmath>
 #include <cstring>
-#include <limits>
+#include <support/Numbers.h>
 
 namespace {
 
 using namespace ovImages;
-
-constexpr float NAN_VALUE = std::numeric_limits<float>::quiet_NaN();
-constexpr float INFINITE = std::numeric_limits<float>::infinity();
 
 TEST(ComponentsTest, storedBitsAndWhatTheyReadAs) {
     struct Case {
@@ -29,11 +26,11 @@ TEST(ComponentsTest, storedBitsAndWhatTheyReadAs) {
                           {COMPONENT_TYPE::UINT8, -3.0f, 0, 0.0f},
                           {COMPONENT_TYPE::UINT8, INFINITE, 255, 1.0f},
                           {COMPONENT_TYPE::UINT8, -INFINITE, 0, 0.0f},
-                          {COMPONENT_TYPE::UINT8, NAN_VALUE, 0, 0.0f},
+                          {COMPONENT_TYPE::UINT8, NOT_A_NUMBER, 0, 0.0f},
                           {COMPONENT_TYPE::UINT16, 1.0f, 65535, 1.0f},
                           {COMPONENT_TYPE::UINT16, 0.25f, 16384, 16384.0f / 65535.0f},
                           {COMPONENT_TYPE::UINT16, 1e30f, 65535, 1.0f},
-                          {COMPONENT_TYPE::UINT16, NAN_VALUE, 0, 0.0f},
+                          {COMPONENT_TYPE::UINT16, NOT_A_NUMBER, 0, 0.0f},
                           {COMPONENT_TYPE::HALF, 1.0f, 0x3c00, 1.0f},
                           {COMPONENT_TYPE::HALF, -2.0f, 0xc000, -2.0f},
                           {COMPONENT_TYPE::HALF, 110000.0f, 0x7bff, 65504.0f},
@@ -55,7 +52,7 @@ TEST(ComponentsTest, storedBitsAndWhatTheyReadAs) {
 TEST(ComponentsTest, nanIsKeptInFloatsAndNothingOutsideIsTouched) {
     for (const COMPONENT_TYPE type : {COMPONENT_TYPE::HALF, COMPONENT_TYPE::FLOAT}) {
         Image image(1, 1, 1, type, COLOR_ENCODING::LINEAR);
-        image.setComponent(0, 0, 0, NAN_VALUE);
+        image.setComponent(0, 0, 0, NOT_A_NUMBER);
         EXPECT_TRUE(std::isnan(image.getComponent(0, 0, 0)));
         image.setComponent(1, 0, 0, 1.0f);
         image.setComponent(0, 1, 0, 1.0f);

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <gtest/gtest.h>
 #include <limits>
+#include <support/Numbers.h>
 #include <vector>
 
 namespace {
@@ -59,7 +60,6 @@ TEST(SrgbBytesTest, isThePowerOfFloatsRounded) {
 }
 
 TEST(SrgbBytesTest, whatLiesOutsideIsClamped) {
-    constexpr float INFINITE = std::numeric_limits<float>::infinity();
     struct Case {
         float linear;
         int byte;

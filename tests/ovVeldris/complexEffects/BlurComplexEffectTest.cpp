@@ -224,9 +224,9 @@ TEST_P(BlurComplexEffectTest, NeedsANode) {
     auto blur = BlurComplexEffect::create(getSystem());
     blur->setName("soft");
     EXPECT_FALSE(blur->load());
-    EXPECT_EQ(
-        getLog().messages,
-        (Messages{{"ComplexEffect 'soft' requires a CompositorNode set to be able to work with it. None "
+    EXPECT_EQ(getLog().messages,
+              (RecordingLogger::Messages{
+                  {"ComplexEffect 'soft' requires a CompositorNode set to be able to work with it. None "
                    "provided, aborting.",
                    "BlurComplexEffect"}}));
     EXPECT_TRUE(blur->getOutputTexture()->isUnloaded()) << "nothing was made";
@@ -240,8 +240,9 @@ TEST_P(BlurComplexEffectTest, FailsOnFormatsThatCannotBeDrawnTo) {
         getLog().messages.clear();
         EXPECT_FALSE(blur->load()) << int(format);
         EXPECT_EQ(getLog().messages,
-                  (Messages{{"Could not load the blurring complex effect textures for 'soft" + ADVICE,
-                             "BlurComplexEffect"}}));
+                  (RecordingLogger::Messages{
+                      {"Could not load the blurring complex effect textures for 'soft" + ADVICE,
+                       "BlurComplexEffect"}}));
         EXPECT_EQ(getNode().getOperationsBlockCount(), 0u);
     }
     EXPECT_EQ(
@@ -260,11 +261,12 @@ TEST_P(BlurComplexEffectTest, FailsBeyondTheLargestRadius) {
         getLog().messages.clear();
         EXPECT_FALSE(blur->load());
         EXPECT_EQ(getLog().messages,
-                  (Messages{{"The blurring complex effect 'soft' has a radius of " + std::to_string(radius) +
-                                 ", and kernels have numbers up to 510; set a smaller one.",
-                             "BlurComplexEffect"},
-                            {"Could not load the blurring complex effect shaders for 'soft" + ADVICE,
-                             "BlurComplexEffect"}}));
+                  (RecordingLogger::Messages{
+                      {"The blurring complex effect 'soft' has a radius of " + std::to_string(radius) +
+                           ", and kernels have numbers up to 510; set a smaller one.",
+                       "BlurComplexEffect"},
+                      {"Could not load the blurring complex effect shaders for 'soft" + ADVICE,
+                       "BlurComplexEffect"}}));
         EXPECT_EQ(getNode().getOperationsBlockCount(), 0u);
         blur->setKernelRadius(4);
         EXPECT_TRUE(blur->load()) << "a later load may succeed";

@@ -8,8 +8,6 @@
 /// A compositor with one node, drawn by frame().
 class ComplexEffectFixture : public EffectFixture {
 protected:
-    using Messages = ovMemory::Buffer<RecordingLogger::Message>;
-
     void useLanguage(ovGraphics::SHADER_LANGUAGE language) override {
         EffectFixture::useLanguage(language);
         _compositor = ovGraphics::Compositor::create(&getGraphics());

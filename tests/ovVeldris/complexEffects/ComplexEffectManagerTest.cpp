@@ -9,8 +9,6 @@ using ovMemory::StringView;
 
 namespace {
 
-using Messages = ovMemory::Buffer<RecordingLogger::Message>;
-
 class ComplexEffectManagerTest : public SingletonTest {
 protected:
     ComplexEffectManagerTest()
@@ -41,7 +39,7 @@ TEST_F(ComplexEffectManagerTest, RetrievesByNameAndTypeWithoutTouchingTheEffect)
     EXPECT_EQ(manager.createOrRetrieve("a", COMPLEX_EFFECT_TYPE::BLUR), blur);
     EXPECT_EQ(blur->calls, 0);
     EXPECT_EQ(blur->getName(), "") << "recording does not rename";
-    EXPECT_EQ(log.messages, Messages());
+    EXPECT_EQ(log.messages, RecordingLogger::Messages());
 }
 
 TEST_F(ComplexEffectManagerTest, RefusesANameOfAnotherType) {
@@ -66,7 +64,7 @@ TEST_F(ComplexEffectManagerTest, RefusesANameOfAnotherType) {
         log.messages.clear();
         TestComplexEffect* const existing = record("a", row.existing);
         EXPECT_EQ(manager.createOrRetrieve("a", row.requested), nullptr);
-        EXPECT_EQ(log.messages, (Messages{{row.message, "EffectManager"}}));
+        EXPECT_EQ(log.messages, (RecordingLogger::Messages{{row.message, "EffectManager"}}));
         EXPECT_EQ(manager.get("a"), existing);
     }
 }
@@ -75,9 +73,9 @@ TEST_F(ComplexEffectManagerTest, RefusesAnUnknownType) {
     for (const uint32_t type : {0u, 3u, 0xffffffffu}) {
         log.messages.clear();
         EXPECT_EQ(manager.createOrRetrieve("a", static_cast<COMPLEX_EFFECT_TYPE>(type)), nullptr);
-        EXPECT_EQ(
-            log.messages,
-            (Messages{{"Requested an unknown type of effect, allocation cannot happen. Returning nullptr.",
+        EXPECT_EQ(log.messages,
+                  (RecordingLogger::Messages{
+                      {"Requested an unknown type of effect, allocation cannot happen. Returning nullptr.",
                        "EffectManager"}}));
         EXPECT_EQ(manager.get("a"), nullptr);
         EXPECT_EQ(manager.getByIndex(0), nullptr) << "nothing is recorded";
@@ -89,17 +87,18 @@ TEST_F(ComplexEffectManagerTest, RecordingUnderATakenNameKeepsTheFirst) {
     record("a");
     EXPECT_EQ(manager.get("a"), first);
     EXPECT_EQ(TestComplexEffect::alive, 1) << "the second was destroyed";
-    EXPECT_EQ(log.messages, (Messages{{"Trying to record from outside over already registered complex effect "
-                                       "named 'a'. Beware the existing resource will be erased and freed.",
-                                       "MaterialManager"}}));
+    EXPECT_EQ(log.messages, (RecordingLogger::Messages{
+                                {"Trying to record from outside over already registered complex effect "
+                                 "named 'a'. Beware the existing resource will be erased and freed.",
+                                 "MaterialManager"}}));
 }
 
 TEST_F(ComplexEffectManagerTest, RecordingNothingChangesNothing) {
     EXPECT_EQ(manager.record("a", nullptr), nullptr);
     EXPECT_EQ(manager.getByIndex(0), nullptr);
-    EXPECT_EQ(
-        log.messages,
-        (Messages{{"Trying to record no complex effect under 'a'. Nothing is recorded; pass an effect in.",
+    EXPECT_EQ(log.messages,
+              (RecordingLogger::Messages{
+                  {"Trying to record no complex effect under 'a'. Nothing is recorded; pass an effect in.",
                    "ComplexEffectManager"}}));
 }
 
@@ -124,7 +123,7 @@ TEST_F(ComplexEffectManagerTest, RenamesErasesAndRelinquishes) {
     manager.erase("d");
     EXPECT_EQ(manager.get("d"), nullptr);
     EXPECT_EQ(TestComplexEffect::alive, 1) << "only the relinquished one is left";
-    EXPECT_EQ(log.messages, Messages());
+    EXPECT_EQ(log.messages, RecordingLogger::Messages());
 }
 
 TEST_F(ComplexEffectManagerTest, UnknownNamesAreIgnored) {
@@ -135,7 +134,7 @@ TEST_F(ComplexEffectManagerTest, UnknownNamesAreIgnored) {
     EXPECT_EQ(manager.get("x"), nullptr);
     EXPECT_EQ(manager.get("y"), nullptr);
     EXPECT_EQ(TestComplexEffect::alive, 1);
-    EXPECT_EQ(log.messages, Messages());
+    EXPECT_EQ(log.messages, RecordingLogger::Messages());
 }
 
 TEST_F(ComplexEffectManagerTest, OwnsWhatItHolds) {

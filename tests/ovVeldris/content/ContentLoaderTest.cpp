@@ -19,7 +19,6 @@ using ovMemory::StringView;
 
 namespace {
 
-using Messages = ovMemory::Buffer<RecordingLogger::Message>;
 using Texts = ovMemory::Buffer<String>;
 
 constexpr const char* NO_PARSING = "Material Declaration import error. Parsing error.";
@@ -77,7 +76,7 @@ INSTANTIATE_TEST_SUITE_P(, ContentLoaderTest, testing::Values(ovGraphics::SHADER
                          languageName);
 
 /// What is logged about a text that is no JSON. The words are the reader's.
-Messages parseFailure(StringView text) {
+RecordingLogger::Messages parseFailure(StringView text) {
     const auto error = ovExport::JsonExporter().importIntoTree(text)._error;
     EXPECT_FALSE(error._errorDesc.empty());
     EXPECT_FALSE(error._errorInfo.empty());
@@ -109,7 +108,7 @@ TEST_P(ContentLoaderTest, ReadsTreesOfFiles) {
         ASSERT_TRUE(result) << path;
         EXPECT_EQ(result._tree->getMemberValue("name")->getValueAsString(), "gold");
     }
-    EXPECT_EQ(getLog().messages, Messages());
+    EXPECT_EQ(getLog().messages, RecordingLogger::Messages());
 }
 
 TEST_P(ContentLoaderTest, TellsOfFilesThatCannotBeRead) {
@@ -120,8 +119,9 @@ TEST_P(ContentLoaderTest, TellsOfFilesThatCannotBeRead) {
         const auto result = loader().inputData(name);
         EXPECT_FALSE(result);
         EXPECT_FALSE(result._error._activated);
-        EXPECT_EQ(getLog().messages, (Messages{{"Can't find Object Declaration file " + folder.getPath(name),
-                                                "ContentLoader::inputData"}}));
+        EXPECT_EQ(getLog().messages,
+                  (RecordingLogger::Messages{{"Can't find Object Declaration file " + folder.getPath(name),
+                                              "ContentLoader::inputData"}}));
     }
 }
 
@@ -132,7 +132,7 @@ TEST_P(ContentLoaderTest, ReadsBytesAsTheyAre) {
     EXPECT_EQ(loader().inputDataStr("bytes"), bytes);
     EXPECT_EQ(loader().inputDataStr("empty"), "");
     EXPECT_EQ(loader().inputDataStr("none"), "");
-    EXPECT_EQ(getLog().messages, Messages());
+    EXPECT_EQ(getLog().messages, RecordingLogger::Messages());
 }
 
 TEST_P(ContentLoaderTest, LogsWhatIsNoJsonInSixEntries) {
@@ -159,7 +159,7 @@ TEST_P(ContentLoaderTest, WritesBehindTheTextOfTheWorkingFolder) {
     }
     EXPECT_TRUE(loader().outputData("", "file")) << "replaces";
     EXPECT_EQ(read("file"), "");
-    EXPECT_EQ(getLog().messages, Messages());
+    EXPECT_EQ(getLog().messages, RecordingLogger::Messages());
 }
 
 TEST_P(ContentLoaderTest, WritesInPlaceWhereAFileCannotBeReplaced) {
@@ -167,9 +167,9 @@ TEST_P(ContentLoaderTest, WritesInPlaceWhereAFileCannotBeReplaced) {
     std::filesystem::create_hard_link(folder.getPath("one"), folder.getPath("two"));
     EXPECT_TRUE(loader().outputData("new", "one"));
     EXPECT_EQ(read("two"), "new");
-    EXPECT_EQ(
-        getLog().messages,
-        (Messages{{"File '" + folder.getPath("one") +
+    EXPECT_EQ(getLog().messages,
+              (RecordingLogger::Messages{
+                  {"File '" + folder.getPath("one") +
                        "' was written in place: it has 2 names; who reads it meanwhile may find a part.",
                    "ContentLoader"}}));
 }
@@ -181,7 +181,8 @@ TEST_P(ContentLoaderTest, TellsOfFilesThatCannotBeWritten) {
         getLog().messages.clear();
         EXPECT_FALSE(loader().outputData("text", path)) << path;
         EXPECT_EQ(getLog().messages,
-                  (Messages{{"Error when trying to open file saving : " + path, "ContentLoader"}}));
+                  (RecordingLogger::Messages{
+                      {"Error when trying to open file saving : " + path, "ContentLoader"}}));
     }
     EXPECT_EQ(list(), before);
 }
@@ -211,7 +212,7 @@ TEST_P(ContentLoaderTest, SavesNothingOfNull) {
     EXPECT_FALSE(loader().saveTreeDeclaration(nullptr, "tree.json"));
     EXPECT_FALSE(loader().saveObjectDeclaration(nullptr, "object.json"));
     EXPECT_EQ(list(), Texts());
-    EXPECT_EQ(getLog().messages, Messages());
+    EXPECT_EQ(getLog().messages, RecordingLogger::Messages());
 }
 
 TEST_P(ContentLoaderTest, AMissingFileOfMaterialsIsAnEmptyText) {
@@ -299,7 +300,7 @@ TEST_P(ContentLoaderTest, ProcessesNodes) {
     ASSERT_EQ(result._results.size(), 1u);
     EXPECT_EQ(result._results.front(), materials().get("a"));
     EXPECT_EQ(static_cast<PbsMaterial*>(materials().get("a"))->getAlpha(), 0.25f);
-    EXPECT_EQ(getLog().messages, Messages());
+    EXPECT_EQ(getLog().messages, RecordingLogger::Messages());
 }
 
 TEST_P(ContentLoaderTest, FilesAreLoadedWhateverTheFlagSays) {
@@ -312,7 +313,7 @@ TEST_P(ContentLoaderTest, FilesAreLoadedWhateverTheFlagSays) {
         ASSERT_EQ(namesOf(loader().processMaterialSources(read("a.json"), load)), Texts{"a"});
         EXPECT_EQ(isLoaded(*materials().get("a")), load);
     }
-    EXPECT_EQ(getLog().messages, Messages());
+    EXPECT_EQ(getLog().messages, RecordingLogger::Messages());
 }
 
 TEST_P(ContentLoaderTest, OverwritesAndReloadsWhatExists) {

@@ -8,8 +8,6 @@ using ovMemory::StringView;
 
 namespace {
 
-using Messages = ovMemory::Buffer<RecordingLogger::Message>;
-
 class LogManagerTest : public SingletonTest {};
 
 } // namespace
@@ -35,7 +33,7 @@ TEST_F(LogManagerTest, ForwardsMessageAndSenderUnchanged) {
     EXPECT_EQ(logManager.getReceiver(), &receiver);
     for (const RecordingLogger::Message& row : cases)
         logManager.log(row.message, row.sender);
-    EXPECT_EQ(receiver.messages, Messages(std::begin(cases), std::end(cases)));
+    EXPECT_EQ(receiver.messages, RecordingLogger::Messages(std::begin(cases), std::end(cases)));
 }
 
 TEST_F(LogManagerTest, NullReceiverStopsDelivery) {
@@ -48,8 +46,8 @@ TEST_F(LogManagerTest, NullReceiverStopsDelivery) {
     logManager.log("two", "Test");
     logManager.setReceiver(&second);
     logManager.log("three", "Test");
-    EXPECT_EQ(first.messages, (Messages{{"one", "Test"}}));
-    EXPECT_EQ(second.messages, (Messages{{"three", "Test"}}));
+    EXPECT_EQ(first.messages, (RecordingLogger::Messages{{"one", "Test"}}));
+    EXPECT_EQ(second.messages, (RecordingLogger::Messages{{"three", "Test"}}));
 }
 
 TEST_F(LogManagerTest, LogMessageReachesTheSystemsOwnReceiver) {
@@ -60,7 +58,7 @@ TEST_F(LogManagerTest, LogMessageReachesTheSystemsOwnReceiver) {
     system.getLogManager()->setReceiver(&receiver);
     otherSystem.getLogManager()->setReceiver(&other);
     logMessage(&system, "message", "Sender");
-    EXPECT_EQ(receiver.messages, (Messages{{"message", "Sender"}}));
+    EXPECT_EQ(receiver.messages, (RecordingLogger::Messages{{"message", "Sender"}}));
     EXPECT_TRUE(other.messages.empty());
 }
 

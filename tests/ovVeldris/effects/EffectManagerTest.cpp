@@ -9,8 +9,6 @@ using namespace ovVeldris;
 
 namespace {
 
-using Messages = ovMemory::Buffer<RecordingLogger::Message>;
-
 /// Sees effects being destroyed: each copy effect holds a program that goes with it.
 class EffectManagerTest : public EffectFixture {
 protected:
@@ -74,14 +72,15 @@ TEST_P(EffectManagerTest, refusesAnotherType) {
     EXPECT_EQ(toneEffect("a"), nullptr);
     EXPECT_EQ(manager().createOrRetrieve("a", EFFECT_TYPE(99)), nullptr);
     EXPECT_EQ(manager().get("a"), effect);
-    const Messages expected = {{"Requesting effect 'a' as TONE_MAPPING but it already exists as "
-                                "TEXTURE_COPY. Preventing override and "
-                                "returning nullptr.",
-                                "EffectManager"},
-                               {"Requesting effect 'a' as UNKNOWN but it already exists as TEXTURE_COPY. "
-                                "Preventing override and returning "
-                                "nullptr.",
-                                "EffectManager"}};
+    const RecordingLogger::Messages expected = {
+        {"Requesting effect 'a' as TONE_MAPPING but it already exists as "
+         "TEXTURE_COPY. Preventing override and "
+         "returning nullptr.",
+         "EffectManager"},
+        {"Requesting effect 'a' as UNKNOWN but it already exists as TEXTURE_COPY. "
+         "Preventing override and returning "
+         "nullptr.",
+         "EffectManager"}};
     EXPECT_EQ(getLog().messages, expected) << getLog().getText();
 }
 
@@ -89,7 +88,7 @@ TEST_P(EffectManagerTest, refusesUnknownTypes) {
     for (const unsigned int type : {0u, 8u, 99u}) {
         getLog().messages.clear();
         EXPECT_EQ(manager().createOrRetrieve("a", EFFECT_TYPE(type)), nullptr);
-        const Messages expected = {
+        const RecordingLogger::Messages expected = {
             {"Requested an unknown type of effect, allocation cannot happen. Returning nullptr.",
              "EffectManager"}};
         EXPECT_EQ(getLog().messages, expected) << type;
@@ -133,7 +132,7 @@ TEST_P(EffectManagerTest, replacesWhatIsRecordedOver) {
     EXPECT_EQ(manager().get("recorded"), raw);
     EXPECT_EQ(old.get(), nullptr);
     EXPECT_EQ(manager().getByIndex(1), nullptr);
-    const Messages expected = {
+    const RecordingLogger::Messages expected = {
         {"Trying to record from outside over already registered material named 'recorded'. "
          "Beware the existing material will be erased and freed.",
          "MaterialManager"}};

@@ -1,6 +1,5 @@
 #include <algorithm>
 #include <cmath>
-#include <limits>
 #include <ovGraphics/Managers.h>
 #include <ovGraphics/compositor/Compositor.h>
 #include <ovGraphics/compositor/RenderContext.h>
@@ -11,6 +10,7 @@
 #include <ovVeldris/effects/FilmGrainEffect.h>
 #include <ovVeldris/effects/FilmGrainReference.h>
 #include <ovVeldris/effects/TextureCopyEffect.h>
+#include <support/Numbers.h>
 
 using namespace ovVeldris;
 using namespace filmGrainReference;
@@ -18,7 +18,6 @@ using Defines = ovMemory::Buffer<ovGraphics::shading::Define>;
 
 namespace {
 
-constexpr float NAN_VALUE = std::numeric_limits<float>::quiet_NaN();
 constexpr unsigned int SIDE = 64; // a power of two: coordinates of texels have no rounding
 constexpr float MODULO_SECONDS = 500.0f;
 
@@ -366,12 +365,12 @@ TEST_P(FilmGrainEffectTest, changesItsSourceAtOnce) {
 }
 
 TEST_P(FilmGrainEffectTest, passesNanAndInfinityThrough) {
-    const FloatPicture special(1, 1, {NAN_VALUE, INFINITY, -INFINITY, NAN_VALUE});
+    const FloatPicture special(1, 1, {NOT_A_NUMBER, INFINITY, -INFINITY, NOT_A_NUMBER});
     const auto texture = makeTexture(special);
     const auto effect = makeEffect(texture.get(), false, false, 0.15f);
     getGraphics().setFixedTime(1.0, 0.0);
     EXPECT_TRUE(picturesAreIdentical("grain_special", draw(*effect->getShader(), 1, 1), special));
-    effect->setStrength(NAN_VALUE);
+    effect->setStrength(NOT_A_NUMBER);
     const FloatPixel drawn = draw(*effect->getShader(), 1, 1).at(0, 0);
     EXPECT_TRUE(std::isnan(drawn[1]) && std::isnan(drawn[2]));
 }

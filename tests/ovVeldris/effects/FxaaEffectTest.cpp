@@ -9,6 +9,7 @@
 #include <ovVeldris/effects/FxaaEffect.h>
 #include <ovVeldris/effects/FxaaReference.h>
 #include <random>
+#include <support/Numbers.h>
 
 // Its names stay its own where the folder is compiled as one.
 namespace fxaaEffectTest {
@@ -20,7 +21,6 @@ using ovMaths::Vector;
 
 namespace {
 
-constexpr float NAN_VALUE = std::numeric_limits<float>::quiet_NaN();
 constexpr FloatPixel BLACK = {0.0f, 0.0f, 0.0f, 1.0f};
 constexpr FloatPixel WHITE = {1.0f, 1.0f, 1.0f, 1.0f};
 
@@ -215,7 +215,7 @@ TEST_P(FxaaEffectTest, clampsAndScalesItsNumbers) {
     } CASES[] = {
         {2.0f, {0.40f, 0.09f, 1.0f}},     {1.0f, {0.40f, 0.09f, 1.0f}},
         {0.5f, {0.225f, 0.06f, 0.5f}},    {0.0f, {0.05f, 0.03f, 0.0f}},
-        {-1.0f, {0.05f, 0.03f, 0.0f}},    {NAN_VALUE, {0.05f, 0.03f, 0.0f}},
+        {-1.0f, {0.05f, 0.03f, 0.0f}},    {NOT_A_NUMBER, {0.05f, 0.03f, 0.0f}},
         {INFINITY, {0.40f, 0.09f, 1.0f}}, {-INFINITY, {0.05f, 0.03f, 0.0f}},
     };
     const auto effect = FxaaEffect::create(getSystem());
@@ -435,7 +435,7 @@ TEST_P(FxaaEffectTest, spreadsNanNoFurtherThanItsSearch) {
     const FloatPicture clean = makePhotograph();
     FloatPicture dirty = clean;
     constexpr int X = 60, Y = 44;
-    dirty.at(X, Y) = {NAN_VALUE, NAN_VALUE, NAN_VALUE, NAN_VALUE};
+    dirty.at(X, Y) = {NOT_A_NUMBER, NOT_A_NUMBER, NOT_A_NUMBER, NOT_A_NUMBER};
     const auto cleanTexture = makeTexture(clean);
     const auto dirtyTexture = makeTexture(dirty);
     const auto effect = makeEffect(cleanTexture.get(), FXAA_PRESET::QUALITY_12);

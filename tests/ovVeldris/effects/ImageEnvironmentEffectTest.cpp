@@ -1,5 +1,4 @@
 #include <cmath>
-#include <limits>
 #include <ovGraphics/Managers.h>
 #include <ovGraphics/device/Device.h>
 #include <ovGraphics/resources/Camera.h>
@@ -8,6 +7,7 @@
 #include <ovGraphics/resources/Shader.h>
 #include <ovVeldris/effects/ImageEnvironmentEffect.h>
 #include <ovVeldris/environment/EnvironmentFixture.h>
+#include <support/Numbers.h>
 
 // Its names stay its own where the folder is compiled as one.
 namespace imageEnvironmentEffectTest {
@@ -234,11 +234,9 @@ TEST_P(ImageEnvironmentEffectTest, readsMipZeroOnly) {
 }
 
 TEST_P(ImageEnvironmentEffectTest, keepsColorAndAlphaOfEveryKind) {
-    constexpr float INF = std::numeric_limits<float>::infinity();
-    constexpr float NAN_VALUE = std::numeric_limits<float>::quiet_NaN();
     const auto camera = makeCamera(1.0f);
     for (const FloatPixel& color :
-         {FloatPixel{-3.0f, 110000.0f, 1e-20f, -2.0f}, FloatPixel{INF, -INF, NAN_VALUE, 1.0f}}) {
+         {FloatPixel{-3.0f, 110000.0f, 1e-20f, -2.0f}, FloatPixel{INFINITE, -INFINITE, NOT_A_NUMBER, 1.0f}}) {
         const auto fill = [&](const Direction&) { return color; };
         for (const Environment& environment : {makeCube(1, fill), makeMap(1, 1, fill)}) {
             const auto texture = makeEnvironment(environment);

@@ -13,8 +13,6 @@ using ovGraphics::Program;
 
 namespace {
 
-using Messages = ovMemory::Buffer<RecordingLogger::Message>;
-
 /// An effect on the tone mapping programs whose preparation can be made to fail.
 class BreakableEffect final : public ScreenEffect<ToneMappingEffectInfo, ToneMappingProgramTracker> {
 public:
@@ -123,8 +121,8 @@ TEST_P(ScreenEffectTest, failsWithoutAProgram) {
     effect.breakProgram = true;
     EXPECT_FALSE(effect.load());
     EXPECT_EQ(effect.getShader(), nullptr);
-    EXPECT_EQ(getLog().messages,
-              Messages{loadFailure("breakable", "BreakableEffect", "program", "broken one")});
+    EXPECT_EQ(getLog().messages, RecordingLogger::Messages{
+                                     loadFailure("breakable", "BreakableEffect", "program", "broken one")});
     EXPECT_TRUE(getGraphicsLogger().contains("'ORVANE_TONE_PROGRAM_9'")) << getGraphicsLogger().getText();
     EXPECT_TRUE(getGraphicsLogger().contains("Breakable.pixel.ovsl:1:")) << getGraphicsLogger().getText();
 
@@ -165,7 +163,8 @@ TEST_P(ScreenEffectTest, failsWithoutAShader) {
     effect.setName("broken");
     effect.breakShader = true;
     EXPECT_FALSE(effect.load());
-    EXPECT_EQ(getLog().messages, Messages{loadFailure("breakable", "BreakableEffect", "shader", "broken")});
+    EXPECT_EQ(getLog().messages,
+              RecordingLogger::Messages{loadFailure("breakable", "BreakableEffect", "shader", "broken")});
     ASSERT_NE(effect.getShader(), nullptr);
     EXPECT_TRUE(effect.getShader()->isUnloaded());
     EXPECT_EQ(effect._getLoadedShader(), nullptr);
@@ -220,8 +219,8 @@ TEST_P(ScreenEffectTest, failsOnASystemThatIsNotInitialised) {
     effect.setSourceSampler(nullptr);
     EXPECT_FALSE(effect.load());
     EXPECT_EQ(effect.getShader(), nullptr);
-    EXPECT_EQ(getLog().messages,
-              Messages{loadFailure("texture copy", "TextureCopyEffect", "program", "early")});
+    EXPECT_EQ(getLog().messages, RecordingLogger::Messages{
+                                     loadFailure("texture copy", "TextureCopyEffect", "program", "early")});
     effect.unload();
     ASSERT_TRUE(initializeOwn(own)) << getLog().getText();
     EXPECT_TRUE(effect.load());

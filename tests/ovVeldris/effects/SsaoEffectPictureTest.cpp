@@ -1,6 +1,7 @@
 // What ambient occlusion draws, beside a slow reference.
 #include <limits>
 #include <ovVeldris/effects/SsaoFixture.h>
+#include <support/Numbers.h>
 
 // Its names stay its own where the folder is compiled as one.
 namespace ssaoEffectPictureTest {
@@ -296,21 +297,19 @@ TEST_P(SsaoEffectPictureTest, drawsNothingWithoutAScene) {
 }
 
 TEST_P(SsaoEffectPictureTest, survivesNumbersThatMeanNothing) {
-    constexpr float INF = std::numeric_limits<float>::infinity();
-    constexpr float NOT_A_NUMBER = std::numeric_limits<float>::quiet_NaN();
     FloatPicture positions = makePositions(roughZ);
     for (unsigned int i = 0; i < 12; ++i)
-        positions.at(4 * i, 2 * i) = {INF, -INF, NOT_A_NUMBER, 1.0f};
+        positions.at(4 * i, 2 * i) = {INFINITE, -INFINITE, NOT_A_NUMBER, 1.0f};
     const auto positionTexture = makeTexture(positions);
     const auto effect = makeEffect();
     effect->setEffectFromGBufferInfo(positionTexture.get(), nullptr);
-    for (const float number : {0.0f, INF, -INF, NOT_A_NUMBER, std::numeric_limits<float>::max()}) {
+    for (const float number : {0.0f, INFINITE, -INFINITE, NOT_A_NUMBER, std::numeric_limits<float>::max()}) {
         effect->setSamplingRadius(number);
         effect->setMaxOcclusionDistance(number);
         effect->setStrength(number);
         drawLoaded(*effect);
     }
-    effect->setDepthBias(INF); // no number that a shader could hold
+    effect->setDepthBias(INFINITE); // no number that a shader could hold
     EXPECT_FALSE(effect->load());
     EXPECT_NE(getLog().getText().find("Could not load the ssao effect program for ''"),
               ovMemory::String::npos);

@@ -1,4 +1,3 @@
-#include <limits>
 #include <ovGraphics/Managers.h>
 #include <ovGraphics/device/Device.h>
 #include <ovGraphics/resources/Program.h>
@@ -8,6 +7,7 @@
 #include <ovVeldris/effects/EffectFixture.h>
 #include <ovVeldris/effects/ToneMappingEffect.h>
 #include <ovVeldris/effects/ToneMappingReference.h>
+#include <support/Numbers.h>
 
 // Its names stay its own where the folder is compiled as one.
 namespace toneMappingEffectTest {
@@ -17,9 +17,6 @@ using ovMaths::Matrix;
 using ovMaths::Vector;
 
 namespace {
-
-constexpr float INF = std::numeric_limits<float>::infinity();
-constexpr float NAN_VALUE = std::numeric_limits<float>::quiet_NaN();
 
 const Matrix LOOK = Matrix::newMat4(1.1f, -0.2f, 0.05f, 9.0f, 0.3f, 0.8f, -0.1f, 9.0f, 0.0f, 0.25f, 1.4f,
                                     9.0f, 9.0f, 9.0f, 9.0f, 9.0f);
@@ -315,13 +312,17 @@ TEST_P(ToneMappingEffectTest, followsTheFormulasForInfinityAndNan) {
         FloatPixel out;
     };
     const Case cases[] = {
-        {"reinhard", {INF, NAN_VALUE, 0.0f, INF}, {NAN_VALUE, NAN_VALUE, 0.0f, INF}},
-        {"reinhard_luminance", {0.0f, INF, 1.0f, NAN_VALUE}, {NAN_VALUE, NAN_VALUE, NAN_VALUE, NAN_VALUE}},
-        {"hables_curve", {INF, NAN_VALUE, -INF, -INF}, {end, end, 0.0f, -INF}},
-        {"hables_curve_luminance", {0.5f, INF, 1.0f, 1.0f}, {0.0f, NAN_VALUE, 0.0f, 1.0f}},
-        {"hables_curve_luminance", {0.5f, NAN_VALUE, 1.0f, 1.0f}, {NAN_VALUE, NAN_VALUE, NAN_VALUE, 1.0f}},
-        {"aces", {INF, 1.0f, 1.0f, 1.0f}, {NAN_VALUE, NAN_VALUE, NAN_VALUE, 1.0f}},
-        {"aces", {1.0f, NAN_VALUE, 1.0f, 1.0f}, {NAN_VALUE, NAN_VALUE, NAN_VALUE, 1.0f}},
+        {"reinhard", {INFINITE, NOT_A_NUMBER, 0.0f, INFINITE}, {NOT_A_NUMBER, NOT_A_NUMBER, 0.0f, INFINITE}},
+        {"reinhard_luminance",
+         {0.0f, INFINITE, 1.0f, NOT_A_NUMBER},
+         {NOT_A_NUMBER, NOT_A_NUMBER, NOT_A_NUMBER, NOT_A_NUMBER}},
+        {"hables_curve", {INFINITE, NOT_A_NUMBER, -INFINITE, -INFINITE}, {end, end, 0.0f, -INFINITE}},
+        {"hables_curve_luminance", {0.5f, INFINITE, 1.0f, 1.0f}, {0.0f, NOT_A_NUMBER, 0.0f, 1.0f}},
+        {"hables_curve_luminance",
+         {0.5f, NOT_A_NUMBER, 1.0f, 1.0f},
+         {NOT_A_NUMBER, NOT_A_NUMBER, NOT_A_NUMBER, 1.0f}},
+        {"aces", {INFINITE, 1.0f, 1.0f, 1.0f}, {NOT_A_NUMBER, NOT_A_NUMBER, NOT_A_NUMBER, 1.0f}},
+        {"aces", {1.0f, NOT_A_NUMBER, 1.0f, 1.0f}, {NOT_A_NUMBER, NOT_A_NUMBER, NOT_A_NUMBER, 1.0f}},
     };
     for (const Case& row : cases) {
         const FloatPicture actual(1, 1, drawOne(findCase(row.name), row.in));

@@ -8,6 +8,7 @@
 #include <ovGraphics/resources/Shader.h>
 #include <ovVeldris/environment/EnvironmentFixture.h>
 #include <ovVeldris/environment/EnvironmentRenderer.h>
+#include <support/Numbers.h>
 
 using namespace ovVeldris;
 using namespace environmentReference;
@@ -376,8 +377,7 @@ TEST_P(EnvironmentRendererTest, logsOutputsThatTheDeviceRefuses) {
 }
 
 TEST_P(EnvironmentRendererTest, keepsWhatIsNotFiniteInItsPlace) {
-    constexpr float INF = std::numeric_limits<float>::infinity();
-    for (const float bad : {INF, -INF, std::numeric_limits<float>::quiet_NaN()}) {
+    for (const float bad : {INFINITE, -INFINITE, std::numeric_limits<float>::quiet_NaN()}) {
         Environment cube = makeFlatCube(8);
         cube.mips[0][0].at(3, 3)[0] = bad; // at +x
         const auto input = makeEnvironment(cube);

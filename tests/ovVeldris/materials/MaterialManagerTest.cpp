@@ -10,8 +10,6 @@ using ovMemory::StringView;
 
 namespace {
 
-using Messages = ovMemory::Buffer<RecordingLogger::Message>;
-
 class MaterialManagerTest : public SingletonTest {
 protected:
     MaterialManagerTest()
@@ -42,7 +40,7 @@ TEST_F(MaterialManagerTest, RetrievesByNameAndTypeWithoutTouchingTheMaterial) {
     EXPECT_EQ(manager.createOrRetrieve("a", MATERIAL_TYPE::PBS), material);
     EXPECT_EQ(material->calls, 0);
     EXPECT_EQ(material->getName(), "") << "recording does not rename";
-    EXPECT_EQ(log.messages, Messages());
+    EXPECT_EQ(log.messages, RecordingLogger::Messages());
 }
 
 TEST_F(MaterialManagerTest, CreatesPhysicallyBasedMaterials) {
@@ -53,9 +51,10 @@ TEST_F(MaterialManagerTest, CreatesPhysicallyBasedMaterials) {
     EXPECT_EQ(manager.get("a"), material);
     EXPECT_EQ(manager.createOrRetrieve("a", MATERIAL_TYPE::PBS), material);
     EXPECT_EQ(manager.createOrRetrieve("a", MATERIAL_TYPE::UNKNOWN), nullptr);
-    EXPECT_EQ(log.messages, (Messages{{"Requesting material 'a' as UNKNOWN but it already exists as PBS. "
-                                       "Preventing override and returning nullptr.",
-                                       "MaterialManager"}}));
+    EXPECT_EQ(log.messages,
+              (RecordingLogger::Messages{{"Requesting material 'a' as UNKNOWN but it already exists as PBS. "
+                                          "Preventing override and returning nullptr.",
+                                          "MaterialManager"}}));
 }
 
 TEST_F(MaterialManagerTest, RefusesANameOfAnotherType) {
@@ -77,7 +76,7 @@ TEST_F(MaterialManagerTest, RefusesANameOfAnotherType) {
         log.messages.clear();
         TestMaterial* const existing = record("a", row.existing);
         EXPECT_EQ(manager.createOrRetrieve("a", row.requested), nullptr);
-        EXPECT_EQ(log.messages, (Messages{{row.message, "MaterialManager"}}));
+        EXPECT_EQ(log.messages, (RecordingLogger::Messages{{row.message, "MaterialManager"}}));
         EXPECT_EQ(manager.get("a"), existing);
     }
 }
@@ -86,9 +85,9 @@ TEST_F(MaterialManagerTest, RefusesAnUnknownType) {
     for (const uint32_t type : {0u, 2u, 0xffffffffu}) {
         log.messages.clear();
         EXPECT_EQ(manager.createOrRetrieve("a", static_cast<MATERIAL_TYPE>(type)), nullptr);
-        EXPECT_EQ(
-            log.messages,
-            (Messages{{"Requested an unknown type of material, allocation cannot happen. Returning nullptr.",
+        EXPECT_EQ(log.messages,
+                  (RecordingLogger::Messages{
+                      {"Requested an unknown type of material, allocation cannot happen. Returning nullptr.",
                        "MaterialManager"}}));
         EXPECT_EQ(manager.getByIndex(0), nullptr) << "nothing is recorded";
     }
@@ -99,18 +98,19 @@ TEST_F(MaterialManagerTest, RecordingUnderATakenNameKeepsTheFirst) {
     record("a");
     EXPECT_EQ(manager.get("a"), first);
     EXPECT_EQ(TestMaterial::alive, 1) << "the second was destroyed";
-    EXPECT_EQ(log.messages,
-              (Messages{{"Trying to record from outside over already registered material named 'a'. "
-                         "Beware the existing material will be erased and freed.",
-                         "MaterialManager"}}));
+    EXPECT_EQ(log.messages, (RecordingLogger::Messages{
+                                {"Trying to record from outside over already registered material named 'a'. "
+                                 "Beware the existing material will be erased and freed.",
+                                 "MaterialManager"}}));
 }
 
 TEST_F(MaterialManagerTest, RecordingNothingChangesNothing) {
     EXPECT_EQ(manager.record("a", nullptr), nullptr);
     EXPECT_EQ(manager.getByIndex(0), nullptr);
     EXPECT_EQ(log.messages,
-              (Messages{{"Trying to record no material under 'a'. Nothing is recorded; pass a material in.",
-                         "MaterialManager"}}));
+              (RecordingLogger::Messages{
+                  {"Trying to record no material under 'a'. Nothing is recorded; pass a material in.",
+                   "MaterialManager"}}));
 }
 
 TEST_F(MaterialManagerTest, RenamesTheMaterialAndItsShader) {
@@ -122,7 +122,7 @@ TEST_F(MaterialManagerTest, RenamesTheMaterialAndItsShader) {
     EXPECT_EQ(manager.get("b"), material);
     EXPECT_EQ(material->getName(), "b");
     EXPECT_EQ(material->getShader()->getName(), "b");
-    EXPECT_EQ(log.messages, Messages());
+    EXPECT_EQ(log.messages, RecordingLogger::Messages());
 }
 
 TEST_F(MaterialManagerTest, RenamingToATakenNameDestroysTheMovedMaterial) {
@@ -132,7 +132,7 @@ TEST_F(MaterialManagerTest, RenamingToATakenNameDestroysTheMovedMaterial) {
     EXPECT_EQ(manager.get("a"), nullptr);
     EXPECT_EQ(manager.get("b"), kept);
     EXPECT_EQ(TestMaterial::alive, 1);
-    EXPECT_EQ(log.messages, Messages());
+    EXPECT_EQ(log.messages, RecordingLogger::Messages());
 }
 
 TEST_F(MaterialManagerTest, ErasesAndRelinquishes) {
@@ -157,7 +157,7 @@ TEST_F(MaterialManagerTest, UnknownNamesAreIgnored) {
     EXPECT_EQ(manager.get("x"), nullptr);
     EXPECT_EQ(manager.get("y"), nullptr);
     EXPECT_EQ(TestMaterial::alive, 1);
-    EXPECT_EQ(log.messages, Messages());
+    EXPECT_EQ(log.messages, RecordingLogger::Messages());
 }
 
 TEST_F(MaterialManagerTest, OwnsWhatItHolds) {

@@ -14,7 +14,6 @@ using namespace ovVeldris;
 using ovGraphics::Program;
 using ovGraphics::Texture;
 using ovMaths::Vector;
-using Messages = ovMemory::Buffer<RecordingLogger::Message>;
 
 namespace {
 
@@ -126,7 +125,7 @@ TEST_P(PbsMaterialTest, LoadsASharedProgramAndAShaderOfItsOwn) {
     other.setReconstructBinormals(false);
     other.unload(); // under the key that it was loaded with
     EXPECT_EQ(program.get(), nullptr);
-    EXPECT_EQ(getLog().messages, Messages());
+    EXPECT_EQ(getLog().messages, RecordingLogger::Messages());
 }
 
 TEST_P(PbsMaterialTest, LoadsAgainWithTheSameShader) {
@@ -170,7 +169,7 @@ TEST_P(PbsMaterialTest, SaysThatItsProgramCannotBeLoadedAndRecovers) {
     material().setName("broken");
     material().setNormalAttributeName("no name");
     EXPECT_FALSE(material().load());
-    EXPECT_EQ(getLog().messages, Messages{materialFailure("program", "broken")});
+    EXPECT_EQ(getLog().messages, RecordingLogger::Messages{materialFailure("program", "broken")});
     EXPECT_TRUE(getGraphicsLogger().contains("Could not load the program 'ORVANE_PBS_PROGRAM_"))
         << "the graphics system says why";
     EXPECT_EQ(material().getShader(), nullptr);
@@ -192,7 +191,7 @@ TEST_P(PbsMaterialTest, AFailedLoadLeavesNothingBound) {
     load();
     material().setAlphaTexture(texture(), static_cast<ONE_CHANNEL_PACK>(4)); // ".unknown" is no channel
     EXPECT_FALSE(material().load());
-    EXPECT_EQ(getLog().messages, Messages{materialFailure("program", "")});
+    EXPECT_EQ(getLog().messages, RecordingLogger::Messages{materialFailure("program", "")});
     EXPECT_TRUE(shader().isUnloaded());
     for (const ColorProperty& row : COLORS)
         (material().*row.set)(NEW); // reaches nothing, and crashes nothing
@@ -205,7 +204,7 @@ TEST_P(PbsMaterialTest, NeedsAnInitialisedSystem) {
     PbsMaterial early(&fresh);
     early.setName("early");
     EXPECT_FALSE(early.load());
-    EXPECT_EQ(log.messages, Messages{materialFailure("program", "early")});
+    EXPECT_EQ(log.messages, RecordingLogger::Messages{materialFailure("program", "early")});
     const auto node = ovExport::Node::create();
     node->addMember("albedoTexture")->addMember("name")->setAsString("a");
     early.importClassFromTree(node.get());

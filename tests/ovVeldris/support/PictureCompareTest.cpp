@@ -1,14 +1,11 @@
 #include <cstdlib>
 #include <filesystem>
 #include <gtest/gtest.h>
-#include <limits>
+#include <support/Numbers.h>
 #include <support/PictureCompare.h>
 #include <support/TemporaryFolder.h>
 
 namespace {
-
-constexpr float INF = std::numeric_limits<float>::infinity();
-constexpr float NAN_VALUE = std::numeric_limits<float>::quiet_NaN();
 
 /// Sends the pictures of comparisons that are meant to fail into a folder of their own.
 class PictureCompareTest : public testing::Test {
@@ -37,11 +34,21 @@ TEST_F(PictureCompareTest, measuresComponents) {
         float actual, expected, floor, error;
     };
     const Case cases[] = {
-        {1.0f, 1.0f, 1.0f, 0.0f},     {0.5f, 0.25f, 1.0f, 0.25f},   {110.0f, 100.0f, 1.0f, 0.1f},
-        {0.5f, 0.25f, 0.125f, 1.0f},  {-2.0f, 2.0f, 1.0f, 2.0f},    {INF, INF, 1.0f, 0.0f},
-        {INF, -INF, 1.0f, INF},       {INF, 1.0f, 1.0f, INF},       {1.0f, INF, 1.0f, INF},
-        {NAN_VALUE, 1.0f, 1.0f, INF}, {1.0f, NAN_VALUE, 1.0f, INF}, {NAN_VALUE, NAN_VALUE, 1.0f, 0.0f},
-        {NAN_VALUE, INF, 1.0f, INF},  {3e38f, -3e38f, 1.0f, 2.0f},  {0.0f, -0.0f, 1.0f, 0.0f},
+        {1.0f, 1.0f, 1.0f, 0.0f},
+        {0.5f, 0.25f, 1.0f, 0.25f},
+        {110.0f, 100.0f, 1.0f, 0.1f},
+        {0.5f, 0.25f, 0.125f, 1.0f},
+        {-2.0f, 2.0f, 1.0f, 2.0f},
+        {INFINITE, INFINITE, 1.0f, 0.0f},
+        {INFINITE, -INFINITE, 1.0f, INFINITE},
+        {INFINITE, 1.0f, 1.0f, INFINITE},
+        {1.0f, INFINITE, 1.0f, INFINITE},
+        {NOT_A_NUMBER, 1.0f, 1.0f, INFINITE},
+        {1.0f, NOT_A_NUMBER, 1.0f, INFINITE},
+        {NOT_A_NUMBER, NOT_A_NUMBER, 1.0f, 0.0f},
+        {NOT_A_NUMBER, INFINITE, 1.0f, INFINITE},
+        {3e38f, -3e38f, 1.0f, 2.0f},
+        {0.0f, -0.0f, 1.0f, 0.0f},
     };
     for (const Case& row : cases)
         EXPECT_FLOAT_EQ(componentError(row.actual, row.expected, row.floor), row.error)
@@ -60,9 +67,9 @@ TEST_F(PictureCompareTest, holdsBothLimits) {
 }
 
 TEST_F(PictureCompareTest, tellsBitsApart) {
-    FloatPicture expected(1, 1, {0.0f, NAN_VALUE, INF, 1.0f});
+    FloatPicture expected(1, 1, {0.0f, NOT_A_NUMBER, INFINITE, 1.0f});
     FloatPicture actual = expected;
-    actual.at(0, 0)[1] = -NAN_VALUE;
+    actual.at(0, 0)[1] = -NOT_A_NUMBER;
     EXPECT_TRUE(picturesAreIdentical("bits", actual, expected));
     actual.at(0, 0)[0] = -0.0f;
     EXPECT_FALSE(picturesAreIdentical("zero", actual, expected));

@@ -2,7 +2,7 @@
 
 #include <cmath>
 #include <gtest/gtest.h>
-#include <limits>
+#include <support/Numbers.h>
 #include <veldris/SessionTesting.h>
 #include <veldris/pictures/PictureTextures.h>
 
@@ -11,9 +11,6 @@ namespace {
 using ovGraphics::FORMAT;
 using ovImages::Image;
 using veldris::PictureShader;
-
-constexpr float NOT_A_NUMBER = std::numeric_limits<float>::quiet_NaN();
-constexpr float INFINITE = std::numeric_limits<float>::infinity();
 
 class PictureShaderTest : public testing::TestWithParam<const char*> {
 protected:

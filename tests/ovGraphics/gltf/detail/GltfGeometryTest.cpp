@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
-#include <limits>
 #include <ovGraphics/gltf/GltfTesting.h>
 #include <ovGraphics/gltf/detail/GltfGeometry.h>
+#include <support/Numbers.h>
 
 using namespace ovGraphics;
 using namespace ovGraphics::detail;
@@ -10,8 +10,6 @@ using Indices = ovMemory::Buffer<std::uint32_t>;
 
 namespace {
 
-constexpr float NOT_A_NUMBER = std::numeric_limits<float>::quiet_NaN();
-constexpr float INFINITE = std::numeric_limits<float>::infinity();
 // Lengths of a few products and sums.
 constexpr float FEW_ROUNDINGS = 1e-6f;
 

@@ -7,8 +7,6 @@ using namespace ovGraphics;
 
 namespace {
 
-using Strings = ovMemory::Buffer<ovMemory::String>;
-
 GltfBuilder makeTextures(const std::string& members) {
     GltfBuilder file;
     file.members = members;

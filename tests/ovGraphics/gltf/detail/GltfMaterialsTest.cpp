@@ -3,7 +3,6 @@
 
 using namespace ovGraphics;
 using ovMaths::Vector;
-using Strings = ovMemory::Buffer<ovMemory::String>;
 
 namespace {
 

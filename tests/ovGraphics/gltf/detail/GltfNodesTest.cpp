@@ -5,7 +5,6 @@ using namespace ovGraphics;
 using ovMaths::Matrix;
 using ovMaths::Quaternion;
 using ovMaths::Vector;
-using Strings = ovMemory::Buffer<ovMemory::String>;
 using Indices = ovMemory::Buffer<unsigned int>;
 
 namespace {

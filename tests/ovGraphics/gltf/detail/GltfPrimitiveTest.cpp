@@ -3,10 +3,10 @@
 #include <gtest/gtest.h>
 #include <limits>
 #include <ovGraphics/gltf/GltfTesting.h>
+#include <support/Numbers.h>
 
 using namespace ovGraphics;
 using ovMaths::Vector;
-using Strings = ovMemory::Buffer<ovMemory::String>;
 
 namespace {
 
@@ -187,7 +187,6 @@ TEST(GltfPrimitiveTest, readsQuantizedAttributes) {
 }
 
 TEST(GltfPrimitiveTest, keepsThePictureOfBadNumbers) {
-    constexpr float NOT_A_NUMBER = std::numeric_limits<float>::quiet_NaN();
     GltfBuilder file;
     file.addFloats("VEC3", {0, 0, 0, 1, 0, 0, 0, 1, 0, 0, NOT_A_NUMBER, 0, 1, 0, 0, 0, 1, 0});
     file.addFloats("VEC3", {0, 0, 1, 0, 0, 0, 0, 0, 1, 0, 0, 1, 0, 0, 1, 0, 0, 1});

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
-#include <limits>
 #include <ovGraphics/gltf/GltfTesting.h>
 #include <ovGraphics/gltf/detail/GltfSkin.h>
+#include <support/Numbers.h>
 
 using namespace ovGraphics::detail;
 using ovGraphics::BoundingBox;
@@ -41,7 +41,6 @@ TEST(GltfSkinTest, movesByTheWeightedMeanOfJoints) {
         Vector normal;
         Vector tangent;
     };
-    constexpr float NOT_A_NUMBER = std::numeric_limits<float>::quiet_NaN();
     const Case cases[] = {
         {"one", {{{{0, 0, 0, 0}}, {{1, 0, 0, 0}}}}, {11, 2, 3}, {1, 0, 0}, {0, 1, 0, 1}},
         {"turned", {{{{1, 0, 0, 0}}, {{1, 0, 0, 0}}}}, {-4, 2, 6}, {0, 1, 0}, {-1, 0, 0, 1}},

@@ -1,14 +1,13 @@
 #include <array>
 #include <gtest/gtest.h>
-#include <limits>
 #include <ovGraphics/gltf/GltfTesting.h>
 #include <ovGraphics/gltf/detail/GltfWinding.h>
+#include <support/Numbers.h>
 
 using namespace ovGraphics::detail;
 using ovGraphics::GltfPrimitive;
 using ovGraphics::GltfScene;
 using ovMaths::Vector;
-using Strings = ovMemory::Buffer<ovMemory::String>;
 
 namespace {
 
@@ -64,7 +63,6 @@ TEST(GltfWindingTest, countsTrianglesThatRunAgainstTheirNormals) {
 }
 
 TEST(GltfWindingTest, whatTellsNoSideIsNotCounted) {
-    constexpr float NOT_A_NUMBER = std::numeric_limits<float>::quiet_NaN();
     GltfGeometry geometry;
     geometry.positions = {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {2, 0, 0}};
     geometry.normals = {{0, 0, -1}, {0, 0, -1}, {0, 0, -1}, {0, 0, -1}};

@@ -1,8 +1,8 @@
 #include <cmath>
 #include <gtest/gtest.h>
-#include <limits>
 #include <ovGraphics/gltf/detail/TangentSpace.h>
 #include <ovMaths/MathConstants.h>
+#include <support/Numbers.h>
 
 using namespace ovGraphics::detail;
 using ovMaths::Vector;
@@ -169,8 +169,6 @@ TEST(TangentSpaceTest, takesOverTangentsWhereTheMappingHasNoArea) {
 }
 
 TEST(TangentSpaceTest, givesSomeTangentToEveryCorner) {
-    constexpr float NOT_A_NUMBER = std::numeric_limits<float>::quiet_NaN();
-    constexpr float INFINITE = std::numeric_limits<float>::infinity();
     const std::vector<std::vector<Corner>> meshes = {
         {{{0, 0, 0}, {}}, {{1, 0, 0}, {}}, {{0, 1, 0}, {}}},
         {{{0, 0, 0}, {0, 0}}, {{0, 0, 0}, {1, 0}}, {{0, 0, 0}, {0, 1}}},

@@ -1,7 +1,7 @@
 // What the atmosphere draws, beside a slow reference.
-#include <limits>
 #include <ovVeldris/effects/atmosphere/AtmosphereFixture.h>
 #include <random>
+#include <support/Numbers.h>
 
 using namespace ovVeldris;
 using namespace atmosphereReference;
@@ -410,7 +410,6 @@ TEST_P(AtmosphereEffectPictureTest, hasNoHolesForRandomSettings) {
 }
 
 TEST_P(AtmosphereEffectPictureTest, paintsWhatIsNotANumberRed) {
-    constexpr float NOT_A_NUMBER = std::numeric_limits<float>::quiet_NaN();
     look(1500.0f, {0.1f, 0.3f, 1.0f});
     FloatPicture picture = makeColors();
     picture.at(3, 4)[1] = NOT_A_NUMBER;
