@@ -420,21 +420,13 @@ TEST_P(ScenePictureTest, materialsSayHowTheyAreLitWhenTheSettingsDoNot) {
 }
 
 TEST_P(ScenePictureTest, mirrorsShowTheEnvironmentTheRightWayRound) {
-    // A colour for each axis, told by the largest component of the direction.
-    const auto axisColor = [](const Vector& d) {
-        const float x = std::abs(d.x);
-        const float y = std::abs(d.y);
-        const float z = std::abs(d.z);
-        if (x > y && x > z)
-            return d.x > 0.0f ? Vector(1.0f, 0.0f, 0.0f) : Vector(0.0f, 1.0f, 0.0f);
-        if (y > z)
-            return d.y > 0.0f ? Vector(0.0f, 0.0f, 1.0f) : Vector(1.0f, 1.0f, 0.0f);
-        return d.z > 0.0f ? Vector(1.0f, 0.0f, 1.0f) : Vector(0.0f, 1.0f, 1.0f);
+    const auto colorOf = [](const Vector& d) {
+        return Vector(0.5f + 0.5f * d.x, 0.5f + 0.5f * d.y, 0.5f + 0.5f * d.z);
     };
     ovMemory::String warning;
     ovMemory::String error;
-    const auto light = veldris::EnvironmentLight::create(
-        _session, veldris::drawPanorama(128, axisColor).view(), warning, error);
+    const auto light = veldris::EnvironmentLight::create(_session, veldris::drawPanorama(128, colorOf).view(),
+                                                         warning, error);
     ASSERT_TRUE(light) << error;
     _settings.lightBesideEnvironment = false;
     const auto picture = makePicture();
@@ -456,18 +448,18 @@ TEST_P(ScenePictureTest, mirrorsShowTheEnvironmentTheRightWayRound) {
     // it.
     struct Case {
         unsigned int x, y;
-        Vector color;
+        Vector direction;
         const char* what;
     };
     const Case cases[] = {
-        {MIDDLE, MIDDLE, {0.0f, 1.0f, 1.0f}, "the middle shows what is behind the camera, -z"},
-        {MIDDLE - 6, MIDDLE, {0.0f, 1.0f, 0.0f}, "left is -x"},
+        {MIDDLE, MIDDLE, {0.0f, 0.0f, -1.0f}, "the middle shows what is behind the camera, -z"},
+        {MIDDLE - 6, MIDDLE, {-1.0f, 0.0f, 0.0f}, "left is -x"},
         {MIDDLE + 5, MIDDLE, {1.0f, 0.0f, 0.0f}, "right is +x"},
-        {MIDDLE, MIDDLE - 6, {0.0f, 0.0f, 1.0f}, "above is +y"},
-        {MIDDLE, MIDDLE + 5, {1.0f, 1.0f, 0.0f}, "below is -y"},
-        {1, 1, {1.0f, 0.0f, 1.0f}, "behind the sphere is +z"}};
+        {MIDDLE, MIDDLE - 6, {0.0f, 1.0f, 0.0f}, "above is +y"},
+        {MIDDLE, MIDDLE + 5, {0.0f, -1.0f, 0.0f}, "below is -y"},
+        {1, 1, {0.0f, 0.0f, 1.0f}, "behind the sphere is +z"}};
     for (const Case& current : cases)
-        EXPECT_LT(Vector::distanceVec3(pixel(image, current.x, current.y), current.color), 0.1f)
+        EXPECT_LT(Vector::distanceVec3(pixel(image, current.x, current.y), colorOf(current.direction)), 0.1f)
             << current.what << ": " << pixel(image, current.x, current.y).toString();
 }
 
