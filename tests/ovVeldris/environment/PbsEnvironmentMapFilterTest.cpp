@@ -69,12 +69,11 @@ protected:
             for (unsigned int face = 0; face < 6; ++face) {
                 const FloatPicture actual = readSlice(output, face, mip);
                 const double roughness = double(roughnessOf(mip, output.getMipCount()));
-                const ovMemory::String picture =
+                const ovMemory::String title =
                     "filter_" + name + "_" + std::to_string(mip) + "_" + std::to_string(face);
-                EXPECT_TRUE(picturesMatch(picture, actual,
-                                          drawOnce(picture, face, actual.width,
-                                                   [&](const Direction& n) { return expected(n, roughness); }),
-                                          limits));
+                const FloatPicture& picture = drawOnce(
+                    title, face, actual.width, [&](const Direction& n) { return expected(n, roughness); });
+                EXPECT_TRUE(picturesMatch(title, actual, picture, limits));
             }
     }
 
