@@ -15,9 +15,10 @@ constexpr std::size_t OUTSIDE_BYTES_A_STEP = 1 << 20;
 constexpr std::size_t STEPS_TO_LIMIT = 16; // at the least
 
 // A call takes a small block of the interpreter's own, and gets it beyond the limit, too: a finaliser whose
-// call fails is not called again, and its object would never be destroyed. The stack, which is counted,
-// bounds how many there are.
+// call fails is not called again, and its object would never be destroyed. What lies outside does not count
+// for these, since it passes the limit by any amount; a reserve bounds them, since tables have such blocks.
 constexpr std::size_t LARGEST_CALL_BLOCK = 128;
+constexpr std::size_t CALL_RESERVE = 64 << 10;
 
 // Such a block nobody gets. Who asks for it gets an error of memory, the only kind for which the interpreter
 // calls no handler of the script.
@@ -64,7 +65,8 @@ void* LuaState::_allocate(void* self, void* block, std::size_t oldSize, std::siz
         return nullptr;
     }
     // Of a new block the old size is the kind of the object, 0 for what the interpreter needs itself.
-    const bool isForCall = !block && oldSize == 0 && newSize <= LARGEST_CALL_BLOCK;
+    const bool isForCall = !block && oldSize == 0 && newSize <= LARGEST_CALL_BLOCK &&
+                           state._insideBytes < state._environment.getOptions().memoryLimit + CALL_RESERVE;
     if (newSize >= REFUSED_BLOCK || (newSize > freed && !isForCall && !state.canAllocate(newSize - freed)))
         return nullptr;
     void* const moved = std::realloc(block, newSize);

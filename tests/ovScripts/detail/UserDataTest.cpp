@@ -259,6 +259,18 @@ TEST(UserDataTest, smallGrowthDoesNotCollectEachTime) {
               "true");
 }
 
+// Parts of tables are as small as what calls take.
+TEST(UserDataTest, smallTablesDoNotGrowBeyondTheLimit) {
+    constexpr std::size_t LIMIT = 1 << 20;
+    GrowingWorld world(LIMIT);
+    EXPECT_EQ(evaluate(*world.environment, "all = {} for i = 1, 10000 do all[i] = {} end return 'made'"),
+              "made");
+    EXPECT_EQ(evaluate(*world.environment,
+                       "for _, one in ipairs(all) do one.a, one.b, one.c = 1, 2, 3 end return 'filled'"),
+              "error: not enough memory");
+    EXPECT_LT(world.environment->getUsedMemory(), LIMIT + (100 << 10));
+}
+
 // A finaliser whose call gets no memory is not called again: its object would stay for good.
 TEST(UserDataTest, callsWorkBeyondTheLimit) {
     GrowingWorld world(1 << 20);
