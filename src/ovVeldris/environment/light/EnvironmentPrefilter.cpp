@@ -88,10 +88,8 @@ void filterTiles(const LightTree& tree, const TileRow& tiles) {
 
 /// Whether sums over texels are as smooth as the lobe. Texels a third of its half width apart are.
 bool isFineEnough(const EnvironmentTexels& environment, double lobeWidth) {
-    constexpr double PI = std::numbers::pi;
-    const double widest = environment.isCube()
-                              ? 2.0 / environment.getWidth()
-                              : std::max(2.0 * PI / environment.getWidth(), PI / environment.getHeight());
+    const unsigned int equator = environment.getHeight() / 2;
+    const double widest = environment.getTexelHeight() * std::max(1.0, environment.getStretch(equator));
     return widest <= lobeWidth / 3.0;
 }
 
@@ -132,7 +130,8 @@ ovMemory::Buffer<ovImages::Image> prefilterEnvironment(const EnvironmentTexels& 
     }
     // Of a coarse environment the texels would show as spots: its interpolation is summed instead.
     const EnvironmentTexels interpolated(mips.front().view(), true);
-    const LightTree tree(isFineEnough(environment, lobes[1].width) ? environment : interpolated);
+    const LightTree tree(isFineEnough(environment, lobes[1].width) ? environment : interpolated,
+                         lobes[1].width);
     ovCommon::parallelFor(work.size(), progress, [&](std::size_t i) { filterTiles(tree, work[i]); });
     return mips;
 }

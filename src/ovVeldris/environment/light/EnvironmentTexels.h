@@ -14,6 +14,10 @@ inline constexpr unsigned int ENVIRONMENT_FACES = 6;
 /// A direction, or a place inside the unit sphere.
 using Direction = std::array<double, 3>;
 
+inline Direction scaled(const Direction& direction, double factor) {
+    return {direction[0] * factor, direction[1] * factor, direction[2] * factor};
+}
+
 /// Light from all around as linear floats, read where it lies. Rows run from the top: those of a panorama by
 /// longitude and latitude (the top row is +y, the middle column +x, and +z lies a quarter to its right), or
 /// the six faces of a cube below each other (+X, -X, +Y, -Y, +Z, -Z in Direct3D's layout).
@@ -44,10 +48,15 @@ public:
     /// Exact; all together they are 4 pi. Steradians.
     double getSolidAngle(unsigned int column, unsigned int row) const;
 
+    /// The angle that a texel is high; of a cube in the middle of a face, where it is largest. Radians.
+    double getTexelHeight() const;
+
     /// The width of a texel of a row over its height, as angles.
     double getStretch(unsigned int row) const;
 
 private:
+    /// The number of a texel, or of its mirror image, in the quarter of a face that is kept.
+    std::size_t _quarterTexel(unsigned int column, unsigned int row) const;
     void _placePanorama();
     void _placeCube();
 
@@ -56,8 +65,12 @@ private:
     bool _isValid;
     ovMemory::Buffer<std::array<double, 2>> _columns; ///< cosine and sine of the longitude
     ovMemory::Buffer<std::array<double, 2>> _rows;    ///< cosine and sine of the latitude
+    ovMemory::Buffer<double> _places;                 ///< on a face of a cube, along either edge
     /// Of a row of a panorama; or of a quarter of a face, whose other quarters mirror it.
     ovMemory::Buffer<float> _solidAngles;
+    /// What directions to places of the quarter are multiplied by to have length 1. Kept, because filtering
+    /// asks for directions so often that their roots took a third of its time.
+    ovMemory::Buffer<double> _unitScales;
 };
 
 /// The direction of a place of a cube's face, of any length.

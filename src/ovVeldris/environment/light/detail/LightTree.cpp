@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <ovCommon/ParallelFor.h>
 
 namespace ovVeldris {
@@ -10,22 +11,32 @@ namespace {
 
 constexpr std::size_t COLOR_COUNT = 3;
 constexpr unsigned int NO_TEXELS = ~0u;
+constexpr float INFINITE = std::numeric_limits<float>::infinity();
 
-/// More make the tree smaller and lobes that are narrower than a leaf slower.
+/// A sun makes every lobe look at all texels of its leaf: also in an environment whose texels are much finer
+/// than leaves need to be, they hold no more than these.
 constexpr unsigned int TEXELS_OF_LEAF = 32;
+
+/// Leaves as a part of the narrowest lobe's width: a node of this size stands for its texels from 1.5 widths
+/// on. With larger ones a lobe looks at each texel in a wide ring around it.
+constexpr double LEAF_OF_LOBE = 1.0 / 3.0;
 
 /// Parts of the environment that are made into trees by themselves, on all cores.
 constexpr std::size_t BRANCHES = 64;
 
 /// The share of its light by which a node's mean alone may be wrong. The variance makes up for nine tenths of
 /// it.
-constexpr double TOLERANCE = 0.05;
+constexpr double TOLERANCE = 0.04;
 
 /// A node's radius over the distance, at most: farther texels than that are not told by the moments.
 constexpr double OPENING = 0.25;
 
 /// How much finer lights must be where a lobe ends at the horizon: its weight has a bend there.
 constexpr float HORIZON_REACH = 4.0f;
+
+/// Texels of more than so many times the mean light count by themselves where they stand on a horizon: half a
+/// sun may be more than all the rest.
+constexpr double BRIGHT = 8.0;
 
 double distance(const Direction& a, const Direction& b) {
     return std::hypot(a[0] - b[0], a[1] - b[1], a[2] - b[2]);
@@ -35,18 +46,29 @@ double dot(const Direction& a, const Direction& b) {
     return a[0] * b[0] + a[1] * b[1] + a[2] * b[2];
 }
 
-Direction scaled(const Direction& direction, double factor) {
-    return {direction[0] * factor, direction[1] * factor, direction[2] * factor};
-}
-
 /// In the precision of the sums.
-PointLight pointLightOf(const Direction& direction, const std::array<double, COLOR_COUNT>& power) {
-    PointLight light;
+void setLight(PointLight& light, const Direction& direction, const std::array<double, COLOR_COUNT>& power) {
     for (std::size_t i = 0; i < COLOR_COUNT; ++i) {
         light.direction[i] = static_cast<float>(direction[i]);
         light.power[i] = static_cast<float>(power[i]);
     }
-    return light;
+}
+
+double sumOfColors(const float* light) {
+    return double{light[0]} + light[1] + light[2];
+}
+
+/// Of all directions, the colors added.
+double meanLightOf(const EnvironmentTexels& environment) {
+    double light = 0.0;
+    double solidAngle = 0.0;
+    for (unsigned int row = 0; row < environment.getHeight(); ++row) {
+        for (unsigned int column = 0; column < environment.getWidth(); ++column) {
+            light += environment.getSolidAngle(column, row) * sumOfColors(environment.getLight(column, row));
+            solidAngle += environment.getSolidAngle(column, row);
+        }
+    }
+    return light / solidAngle;
 }
 
 } // namespace
@@ -59,8 +81,10 @@ Direction LightTree::Moments::getMean() const {
     return mean;
 }
 
-LightTree::LightTree(const EnvironmentTexels& environment)
-    : _environment(environment) {
+LightTree::LightTree(const EnvironmentTexels& environment, double narrowest)
+    : _environment(environment)
+    , _leafRows(LEAF_OF_LOBE * narrowest / environment.getTexelHeight())
+    , _bright(BRIGHT * meanLightOf(environment)) {
     const ovMemory::Buffer<Block> blocks = _split();
     _branches.resize(blocks.size());
     ovCommon::parallelFor(blocks.size(), [&](std::size_t i) { _append(blocks[i], _branches[i]); });
@@ -98,13 +122,21 @@ ovMemory::Buffer<LightTree::Block> LightTree::_split() const {
         const auto largest =
             std::max_element(blocks.begin(), blocks.end(),
                              [&](const Block& a, const Block& b) { return texels(a) < texels(b); });
-        if (texels(*largest) <= TEXELS_OF_LEAF)
+        if (_isLeaf(*largest))
             break;
         const auto [first, second] = _halve(*largest);
         *largest = first;
         blocks.push_back(second);
     }
     return blocks;
+}
+
+bool LightTree::_isLeaf(const Block& block) const {
+    const std::size_t texels = std::size_t{block.width} * block.height;
+    if (texels <= 1 || texels > TEXELS_OF_LEAF)
+        return texels <= 1;
+    const double stretch = _environment.getStretch(block.row + block.height / 2);
+    return std::max<double>(block.height, block.width * stretch) <= _leafRows;
 }
 
 std::array<LightTree::Block, 2> LightTree::_halve(const Block& block) const {
@@ -129,7 +161,7 @@ LightTree::Moments LightTree::_append(const Block& block, Branch& branch) const 
     const std::size_t number = branch.nodes.size();
     branch.nodes.emplace_back().texels = NO_TEXELS;
     Moments sum;
-    if (block.width * block.height <= TEXELS_OF_LEAF) {
+    if (_isLeaf(block)) {
         sum = _sumTexels(block);
         branch.nodes[number].texels = static_cast<unsigned int>(branch.leaves.size());
         branch.leaves.push_back(block);
@@ -138,6 +170,7 @@ LightTree::Moments LightTree::_append(const Block& block, Branch& branch) const 
         const std::array<Block, 2> blocks = _halve(block);
         for (std::size_t i = 0; i < halves.size(); ++i) {
             halves[i] = _append(blocks[i], branch);
+            sum.isBright |= halves[i].isBright;
             for (std::size_t color = 0; color < COLOR_COUNT; ++color) {
                 sum.power[color] += halves[i].power[color];
                 for (std::size_t axis = 0; axis < 3; ++axis)
@@ -151,11 +184,12 @@ LightTree::Moments LightTree::_append(const Block& block, Branch& branch) const 
         }
     }
     Node& node = branch.nodes[number];
-    node.light = pointLightOf(sum.getMean(), sum.power);
     const Direction mean = sum.getMean();
+    setLight(node.light, mean, sum.power);
     // Directions have length 1, so that their mean's shortness tells how far they are apart.
     node.light.variance = static_cast<float>(0.5 * std::max(0.0, 1.0 - dot(mean, mean)));
     node.reach = _reachOf(sum);
+    node.horizonReach = sum.isBright ? INFINITE : HORIZON_REACH * node.reach;
     node.end = static_cast<unsigned int>(branch.nodes.size());
     return sum;
 }
@@ -173,6 +207,7 @@ LightTree::Moments LightTree::_sumTexels(const Block& block) const {
         }
     };
     forEachTexel([&](const float* light, const Direction& direction, double solidAngle) {
+        sum.isBright |= sumOfColors(light) > _bright;
         for (std::size_t color = 0; color < COLOR_COUNT; ++color) {
             const double power = light[color] * solidAngle;
             sum.power[color] += power;
@@ -209,7 +244,7 @@ void LightTree::gather(const Direction& middle, double radius, double width,
             const float cosine = light.direction[0] * x + light.direction[1] * y + light.direction[2] * z;
             // Some of a node's texels may lie above a horizon that its mean is below.
             const bool isAtHorizon = std::abs(cosine) < nearest + static_cast<float>(OPENING) * node.reach;
-            const float reach = isAtHorizon ? HORIZON_REACH * node.reach : node.reach;
+            const float reach = isAtHorizon ? node.horizonReach : node.reach;
             if (reach * reach <= softness + chord * chord) {
                 lights.push_back(light);
                 i = node.end;
@@ -229,9 +264,8 @@ void LightTree::_gatherTexels(const Block& block, ovMemory::Buffer<PointLight>& 
             if (light[0] + light[1] + light[2] <= 0.0f)
                 continue;
             const double solidAngle = _environment.getSolidAngle(column, row);
-            lights.push_back(
-                pointLightOf(_environment.getDirection(column, row),
-                             {light[0] * solidAngle, light[1] * solidAngle, light[2] * solidAngle}));
+            setLight(lights.emplace_back(), _environment.getDirection(column, row),
+                     {light[0] * solidAngle, light[1] * solidAngle, light[2] * solidAngle});
         }
     }
 }

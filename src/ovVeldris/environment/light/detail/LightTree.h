@@ -11,11 +11,14 @@ namespace ovVeldris {
 /// by light. From far enough it stands for all of them. When one sun is most of its light, it stands for them
 /// exactly.
 ///
-/// Takes about 3 bytes a texel. Black parts take part in nothing.
+/// Its size follows from the lobes: 9 MB for the mips of a cube of 256, and 3 bytes a texel of larger
+/// environments. Black parts take part in nothing.
 class OV_API LightTree {
 public:
     /// @param environment kept by reference: it must outlive the tree
-    explicit LightTree(const EnvironmentTexels& environment);
+    /// @param narrowest the width of the narrowest lobe that will be gathered for, see GgxLobe: what is much
+    ///        smaller needs no node
+    LightTree(const EnvironmentTexels& environment, double narrowest);
 
     /// Appends the lights by which a lobe may be summed around every direction within a chord of another.
     /// @param middle of length 1
@@ -36,14 +39,16 @@ private:
     struct Moments {
         std::array<double, 3> power = {};         ///< of each color
         std::array<Direction, 3> directions = {}; ///< of each color: power times direction
-        double radius = 0.0; ///< of a ball around the mean direction that holds all texels with light
+        double radius = 0.0;   ///< of a ball around the mean direction that holds all texels with light
+        bool isBright = false; ///< some texel
         Direction getMean() const;
     };
     struct Node {
         PointLight light = {};
-        float reach = 0.0f;      ///< chord from which on the node stands for its texels
-        unsigned int end = 0;    ///< number of the node that follows its subtree
-        unsigned int texels = 0; ///< number of its block when it is a leaf, else NO_TEXELS
+        float reach = 0.0f;        ///< chord from which on the node stands for its texels
+        float horizonReach = 0.0f; ///< the same where the lobe ends among them
+        unsigned int end = 0;      ///< number of the node that follows its subtree
+        unsigned int texels = 0;   ///< number of its block when it is a leaf, else NO_TEXELS
     };
     /// The subtree of a part of the environment, each node before its children.
     struct Branch {
@@ -53,12 +58,15 @@ private:
 
     static float _reachOf(const Moments& moments);
     ovMemory::Buffer<Block> _split() const;
+    bool _isLeaf(const Block& block) const;
     std::array<Block, 2> _halve(const Block& block) const;
     Moments _append(const Block& block, Branch& branch) const;
     Moments _sumTexels(const Block& block) const;
     void _gatherTexels(const Block& block, ovMemory::Buffer<PointLight>& lights) const;
 
     const EnvironmentTexels& _environment;
+    double _leafRows; ///< a leaf is at most so high, and so wide as it is seen
+    double _bright;   ///< the light of a texel, its colors added, from which on it is bright
     ovMemory::Buffer<Branch> _branches;
 };
 
