@@ -45,11 +45,15 @@ ovVeldris::AtmosphereEffectInfo smallInfo() {
     return info;
 }
 
+/// With tables that are drawn fast. @param sun elevation and azimuth in degrees
+String skyWithSunAt(const String& sun) {
+    return "atmosphere:sun=" + sun + "," + skyReference::SMALL_TABLES;
+}
+
 TEST_F(RenderSkyTest, behindTheModelStandsTheSkyOfTheSlowMarch) {
     // From 500 m above the origin, towards -z of the file, which is +z of the library; the square is not in
     // view.
-    const Image picture = render(String("atmosphere:sun=9,265,") + skyReference::SMALL_TABLES,
-                                 {"--camera", "0,500,0,0,500,-100"});
+    const Image picture = render(skyWithSunAt("9,265"), {"--camera", "0,500,0,0,500,-100"});
     const skyReference::Sky reference(smallInfo(), {9.0, 265.0}, 500.0);
     ASSERT_EQ(picture.getWidth(), 24u);
     skyReference::expectSeen(reference, {0.0, 270.0}, 0.6 * 180.0 / std::numbers::pi, picture);
@@ -57,38 +61,39 @@ TEST_F(RenderSkyTest, behindTheModelStandsTheSkyOfTheSlowMarch) {
 
 TEST_F(RenderSkyTest, theSunLightsUnlessTheUserSaysOtherwise) {
     const Buffer<String> front = {"--camera", "0,0"};
+    const String sky = skyWithSunAt("20,90");
     const auto with = [&](const Buffer<String>& more) {
         Buffer<String> options = front;
         options.insert(options.end(), more.begin(), more.end());
         return options;
     };
-    const auto lit = whiteOf(render("atmosphere:sun=20,90", front));
+    const Image seen = render(sky, front);
+    const auto lit = whiteOf(seen);
     // Matte white that faces the sun at 20 degrees: its light over pi and the sky's.
     EXPECT_GT(lit[0], 1.3f);
     EXPECT_LT(lit[0], 3.2f);
     EXPECT_GT(lit[0], 1.1f * lit[2]) << "red is left of the sun";
-    const auto dark = whiteOf(render("atmosphere:sun=20,90", with({"--light-color", "0,0,0"})));
+    const auto dark = whiteOf(render(sky, with({"--light-color", "0,0,0"})));
     EXPECT_LT(dark[0], 0.5f * lit[0]);
-    const auto fromBehind = whiteOf(render("atmosphere:sun=20,90", with({"--light", "0,0,1"})));
+    const auto fromBehind = whiteOf(render(sky, with({"--light", "0,0,1"})));
     EXPECT_EQ(fromBehind, dark) << "the sky's light alone";
-    const auto given = whiteOf(render("atmosphere:sun=20,90", with({"--light-color", "0,4,0"})));
+    const auto given = whiteOf(render(sky, with({"--light-color", "0,4,0"})));
     EXPECT_EQ(given[0], dark[0]);
     EXPECT_GT(given[1], dark[1] + 2.0f);
     // The picture turns to the right with its sun.
-    const Image turned = render("atmosphere:sun=20,50", with({"--environment-rotation", "40"}));
-    const Image same = render("atmosphere:sun=20,90", front);
-    EXPECT_TRUE(std::ranges::equal(turned.getBytes(), same.getBytes()));
+    const Image turned = render(skyWithSunAt("20,50"), with({"--environment-rotation", "40"}));
+    EXPECT_TRUE(std::ranges::equal(turned.getBytes(), seen.getBytes()));
     // The square covers the middle; beside it nothing does.
-    const Image cut = render("atmosphere:sun=20,90", with({"--background", "transparent"}));
+    const Image cut = render(sky, with({"--background", "transparent"}));
     EXPECT_EQ(cut.getComponent(0, 0, 3), 0.0f);
     EXPECT_EQ(cut.getComponent(15, 11, 3), 1.0f);
     EXPECT_NEAR(whiteOf(cut)[0], lit[0], 1e-3f * lit[0]);
 }
 
 TEST_F(RenderSkyTest, belowTheHorizonThereIsNoSun) {
-    const auto evening = whiteOf(render("atmosphere:sun=-1.5,90", {"--camera", "0,0"}));
-    const auto black =
-        whiteOf(render("atmosphere:sun=-1.5,90", {"--camera", "0,0", "--light-color", "0,0,0"}));
+    const String sky = skyWithSunAt("-1.5,90");
+    const auto evening = whiteOf(render(sky, {"--camera", "0,0"}));
+    const auto black = whiteOf(render(sky, {"--camera", "0,0", "--light-color", "0,0,0"}));
     EXPECT_EQ(evening, black);
     EXPECT_GT(evening[2], 0.0f);
 }
@@ -97,7 +102,7 @@ TEST_F(RenderSkyTest, airLiesBeforeTheModel) {
     // A light that drowns the sky's, which the factor of distances changes a little through the ground.
     const Buffer<String> options = {"--camera", "0,0,5,0,0,0",   "--light",
                                     "0,0,-1",   "--light-color", "30,30,30"};
-    const String sky = String("atmosphere:sun=40,180,") + skyReference::SMALL_TABLES;
+    const String sky = skyWithSunAt("40,180");
     const auto near = whiteOf(render(sky + ",distance-factor=0.001", options));
     const auto far = whiteOf(render(sky + ",distance-factor=8000", options));
     skyReference::Sky reference(smallInfo(), {40.0, 180.0}, 0.0);

@@ -1,6 +1,7 @@
 #include "veldris/commands/CommandTesting.h"
 #include "veldris/sky/SkyReference.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <ovImages/CompositeEncoder.h>
 #include <ovImages/cubes/CubeFile.h>
@@ -17,9 +18,12 @@ using veldris::SkyPlace;
 
 class SkyCommandTest : public testing::Test {
 protected:
+    /// With tables that are drawn fast, unless the air is described.
     Outcome sky(const Buffer<String>& options) {
         Buffer<String> arguments = {"sky", "--device", "software", "--cache", _folder.getPath("cache")};
         arguments.insert(arguments.end(), options.begin(), options.end());
+        if (std::ranges::find(options, "--air") == options.end())
+            arguments.insert(arguments.end(), {"--air", skyReference::SMALL_TABLES});
         return runVeldris(arguments);
     }
     /// Draws into a file of the folder. @return it
