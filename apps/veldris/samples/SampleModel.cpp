@@ -47,6 +47,10 @@ constexpr unsigned int BRASS = 1;
 // Radii and heights in metres.
 const Buffer<Part>& pawnParts() {
     static const Buffer<Part> PARTS = {
+        {[](float t) {
+             return ProfilePoint{0.36f * t, 0.0f};
+         },
+         BRASS},                                                             // below the foot
         {[](float t) { return bulge(0.36f, 0.1f, 0.08f, 0.1f, t); }, BRASS}, // foot
         {[](float t) {
              return ProfilePoint{0.11f + 0.25f * std::pow(1.0f - t, 3.0f), 0.2f + 0.56f * t};
