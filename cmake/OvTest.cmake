@@ -46,13 +46,46 @@ function(ov_add_tests library)
     target_link_libraries(${program} PRIVATE ${library} ${arg_LINK} ovCompilerSettings ovTestSettings
         GTest::gtest_main)
     if(OV_SANITIZE STREQUAL "thread")
-        # Case by case: those with threads are chosen by their names. Started through env, because
-        # gtest_discover_tests takes lists apart and would keep the first variable only.
-        set_target_properties(${program} PROPERTIES CROSSCOMPILING_EMULATOR "env;${OV_TEST_ENVIRONMENT}")
-        gtest_discover_tests(${program} DISCOVERY_TIMEOUT 120 PROPERTIES TIMEOUT 300 LABELS ${library})
+        ov_discover_cases(${program} ${library} "")
     else()
         ov_discover_suites(${program} ${library})
     endif()
+endfunction()
+
+# ov_add_thread_tests(<library> [LINK <target>...])
+#
+# The tests of a large library that start threads, as a program of their own for the thread sanitizer: compiling all
+# others for it takes minutes. They are the sources of this folder that have a test named after its threads.
+function(ov_add_thread_tests library)
+    cmake_parse_arguments(arg "" "" "LINK" ${ARGN})
+    if(NOT OV_BUILD_TESTS OR NOT OV_SANITIZE STREQUAL "thread")
+        return()
+    endif()
+    file(GLOB_RECURSE sources CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/*Test.cpp")
+    set(threaded "")
+    foreach(source IN LISTS sources)
+        file(STRINGS "${source}" tests REGEX "^TEST.*Thread")
+        if(tests)
+            list(APPEND threaded "${source}")
+        endif()
+    endforeach()
+    set(program "${library}ThreadTests")
+    add_executable(${program} ${threaded})
+    ov_compile_by_folder(${program})
+    target_compile_options(${program} PRIVATE $<$<CXX_COMPILER_ID:GNU>:-Wno-subobject-linkage>)
+    target_include_directories(${program} PRIVATE "${PROJECT_SOURCE_DIR}/tests" "${CMAKE_CURRENT_SOURCE_DIR}")
+    target_link_libraries(${program} PRIVATE ${library} ${arg_LINK} ovCompilerSettings ovTestSettings
+        GTest::gtest_main)
+    ov_discover_cases(${program} ${library} "threads.")
+endfunction()
+
+# ov_discover_cases(<program> <label> <prefix>): a CTest test for each case of a built test program. Those with threads
+# are chosen by their names. Started through env, because gtest_discover_tests takes lists apart and would keep the
+# first variable only.
+function(ov_discover_cases program label prefix)
+    set_target_properties(${program} PROPERTIES CROSSCOMPILING_EMULATOR "env;${OV_TEST_ENVIRONMENT}")
+    gtest_discover_tests(${program} TEST_PREFIX "${prefix}" DISCOVERY_TIMEOUT 120
+        PROPERTIES TIMEOUT 300 LABELS ${label})
 endfunction()
 
 # ov_discover_suites(<program> <label>): a CTest test for each suite of a built test program.
