@@ -12,8 +12,7 @@ namespace ovBenchmarks {
 class BareOpenGlPass {
 public:
     /// @param pixelText GLSL 4.50 that reads `sourceTexture` (binding 0), the block of binding 0 when there
-    /// are
-    ///        constants, and `uvs` (location 2), and writes `colour` (location 0)
+    ///        are constants, and `uvs` (location 2), and writes `colour` (location 0)
     /// @param format the target's and source's sized OpenGL format
     BareOpenGlPass(const std::string& pixelText, unsigned int format, int width, int height,
                    const std::vector<float>& constants);

@@ -119,8 +119,7 @@ public:
     float getComponent(unsigned x, unsigned y, unsigned channel) const;
 
     /// Stores one component: unorm types clamp to 0..1 and round to nearest, NaN becomes 0 there; half clamps
-    /// to
-    /// +-65504 and keeps NaN. Outside the picture: does nothing.
+    /// to +-65504 and keeps NaN. Outside the picture: does nothing.
     void setComponent(unsigned x, unsigned y, unsigned channel, float value);
 
 private:

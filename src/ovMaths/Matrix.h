@@ -157,8 +157,7 @@ public:
     }
 
     /// "Mat", then in parentheses on lines of their own the rows: a tab, then each number with six decimals
-    /// and
-    /// ", " after it, except after the very last. Scripts compare this text, so its irregular end stays:
+    /// and ", " after it, except after the very last. Scripts compare this text, so its irregular end stays:
     ///
     ///     Mat
     ///     (

@@ -82,8 +82,7 @@ public:
     /// numbers, strings, tables (with cycles), functions of scripts with copies of what they enclose,
     /// functions and types that were declared, and user data, which both environments then point at.
     /// @param forwardOwnership whether user data that this environment's scripts own goes over to whoever
-    /// reads
-    ///        it, once; until then this environment keeps it. Without it the reader owns nothing
+    ///        reads it, once; until then this environment keeps it. Without it the reader owns nothing
     /// @return empty for a coroutine and for foreign user data or functions inside
     ovMemory::Buffer<unsigned char> serializeScriptObject(const ScriptObjectReference& object,
                                                           bool forwardOwnership);
@@ -106,8 +105,7 @@ public:
     /// Takes the object of an argument of a call that is running out of this environment, for another one. Of
     /// a value type that is a copy.
     /// @param forwardOwnership whether this environment lets go of an object that its scripts own: they then
-    /// get
-    ///        an error when they use it
+    ///        get an error when they use it
     /// @return empty for anything but user data, for an object that only passes through a worker, for a part
     ///         of another object (which it would outlive), and where the type stays in its environment
     SharedUserData share(const FunctionParameter& argument, bool forwardOwnership);

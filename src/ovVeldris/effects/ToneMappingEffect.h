@@ -83,8 +83,7 @@ public:
 
     /// A fit of the ACES rendering and sRGB output transforms, without any clamp.
     /// @param lookTransform applied to the ACEScg colour as a column vector before the curve; its upper left
-    /// 3 x 3
-    ///        counts. Default: the identity.
+    ///        3 x 3 counts. Default: the identity.
     void setAsAces(const ovMaths::Matrix& lookTransform);
 
     /// Chooses an operator with the numbers that it was given last. Waits for load().

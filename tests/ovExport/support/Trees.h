@@ -9,8 +9,7 @@ namespace ovExport {
 /// Where two trees differ first, or an empty text. Values must be equal bit for bit (NaN equals NaN), names
 /// and orders too; does not recurse.
 /// @param sameTypes false when second was read from the text of first: a number of first then only has to
-/// come
-///        back as that number, and NaN and infinities as strings that stand for them
+///        come back as that number, and NaN and infinities as strings that stand for them
 ovMemory::String findDifference(const Node& first, const Node& second, bool sameTypes);
 
 /// Makes trees of all natures, value types and kinds of text from a fixed seed.

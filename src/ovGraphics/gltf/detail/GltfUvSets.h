@@ -34,9 +34,8 @@ public:
     /// Compares what two sources read, vertex by vertex. Many exporters write one set twice, and textures
     /// that name either mean the same.
     /// @param same whether no mesh of the material tells them apart, by more than half a texel of a texture
-    /// of
-    ///        4096; of a set that a mesh lacks its first one is taken, which it is drawn with. False when no
-    ///        mesh wears the material
+    ///        of 4096; of a set that a mesh lacks its first one is taken, which it is drawn with. False when
+    ///        no mesh wears the material
     /// @return false after report.fail()
     bool compare(std::size_t material, const GltfUvSource& a, const GltfUvSource& b, bool& same);
 

@@ -18,8 +18,7 @@ OV_API unsigned int countPrefilteredMips(unsigned int side);
 /// @param side texels a side of a face of the first mip, 4 or more
 /// @param progress of all mips but the first, which is quick
 /// @return six faces below each other a mip, linear floats with alpha 1; none when memory does not suffice or
-/// the
-///         side is too small
+///         the side is too small
 OV_API ovMemory::Buffer<ovImages::Image> prefilterEnvironment(const EnvironmentTexels& environment,
                                                               unsigned int side,
                                                               const ovCommon::WorkProgress& progress = {});

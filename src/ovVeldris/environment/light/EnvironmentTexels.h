@@ -24,8 +24,7 @@ inline Direction scaled(const Direction& direction, double factor) {
 class OV_API EnvironmentTexels {
 public:
     /// @param image linear floats of three or four channels, aligned like floats, and six times as high as
-    /// wide
-    ///        when it is a cube; kept alive by the caller. Texels should be finite and not negative.
+    ///        wide when it is a cube; kept alive by the caller. Texels should be finite and not negative.
     EnvironmentTexels(const ovImages::ImageView& image, bool isCube);
 
     /// Whether the image is of the kind that the constructor asks for. Nothing else may be called when not.
@@ -77,8 +76,8 @@ private:
 /// @param face 0 to 5 @param a, b from -1 at the left and upper edge to 1 at the opposite ones
 OV_API Direction directionOfFace(unsigned int face, double a, double b);
 
-/// The direction of the middle of a texel of six faces below each other, length 1. @param side texels of a
-/// face
+/// The direction of the middle of a texel of six faces below each other, length 1.
+/// @param side texels of a face
 OV_API Direction directionOfCubeTexel(unsigned int side, unsigned int column, unsigned int row);
 
 } // namespace ovVeldris

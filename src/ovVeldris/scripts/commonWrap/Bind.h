@@ -248,8 +248,7 @@ void bindSignature(ovScripts::Function& function, F callable, ArgumentNames name
 
 /// Gives a function its arguments, its result and its body.
 /// @param callable a function, a member function or a lambda; parameters that are declared already, as self
-/// of a
-///        method, come first
+///        of a method, come first
 template <typename F>
 ovScripts::Function& bind(ovScripts::Function& function, F callable, ArgumentNames names = {},
                           ovMemory::StringView help = {}) {

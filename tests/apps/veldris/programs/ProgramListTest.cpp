@@ -6,13 +6,21 @@
 #include <gtest/gtest.h>
 #include <ovGraphics/System.h>
 #include <ovGraphics/resources/Program.h>
+#include <ovGraphics/resources/ProgramLibrary.h>
 #include <ovGraphics/shading/CrossCompiler.h>
+#include <ovVeldris/effects/Effect.h>
+#include <ovVeldris/effects/EffectKind.h>
 #include <set>
 #include <veldris/Session.h>
 
 namespace {
 
 using ovMemory::String;
+
+String textOf(const ovGraphics::shading::ProgramText& text) {
+    return getFullText(text, ovGraphics::shading::STAGE::VERTEX) +
+           getFullText(text, ovGraphics::shading::STAGE::PIXEL);
+}
 
 class ProgramListTest : public testing::Test {
 protected:
@@ -57,8 +65,7 @@ TEST_F(ProgramListTest, materialsComeOneSettingAfterAnother) {
         EXPECT_TRUE(program.text.name.starts_with("ORVANE_PBS_PROGRAM_")) << program.from;
         EXPECT_TRUE(program.from.starts_with("material ")) << program.from;
         EXPECT_EQ(program.from.find("-channel"), String::npos) << program.from;
-        texts.insert(getFullText(program.text, ovGraphics::shading::STAGE::VERTEX) +
-                     getFullText(program.text, ovGraphics::shading::STAGE::PIXEL));
+        texts.insert(textOf(program.text));
     }
     EXPECT_EQ(texts.size(), programs.get().size()) << "each has a text of its own";
     const auto isListed = [&](const char* from) {
@@ -82,6 +89,25 @@ TEST_F(ProgramListTest, modelsNameTheirMaterials) {
     EXPECT_EQ(programs.get()[0].from, "material 'paint'");
     EXPECT_FALSE(programs.addModel("nowhere.glb", warnings, _error));
     EXPECT_NE(_error.find("nowhere.glb"), String::npos);
+}
+
+// The list draws the atmosphere's tables small. Its programs are still those of an application, which leaves
+// the tables as they are.
+TEST_F(ProgramListTest, smallTablesChangeNoText) {
+    veldris::ProgramList programs(_session);
+    ASSERT_TRUE(programs.addEffects("atmosphere", _error)) << _error;
+    std::set<String> listed;
+    for (const veldris::GeneratedProgram& program : programs.get())
+        listed.insert(textOf(program.text));
+
+    std::set<String> expected;
+    _session.getGraphics().getProgramLibrary().setObserver(
+        [&](const ovGraphics::shading::ProgramText& text) { expected.insert(textOf(text)); });
+    const auto effect =
+        ovVeldris::findEffectKind(ovVeldris::EFFECT_TYPE::ATMOSPHERE)->create(&_session.getSystem());
+    ASSERT_TRUE(effect->load());
+    EXPECT_EQ(expected.size(), 2u) << "of the tables and of the picture";
+    EXPECT_TRUE(std::ranges::includes(listed, expected));
 }
 
 TEST_F(ProgramListTest, whatIsLoadedLaterIsNotWatched) {

@@ -66,6 +66,12 @@ TEST(EnvironmentTexelsTest, tellsTheShapeOfTexels) {
     EXPECT_NEAR(texels.getStretch(0), 2.0 * std::sin(0.5 * lightTruth::PI / 16.0), 1e-12);
     const ovImages::Image cube = lightTruth::floatPicture(2, 12);
     EXPECT_EQ(EnvironmentTexels(cube.view(), true).getStretch(7), 1.0);
+
+    EXPECT_NEAR(texels.getTexelHeight(), lightTruth::PI / 16.0, 1e-12);
+    // The texel in the middle of a face, between the directions of its upper and lower edge.
+    const ovImages::Image fine = lightTruth::floatPicture(101, 606);
+    const double seen = 2.0 * std::atan(1.0 / 101.0);
+    EXPECT_NEAR(EnvironmentTexels(fine.view(), true).getTexelHeight() / seen, 1.0, 1e-4);
 }
 
 TEST(EnvironmentTexelsTest, refusesWhatItCannotRead) {

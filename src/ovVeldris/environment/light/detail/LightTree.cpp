@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <numbers>
 #include <ovCommon/ParallelFor.h>
 
 namespace ovVeldris {
@@ -61,14 +62,11 @@ double sumOfColors(const float* light) {
 /// Of all directions, the colors added.
 double meanLightOf(const EnvironmentTexels& environment) {
     double light = 0.0;
-    double solidAngle = 0.0;
     for (unsigned int row = 0; row < environment.getHeight(); ++row) {
-        for (unsigned int column = 0; column < environment.getWidth(); ++column) {
+        for (unsigned int column = 0; column < environment.getWidth(); ++column)
             light += environment.getSolidAngle(column, row) * sumOfColors(environment.getLight(column, row));
-            solidAngle += environment.getSolidAngle(column, row);
-        }
     }
-    return light / solidAngle;
+    return light / (4.0 * std::numbers::pi);
 }
 
 } // namespace

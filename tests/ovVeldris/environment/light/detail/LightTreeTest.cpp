@@ -76,6 +76,43 @@ TEST(LightTreeTest, nearTexelsAreTheirOwnAndFarOnesAreFew) {
     EXPECT_EQ(found, 36u);
 }
 
+// A lobe ends at its horizon. What is half above it is not where its mean is, and half a sun may be more than
+// all the rest.
+TEST(LightTreeTest, brightTexelsStandForThemselvesOnAHorizon) {
+    constexpr unsigned int WIDTH = 512;
+    constexpr unsigned int HEIGHT = 256;
+    ovImages::Image sky = lightTruth::floatPicture(WIDTH, HEIGHT);
+    for (unsigned int y = 0; y < HEIGHT; ++y)
+        for (unsigned int x = 0; x < WIDTH; ++x)
+            lightTruth::setColor(sky, x, y, {0.1, 0.1, 0.1});
+    for (const unsigned int y : {100u, 101u})
+        for (const unsigned int x : {200u, 201u})
+            lightTruth::setColor(sky, x, y, {50000.0, 50000.0, 50000.0});
+    const lightTruth::Direction sun = lightTruth::panoramaDirection(WIDTH, HEIGHT, 201.0, 101.0);
+    const lightTruth::Direction beside = lightTruth::normalized({-sun[2], 0.0, sun[0]});
+    constexpr double WIDE = 1.0;
+    const auto sunLights = [&](const lightTruth::Direction& middle) {
+        std::vector<PointLight> lights;
+        for (const PointLight& light : gathered(sky, false, middle, WIDE))
+            if (light.power[0] > 1.0f)
+                lights.push_back(light);
+        return lights;
+    };
+
+    ASSERT_EQ(sunLights(sun).size(), 1u) << "elsewhere one light is enough";
+    EXPECT_GT(sunLights(sun)[0].variance, 1e-9f);
+
+    const std::vector<PointLight> lights = sunLights(beside);
+    ASSERT_EQ(lights.size(), 4u);
+    for (std::size_t i = 0; i < lights.size(); ++i) {
+        const auto place =
+            lightTruth::panoramaDirection(WIDTH, HEIGHT, 200.5 + (i % 2), 100.5 + static_cast<double>(i / 2));
+        for (std::size_t axis = 0; axis < 3; ++axis)
+            EXPECT_NEAR(lights[i].direction[axis], place[axis], 1e-6) << i;
+        EXPECT_EQ(lights[i].variance, 0.0f);
+    }
+}
+
 TEST(LightTreeTest, darknessHasNoLights) {
     EXPECT_TRUE(gathered(lightTruth::floatPicture(64, 32), false, {1.0, 0.0, 0.0}, 0.1).empty());
 }
