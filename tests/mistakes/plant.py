@@ -119,6 +119,8 @@ def instrument(mistakes):
     for path in sorted({mistake.path for mistake in mistakes}):
         text = (ROOT / path).read_text()
         for mistake in [m for m in mistakes if m.path == path]:
+            if mistake.original not in text:
+                sys.exit(f"{mistake}\n    is cut by a mistake above it in the list; mark one of them with !")
             if mistake.is_shader:
                 # Both of one length, so that one can be written over the other in memory.
                 length = max(len(mistake.original), len(mistake.replacement))
@@ -192,7 +194,7 @@ def main():
     options = arguments.parse_args()
     mistakes = read_list()
     wanted = [m for m in mistakes if str(m.number) in options.only.split(",") or re.search(options.only, m.path)]
-    faults = check(wanted)
+    faults = check(mistakes)
     if faults:
         sys.exit("\n".join(faults))
 
