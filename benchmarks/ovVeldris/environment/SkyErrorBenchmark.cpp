@@ -1,11 +1,11 @@
 // The errors of prefiltered skies: cubes of 256 texels, every mip below the first, every face, each of three
-// colors.
+// colours.
 //
 // Truth is the direct sum over all texels of the panorama in double precision with exact solid angles
 // (tests/support/LightTruth.h, which shares no code with the library). Errors are shares of the truth at a
 // texel: the root of their mean square, the largest, the mean of a face over the truth's, and the largest
 // step between neighbours over the truth's (steps below a thousandth of the level count as that). Each is the
-// worst of 18 faces and colors. Large mips are sampled: every sixteenth texel of 128 a side and its
+// worst of 18 faces and colours. Large mips are sampled: every sixteenth texel of 128 a side and its
 // neighbour, and a block around the brightest direction.
 //
 // Beside it `cmgen` of Debian's libfilament-tools, when it is installed, with 1024 samples a texel: its mips
@@ -220,7 +220,7 @@ Mip bakerMip(const std::vector<Image>& faces, double roughness) {
             [&faces](const Sample& sample) {
                 return lightTruth::colorAt(faces[sample.face], sample.column, sample.row);
             },
-            // Its +X looks along our -z: found with a panorama whose colors are directions.
+            // Its +X looks along our -z: found with a panorama whose colours are directions.
             [](const lightTruth::Direction& d) {
                 return lightTruth::Direction{d[2], d[1], -d[0]};
             }};

@@ -44,7 +44,7 @@ public:
     };
 
     /// Reads all pixels, after the header. Progressive files of more than 500 scans are refused.
-    /// @param pixels tight rows of as many channels as the header's color has
+    /// @param pixels tight rows of as many channels as the header's colour has
     /// @return false with an error; pixels that were not reached are as they were
     bool readPixels(unsigned char* pixels, const Options& options);
 

@@ -30,7 +30,7 @@ ovImages::Image directionFaces(unsigned int side) {
     return image;
 }
 
-/// The largest difference of a color from its direction's, or of alpha from 1.
+/// The largest difference of a colour from its direction's, or of alpha from 1.
 double worstOf(const ovImages::Image& image, bool isCube) {
     double worst = 0.0;
     const unsigned int width = image.getWidth();

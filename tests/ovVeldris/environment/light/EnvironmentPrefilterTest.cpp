@@ -24,7 +24,7 @@ std::vector<Sky> hardSkies() {
     return all;
 }
 
-/// The worst over all faces and colors of a mip, as shares of the truth.
+/// The worst over all faces and colours of a mip, as shares of the truth.
 struct Errors {
     double rms = 0.0;
     double largest = 0.0;

@@ -59,7 +59,18 @@ double sumOfColors(const float* light) {
     return double{light[0]} + light[1] + light[2];
 }
 
-/// Of all directions, the colors added.
+/// Whether there is nothing to count, which a sum that is no number is, too.
+bool isDark(const float* light) {
+    const float sum = light[0] + light[1] + light[2];
+    return std::isnan(sum) || sum <= 0.0f;
+}
+
+/// Directions have length 1, so that the shortness of their mean tells how far they are apart.
+double varianceAround(const Direction& mean) {
+    return std::max(0.0, 1.0 - dot(mean, mean));
+}
+
+/// Of all directions, the colours added.
 double meanLightOf(const EnvironmentTexels& environment) {
     double light = 0.0;
     for (unsigned int row = 0; row < environment.getHeight(); ++row) {
@@ -71,8 +82,12 @@ double meanLightOf(const EnvironmentTexels& environment) {
 
 } // namespace
 
+double LightTree::Moments::getPower() const {
+    return power[0] + power[1] + power[2];
+}
+
 Direction LightTree::Moments::getMean() const {
-    const double all = power[0] + power[1] + power[2];
+    const double all = getPower();
     Direction mean = {};
     for (std::size_t axis = 0; axis < mean.size() && all > 0.0; ++axis)
         mean[axis] = (directions[0][axis] + directions[1][axis] + directions[2][axis]) / all;
@@ -88,7 +103,7 @@ LightTree::LightTree(const EnvironmentTexels& environment, double narrowest)
     ovCommon::parallelFor(blocks.size(), [&](std::size_t i) { _append(blocks[i], _branches[i]); });
 }
 
-/// Where a lobe falls like chord^-4, a color whose mean lies `shift` from the common one is wrong by 4 shift
+/// Where a lobe falls like chord^-4, a colour whose mean lies `shift` from the common one is wrong by 4 shift
 /// / chord of itself, and a spread around the common mean by 6 variance / chord^2. This solves for the chord
 /// at which both make up the tolerance.
 float LightTree::_reachOf(const Moments& moments) {
@@ -99,8 +114,7 @@ float LightTree::_reachOf(const Moments& moments) {
             continue;
         const Direction own = scaled(moments.directions[color], 1.0 / moments.power[color]);
         const double shift = distance(own, mean);
-        // Directions have length 1, so that their mean's shortness tells how far they are apart.
-        const double variance = std::max(0.0, 1.0 - dot(own, own)) + shift * shift;
+        const double variance = varianceAround(own) + shift * shift;
         const double root = std::sqrt(16.0 * shift * shift + 24.0 * variance * TOLERANCE);
         reach = std::max(reach, (4.0 * shift + root) / (2.0 * TOLERANCE));
     }
@@ -164,31 +178,33 @@ LightTree::Moments LightTree::_append(const Block& block, Branch& branch) const 
         branch.nodes[number].texels = static_cast<unsigned int>(branch.leaves.size());
         branch.leaves.push_back(block);
     } else {
-        std::array<Moments, 2> halves;
-        const std::array<Block, 2> blocks = _halve(block);
-        for (std::size_t i = 0; i < halves.size(); ++i) {
-            halves[i] = _append(blocks[i], branch);
-            sum.isBright |= halves[i].isBright;
-            for (std::size_t color = 0; color < COLOR_COUNT; ++color) {
-                sum.power[color] += halves[i].power[color];
-                for (std::size_t axis = 0; axis < 3; ++axis)
-                    sum.directions[color][axis] += halves[i].directions[color][axis];
-            }
-        }
-        const Direction mean = sum.getMean();
-        for (const Moments& half : halves) {
-            if (half.power[0] + half.power[1] + half.power[2] > 0.0)
-                sum.radius = std::max(sum.radius, distance(half.getMean(), mean) + half.radius);
-        }
+        const auto [first, second] = _halve(block);
+        sum = _join({_append(first, branch), _append(second, branch)}); // braces keep the order
     }
     Node& node = branch.nodes[number];
     const Direction mean = sum.getMean();
     setLight(node.light, mean, sum.power);
-    // Directions have length 1, so that their mean's shortness tells how far they are apart.
-    node.light.variance = static_cast<float>(0.5 * std::max(0.0, 1.0 - dot(mean, mean)));
+    node.light.variance = static_cast<float>(0.5 * varianceAround(mean));
     node.reach = _reachOf(sum);
     node.horizonReach = sum.isBright ? INFINITE : HORIZON_REACH * node.reach;
     node.end = static_cast<unsigned int>(branch.nodes.size());
+    return sum;
+}
+
+LightTree::Moments LightTree::_join(const std::array<Moments, 2>& halves) {
+    Moments sum;
+    for (const Moments& half : halves) {
+        sum.isBright |= half.isBright;
+        for (std::size_t color = 0; color < COLOR_COUNT; ++color) {
+            sum.power[color] += half.power[color];
+            for (std::size_t axis = 0; axis < 3; ++axis)
+                sum.directions[color][axis] += half.directions[color][axis];
+        }
+    }
+    const Direction mean = sum.getMean();
+    for (const Moments& half : halves)
+        if (half.getPower() > 0.0)
+            sum.radius = std::max(sum.radius, distance(half.getMean(), mean) + half.radius);
     return sum;
 }
 
@@ -198,7 +214,7 @@ LightTree::Moments LightTree::_sumTexels(const Block& block) const {
         for (unsigned int row = block.row; row < block.row + block.height; ++row) {
             for (unsigned int column = block.column; column < block.column + block.width; ++column) {
                 const float* light = _environment.getLight(column, row);
-                if (light[0] + light[1] + light[2] > 0.0f)
+                if (!isDark(light))
                     visit(light, _environment.getDirection(column, row),
                           _environment.getSolidAngle(column, row));
             }
@@ -231,7 +247,7 @@ void LightTree::gather(const Direction& middle, double radius, double width,
         for (unsigned int i = 0; i < branch.nodes.size();) {
             const Node& node = branch.nodes[i];
             const PointLight& light = node.light;
-            if (light.power[0] + light.power[1] + light.power[2] <= 0.0f) {
+            if (isDark(light.power.data())) {
                 i = node.end;
                 continue;
             }
@@ -259,7 +275,7 @@ void LightTree::_gatherTexels(const Block& block, ovMemory::Buffer<PointLight>& 
     for (unsigned int row = block.row; row < block.row + block.height; ++row) {
         for (unsigned int column = block.column; column < block.column + block.width; ++column) {
             const float* light = _environment.getLight(column, row);
-            if (light[0] + light[1] + light[2] <= 0.0f)
+            if (isDark(light))
                 continue;
             const double solidAngle = _environment.getSolidAngle(column, row);
             setLight(lights.emplace_back(), _environment.getDirection(column, row),

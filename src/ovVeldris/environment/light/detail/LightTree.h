@@ -37,10 +37,11 @@ private:
     };
     /// What the texels of a block add up to.
     struct Moments {
-        std::array<double, 3> power = {};         ///< of each color
-        std::array<Direction, 3> directions = {}; ///< of each color: power times direction
-        double radius = 0.0;   ///< of a ball around the mean direction that holds all texels with light
-        bool isBright = false; ///< some texel
+        std::array<double, 3> power = {};         ///< of each colour
+        std::array<Direction, 3> directions = {}; ///< of each colour: power times direction
+        double radius = 0.0;     ///< of a ball around the mean direction that holds all texels with light
+        bool isBright = false;   ///< some texel
+        double getPower() const; ///< of all colours
         Direction getMean() const;
     };
     struct Node {
@@ -61,12 +62,13 @@ private:
     bool _isLeaf(const Block& block) const;
     std::array<Block, 2> _halve(const Block& block) const;
     Moments _append(const Block& block, Branch& branch) const;
+    static Moments _join(const std::array<Moments, 2>& halves);
     Moments _sumTexels(const Block& block) const;
     void _gatherTexels(const Block& block, ovMemory::Buffer<PointLight>& lights) const;
 
     const EnvironmentTexels& _environment;
     double _leafRows; ///< a leaf is at most so high, and so wide as it is seen
-    double _bright;   ///< the light of a texel, its colors added, from which on it is bright
+    double _bright;   ///< the light of a texel, its colours added, from which on it is bright
     ovMemory::Buffer<Branch> _branches;
 };
 

@@ -49,7 +49,7 @@ TEST(LightTreeTest, noLightIsLostOrCountedTwice) {
                         expectedMoment[axis] += light.power[color] * light.direction[axis];
                 }
                 EXPECT_NEAR(power / expected, 1.0, 1e-5);
-                for (std::size_t axis = 0; axis < 3; ++axis) // colors share the mean of all
+                for (std::size_t axis = 0; axis < 3; ++axis) // colours share the mean of all
                     EXPECT_NEAR(moment[axis] / expected, expectedMoment[axis] / expected, 0.003);
             }
         }
