@@ -17,6 +17,7 @@ namespace {
 using namespace ovBenchmarks;
 
 constexpr double RATIO_AIM = 1.1;
+constexpr PictureSize SIZE{1920, 1080};
 
 const std::string HEADER = BARE_HEADER + R"glsl(
 float luminance(vec3 rgb) { return dot(rgb, vec3(0.2126, 0.7152, 0.0722)); }
@@ -109,13 +110,13 @@ void main() {
 )glsl";
 
 /// Light over twelve stops in half floats.
-HalfTexels makeLight() {
+HalfTexels makeLight(PictureSize size) {
     HalfTexels texels;
-    texels.reserve(4ull * EFFECT_WIDTH * EFFECT_HEIGHT);
-    for (int y = 0; y < EFFECT_HEIGHT; ++y) {
-        for (int x = 0; x < EFFECT_WIDTH; ++x) {
-            const float stops = std::exp2(12.0f * static_cast<float>(x) / EFFECT_WIDTH - 8.0f);
-            for (const float share : {0.3f + 0.7f * static_cast<float>(y) / EFFECT_HEIGHT, 0.8f, 0.5f})
+    texels.reserve(4ull * size.width * size.height);
+    for (int y = 0; y < size.height; ++y) {
+        for (int x = 0; x < size.width; ++x) {
+            const float stops = std::exp2(12.0f * static_cast<float>(x) / size.width - 8.0f);
+            for (const float share : {0.3f + 0.7f * static_cast<float>(y) / size.height, 0.8f, 0.5f})
                 texels.push_back(ovImages::floatToHalf(stops * share));
             texels.push_back(ovImages::floatToHalf(1.0f));
         }
@@ -174,8 +175,8 @@ void registerEffects() {
     const std::vector<float> identity = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
     const auto registerEffect = [](const char* name, const MakeEffect& make, const std::string& text,
                                    const std::vector<float>& constants) {
-        registerEffectPair(
-            name, make, [=] { return makeBarePass(text, constants); }, makeLight, RATIO_AIM);
+        const auto makeBare = [=] { return makeBarePass(text, SIZE, constants); };
+        registerEffectPair(name, {make, makeBare, makeLight, SIZE, RATIO_AIM});
     };
     registerEffect("effect/texture_copy", copy, COPY, {});
     registerEffect("effect/reinhard_luminance", toneMapping(true, setReinhard), REINHARD, white);

@@ -26,28 +26,27 @@ double largestDifference(const ovImages::Image& ours, const std::vector<float>& 
     return largest;
 }
 
-} // namespace
-
-ovMemory::UniquePtr<BareOpenGlPass> makeBarePass(const std::string& pixelText,
-                                                 const std::vector<float>& constants, bool isLinear) {
-    auto pass =
-        std::make_unique<BareOpenGlPass>(pixelText, GL_RGBA16F, EFFECT_WIDTH, EFFECT_HEIGHT, constants);
-    if (isLinear)
-        pass->setLinear();
-    return pass;
-}
-
-void runEffectPair(benchmark::State& state, const MakeEffect& makeEffect, const MakeBarePass& makeBare,
-                   const HalfTexels& texels, double ratioAim) {
+void runEffectPair(benchmark::State& state, const EffectPair& pair) {
+    const HalfTexels texels = pair.makeTexels(pair.size);
     LibraryEffect library;
-    if (!library.open(EFFECT_WIDTH, EFFECT_HEIGHT) || !library.setSource(texels) ||
-        !library.load(makeEffect)) {
+    if (!library.open(pair.size.width, pair.size.height) || !library.setSource(texels) ||
+        !library.load(pair.makeEffect)) {
         state.SkipWithError("the effect could not be loaded");
         return;
     }
-    const auto bare = makeBare();
+    const auto bare = pair.makeBare();
     bare->setSource(GL_HALF_FLOAT, texels.data());
-    measureEffect(state, library, *bare, ROUNDS, ratioAim);
+    measureEffect(state, library, *bare, ROUNDS, pair.ratioAim);
+}
+
+} // namespace
+
+ovMemory::UniquePtr<BareOpenGlPass> makeBarePass(const std::string& pixelText, PictureSize size,
+                                                 const std::vector<float>& constants, bool isLinear) {
+    auto pass = std::make_unique<BareOpenGlPass>(pixelText, GL_RGBA16F, size.width, size.height, constants);
+    if (isLinear)
+        pass->setLinear();
+    return pass;
 }
 
 void measureEffect(benchmark::State& state, LibraryEffect& library, const BareOpenGlPass& bare, int rounds,
@@ -66,11 +65,8 @@ void measureEffect(benchmark::State& state, LibraryEffect& library, const BareOp
     state.counters["difference"] = largestDifference(*library.read(), bare.read());
 }
 
-void registerEffectPair(const char* name, const MakeEffect& makeEffect, const MakeBarePass& makeBare,
-                        HalfTexels (*makeTexels)(), double ratioAim) {
-    const auto run = [=](benchmark::State& state) {
-        runEffectPair(state, makeEffect, makeBare, makeTexels(), ratioAim);
-    };
+void registerEffectPair(const char* name, const EffectPair& pair) {
+    const auto run = [=](benchmark::State& state) { runEffectPair(state, pair); };
     benchmark::RegisterBenchmark(name, run)->Iterations(1)->UseManualTime()->Unit(benchmark::kMillisecond);
 }
 

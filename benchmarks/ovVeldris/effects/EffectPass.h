@@ -10,8 +10,11 @@
 
 namespace ovBenchmarks {
 
-constexpr int EFFECT_WIDTH = 1920;
-constexpr int EFFECT_HEIGHT = 1080;
+/// In pixels.
+struct PictureSize {
+    int width;
+    int height;
+};
 
 /// A hand-written pass; called when an OpenGL context is current.
 using MakeBarePass = std::function<ovMemory::UniquePtr<BareOpenGlPass>()>;
@@ -23,22 +26,26 @@ layout(location = 0) in vec2 uvs;
 layout(location = 0) out vec4 colour;
 )glsl";
 
-/// A hand-written pass of EFFECT_WIDTH x EFFECT_HEIGHT half floats.
-ovMemory::UniquePtr<BareOpenGlPass>
-makeBarePass(const std::string& pixelText, const std::vector<float>& constants = {}, bool isLinear = false);
+/// A hand-written pass over half floats.
+ovMemory::UniquePtr<BareOpenGlPass> makeBarePass(const std::string& pixelText, PictureSize size,
+                                                 const std::vector<float>& constants = {},
+                                                 bool isLinear = false);
 
-/// Measures the effect, drawn by a compositor, over the hand-written pass: both read these texels, write half
-/// floats, and wait for the device after each draw. Declares the aim and sets the counter difference, the
-/// largest difference of the two pictures: a faster wrong picture would show.
-void runEffectPair(benchmark::State& state, const MakeEffect& makeEffect, const MakeBarePass& makeBare,
-                   const HalfTexels& texels, double ratioAim);
-
-/// The same of an effect and a pass that have their sources already. @param rounds measurements of each
+/// Measures the effect, drawn by a compositor, over the hand-written pass; both wait for the device after
+/// each draw. Declares the aim and sets the counter difference, the largest difference of the two pictures: a
+/// faster wrong picture would show. @param rounds measurements of each
 void measureEffect(benchmark::State& state, LibraryEffect& library, const BareOpenGlPass& bare, int rounds,
                    double ratioAim);
 
-/// Registers a pair of which both read the same picture.
-void registerEffectPair(const char* name, const MakeEffect& makeEffect, const MakeBarePass& makeBare,
-                        HalfTexels (*makeTexels)(), double ratioAim);
+/// An effect and a hand-written pass that read the same picture, and write half floats of its size.
+struct EffectPair {
+    MakeEffect makeEffect;
+    MakeBarePass makeBare;
+    HalfTexels (*makeTexels)(PictureSize);
+    PictureSize size;
+    double ratioAim;
+};
+
+void registerEffectPair(const char* name, const EffectPair& pair);
 
 } // namespace ovBenchmarks
