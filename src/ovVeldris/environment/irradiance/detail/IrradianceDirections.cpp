@@ -101,7 +101,7 @@ IrradianceDirections::IrradianceDirections(bool isCube, unsigned int width, unsi
 }
 
 void IrradianceDirections::_fillMap() {
-    _terms.resize(_columns);
+    _terms = std::make_unique_for_overwrite<ColumnTerms[]>(_columns);
     for (unsigned int column = 0; column < _columns; ++column) {
         const double fromMiddle = TWO_PI * (static_cast<double>(column) / _width - 0.5);
         _terms[column] = {std::cos(fromMiddle), std::sin(fromMiddle)};
@@ -111,7 +111,7 @@ void IrradianceDirections::_fillMap() {
 // Rows j and height - j have the same terms. Of a square, k of (i, j) is k of (j, i): half as many roots.
 void IrradianceDirections::_fillCube() {
     const std::size_t rows = _height / 2 + 1;
-    _terms.resize(rows * _columns);
+    _terms = std::make_unique_for_overwrite<ColumnTerms[]>(rows * _columns);
     ovMemory::Buffer<double> sides(_columns);
     for (unsigned int column = 0; column < _columns; ++column)
         sides[column] = sideOf(column, _width);

@@ -59,8 +59,8 @@ private:
     bool _isCube;
     unsigned int _width;
     unsigned int _height;
-    unsigned int _columns; ///< that have terms
-    ovMemory::Buffer<ColumnTerms> _terms;
+    unsigned int _columns;                     ///< that have terms
+    ovMemory::UniquePtr<ColumnTerms[]> _terms; ///< no Buffer, which would fill megabytes with zeros first
 };
 
 } // namespace ovVeldris

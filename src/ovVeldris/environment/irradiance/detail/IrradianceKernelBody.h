@@ -91,7 +91,7 @@ template <typename Component, unsigned int Channels>
     const std::size_t size = layout.texelSize;
     constexpr int FIRST_LEVEL = 3; // of __builtin_prefetch, as the next one
     constexpr int SECOND_LEVEL = 2;
-    constexpr std::size_t TERMS_AHEAD = 32;
+    constexpr std::size_t TERMS_AHEAD = 80;
     // Two sums, taken in turns: with one, each addition waited for the last.
     Double4 partial[2][ROW_FUNCTIONS] = {};
     const auto addColumn = [&](const Double4& same, const Double4& opposite, const ColumnTerms& column,
