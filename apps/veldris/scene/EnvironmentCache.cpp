@@ -20,7 +20,9 @@ using ovMemory::StringView;
 
 namespace {
 
-constexpr StringView FORMAT_VERSION = "veldris environment 2";
+/// To be raised whenever the filter gives other texels or the file another layout: what older programs kept
+/// would be taken for today's.
+constexpr StringView FORMAT_VERSION = "veldris environment 3";
 
 /// How a texture's texels are laid out in the file, which follow slice by slice, each mip by mip.
 struct TextureHeader {
