@@ -7,19 +7,21 @@
 namespace ovVeldris {
 
 struct IrradianceTransform::Detail {
-    Detail(const IrradianceMapLayout& layout, bool useAvx2)
-        : components(irradianceComponentsOf(layout.format))
+    Detail(const IrradianceMapLayout& layout, bool avx2)
+        : useAvx2(avx2)
+        , components(irradianceComponentsOf(layout.format))
         , row{layout.width, components.channels, components.texelSize, components.scale}
-        , kernels(irradianceKernelsOf(components.component, components.channels, useAvx2)) {}
+        , kernels(irradianceKernelsOf(components.component, components.channels, avx2)) {}
 
     const IrradianceDirections& getDirections(const IrradianceMapLayout& layout) {
         // Only when bytes are there: an object made to ask for a problem or a pitch must not compute tables
         // of megabytes.
         if (!directions)
-            directions.emplace(layout.isCube, layout.width, layout.height);
+            directions.emplace(layout.isCube, layout.width, layout.height, useAvx2);
         return *directions;
     }
 
+    bool useAvx2;
     IrradianceComponents components;
     RowLayout row;
     IrradianceKernels kernels;

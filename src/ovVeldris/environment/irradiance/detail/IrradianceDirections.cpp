@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <ovVeldris/environment/irradiance/detail/IrradianceKernels.h>
 
 namespace ovVeldris {
 
@@ -89,13 +90,13 @@ std::array<double, BASIS_FUNCTIONS> irradianceBasisOf(const std::array<double, 3
             BAND_2_SQUARES * (z * z - x * x)};
 }
 
-IrradianceDirections::IrradianceDirections(bool isCube, unsigned int width, unsigned int height)
+IrradianceDirections::IrradianceDirections(bool isCube, unsigned int width, unsigned int height, bool useAvx2)
     : _isCube(isCube)
     , _width(width)
     , _height(height)
     , _columns(width / 2 + 1) {
     if (_isCube)
-        _fillCube();
+        _fillCube(useAvx2);
     else
         _fillMap();
 }
@@ -108,24 +109,16 @@ void IrradianceDirections::_fillMap() {
     }
 }
 
-// Rows j and height - j have the same terms. Of a square, k of (i, j) is k of (j, i): half as many roots.
-void IrradianceDirections::_fillCube() {
-    const std::size_t rows = _height / 2 + 1;
-    _terms = std::make_unique_for_overwrite<ColumnTerms[]>(rows * _columns);
+// Rows j and height - j have the same terms. Of a square, k of (i, j) is k of (j, i) too, but roots in order,
+// several at once, are faster than half as many of them between copies from all over the table.
+void IrradianceDirections::_fillCube(bool useAvx2) {
+    const unsigned int rows = _height / 2 + 1;
+    _terms = std::make_unique_for_overwrite<ColumnTerms[]>(std::size_t{rows} * _columns);
     ovMemory::Buffer<double> sides(_columns);
     for (unsigned int column = 0; column < _columns; ++column)
         sides[column] = sideOf(column, _width);
-    for (std::size_t row = 0; row < rows; ++row) {
-        const double b = sideOf(static_cast<unsigned int>(row), _height);
-        ColumnTerms* const terms = &_terms[row * _columns];
-        for (unsigned int column = 0; column < _columns; ++column) {
-            const double a = sides[column];
-            const bool isKnown = _width == _height && column < row;
-            const double k =
-                isKnown ? _terms[column * _columns + row].even : 1.0 / std::sqrt(a * a + b * b + 1.0);
-            terms[column] = {k, k * a};
-        }
-    }
+    for (unsigned int row = 0; row < rows; ++row)
+        fillFaceRow(sides, sideOf(row, _height), &_terms[std::size_t{row} * _columns], useAvx2);
 }
 
 const ColumnTerms* IrradianceDirections::getTerms(unsigned int row) const {

@@ -42,7 +42,8 @@ OV_API std::array<double, BASIS_FUNCTIONS> irradianceBasisOf(const std::array<do
 class OV_API IrradianceDirections {
 public:
     /// @param width, height texels of the map or of a face, 1 or more
-    IrradianceDirections(bool isCube, unsigned int width, unsigned int height);
+    /// @param useAvx2 only where canIrradianceUseAvx2(); a cube's terms are rounded differently then
+    IrradianceDirections(bool isCube, unsigned int width, unsigned int height, bool useAvx2);
 
     /// The terms of the columns 0 to width / 2 in this row, for every slice.
     const ColumnTerms* getTerms(unsigned int row) const;
@@ -54,7 +55,7 @@ public:
 
 private:
     void _fillMap();
-    void _fillCube();
+    void _fillCube(bool useAvx2);
 
     bool _isCube;
     unsigned int _width;

@@ -148,6 +148,14 @@ template <typename Component, unsigned int Channels>
     }
 }
 
+[[gnu::always_inline]] inline void fillFaceRow(ovMemory::BufferView<const double> a, double b,
+                                               ColumnTerms* terms) {
+    for (std::size_t column = 0; column < a.size(); ++column) {
+        const double k = 1.0 / std::sqrt(a[column] * a[column] + b * b + 1.0);
+        terms[column] = {k, k * a[column]};
+    }
+}
+
 /// The integer modulo 2^n that lies next to the value towards zero; 0 for what is not finite.
 template <typename Component>
 [[gnu::always_inline]] inline Component wrapped(double value) {

@@ -39,6 +39,11 @@ struct Avx2Kernels {
     }
 };
 
+[[gnu::target("avx2,fma")]] void fillFaceRowAvx2(ovMemory::BufferView<const double> a, double b,
+                                                 ColumnTerms* terms) {
+    irradianceKernels::fillFaceRow(a, b, terms);
+}
+
 bool detectAvx2() {
     return __builtin_cpu_supports("avx2") && __builtin_cpu_supports("fma");
 }
@@ -47,6 +52,10 @@ bool detectAvx2() {
 
 template <typename Component, unsigned int Channels>
 using Avx2Kernels = PlainKernels<Component, Channels>;
+
+void fillFaceRowAvx2(ovMemory::BufferView<const double> a, double b, ColumnTerms* terms) {
+    irradianceKernels::fillFaceRow(a, b, terms);
+}
 
 bool detectAvx2() {
     return false;
@@ -87,6 +96,12 @@ IrradianceKernels chooseComponent(IRRADIANCE_COMPONENT component, unsigned int c
 }
 
 } // namespace
+
+void fillFaceRow(ovMemory::BufferView<const double> a, double b, ColumnTerms* terms, bool useAvx2) {
+    if (useAvx2)
+        return fillFaceRowAvx2(a, b, terms);
+    irradianceKernels::fillFaceRow(a, b, terms);
+}
 
 bool canIrradianceUseAvx2() {
     static const bool CAN = detectAvx2();

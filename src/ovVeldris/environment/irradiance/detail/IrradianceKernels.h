@@ -35,6 +35,10 @@ struct IrradianceKernels {
     EvaluateRow evaluate = nullptr;
 };
 
+/// Writes a row of a cube's terms: k = 1 / sqrt(a^2 + b^2 + 1) and k a for each a.
+/// @param useAvx2 only where canIrradianceUseAvx2()
+void fillFaceRow(ovMemory::BufferView<const double> a, double b, ColumnTerms* terms, bool useAvx2);
+
 /// Whether this processor has AVX2 and FMA, and the library loops that use them.
 OV_API bool canIrradianceUseAvx2();
 

@@ -2,7 +2,7 @@
 #include <gtest/gtest.h>
 #include <numbers>
 #include <ovVeldris/environment/irradiance/IrradianceReference.h>
-#include <ovVeldris/environment/irradiance/detail/IrradianceDirections.h>
+#include <ovVeldris/environment/irradiance/detail/IrradianceKernels.h>
 
 using namespace ovVeldris;
 
@@ -16,37 +16,48 @@ struct Size {
 constexpr Size SIZES[] = {{1, 1}, {2, 1}, {1, 2}, {2, 2}, {3, 3},   {4, 4},
                           {5, 5}, {8, 4}, {9, 5}, {4, 9}, {33, 17}, {64, 32}};
 
+/// Each shape, size and set of instructions.
+template <typename Check>
+void forEachDirections(const Check& check) {
+    for (const bool isCube : {false, true})
+        for (const auto [width, height] : SIZES)
+            for (const bool useAvx2 : {false, true}) {
+                SCOPED_TRACE((isCube ? "cube " : "map ") + std::to_string(width) + " x " +
+                             std::to_string(height) + (useAvx2 ? ", AVX2" : ""));
+                check(IrradianceDirections(isCube, width, height, useAvx2 && canIrradianceUseAvx2()), isCube,
+                      Size{width, height});
+            }
+}
+
 } // namespace
 
 TEST(IrradianceDirectionsTest, composesEveryBasisFunction) {
-    for (const bool isCube : {false, true})
-        for (const auto [width, height] : SIZES) {
-            const IrradianceDirections directions(isCube, width, height);
-            for (unsigned int slice = 0; slice < (isCube ? 6u : 1u); ++slice)
-                for (unsigned int j = 0; j < height; ++j) {
-                    const ColumnTerms* terms = directions.getTerms(j);
-                    const RowBasis basis = directions.getBasis(slice, j);
-                    for (unsigned int i = 0; i < width; ++i) {
-                        // The right half mirrors the left one.
-                        const bool isMirrored = i > width / 2;
-                        const ColumnTerms& column = terms[isMirrored ? width - i : i];
-                        const double even = column.even;
-                        const double odd = isMirrored ? -column.odd : column.odd;
-                        const double functions[ROW_FUNCTIONS] = {1.0, even, even * even, odd, odd * even};
-                        const auto expected = irradianceReference::basis(
-                            irradianceReference::direction(isCube, slice, i, j, width, height));
-                        for (std::size_t k = 0; k < BASIS_FUNCTIONS; ++k) {
-                            double value = 0.0;
-                            for (std::size_t m = 0; m < ROW_FUNCTIONS; ++m)
-                                value += basis[k][m] * functions[m];
-                            // A few roundings of numbers near 1.
-                            EXPECT_NEAR(value, expected[k], 4e-15)
-                                << (isCube ? "cube " : "map ") << width << " x " << height << ", slice "
-                                << slice << ", row " << j << ", column " << i << ", function " << k;
-                        }
+    forEachDirections([](const IrradianceDirections& directions, bool isCube, Size size) {
+        const auto [width, height] = size;
+        for (unsigned int slice = 0; slice < (isCube ? 6u : 1u); ++slice)
+            for (unsigned int j = 0; j < height; ++j) {
+                const ColumnTerms* terms = directions.getTerms(j);
+                const RowBasis basis = directions.getBasis(slice, j);
+                for (unsigned int i = 0; i < width; ++i) {
+                    // The right half mirrors the left one.
+                    const bool isMirrored = i > width / 2;
+                    const ColumnTerms& column = terms[isMirrored ? width - i : i];
+                    const double even = column.even;
+                    const double odd = isMirrored ? -column.odd : column.odd;
+                    const double functions[ROW_FUNCTIONS] = {1.0, even, even * even, odd, odd * even};
+                    const auto expected = irradianceReference::basis(
+                        irradianceReference::direction(isCube, slice, i, j, width, height));
+                    for (std::size_t k = 0; k < BASIS_FUNCTIONS; ++k) {
+                        double value = 0.0;
+                        for (std::size_t m = 0; m < ROW_FUNCTIONS; ++m)
+                            value += basis[k][m] * functions[m];
+                        // A few roundings of numbers near 1.
+                        EXPECT_NEAR(value, expected[k], 4e-15)
+                            << "slice " << slice << ", row " << j << ", column " << i << ", function " << k;
                     }
                 }
-        }
+            }
+    });
 }
 
 TEST(IrradianceDirectionsTest, givesTheBasisOfOneDirection) {
@@ -84,13 +95,11 @@ TEST(IrradianceDirectionsTest, isOrthonormalOverTheSphere) {
 }
 
 TEST(IrradianceDirectionsTest, keepsItsTermsSmall) {
-    for (const bool isCube : {false, true})
-        for (const auto [width, height] : SIZES) {
-            const IrradianceDirections directions(isCube, width, height);
-            for (unsigned int j = 0; j < height; ++j)
-                for (unsigned int i = 0; i <= width / 2; ++i) {
-                    EXPECT_LE(std::abs(directions.getTerms(j)[i].even), 1.0);
-                    EXPECT_LE(std::abs(directions.getTerms(j)[i].odd), 1.0);
-                }
-        }
+    forEachDirections([](const IrradianceDirections& directions, bool, Size size) {
+        for (unsigned int j = 0; j < size.height; ++j)
+            for (unsigned int i = 0; i <= size.width / 2; ++i) {
+                EXPECT_LE(std::abs(directions.getTerms(j)[i].even), 1.0);
+                EXPECT_LE(std::abs(directions.getTerms(j)[i].odd), 1.0);
+            }
+    });
 }

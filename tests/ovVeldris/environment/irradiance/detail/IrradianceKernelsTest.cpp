@@ -90,7 +90,7 @@ uint32_t moduloOf(double value, unsigned int bits) {
 
 TEST(IrradianceKernelsTest, sumsUpARowWithAnyInstructions) {
     forEachRow([](IRRADIANCE_COMPONENT component, const RowLayout& row, std::size_t gap) {
-        const IrradianceDirections directions(true, row.width, 3);
+        const IrradianceDirections directions(true, row.width, 3, false);
         const RowBasis basis = directions.getBasis(2, 1);
         const auto bytes = noise(sizeOf(row, gap), component == IRRADIANCE_COMPONENT::FLOAT32, row.width);
         BasisValues expected = {};
@@ -129,7 +129,7 @@ TEST(IrradianceKernelsTest, sumsUpARowWithAnyInstructions) {
 
 TEST(IrradianceKernelsTest, drawsARowWithAnyInstructions) {
     forEachRow([](IRRADIANCE_COMPONENT component, const RowLayout& row, std::size_t gap) {
-        const IrradianceDirections directions(false, row.width, 4);
+        const IrradianceDirections directions(false, row.width, 4, false);
         // Within the range of bytes and far beyond 32 bits.
         for (const double scale : {20.0, 3e12}) {
             const BasisValues factors = makeFactors(scale);
