@@ -35,6 +35,9 @@ public:
     /// The smallest box along the axes that holds this one after a transformation (Arvo, Transforming
     /// Axis-Aligned Bounding Boxes, Graphics Gems, 1990); empty when that one is not finite.
     BoundingBox getTransformed(const ovMaths::Matrix& transformation) const;
+    /// The same box by its middle and half its size. @return false, changing nothing, where that is empty
+    bool getTransformed(const ovMaths::Matrix& transformation, ovMaths::Vector& center,
+                        ovMaths::Vector& reach) const;
 
     /// False only when the whole box lies outside one plane of the frustum, so that some boxes near its
     /// corners count as inside although they are not. An empty box is outside.

@@ -32,10 +32,11 @@ void BoxTable::truncate(std::size_t count) {
     _bunches.resize((_count + LANES - 1) / LANES);
 }
 
-void BoxTable::set(std::size_t index, const BoundingBox& box) {
+void BoxTable::set(std::size_t index, const BoundingBox& box, const ovMaths::Matrix& transformation) {
+    Vector center;
+    Vector reach = EVERYWHERE;
     // A box that is empty, or not finite, cannot tell where its entity is: it is never culled.
-    const Vector center = box.getCenter(); // the origin for an empty box
-    const Vector reach = box.isEmpty() ? EVERYWHERE : box.getMaximum() * 0.5f - box.getMinimum() * 0.5f;
+    box.getTransformed(transformation, center, reach);
     Bunch& bunch = _bunches[index / LANES];
     const std::size_t lane = index % LANES;
     bunch.center[0][lane] = center.x;

@@ -14,8 +14,9 @@ public:
     void insert(std::size_t index, std::size_t count = 1);
     /// Drops the boxes from an index on.
     void truncate(std::size_t count);
-    /// An empty box counts as one that holds everything.
-    void set(std::size_t index, const BoundingBox& box);
+    /// Sets the transformed box. One that is empty counts as one that holds everything.
+    void set(std::size_t index, const BoundingBox& box,
+             const ovMaths::Matrix& transformation = ovMaths::Matrix());
     /// Moves the middle of a box, which keeps its size.
     /// @return false, changing nothing, for a box that holds everything and a center that is not finite
     bool setCenter(std::size_t index, const ovMaths::Vector& center);

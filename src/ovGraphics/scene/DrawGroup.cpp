@@ -98,8 +98,8 @@ bool DrawGroup::closeGaps() {
     return true;
 }
 
-void DrawGroup::show(uint32_t index, const BoundingBox& box) {
-    _boxes.set(index, box);
+void DrawGroup::show(uint32_t index, const BoundingBox& box, const ovMaths::Matrix& transformation) {
+    _boxes.set(index, box, transformation);
     if (_sights[index] == SIGHT::HIDDEN)
         _setSight(index, SIGHT::OUT_OF_VIEW);
     _noteShown(index);

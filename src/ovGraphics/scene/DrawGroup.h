@@ -73,7 +73,9 @@ public:
     bool closeGaps();
 
     /// Sets what is known of a visible entity, which keeps its sight until updateSights().
-    void show(uint32_t index, const BoundingBox& box);
+    /// @param box of its mesh @param transformation to the world
+    void show(uint32_t index, const BoundingBox& box,
+              const ovMaths::Matrix& transformation = ovMaths::Matrix());
     /// Moves the box of a visible entity, which keeps its size.
     /// @return false, changing nothing, for a box that cannot tell where it is, then or now
     bool move(uint32_t index, const ovMaths::Vector& center);

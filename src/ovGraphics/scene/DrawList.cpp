@@ -211,9 +211,8 @@ void DrawList::_refresh(uint32_t id) {
     if (!place.group)
         return;
     DrawGroup& group = *place.group;
-    // Without a node the entity stands at the origin, where the box is the mesh's own.
-    const BoundingBox& box = group.getMesh()->getBoundingBox();
-    group.show(place.index, node ? box.getTransformed(node->getWorldMatrix()) : box);
+    static const ovMaths::Matrix AT_ORIGIN; // where entities without a node stand
+    group.show(place.index, group.getMesh()->getBoundingBox(), node ? node->getWorldMatrix() : AT_ORIGIN);
     // A group that is not placed is written as a whole later, when it is known how much room it needs.
     if (group.isPlaced && place.index < group.capacity)
         _writeInstance(group, group.firstInstance + place.index, node);
@@ -228,7 +227,7 @@ void DrawList::_move(const Place& place, const Node& node) {
         return; // written when it is shown
     const ovMaths::Matrix& world = node.getWorldMatrix();
     if (!group.move(place.index, world * group.meshCenter))
-        group.show(place.index, group.getMesh()->getBoundingBox().getTransformed(world));
+        group.show(place.index, group.getMesh()->getBoundingBox(), world);
     if (group.isPlaced && place.index < group.capacity)
         _moveInstance(group, group.firstInstance + place.index, world);
     _touch(group);

@@ -42,6 +42,7 @@ void Entity::setNode(Node* node) {
         if (_nextAtNode)
             _nextAtNode->_previousAtNode = this;
         node->_firstEntity = this;
+        node->_keepFirstEntities();
     }
     _changed();
 }
@@ -52,6 +53,7 @@ void Entity::_leaveNode() {
     (_previousAtNode ? _previousAtNode->_nextAtNode : _node->_firstEntity) = _nextAtNode;
     if (_nextAtNode)
         _nextAtNode->_previousAtNode = _previousAtNode;
+    _node->_keepFirstEntities();
     _node = nullptr;
     _previousAtNode = _nextAtNode = nullptr;
 }
@@ -67,7 +69,7 @@ void Entity::setDoubleSided(bool doubleSided) {
 }
 
 void Entity::_changed(CHANGE change) const {
-    _queue->_noteChange(*this, change);
+    _queue->_noteChange(_place, change);
 }
 
 } // namespace ovGraphics

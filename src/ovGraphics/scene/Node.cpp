@@ -3,6 +3,7 @@
 #include <cmath>
 #include <ovGraphics/System.h>
 #include <ovGraphics/scene/Entity.h>
+#include <ovGraphics/scene/RenderQueue.h>
 
 namespace ovGraphics {
 
@@ -159,9 +160,19 @@ void Node::_changeWorld(bool positionOnly) {
     }
 }
 
+// Most nodes have one entity, and it is told without being fetched from memory.
 void Node::_tellEntities(bool positionOnly) const {
-    for (const Entity* entity = _firstEntity; entity; entity = entity->_nextAtNode)
-        entity->_changed(positionOnly ? Entity::CHANGE::MOVED : Entity::CHANGE::TURNED);
+    const Entity::CHANGE change = positionOnly ? Entity::CHANGE::MOVED : Entity::CHANGE::TURNED;
+    if (_firstQueue)
+        _firstQueue->_noteChange(_firstPlace, change);
+    for (const Entity* entity = _secondEntity; entity; entity = entity->_nextAtNode)
+        entity->_changed(change);
+}
+
+void Node::_keepFirstEntities() {
+    _firstQueue = _firstEntity ? _firstEntity->_queue : nullptr;
+    _firstPlace = _firstEntity ? _firstEntity->_place : 0;
+    _secondEntity = _firstEntity ? _firstEntity->_nextAtNode : nullptr;
 }
 
 Node* Node::_nextInTree(const Node* root, bool descend) const {

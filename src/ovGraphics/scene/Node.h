@@ -1,6 +1,7 @@
 // Places in the world, one inside another.
 #pragma once
 
+#include <cstdint>
 #include <ovGraphics/resources/Resource.h>
 #include <ovMaths/Matrix.h>
 #include <ovMaths/Quaternion.h>
@@ -8,6 +9,7 @@
 namespace ovGraphics {
 
 class Entity;
+class RenderQueue;
 
 /// A place relative to a parent's. New: at the parent's place, without a parent.
 ///
@@ -53,6 +55,7 @@ public:
     static void moveInvTranspose(ovMaths::Matrix& invTranspose, const ovMaths::Vector& position);
     /// Asks for what a world matrix is made of to be brought near, as it will be read soon.
     void prefetch() const {
+        __builtin_prefetch(&_scale);
         __builtin_prefetch(&_position);
         __builtin_prefetch(&_local);
         __builtin_prefetch(&_local.m[3]);
@@ -68,17 +71,24 @@ private:
     void _changeLocal();
     void _changeWorld(bool positionOnly);
     void _tellEntities(bool positionOnly) const;
+    /// To be called after the list of entities has changed.
+    void _keepFirstEntities();
     void _unlink();
     void _updateWorld() const;
     /// The world matrix while it is current; a root's is its local one.
     const ovMaths::Matrix& _getKeptWorld() const { return _parent ? _world : _local; }
     Node* _nextInTree(const Node* root, bool descend) const;
 
-    // What every move looks at lies together.
+    // What every turn looks at lies together, and what every move looks at is the end of that: nodes lie
+    // further away than the cache.
+    ovMaths::Vector _scale{1.0f, 1.0f, 1.0f};
+    ovMaths::Quaternion _orientation;
     ovMaths::Vector _position;
-    Entity* _firstEntity = nullptr; ///< of those that stand here
+    const RenderQueue* _firstQueue = nullptr; ///< the queue of the first entity that stands here
+    Entity* _secondEntity = nullptr;
     Node* _parent = nullptr;
     Node* _firstChild = nullptr;
+    uint32_t _firstPlace = 0; ///< of the first entity, in its queue
     mutable bool _localIsCurrent = true;
     mutable bool _localIsComposed = true; ///< of the components, and was not set
     mutable bool _worldIsCurrent = true;  ///< false implies false in every node below
@@ -89,8 +99,7 @@ private:
     mutable ovMaths::Matrix _world;
     mutable ovMaths::Matrix _worldInvTranspose;
 
-    ovMaths::Vector _scale{1.0f, 1.0f, 1.0f};
-    ovMaths::Quaternion _orientation;
+    Entity* _firstEntity = nullptr; ///< of those that stand here
     Node* _lastChild = nullptr;
     Node* _previousSibling = nullptr;
     Node* _nextSibling = nullptr;

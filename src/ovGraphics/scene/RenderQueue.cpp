@@ -54,14 +54,14 @@ void RenderQueue::clearQueue() {
 }
 
 void RenderQueue::_freePlace(const Entity& entity) {
-    _noteChange(entity, Entity::CHANGE::ANY);
+    _noteChange(entity._place, Entity::CHANGE::ANY);
     _places[entity._place] = nullptr;
     _freePlaces.push_back(entity._place);
 }
 
-void RenderQueue::_noteChange(const Entity& entity, Entity::CHANGE change) const {
+void RenderQueue::_noteChange(uint32_t place, Entity::CHANGE change) const {
     for (DrawList* list : _lists)
-        list->noteChange(entity._place, change);
+        list->noteChange(place, change);
 }
 
 Entity* RenderQueue::getEntity(unsigned int index) const {

@@ -30,8 +30,9 @@ public:
 private:
     friend class DrawList;
     friend class Entity;
+    friend class Node;
 
-    void _noteChange(const Entity& entity, Entity::CHANGE change) const;
+    void _noteChange(uint32_t place, Entity::CHANGE change) const;
     void _freePlace(const Entity& entity);
 
     ovMemory::Buffer<ovMemory::UniquePtr<Entity>> _entities;

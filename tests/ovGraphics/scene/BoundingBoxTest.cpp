@@ -61,6 +61,15 @@ TEST(BoundingBoxTest, holdsTheTransformedCorners) {
     expectBox(box.getTransformed(matrix), expected.getMinimum(), expected.getMaximum());
 }
 
+TEST(BoundingBoxTest, isEmptyWhereItsSizeIsNotFinite) {
+    constexpr float LARGE = 3e38f;
+    const BoundingBox box = BoundingBox::newBox({}, {LARGE, LARGE, LARGE});
+    Matrix matrix;
+    matrix.setScaleComponent({3.0f, 1.0f, 1.0f}); // the middle stays 0
+    EXPECT_FALSE(box.isEmpty());
+    EXPECT_TRUE(box.getTransformed(matrix).isEmpty());
+}
+
 TEST(BoundingBoxTest, isSeenUnlessItLiesOutsideOnePlane) {
     Matrix projection;
     ASSERT_TRUE(projection.setToPerspectiveMatrix(ovMaths::MathConstants::PI_OVER_2, 1.0f, 1.0f, 10.0f));
