@@ -1,5 +1,7 @@
 #include "support/Pairs.h"
 
+#include "support/Neighbours.h"
+
 #include <algorithm>
 #include <chrono>
 #include <ctime>
@@ -71,6 +73,12 @@ double leastCpuPerWall(LOAD load) {
     return 0.0;
 }
 
+struct Round {
+    Cost baseline;
+    Cost ours;
+    double crowding = 0.0; ///< the larger one of before and after
+};
+
 /// The rounds that count.
 struct Rounds {
     std::vector<double> baselineTimes;
@@ -85,27 +93,62 @@ constexpr double TO_MILLISECONDS = 1e3;
 /// A process that takes a core is often gone after half a minute.
 constexpr double PATIENCE_SECONDS = 40.0;
 
-Rounds runRounds(const Side& baseline, const Side& ours, int count, LOAD load) {
+/// For a quiet moment of a neighbour on the same core, which works for seconds and rests for as long.
+constexpr double PATIENCE_WITH_NEIGHBOURS_SECONDS = 15.0;
+
+/// Rounds may be so much more crowded than the quietest one.
+constexpr double CROWDED = 1.1;
+
+/// Of one thread. What works on two cores crowds them itself.
+double crowdingOf(LOAD load) {
+    return load == LOAD::ONE_CORE || load == LOAD::CPU_TIME ? measureCrowding() : 0.0;
+}
+
+Round runRound(const Side& baseline, const Side& ours, bool baselineFirst, LOAD load) {
+    Round round;
+    round.crowding = crowdingOf(load);
+    if (baselineFirst)
+        round.baseline = measure(baseline);
+    round.ours = measure(ours);
+    if (!baselineFirst)
+        round.baseline = measure(baseline);
+    round.crowding = std::max(round.crowding, crowdingOf(load));
+    return round;
+}
+
+/// Whether so many rounds are hardly more crowded than the first. @param rounds the quietest first
+bool areQuiet(const std::vector<Round>& rounds, std::size_t count) {
+    return rounds.size() >= count && rounds[count - 1].crowding <= CROWDED * rounds[0].crowding;
+}
+
+// Rounds are chosen by what was measured beside them and never by their own times, so that the choice favours
+// neither side.
+Rounds runRounds(const Side& baseline, const Side& ours, std::size_t count, LOAD load) {
     const double least = leastCpuPerWall(load);
-    const auto timeOf = [load](const Cost& cost) { return load == LOAD::CPU_TIME ? cost.cpu : cost.wall; };
     const double start = wallSeconds();
-    Rounds rounds;
-    for (int round = 0; static_cast<int>(rounds.ourTimes.size()) < count; ++round) {
-        if (round >= count && wallSeconds() - start > PATIENCE_SECONDS)
+    std::vector<Round> fair; // the quietest first
+    std::size_t tried = 0;
+    while (!areQuiet(fair, count)) {
+        const double patience = fair.size() < count ? PATIENCE_SECONDS : PATIENCE_WITH_NEIGHBOURS_SECONDS;
+        if (tried >= count && wallSeconds() - start > patience)
             break;
-        const bool baselineFirst = round % 2 == 0;
-        const Cost first = measure(baselineFirst ? baseline : ours);
-        const Cost second = measure(baselineFirst ? ours : baseline);
-        Cost both = first;
-        both += second;
-        if (both.cpu < least * both.wall) {
-            ++rounds.dropped;
+        const Round round = runRound(baseline, ours, tried % 2 == 0, load);
+        ++tried;
+        if (round.baseline.cpu + round.ours.cpu < least * (round.baseline.wall + round.ours.wall))
             continue;
-        }
-        rounds.baselineTimes.push_back(timeOf(baselineFirst ? first : second));
-        rounds.ourTimes.push_back(timeOf(baselineFirst ? second : first));
-        rounds.cost += both;
+        const auto isQuieter = [](const Round& a, const Round& b) { return a.crowding < b.crowding; };
+        fair.insert(std::upper_bound(fair.begin(), fair.end(), round, isQuieter), round);
     }
+    fair.resize(std::min(fair.size(), count));
+    const auto timeOf = [load](const Cost& cost) { return load == LOAD::CPU_TIME ? cost.cpu : cost.wall; };
+    Rounds rounds;
+    for (const Round& round : fair) {
+        rounds.baselineTimes.push_back(timeOf(round.baseline));
+        rounds.ourTimes.push_back(timeOf(round.ours));
+        rounds.cost += round.baseline;
+        rounds.cost += round.ours;
+    }
+    rounds.dropped = static_cast<int>(tried - fair.size());
     return rounds;
 }
 
@@ -117,8 +160,9 @@ void runPair(benchmark::State& state, const Side& baseline, const Side& ours, in
             measure(baseline);
             measure(ours);
         }
-        const Rounds fair = runRounds(baseline, ours, rounds, load);
-        if (static_cast<int>(fair.ourTimes.size()) < rounds) {
+        const auto count = static_cast<std::size_t>(rounds);
+        const Rounds fair = runRounds(baseline, ours, count, load);
+        if (fair.ourTimes.size() < count) {
             state.SkipWithError("another process takes a core: too few fair rounds in 40 s");
             return;
         }

@@ -16,13 +16,15 @@ struct Side {
 enum class LOAD {
     ONE_CORE,  ///< CPU seconds over wall seconds of a fair round are at least 0.93
     TWO_CORES, ///< at least 1.85
-    CPU_TIME,  ///< CPU seconds are measured instead, which other processes do not touch: none is unfair
+    CPU_TIME,  ///< one core, and CPU seconds are measured, which other processes do not touch
     WAITS      ///< the work waits for threads or the disk by itself: no round is unfair
 };
 
 /// Runs a pair as one benchmark. The rules of fairness: both sides are warmed up before the first
 /// measurement; they take turns, and change who goes first, so that whatever else the machine does hits both;
-/// rounds in which another process took a core are dropped and repeated; medians are compared, not means.
+/// rounds in which another process took a core are dropped and repeated; of work on one core, the rounds
+/// count in which a neighbour that we do not see took least of it (measureCrowding()); medians are compared,
+/// not means.
 ///
 /// The benchmark's own time is the median of ours. Counters: ours_ms, baseline_ms, ratio (ours over
 /// baseline), spread (the distance between the quartiles of ours over its median), cpu_per_wall (CPU seconds
